@@ -1,0 +1,32 @@
+#include "numeric/exception.h"
+
+#include <ostream>
+#include <utility>
+
+Exception::Exception(std::string where, std::string what) : _where(std::move(where)), _what(std::move(what)) {}
+
+void Exception::addWhere(const std::string& where)
+{
+  if (_numCalls == 0) _calls.clear(); // the text for an unknown trace makes place for the first call
+  ++_numCalls;
+  _calls += "[" + std::to_string(_numCalls) + "] " + where;
+}
+
+std::string Exception::callStack() const
+{
+  return "[0] " + _where + (_numCalls > 0 ? _calls : "");
+}
+
+void Exception::print(std::ostream& stream) const
+{
+  stream << "Exception raised:\n"
+         << "  What: " << _what << "\n"
+         << "  Where: " << _where << "\n"
+         << "  Calls: " << callStack() << "\n";
+}
+
+std::ostream& operator<<(std::ostream& stream, const Exception& exception)
+{
+  exception.print(stream);
+  return stream;
+}
