@@ -28,7 +28,8 @@ TextBuffer& TextBuffer::operator<<(char character)
   return *this << std::string_view(&character, 1);
 }
 
-template <class Number> TextBuffer& TextBuffer::operator<<(Number number)
+template <class Number>
+requires std::is_arithmetic_v<Number> TextBuffer& TextBuffer::operator<<(Number number)
 {
   appendFormatted(_text, [number](char* first, char* last) { return std::to_chars(first, last, number); });
   return *this;
