@@ -37,8 +37,11 @@ requires std::is_arithmetic_v<Number> TextBuffer& TextBuffer::operator<<(Number 
 
 template <class Number> TextBuffer& TextBuffer::addSixDigits(Number number)
 {
-  appendFormatted(_text, [number](char* first, char* last)
-                  { return std::to_chars(first, last, number, std::chars_format::general, 6); });
+  if constexpr (std::is_integral_v<Number>)
+    return *this << number;
+  else
+    appendFormatted(_text, [number](char* first, char* last)
+                    { return std::to_chars(first, last, number, std::chars_format::general, 6); });
   return *this;
 }
 
@@ -52,6 +55,7 @@ template TextBuffer& TextBuffer::operator<<(int);
 template TextBuffer& TextBuffer::operator<<(float);
 template TextBuffer& TextBuffer::operator<<(double);
 template TextBuffer& TextBuffer::operator<<(long double);
+template TextBuffer& TextBuffer::addSixDigits(int);
 template TextBuffer& TextBuffer::addSixDigits(float);
 template TextBuffer& TextBuffer::addSixDigits(double);
 template TextBuffer& TextBuffer::addSixDigits(long double);

@@ -19,7 +19,7 @@ public:
   /// The shortest text that reads back as the same number.
   template <class Number>
   requires std::is_arithmetic_v<Number> TextBuffer& operator<<(Number number);
-  /// Six significant digits, as the standard streams write by default.
+  /// Six significant digits, integers whole, as the standard streams write by default.
   template <class Number> TextBuffer& addSixDigits(Number number);
 
   void flush();
