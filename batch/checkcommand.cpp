@@ -22,7 +22,7 @@ void addCheckCommand(CLI::App& app, Run& run)
 {
   auto filename = std::make_shared<std::string>();
   CLI::App* command = app.add_subcommand(
-    "check", "Print what the reader has to say about a stack file: exit status 0 nothing, 1 something, 2 unreadable");
+      "check", "Print what the reader has to say about a stack file: exit status 0 nothing, 1 something, 2 unreadable");
   command->add_option("stack", *filename, "stack file")->required();
   command->callback([=, &run] { run = [=] { return check(*filename); }; });
 }

@@ -19,8 +19,8 @@ void TerminalProgress::progressed(double share)
   _isDrawn = true;
   constexpr int width = 30;
   const auto filled = static_cast<std::size_t>(share * width);
-  std::cerr << "\r" << _message << " [" << std::string(filled, '=') << std::string(width - filled, ' ') << "] " << percent
-            << "%" << std::flush;
+  std::cerr << "\r" << _message << " [" << std::string(filled, '=') << std::string(width - filled, ' ') << "] "
+            << percent << "%" << std::flush;
 }
 
 void TerminalProgress::finished()

@@ -157,16 +157,21 @@ void NYXSliceView::drawItems(QPainter& painter) const
 {
   const QRectF target = imageRect();
   const QTransform toWidget = QTransform::fromTranslate(target.x(), target.y())
-                                .scale(target.width() / _sourceSize.width(), target.height() / _sourceSize.height());
+                                  .scale(target.width() / _sourceSize.width(), target.height() / _sourceSize.height());
   for (int i = 0; i < _slice->getNumItems(); ++i)
   {
     const ModelItem& item = *_slice->getItem(i);
     if (item.getModel() == nullptr) continue;
     switch (item.getModel()->getModelProperties().getGeometry())
     {
-    case MPrimitive::Polypoint: drawPoints(painter, item, toWidget); break;
-    case MPrimitive::Region: drawRegion(painter, item, toWidget); break;
-    default: drawCurve(painter, item, toWidget);
+    case MPrimitive::Polypoint:
+      drawPoints(painter, item, toWidget);
+      break;
+    case MPrimitive::Region:
+      drawRegion(painter, item, toWidget);
+      break;
+    default:
+      drawCurve(painter, item, toWidget);
     }
   }
 }

@@ -37,13 +37,13 @@ TEST(Backups, RotateUpToTheLimit)
     int limit;
     const char* after;
   } cases[] = {
-    {"full set", {"f=now", "f~1=one", "f~2=two", "f~3=three"}, 3, "f=now f~1=now f~2=one f~3=two"},
-    {"first save", {"f=now"}, 3, "f=now f~1=now"},
-    {"a gap is kept", {"f=now", "f~2=two"}, 3, "f=now f~1=now f~3=two"},
-    {"beyond the limit is left alone", {"f=now", "f~1=one", "f~2=two"}, 1, "f=now f~1=now f~2=two"},
-    {"limit 0", {"f=now", "f~1=one"}, 0, "f=now f~1=one"},
-    {"negative limit", {"f=now"}, -1, "f=now"},
-    {"no file yet", {"f~1=one"}, 3, "f~1=one"},
+      {"full set", {"f=now", "f~1=one", "f~2=two", "f~3=three"}, 3, "f=now f~1=now f~2=one f~3=two"},
+      {"first save", {"f=now"}, 3, "f=now f~1=now"},
+      {"a gap is kept", {"f=now", "f~2=two"}, 3, "f=now f~1=now f~3=two"},
+      {"beyond the limit is left alone", {"f=now", "f~1=one", "f~2=two"}, 1, "f=now f~1=now f~2=two"},
+      {"limit 0", {"f=now", "f~1=one"}, 0, "f=now f~1=one"},
+      {"negative limit", {"f=now"}, -1, "f=now"},
+      {"no file yet", {"f~1=one"}, 3, "f~1=one"},
   };
   for (const auto& c : cases)
   {

@@ -14,17 +14,18 @@ TEST(GuardedRun, GivesTheResultOfTheWindows)
 
 TEST(GuardedRun, ReportsEveryClassOfException)
 {
-  const std::string library = "*** Exception ***\nException raised:\n  What: no contour\n  Where: f()\n  Calls: [0] f()\n\n";
+  const std::string library =
+      "*** Exception ***\nException raised:\n  What: no contour\n  Where: f()\n  Calls: [0] f()\n\n";
   const struct
   {
     const char* name;
     std::function<int()> windows;
     std::string output;
   } cases[] = {
-    {"application", []() -> int { throw NYXException("f()", "no contour"); }, library},
-    {"library", []() -> int { throw SizeError("f()", "no contour"); }, library},
-    {"standard", []() -> int { throw std::runtime_error("out of luck"); }, "*** Exception ***\nout of luck\n"},
-    {"anything else", []() -> int { throw 1; }, "*** Exception ***\nNo details available\n"},
+      {"application", []() -> int { throw NYXException("f()", "no contour"); }, library},
+      {"library", []() -> int { throw SizeError("f()", "no contour"); }, library},
+      {"standard", []() -> int { throw std::runtime_error("out of luck"); }, "*** Exception ***\nout of luck\n"},
+      {"anything else", []() -> int { throw 1; }, "*** Exception ***\nNo details available\n"},
   };
   for (const auto& c : cases)
   {

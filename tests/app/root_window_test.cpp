@@ -75,23 +75,24 @@ TEST(RootWindow, MenusHaveTheirEntries)
     const char* menu;
     QStringList entries;
   } cases[] = {
-    {"File",
-     {"New window", "Close window", "New stack (off)", "New stack from file (off)", "Open stack", "Recent stacks...",
-      "Save stack (off)", "Save stack as... (off)", "Close stack (off)", "Close all (off)", "Quit"}},
-    {"Edit",
-     {"Undo (off)", "Redo (off)", "Display stack panorama (off)", "Display single slice (off)",
-      "Display overview (off)", "Select first slice (off)", "Select last slice (off)", "Select next slice (off)",
-      "Select previous slice (off)", "Edit models... (off)", "Insert slice... (off)", "Delete slice (off)",
-      "Stack properties... (off)", "Slice properties... (off)", "Annotate stack... (off)", "Annotate slice... (off)",
-      "Preferences..."}},
-    {"Process",
-     {"Register (off)", "Reconstruct (off)", "Image processing (off)", "Find spots (off)", "Normalize (off)",
-      "Transfer models... (off)", "Filter models... (off)"}},
-    {"Analyze", {"Spatial analysis"}},
-    {"Plugins", {"Refresh"}},
-    {"Show", {"Tool bar", "Browser", "Status bar"}},
-    {"Help",
-     {"Mirelo Homepage [web] (off)", "Mirelo Manual [web] (off)", "Subscribe mailing list [web] (off)", "About Mirelo"}},
+      {"File",
+       {"New window", "Close window", "New stack (off)", "New stack from file (off)", "Open stack", "Recent stacks...",
+        "Save stack (off)", "Save stack as... (off)", "Close stack (off)", "Close all (off)", "Quit"}},
+      {"Edit",
+       {"Undo (off)", "Redo (off)", "Display stack panorama (off)", "Display single slice (off)",
+        "Display overview (off)", "Select first slice (off)", "Select last slice (off)", "Select next slice (off)",
+        "Select previous slice (off)", "Edit models... (off)", "Insert slice... (off)", "Delete slice (off)",
+        "Stack properties... (off)", "Slice properties... (off)", "Annotate stack... (off)", "Annotate slice... (off)",
+        "Preferences..."}},
+      {"Process",
+       {"Register (off)", "Reconstruct (off)", "Image processing (off)", "Find spots (off)", "Normalize (off)",
+        "Transfer models... (off)", "Filter models... (off)"}},
+      {"Analyze", {"Spatial analysis"}},
+      {"Plugins", {"Refresh"}},
+      {"Show", {"Tool bar", "Browser", "Status bar"}},
+      {"Help",
+       {"Mirelo Homepage [web] (off)", "Mirelo Manual [web] (off)", "Subscribe mailing list [web] (off)",
+        "About Mirelo"}},
   };
   for (const auto& c : cases) EXPECT_EQ(entriesOf(*menuOf(test.window(), c.menu)), c.entries) << c.menu;
 }
@@ -128,9 +129,9 @@ TEST(RootWindow, PartsAreToggledAndRemembered)
     const char* part;
     const char* key;
   } cases[] = {
-    {"Tool bar", "rootToolBar", "rootWindow/toolBarVisible"},
-    {"Browser", "rootBrowser", "rootWindow/browserVisible"},
-    {"Status bar", "rootStatusBar", "rootWindow/statusBarVisible"},
+      {"Tool bar", "rootToolBar", "rootWindow/toolBarVisible"},
+      {"Browser", "rootBrowser", "rootWindow/browserVisible"},
+      {"Status bar", "rootStatusBar", "rootWindow/statusBarVisible"},
   };
   for (const auto& c : cases)
   {
@@ -207,7 +208,8 @@ TEST(RootWindow, DroppedFilesAreOpenedInOrder)
 TEST(RootWindow, BadFilesOpenNothingAndAreNamed)
 {
   const QTemporaryDir folder;
-  const auto file = [&](const char* name, const QByteArray& text) {
+  const auto file = [&](const char* name, const QByteArray& text)
+  {
     QFile device(folder.filePath(name));
     EXPECT_TRUE(device.open(QIODevice::WriteOnly));
     device.write(text);
@@ -220,10 +222,11 @@ TEST(RootWindow, BadFilesOpenNothingAndAreNamed)
     bool opens;
     QString said; // part of what the dialog says beside the file's name
   } cases[] = {
-    {"missing", folder.filePath("missing.sdf"), false, "missing.sdf"},
-    {"empty", file("empty.sdf", ""), false, "not a stack file"},
-    {"garbage", file("garbage.sdf", QByteArray(3000, '\xb7')), false, "not a stack file"},
-    {"a bad statement", file("bad.sdf", "STACK \"a\"; NONSENSE 1;"), true, "Error on NONSENSE: unknown keyword (ignored)."},
+      {"missing", folder.filePath("missing.sdf"), false, "missing.sdf"},
+      {"empty", file("empty.sdf", ""), false, "not a stack file"},
+      {"garbage", file("garbage.sdf", QByteArray(3000, '\xb7')), false, "not a stack file"},
+      {"a bad statement", file("bad.sdf", "STACK \"a\"; NONSENSE 1;"), true,
+       "Error on NONSENSE: unknown keyword (ignored)."},
   };
   for (const auto& c : cases)
   {
@@ -231,14 +234,16 @@ TEST(RootWindow, BadFilesOpenNothingAndAreNamed)
     WindowTest test;
     QString said;
     QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-      auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      if (dialog == nullptr) return;
-      if (auto* box = qobject_cast<QMessageBox*>(dialog)) said = box->text();
-      if (auto* log = dialog->findChild<QPlainTextEdit*>("log"))
-        said = dialog->findChild<QLabel*>("banner")->text() + log->toPlainText();
-      dialog->reject();
-    });
+    QObject::connect(&timer, &QTimer::timeout,
+                     [&]
+                     {
+                       auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                       if (dialog == nullptr) return;
+                       if (auto* box = qobject_cast<QMessageBox*>(dialog)) said = box->text();
+                       if (auto* log = dialog->findChild<QPlainTextEdit*>("log"))
+                         said = dialog->findChild<QLabel*>("banner")->text() + log->toPlainText();
+                       dialog->reject();
+                     });
     timer.start(5);
     test.window().startupOpenStack(c.file);
     EXPECT_EQ(NYXStackServer::server().getNumStacks(), c.opens ? 1 : 0);

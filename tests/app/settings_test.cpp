@@ -76,9 +76,9 @@ TEST(PreferencesDialog, AppliesOnlyWhenAsked)
     int numBackups;
     bool closes;
   } cases[] = {
-    {QDialogButtonBox::Cancel, 5, true},
-    {QDialogButtonBox::Apply, 8, false},
-    {QDialogButtonBox::Ok, 8, true},
+      {QDialogButtonBox::Cancel, 5, true},
+      {QDialogButtonBox::Apply, 8, false},
+      {QDialogButtonBox::Ok, 8, true},
   };
   for (const auto& c : cases)
   {

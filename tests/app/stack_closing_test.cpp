@@ -31,10 +31,10 @@ TEST(StackClosing, AsksAboutUnsavedChanges)
     bool isClosed;
     bool isSaved;
   } cases[] = {
-    {"not modified", false, {}, {}, true, false},
-    {"cancel", true, {QMessageBox::Cancel}, {question}, false, false},
-    {"ignore", true, {QMessageBox::Ignore}, {question}, true, false},
-    {"save", true, {QMessageBox::Save}, {question}, true, true},
+      {"not modified", false, {}, {}, true, false},
+      {"cancel", true, {QMessageBox::Cancel}, {question}, false, false},
+      {"ignore", true, {QMessageBox::Ignore}, {question}, true, false},
+      {"save", true, {QMessageBox::Save}, {question}, true, true},
   };
   for (const auto& c : cases)
   {
@@ -61,9 +61,9 @@ TEST(StackClosing, AFailedSaveCanBeRetriedDiscardedOrCancelled)
     QStringList boxes;
     bool isClosed;
   } cases[] = {
-    {{QMessageBox::Save, QMessageBox::Discard}, {question, failure}, true},
-    {{QMessageBox::Save, QMessageBox::Cancel}, {question, failure}, false},
-    {{QMessageBox::Save, QMessageBox::Retry, QMessageBox::Discard}, {question, failure, failure}, true},
+      {{QMessageBox::Save, QMessageBox::Discard}, {question, failure}, true},
+      {{QMessageBox::Save, QMessageBox::Cancel}, {question, failure}, false},
+      {{QMessageBox::Save, QMessageBox::Retry, QMessageBox::Discard}, {question, failure, failure}, true},
   };
   for (const auto& c : cases)
   {
@@ -104,7 +104,8 @@ TEST(StackSaving, AFailureIsSaidAndLeavesTheStackModified)
   WindowTest test;
   NYXStack& stack = addStack("cells", "/nonexistent-folder/cells.sdf", true);
   bool isSaved = true;
-  const QStringList boxes = answering({QMessageBox::Ok}, [&] { isSaved = NYXStackIO(&test.window()).saveStack(stack); });
+  const QStringList boxes =
+      answering({QMessageBox::Ok}, [&] { isSaved = NYXStackIO(&test.window()).saveStack(stack); });
   EXPECT_EQ(boxes, QStringList("Error|Error: cannot write to /nonexistent-folder/cells.sdf"));
   EXPECT_FALSE(isSaved);
   EXPECT_TRUE(stack.isModified());

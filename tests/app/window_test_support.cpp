@@ -46,14 +46,18 @@ QStringList answering(const QList<QMessageBox::StandardButton>& answers, const s
 {
   QStringList seen;
   QTimer timer;
-  QObject::connect(&timer, &QTimer::timeout, [&] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr) return;
-    const auto answer = answers.value(seen.size(), QMessageBox::Cancel);
-    seen.append(box->windowTitle() + "|" + box->text());
-    if (QAbstractButton* button = box->button(answer)) button->click();
-    else box->reject();
-  });
+  QObject::connect(&timer, &QTimer::timeout,
+                   [&]
+                   {
+                     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                     if (box == nullptr) return;
+                     const auto answer = answers.value(seen.size(), QMessageBox::Cancel);
+                     seen.append(box->windowTitle() + "|" + box->text());
+                     if (QAbstractButton* button = box->button(answer))
+                       button->click();
+                     else
+                       box->reject();
+                   });
   timer.start(5);
   work();
   return seen;
