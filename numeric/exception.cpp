@@ -25,6 +25,17 @@ void Exception::print(std::ostream& stream) const
          << "  Calls: " << callStack() << "\n";
 }
 
+FileError::FileError(std::string where, std::string what, std::string filename)
+  : Exception(std::move(where), std::move(what)), _filename(std::move(filename))
+{
+}
+
+void FileError::print(std::ostream& stream) const
+{
+  Exception::print(stream);
+  stream << "  Filename: " << _filename << "\n";
+}
+
 std::ostream& operator<<(std::ostream& stream, const Exception& exception)
 {
   exception.print(stream);

@@ -1,0 +1,298 @@
+// Storage, pieces and order of vectors.
+#include "numeric/vector.h"
+
+#include "numeric/randomgenerator.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace
+{
+SizeError cannotBeResized(const char* where)
+{
+  return SizeError(where, "This is a shallow vector, cannot be resized without data");
+}
+
+template <class T> void requirePiece(const Vector<T>& v, int first, long count, const char* where)
+{
+  if (first < 0 || count < 0 || first + count > v.getSize())
+    throw RangeError(where, "Elements " + std::to_string(first) + " to " + std::to_string(first + count - 1) +
+                                " are not inside a vector of size " + std::to_string(v.getSize()));
+}
+
+/// Holds a and then b.
+template <class T> Vector<T> concatenation(const Vector<T>& a, const Vector<T>& b)
+{
+  Vector<T> all(a.getSize() + b.getSize());
+  std::copy(b.begin(), b.end(), std::copy(a.begin(), a.end(), all.begin()));
+  return all;
+}
+
+template <class T> void requirePermutation(const Vector<int>& permutation, const Vector<T>& v, const char* where)
+{
+  if (permutation.getSize() != v.getSize()) throw SizeError(where, "The permutation has another size");
+  std::vector<bool> seen(permutation.getSize());
+  for (int index : permutation)
+  {
+    if (index < 0 || index >= permutation.getSize() || seen[index])
+      throw ValueError(where, "This is not a permutation");
+    seen[index] = true;
+  }
+}
+} // namespace
+
+template <class T> Vector<T>::Vector(int n) : _size(std::max(n, 0)), _data(allocateElements<T>(_size)) {}
+
+template <class T> Vector<T>::Vector(std::initializer_list<T> values)
+  : _size(static_cast<int>(values.size())), _data(duplicateElements(values.begin(), values.size()))
+{
+}
+
+template <class T> Vector<T>::Vector(const std::vector<T>& values) : Vector(static_cast<int>(values.size()))
+{
+  std::copy(values.begin(), values.end(), _data);
+}
+
+template <class T> Vector<T>::Vector(const Vector& other)
+  : _size(other._size), _data(duplicateElements(other._data, other._size))
+{
+}
+
+template <class T> Vector<T>::Vector(Vector&& other) noexcept
+  : _size(std::exchange(other._size, 0)),
+    _data(std::exchange(other._data, nullptr)),
+    _shallow(std::exchange(other._shallow, false))
+{
+}
+
+template <class T> Vector<T>& Vector<T>::operator=(const Vector& other)
+{
+  if (this == &other) return *this;
+  if (_shallow && _size != other._size) throw cannotBeResized("Vector<T>& Vector<T>::operator=(const Vector<T>&)");
+  setSize(other._size);
+  std::copy(other.begin(), other.end(), _data);
+  return *this;
+}
+
+template <class T> Vector<T>& Vector<T>::operator=(Vector&& other)
+{
+  if (_shallow || other._shallow) return *this = static_cast<const Vector&>(other);
+  std::swap(_size, other._size);
+  std::swap(_data, other._data);
+  return *this;
+}
+
+template <class T> void Vector<T>::setSize(int n)
+{
+  n = std::max(n, 0);
+  if (n == _size) return;
+  if (_shallow) throw cannotBeResized("void Vector<T>::setSize(int)");
+  T* data = allocateElements<T>(n);
+  freeElements(_data, _size);
+  _data = data;
+  _size = n;
+}
+
+template <class T> void Vector<T>::setShallow(int n, T* buffer)
+{
+  if (!_shallow) freeElements(_data, _size);
+  _size = n;
+  _data = buffer;
+  _shallow = true;
+}
+
+template <class T> void Vector<T>::swap(Vector& other)
+{
+  if (_shallow || other._shallow)
+  {
+    if (_size != other._size)
+      throw SizeError("void Vector<T>::swap(Vector<T>&)", "Vector size differ and at least one of them is shallow");
+    std::swap_ranges(begin(), end(), other.begin());
+    return;
+  }
+  std::swap(_size, other._size);
+  std::swap(_data, other._data);
+}
+
+template <class T> bool Vector<T>::operator==(const Vector& other) const
+{
+  return std::equal(begin(), end(), other.begin(), other.end());
+}
+
+template <class T> template <class U> Vector<U> Vector<T>::toType() const requires ConvertibleElement<T, U>
+{
+  Vector<U> converted(_size);
+  std::transform(begin(), end(), converted.begin(), [](T x) { return static_cast<U>(x); });
+  return converted;
+}
+
+template <class T> void Vector<T>::fill(const T& value)
+{
+  std::fill(begin(), end(), T(value)); // a copy, since the value may be an element of this vector
+}
+
+template <class T> void Vector<T>::setZeros() requires NumericElement<T>
+{
+  fill(T(0));
+}
+
+template <class T> void Vector<T>::setZeros(int n) requires NumericElement<T>
+{
+  setSize(n);
+  setZeros();
+}
+
+template <class T> void Vector<T>::setOnes() requires NumericElement<T>
+{
+  fill(T(1));
+}
+
+template <class T> void Vector<T>::setOnes(int n) requires NumericElement<T>
+{
+  setSize(n);
+  setOnes();
+}
+
+template <class T> void Vector<T>::setCanonical(int k) requires NumericElement<T>
+{
+  requirePiece(*this, k, 1, "void Vector<T>::setCanonical(int)");
+  setZeros();
+  _data[k] = T(1);
+}
+
+template <class T> void Vector<T>::setSequence(T start, T step) requires NumericElement<T>
+{
+  using Wide = Accumulator<T>;
+  for (int i = 0; i < _size; ++i)
+    _data[i] = static_cast<T>(static_cast<Wide>(start) + static_cast<Wide>(i) * static_cast<Wide>(step));
+}
+
+template <class T> Vector<T> Vector<T>::copy(int first, int count) const
+{
+  requirePiece(*this, first, count, "Vector<T> Vector<T>::copy(int, int) const");
+  Vector piece(count);
+  std::copy_n(_data + first, count, piece._data);
+  return piece;
+}
+
+template <class T> Vector<T> Vector<T>::copyFrom(int first) const
+{
+  requirePiece(*this, first, long(_size) - first, "Vector<T> Vector<T>::copyFrom(int) const");
+  return copy(first, _size - first);
+}
+
+template <class T> Vector<T> Vector<T>::copyUntil(int last) const
+{
+  requirePiece(*this, 0, last + 1L, "Vector<T> Vector<T>::copyUntil(int) const");
+  return copy(0, last + 1);
+}
+
+template <class T> void Vector<T>::paste(int at, const Vector& v)
+{
+  requirePiece(*this, at, v._size, "void Vector<T>::paste(int, const Vector<T>&)");
+  if (v._data < _data + at)
+    std::copy_backward(v.begin(), v.end(), _data + at + v._size); // the two may overlap
+  else
+    std::copy(v.begin(), v.end(), _data + at);
+}
+
+template <class T> void Vector<T>::append(const Vector& v)
+{
+  if (v.isEmpty()) return;
+  if (_shallow) throw cannotBeResized("void Vector<T>::append(const Vector<T>&)");
+  *this = concatenation(*this, v);
+}
+
+template <class T> void Vector<T>::append(const T& x)
+{
+  if (_shallow) throw cannotBeResized("void Vector<T>::append(const T&)");
+  *this = concatenation(*this, Vector{x});
+}
+
+template <class T> void Vector<T>::prepend(const Vector& v)
+{
+  if (v.isEmpty()) return;
+  if (_shallow) throw cannotBeResized("void Vector<T>::prepend(const Vector<T>&)");
+  *this = concatenation(v, *this);
+}
+
+template <class T> void Vector<T>::sort()
+{
+  T* const last = std::partition(begin(), end(), [](const T& x) { return x == x; });
+  std::sort(begin(), last);
+}
+
+template <class T> void Vector<T>::reverse()
+{
+  std::reverse(begin(), end());
+}
+
+/// Source: Durstenfeld, "Algorithm 235: Random permutation", 1964.
+template <class T> Vector<int> Vector<T>::shuffle(RandomGenerator& generator)
+{
+  Vector<int> permutation(_size);
+  std::iota(permutation.begin(), permutation.end(), 0);
+  for (int i = _size - 1; i > 0; --i)
+  {
+    const int j = static_cast<int>(generator.uniformL(i + 1));
+    std::swap(_data[i], _data[j]);
+    std::swap(permutation[i], permutation[j]);
+  }
+  return permutation;
+}
+
+template <class T> void Vector<T>::unshuffle(const Vector<int>& permutation)
+{
+  requirePermutation(permutation, *this, "void Vector<T>::unshuffle(const Vector<int>&)");
+  Vector shuffled(*this);
+  for (int i = 0; i < _size; ++i) _data[permutation[i]] = std::move(shuffled._data[i]);
+}
+
+template <class T> void Vector<T>::circShift()
+{
+  if (_size > 1) std::rotate(begin(), end() - 1, end());
+}
+
+template <class T> bool Vector<T>::isConstant() const
+{
+  return std::all_of(begin(), end(), [this](const T& x) { return x == _data[0]; });
+}
+
+template <class T> bool Vector<T>::isIncreasing() const
+{
+  for (int i = 1; i < _size; ++i)
+    if (!(_data[i - 1] <= _data[i])) return false;
+  return true;
+}
+
+template <class T> bool Vector<T>::isDecreasing() const
+{
+  for (int i = 1; i < _size; ++i)
+    if (!(_data[i - 1] >= _data[i])) return false;
+  return true;
+}
+
+template <class T> bool Vector<T>::isSymmetrical() const
+{
+  for (int i = 0; i < _size - 1 - i; ++i)
+    if (!(_data[i] == _data[_size - 1 - i])) return false;
+  return true;
+}
+
+template <class T> bool Vector<T>::isAntiSymmetrical() const requires NumericElement<T>
+{
+  for (int i = 0; i <= _size - 1 - i; ++i)
+    if (_data[i] != static_cast<T>(-_data[_size - 1 - i])) return false;
+  return true;
+}
+
+template <class T> int Vector<T>::find(const T& x) const
+{
+  const T* const found = std::find(begin(), end(), x);
+  return found == end() ? -1 : static_cast<int>(found - begin());
+}
+
+NUMERIC_INSTANTIATE_VECTORS
+
+#define NUMERIC_INSTANTIATE_CONVERSION(T, U) template Vector<U> Vector<T>::toType<U>() const;
+NUMERIC_FOR_EACH_CONVERSION(NUMERIC_INSTANTIATE_CONVERSION)
