@@ -32,14 +32,6 @@ private:
   std::vector<int> _parent;
 };
 
-/// A curve of two vertices encloses nothing, and no share of a missing length can be walked.
-template <class T> bool isDegenerate(const Curve<T>& curve)
-{
-  if (curve.getSize() < (curve.isOpen() ? 2 : 3)) return true;
-  const T length = curve.length();
-  return !(length > 0) || !std::isfinite(length);
-}
-
 template <class T> std::vector<Vector<T>> centersOfGravity(const std::vector<const Curve<T>*>& curves)
 {
   std::vector<Vector<T>> centers;
@@ -122,6 +114,14 @@ template <class T> void CurveStackTriangulation2<T>::setCostCriterion(unsigned i
     throw ValueError("void CurveStackTriangulation2<T>::setCostCriterion(unsigned int)",
                      "Cost criterion " + std::to_string(criterion) + " is not available");
   _costCriterion = criterion;
+}
+
+// No share of a missing length can be walked.
+template <class T> bool CurveStackTriangulation2<T>::isDegenerate(const Curve<T>& curve)
+{
+  if (curve.getSize() < (curve.isOpen() ? 2 : 3)) return true;
+  const T length = curve.length();
+  return !(length > 0) || !std::isfinite(length);
 }
 
 template <class T> void CurveStackTriangulation2<T>::apply(const CurveStack<T>& stack)

@@ -45,8 +45,10 @@ public:
   /// The mesh of the last apply().
   const TriMesh<T>& getTriMesh() const { return _mesh; }
 
-  /// The numbers of the curves that the last apply() left out because they have no extent: fewer than three vertices
-  /// (two for open curves), or a length of 0 or none.
+  /// True for a curve without extent, which cannot be joined: fewer than three vertices (two for an open curve), or a
+  /// length that is 0 or not finite.
+  static bool isDegenerate(const Curve<T>& curve);
+  /// The numbers of the degenerate curves that the last apply() left out.
   const std::vector<int>& getIgnoredCurves() const { return _ignoredCurves; }
 
 private:
