@@ -43,9 +43,9 @@ void printSlices(const Stack& stack, const std::string& unit)
     const PixelCalibration& calibration = slice.getPixelCalibration();
     const Registration& registration = slice.getRegistration();
     std::cout << "  " << slice.getName() << ": " << sizeText(slice) << ", depth " << positions[std::size_t(i)] << " "
-              << unit << ", pixel " << calibration.getPixelWidth() << " x " << calibration.getPixelHeight() << " " << unit
-              << ", turned " << registration.getAngle() << " deg, shifted " << registration.getHorizontalShift() << ", "
-              << registration.getVerticalShift() << " px, items " << slice.getNumItems() << "\n";
+              << unit << ", pixel " << calibration.getPixelWidth() << " x " << calibration.getPixelHeight() << " "
+              << unit << ", turned " << registration.getAngle() << " deg, shifted " << registration.getHorizontalShift()
+              << ", " << registration.getVerticalShift() << " px, items " << slice.getNumItems() << "\n";
   }
 }
 
@@ -83,8 +83,10 @@ void printText(const StackFile& file)
 ExitStatus info(const Arguments& arguments)
 {
   const StackFile file = requireStackFile(arguments.file);
-  if (!arguments.json) printText(file);
-  else std::cout << toText(toJson(file, fs::absolute(arguments.file).lexically_normal().parent_path()));
+  if (!arguments.json)
+    printText(file);
+  else
+    std::cout << toText(toJson(file, fs::absolute(arguments.file).lexically_normal().parent_path()));
   return Done;
 }
 } // namespace
@@ -92,7 +94,8 @@ ExitStatus info(const Arguments& arguments)
 void addInfoCommand(CLI::App& app, Run& run)
 {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* command = app.add_subcommand("info", "Print what a stack holds: slices, calibration, registration, models, items");
+  CLI::App* command =
+      app.add_subcommand("info", "Print what a stack holds: slices, calibration, registration, models, items");
   command->add_option("stack", arguments->file, "stack file")->required();
   command->add_flag("--json", arguments->json, "print JSON");
   command->callback([=, &run] { run = [=] { return info(*arguments); }; });

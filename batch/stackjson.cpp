@@ -77,23 +77,24 @@ Json sliceJson(const StackSlice& slice, float absolutePosition, const fs::path& 
   const Registration& registration = slice.getRegistration();
   const ImageSource* source = slice.getImageSource();
   return {
-    {"name", slice.getName()},
-    {"source", sourceJson(source, folder)},
-    {"relative", slice.useRelativePosition()},
-    {"usesDefault", slice.useDefaultRelativePosition()},
-    {"relativePosition", toJson(slice.getRelativePosition())},
-    {"absolutePosition", toJson(absolutePosition)},
-    {"rotation", toJson(registration.getAngle())},
-    {"shift", {registration.getHorizontalShift(), registration.getVerticalShift()}},
-    {"pixelAspect", toJson(calibration.getAspectRatio())},
-    {"pixelWidth", toJson(calibration.getPixelWidth())},
-    {"pixelHeight", toJson(calibration.getPixelHeight())},
-    {"annotation", slice.getAnnotation()},
-    {"items", slice.getNumItems()},
-    {"imageSize", source == nullptr ? Json(nullptr)
-                                    : sizeJson([&] { return source->getSize2(); }, [&] { return source->getSize1(); })},
-    {"correctedSize", source == nullptr ? Json(nullptr)
-                                        : sizeJson([&] { return slice.width(); }, [&] { return slice.height(); })},
+      {"name", slice.getName()},
+      {"source", sourceJson(source, folder)},
+      {"relative", slice.useRelativePosition()},
+      {"usesDefault", slice.useDefaultRelativePosition()},
+      {"relativePosition", toJson(slice.getRelativePosition())},
+      {"absolutePosition", toJson(absolutePosition)},
+      {"rotation", toJson(registration.getAngle())},
+      {"shift", {registration.getHorizontalShift(), registration.getVerticalShift()}},
+      {"pixelAspect", toJson(calibration.getAspectRatio())},
+      {"pixelWidth", toJson(calibration.getPixelWidth())},
+      {"pixelHeight", toJson(calibration.getPixelHeight())},
+      {"annotation", slice.getAnnotation()},
+      {"items", slice.getNumItems()},
+      {"imageSize", source == nullptr
+                        ? Json(nullptr)
+                        : sizeJson([&] { return source->getSize2(); }, [&] { return source->getSize1(); })},
+      {"correctedSize",
+       source == nullptr ? Json(nullptr) : sizeJson([&] { return slice.width(); }, [&] { return slice.height(); })},
   };
 }
 
@@ -129,9 +130,12 @@ const char* tagName(CurveStackTriangulationContourTag tag)
 {
   switch (tag)
   {
-  case CurveStackTriangulationContourTag::Begin: return "Begin";
-  case CurveStackTriangulationContourTag::End: return "End";
-  default: return "None";
+  case CurveStackTriangulationContourTag::Begin:
+    return "Begin";
+  case CurveStackTriangulationContourTag::End:
+    return "End";
+  default:
+    return "None";
   }
 }
 
@@ -147,33 +151,33 @@ Json modelJson(const Model& model)
                      {"properties", propertiesJson(item->getProperties())}});
   }
   return {
-    {"name", model.getName()},
-    {"primitive", ModelProperties::toString(properties.getGeometry())},
-    {"renderingMode", ModelProperties::toString(properties.getRenderingMode())},
-    {"opacity", toJson(properties.getSurfaceOpacity())},
-    {"shininess", toJson(properties.getSurfaceShininess())},
-    {"quadWidth", properties.getQuadMeshWidth()},
-    {"quadHeight", properties.getQuadMeshHeight()},
-    {"vertexSmoothing", properties.getVertexSmoothing()},
-    {"normalSmoothing", properties.getNormalSmoothing()},
-    {"economic", properties.getEconomicRendering()},
-    {"beginCap", properties.hasBeginCapFlag() ? Json(properties.getBeginCapFlag()) : Json(nullptr)},
-    {"endCap", properties.hasEndCapFlag() ? Json(properties.getEndCapFlag()) : Json(nullptr)},
-    {"itemDefaults", propertiesJson(model.getItemProperties())},
-    {"items", items},
+      {"name", model.getName()},
+      {"primitive", ModelProperties::toString(properties.getGeometry())},
+      {"renderingMode", ModelProperties::toString(properties.getRenderingMode())},
+      {"opacity", toJson(properties.getSurfaceOpacity())},
+      {"shininess", toJson(properties.getSurfaceShininess())},
+      {"quadWidth", properties.getQuadMeshWidth()},
+      {"quadHeight", properties.getQuadMeshHeight()},
+      {"vertexSmoothing", properties.getVertexSmoothing()},
+      {"normalSmoothing", properties.getNormalSmoothing()},
+      {"economic", properties.getEconomicRendering()},
+      {"beginCap", properties.hasBeginCapFlag() ? Json(properties.getBeginCapFlag()) : Json(nullptr)},
+      {"endCap", properties.hasEndCapFlag() ? Json(properties.getEndCapFlag()) : Json(nullptr)},
+      {"itemDefaults", propertiesJson(model.getItemProperties())},
+      {"items", items},
   };
 }
 
 Json poseJson(const Pose& pose)
 {
   return {
-    {"name", pose.getName()},
-    {"rotation", {toJson(pose.getXRotation()), toJson(pose.getYRotation()), toJson(pose.getZRotation())}},
-    {"shift", {pose.getXTranslation(), pose.getYTranslation()}},
-    {"zoom", pose.getZoom()},
-    {"ambient", pose.getAmbientLight()},
-    {"diffuse", pose.getDiffuseLight()},
-    {"specular", pose.getSpecularLight()},
+      {"name", pose.getName()},
+      {"rotation", {toJson(pose.getXRotation()), toJson(pose.getYRotation()), toJson(pose.getZRotation())}},
+      {"shift", {pose.getXTranslation(), pose.getYTranslation()}},
+      {"zoom", pose.getZoom()},
+      {"ambient", pose.getAmbientLight()},
+      {"diffuse", pose.getDiffuseLight()},
+      {"specular", pose.getSpecularLight()},
   };
 }
 } // namespace
@@ -189,22 +193,22 @@ Json toJson(const StackFile& file, const fs::path& stackFolder)
   for (int i = 0; i < stack.getNumModels(); ++i) models.push_back(modelJson(*stack.getModel(i)));
   for (int i = 0; i < stack.getNumPoses(); ++i) poses.push_back(poseJson(*stack.getPose(i)));
   return {
-    {"version", toJson(file.version)},
-    {"name", stack.getName()},
-    {"annotation", stack.getAnnotation()},
-    {"lengthUnitScale", stack.getLengthUnit().getScale()},
-    {"pixelAspect", toJson(calibration.getAspectRatio())},
-    {"pixelWidth", toJson(calibration.getPixelWidth())},
-    {"pixelHeight", toJson(calibration.getPixelHeight())},
-    {"defaultRelativePosition", toJson(stack.getDefaultRelativePosition())},
-    {"lastSegmentedSlice", stack.getLastSegmentedSlice()},
-    {"lastRegisteredSlice", stack.getLastRegisteredSlice()},
-    {"absoluteImagesPathPolicy", stack.getAbsoluteImagesPathPolicy()},
-    {"invertZAxis", stack.getInvertZAxis()},
-    {"slices", slices},
-    {"models", models},
-    {"poses", poses},
-    {"log", file.log},
-    {"fatal", file.isFatal},
+      {"version", toJson(file.version)},
+      {"name", stack.getName()},
+      {"annotation", stack.getAnnotation()},
+      {"lengthUnitScale", stack.getLengthUnit().getScale()},
+      {"pixelAspect", toJson(calibration.getAspectRatio())},
+      {"pixelWidth", toJson(calibration.getPixelWidth())},
+      {"pixelHeight", toJson(calibration.getPixelHeight())},
+      {"defaultRelativePosition", toJson(stack.getDefaultRelativePosition())},
+      {"lastSegmentedSlice", stack.getLastSegmentedSlice()},
+      {"lastRegisteredSlice", stack.getLastRegisteredSlice()},
+      {"absoluteImagesPathPolicy", stack.getAbsoluteImagesPathPolicy()},
+      {"invertZAxis", stack.getInvertZAxis()},
+      {"slices", slices},
+      {"models", models},
+      {"poses", poses},
+      {"log", file.log},
+      {"fatal", file.isFatal},
   };
 }
