@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <iostream>
 
 namespace
@@ -34,7 +35,7 @@ Json modelRow(const Model& model)
   morphometry.setModel(model);
   morphometry.run();
   Json average = nullptr;
-  if (const Vector<double>& center = morphometry.getIsobarycenter(); center.getSize() == 3 && center[0] == center[0])
+  if (const Vector<double>& center = morphometry.getIsobarycenter(); center.getSize() == 3 && std::isfinite(center[0]))
     average = {center[0], center[1], center[2]};
   const bool hasContours = model.getGeometry() != MPrimitive::Polypoint;
   return {
