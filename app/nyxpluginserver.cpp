@@ -47,7 +47,8 @@ void NYXPluginServer::loadPlugin(const QString& file)
   if (plugin == nullptr)
   {
     const QString reason = loader.isLoaded() ? "it is no plug-in of this program" : loader.errorString();
-    std::cerr << "mirelo: cannot load plug-in " << file.toStdString() << ": " << reason.simplified().toStdString() << "\n";
+    std::cerr << "mirelo: cannot load plug-in " << file.toStdString() << ": " << reason.simplified().toStdString()
+              << "\n";
     return;
   }
   if (std::ranges::find(_plugins, plugin) == _plugins.end()) _plugins.push_back(plugin);

@@ -12,7 +12,8 @@ class NYXPluginServer
 public:
   static NYXPluginServer& server();
 
-  /// Looks through the folders again. A library that is no plug-in or fails to load is named on the error stream, in one line.
+  /// Looks through the folders again. A library that is no plug-in or fails to load is named on the error stream, in
+  /// one line.
   void loadPlugins();
 
   int getNumPlugins() const { return static_cast<int>(_plugins.size()); }

@@ -14,8 +14,7 @@ NYXPreferencesDialog::NYXPreferencesDialog(QWidget* parent) : QDialog(parent)
   setWindowTitle(QCoreApplication::translate("NYXPreferencesDialog", "Preferences"));
 
   auto* editor = new NYXPreferencesEditor(this);
-  auto* buttons =
-    new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this);
   buttons->button(QDialogButtonBox::Ok)->setText("OK");
   buttons->button(QDialogButtonBox::Apply)->setText("Apply");
   buttons->button(QDialogButtonBox::Cancel)->setText("Cancel");

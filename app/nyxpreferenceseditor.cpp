@@ -14,27 +14,27 @@ NYXPreferencesEditor::NYXPreferencesEditor(QWidget* parent) : QWidget(parent)
   _maxNumBackups = addSpinBox("maxNumBackups", tr("Maximum number of backup files"),
                               tr("Copies of older versions kept beside a saved stack; 0 keeps none"), 0, 99,
                               NYXPreferences::getMaxNumBackups());
-  _autoDecimation =
-    addCheckBox("autoDecimation", tr("Automatic contour decimation"),
-                tr("Vertices that hardly change a contour are removed when it is finished"), NYXPreferences::autoDecimationEnabled());
+  _autoDecimation = addCheckBox("autoDecimation", tr("Automatic contour decimation"),
+                                tr("Vertices that hardly change a contour are removed when it is finished"),
+                                NYXPreferences::autoDecimationEnabled());
   _highlightSelectedItems =
-    addCheckBox("highlightSelectedItems", tr("Highlight selected items"),
-                tr("Selected items (contours or points) are drawn using thicker lines when this option is checked."),
-                NYXPreferences::getHighlightSelectedItems());
+      addCheckBox("highlightSelectedItems", tr("Highlight selected items"),
+                  tr("Selected items (contours or points) are drawn using thicker lines when this option is checked."),
+                  NYXPreferences::getHighlightSelectedItems());
   _panoramaLabels = addCheckBox("enablePanoramaLabels", tr("Display image labels in panoramas"),
                                 tr("Each image of a panorama carries the name of its slice"),
                                 NYXPreferences::isPanoramaLabelEnabled());
-  _clickTolerance = addSpinBox("clickTolerance", tr("Mouse click tolerance"),
-                               tr("How far from an item a click still selects it"), 0, 100,
-                               NYXPreferences::getClickTolerance());
+  _clickTolerance =
+      addSpinBox("clickTolerance", tr("Mouse click tolerance"), tr("How far from an item a click still selects it"), 0,
+                 100, NYXPreferences::getClickTolerance());
   _clickTolerance->setSuffix(tr(" px"));
   _regionBrushSize = addSpinBox("regionBrushSize", tr("Region brush size"),
                                 tr("Radius of the brush that paints regions, in pixels of the image"), 0, 1000,
                                 NYXPreferences::getRegionBrushSize());
   _regionBrushSize->setSuffix(tr(" px"));
-  _backgroundColor = addColorButton("imageCanvasBackgroundColor", tr("Background color"),
-                                    tr("Sets the color around the image of a slice"),
-                                    NYXPreferences::getImageCanvasBackgroundColor());
+  _backgroundColor =
+      addColorButton("imageCanvasBackgroundColor", tr("Background color"),
+                     tr("Sets the color around the image of a slice"), NYXPreferences::getImageCanvasBackgroundColor());
   _selectionColor = addColorButton("selectionColor", tr("Selection color"),
                                    tr("Sets the color used when drawing selection rectangles and lines"),
                                    NYXPreferences::getSelectionColor());

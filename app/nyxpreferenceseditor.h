@@ -22,7 +22,8 @@ signals:
 
 private:
   QCheckBox* addCheckBox(const char* name, const QString& label, const QString& toolTip, bool value);
-  QSpinBox* addSpinBox(const char* name, const QString& label, const QString& toolTip, int minimum, int maximum, int value);
+  QSpinBox* addSpinBox(const char* name, const QString& label, const QString& toolTip, int minimum, int maximum,
+                       int value);
   NYXColorButton* addColorButton(const char* name, const QString& label, const QString& toolTip, const QColor& color);
 
   QSpinBox* _maxNumBackups;

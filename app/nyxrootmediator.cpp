@@ -34,23 +34,20 @@ NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
   createPluginsActions();
 }
 
-template <class Slot>
-QAction* NYXRootMediator::createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
-                                       Slot&& slot)
+template <class Slot> QAction* NYXRootMediator::createAction(const QString& text, const QString& toolTip,
+                                                             const QKeySequence& shortcut, Slot&& slot)
 {
   auto* action = new QAction(text, this);
   action->setObjectName(text);
   action->setShortcut(shortcut);
   action->setStatusTip(toolTip);
-  action->setToolTip(shortcut.isEmpty() ? toolTip
-                                        : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
+  action->setToolTip(shortcut.isEmpty() ? toolTip : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
   connect(action, &QAction::triggered, this, std::forward<Slot>(slot));
   return action;
 }
 
-template <class Slot>
-QAction* NYXRootMediator::createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
-                                            Slot&& slot)
+template <class Slot> QAction* NYXRootMediator::createStackAction(const QString& text, const QString& toolTip,
+                                                                  const QKeySequence& shortcut, Slot&& slot)
 {
   QAction* action = createAction(text, toolTip, shortcut, std::forward<Slot>(slot));
   _stackActions.append(action);
@@ -76,7 +73,7 @@ void NYXRootMediator::createFileActions()
   _newStack = createLaterAction(tr("New stack"), tr("Make a stack of image files"));
   _newStackFromFile = createLaterAction(tr("New stack from file"), tr("Make a stack of the planes of one file"));
   _openStack =
-    createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
+      createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
   _openStack->setIcon(QIcon(":/icons/open.svg"));
   _saveStack = createStackAction(tr("Save stack"), tr("Save the current stack to its file"), QKeySequence::Save,
                                  &NYXRootMediator::saveCurrentStack);
@@ -84,9 +81,8 @@ void NYXRootMediator::createFileActions()
   _saveStackAs = createStackAction(tr("Save stack as..."), tr("Save the current stack to another file"),
                                    QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S),
                                    [this] { stackIO().saveStackAs(*currentStack()); });
-  _closeStack =
-    createStackAction(tr("Close stack"), tr("Close the current stack"), QKeySequence(Qt::CTRL + Qt::Key_W),
-                      [this] { stackIO().closeStack(*currentStack()); });
+  _closeStack = createStackAction(tr("Close stack"), tr("Close the current stack"), QKeySequence(Qt::CTRL + Qt::Key_W),
+                                  [this] { stackIO().closeStack(*currentStack()); });
   _closeAll = createStackAction(tr("Close all"), tr("Close all stacks"), {}, [this] { stackIO().closeAll(); });
 }
 
@@ -98,16 +94,16 @@ void NYXRootMediator::createEditActions()
   _undo = createLaterAction(tr("Undo"), tr("Take the last change back"));
   _redo = createLaterAction(tr("Redo"), tr("Make the change again that was taken back last"));
   _editDialogs = {
-    createLaterAction(tr("Edit models..."), tr("Create, change and delete models")),
-    createLaterAction(tr("Insert slice..."), tr("Insert an image before the current slice")),
-    createLaterAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it")),
-    createLaterAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack")),
-    createLaterAction(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice")),
-    createLaterAction(tr("Annotate stack..."), tr("Write notes on the stack")),
-    createLaterAction(tr("Annotate slice..."), tr("Write notes on the slice")),
+      createLaterAction(tr("Edit models..."), tr("Create, change and delete models")),
+      createLaterAction(tr("Insert slice..."), tr("Insert an image before the current slice")),
+      createLaterAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it")),
+      createLaterAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack")),
+      createLaterAction(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice")),
+      createLaterAction(tr("Annotate stack..."), tr("Write notes on the stack")),
+      createLaterAction(tr("Annotate slice..."), tr("Write notes on the slice")),
   };
   _preferences =
-    createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
+      createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
 }
 
 void NYXRootMediator::createSliceActions()
@@ -130,13 +126,13 @@ void NYXRootMediator::createSliceActions()
 void NYXRootMediator::createProcessActions()
 {
   _process = {
-    createLaterAction(tr("Register"), tr("Align each slice on the one before")),
-    createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
-    createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
-    createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
-    createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
-    createLaterAction(tr("Transfer models..."), tr("Copy models from another stack")),
-    createLaterAction(tr("Filter models..."), tr("Keep the items of models that meet conditions")),
+      createLaterAction(tr("Register"), tr("Align each slice on the one before")),
+      createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
+      createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
+      createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
+      createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
+      createLaterAction(tr("Transfer models..."), tr("Copy models from another stack")),
+      createLaterAction(tr("Filter models..."), tr("Keep the items of models that meet conditions")),
   };
 }
 
@@ -147,10 +143,12 @@ void NYXRootMediator::createAnalyzeActions()
 
 void NYXRootMediator::createPluginsActions()
 {
-  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {}, [this] {
-    NYXPluginServer::server().loadPlugins();
-    updatePluginActions();
-  });
+  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {},
+                                 [this]
+                                 {
+                                   NYXPluginServer::server().loadPlugins();
+                                   updatePluginActions();
+                                 });
 }
 
 void NYXRootMediator::initFileMenu(QMenu& menu)
@@ -315,7 +313,7 @@ void NYXRootMediator::updatePluginActions()
   {
     const QString name = server.getPlugin(i).name();
     _pluginActions.append(
-      createAction(name, tr("Run the plug-in on the current stack"), {}, [this, i] { pluginActionTriggered(i); }));
+        createAction(name, tr("Run the plug-in on the current stack"), {}, [this, i] { pluginActionTriggered(i); }));
   }
   _pluginsMenu->insertActions(_refreshPlugins, _pluginActions);
   updateActions();

@@ -62,8 +62,8 @@ void NYXRootSliceEditWidget::setRecentFiles(const QStringList& files)
   {
     const QFileInfo info(file);
     text += QString("<tr><td><a href=\"%1\">%2</a></td><td>&nbsp;&nbsp;%3</td></tr>")
-              .arg(QUrl::fromLocalFile(file).toString().toHtmlEscaped(), info.fileName().toHtmlEscaped(),
-                   QDir::toNativeSeparators(info.path()).toHtmlEscaped());
+                .arg(QUrl::fromLocalFile(file).toString().toHtmlEscaped(), info.fileName().toHtmlEscaped(),
+                     QDir::toNativeSeparators(info.path()).toHtmlEscaped());
   }
   _recentFiles->setText(text.isEmpty() ? QString() : tr("<p>Recent stacks</p>") + "<table>" + text + "</table>");
   _recentFiles->setVisible(!text.isEmpty());

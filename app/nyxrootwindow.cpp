@@ -98,7 +98,8 @@ void NYXRootWindow::createShowMenu(QMenu& menu)
 
 void NYXRootWindow::createHelpMenu(QMenu& menu)
 {
-  const auto addLink = [&](const QString& text, const char* address, void (NYXRootWindow::*open)()) {
+  const auto addLink = [&](const QString& text, const char* address, void (NYXRootWindow::*open)())
+  {
     QAction* action = menu.addAction(text, this, open);
     action->setEnabled(*address != '\0');
     action->setToolTip(*address != '\0' ? tr("Opens %1").arg(address) : tr("This build names no address"));

@@ -67,7 +67,8 @@ void NYXStackIO::openStack(const QString& filename)
 
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
   {
-    QMessageBox::warning(_parent, tr("Error"), tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file));
+    QMessageBox::warning(_parent, tr("Error"),
+                         tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file));
     return;
   }
   if (!reader.getLog().empty()) NYXStackErrorDialog(file, linesOf(reader), _parent).exec();
@@ -98,7 +99,8 @@ bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
   QString reason;
   if (!write(stack, filename, reason))
   {
-    QMessageBox box(QMessageBox::Warning, tr("Error"), tr("Error: cannot write to ") + filename, QMessageBox::Ok, _parent);
+    QMessageBox box(QMessageBox::Warning, tr("Error"), tr("Error: cannot write to ") + filename, QMessageBox::Ok,
+                    _parent);
     box.setInformativeText(reason);
     box.exec();
     showMessage({});
@@ -119,8 +121,9 @@ bool NYXStackIO::saveStack(NYXStack& stack)
 bool NYXStackIO::saveStackAs(NYXStack& stack)
 {
   NYXSettings& settings = NYXSettings::settings();
-  const QString proposal =
-    stack.getFilename().isEmpty() ? settings.getOutputDirectory() + "/" + stack.displayName() + ".sdf" : stack.getFilename();
+  const QString proposal = stack.getFilename().isEmpty()
+                               ? settings.getOutputDirectory() + "/" + stack.displayName() + ".sdf"
+                               : stack.getFilename();
   QFileDialog dialog(_parent, tr("Save stack as"), QFileInfo(proposal).path(), "*.sdf");
   dialog.setObjectName("saveStackDialog");
   dialog.setOption(QFileDialog::DontUseNativeDialog);

@@ -7,13 +7,16 @@ class NYXRootStatusBar;
 class NYXStack;
 class QWidget;
 
-/// Opens, saves and closes stacks, with the dialogs that belong to it. Made on demand; parent and status bar are borrowed.
+/// Opens, saves and closes stacks, with the dialogs that belong to it. Made on demand; parent and status bar are
+/// borrowed.
 class NYXStackIO
 {
   Q_DECLARE_TR_FUNCTIONS(NYXStackIO)
 
 public:
-  explicit NYXStackIO(QWidget* parent, NYXRootStatusBar* statusBar = nullptr) : _parent(parent), _statusBar(statusBar) {}
+  explicit NYXStackIO(QWidget* parent, NYXRootStatusBar* statusBar = nullptr) : _parent(parent), _statusBar(statusBar)
+  {
+  }
 
   /// Asks for a stack file and opens it.
   void openStack();

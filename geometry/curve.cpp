@@ -68,11 +68,4 @@ template <class T> void Curve<T>::resample(Curve<T>& out) const
   CurveResampling<T>().apply(*this, out);
 }
 
-template <class T> bool Curve<T>::setShapeType(int shapeType)
-{
-  if (shapeType != OpenCurveShape && shapeType != ClosedCurveShape) return false;
-  _open = shapeType == OpenCurveShape;
-  return true;
-}
-
 GEOMETRY_INSTANTIATE(Curve)

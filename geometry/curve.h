@@ -46,7 +46,8 @@ public:
   void resample(Curve<T>& out) const;
 
 protected:
-  bool setShapeType(int shapeType) override;
+  bool isReadable(int shapeType) const override { return shapeType == ClosedCurveShape || shapeType == OpenCurveShape; }
+  void setShapeType(int shapeType) override { _open = shapeType == OpenCurveShape; }
 
 private:
   bool _open = false;

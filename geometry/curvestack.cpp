@@ -27,11 +27,4 @@ template <class T> std::unique_ptr<Vertices<T>> CurveStack<T>::createLevel(const
   return std::make_unique<Curve<T>>(vertices, _open);
 }
 
-template <class T> bool CurveStack<T>::setShapeType(int shapeType)
-{
-  if (shapeType != OpenCurveStackShape && shapeType != ClosedCurveStackShape) return false;
-  _open = shapeType == OpenCurveStackShape;
-  return true;
-}
-
 GEOMETRY_INSTANTIATE(CurveStack)

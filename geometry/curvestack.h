@@ -36,7 +36,11 @@ public:
 
 protected:
   std::unique_ptr<Vertices<T>> createLevel(const Vertices<T>& vertices) const override;
-  bool setShapeType(int shapeType) override;
+  bool isReadable(int shapeType) const override
+  {
+    return shapeType == ClosedCurveStackShape || shapeType == OpenCurveStackShape;
+  }
+  void setShapeType(int shapeType) override { _open = shapeType == OpenCurveStackShape; }
 
 private:
   bool _open;

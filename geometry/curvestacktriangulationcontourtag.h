@@ -1,7 +1,7 @@
 #pragma once
 
 /// How a contour is joined to the contours of the neighbouring levels when its stack is triangulated.
-enum CurveStackTriangulationContourTag
+enum class CurveStackTriangulationContourTag
 {
   None = 0,  ///< joined to the level below and to the level above
   Begin = 1, ///< first contour of a surface: not joined to the level below

@@ -38,6 +38,13 @@ int ShapeReader::readHeader(const char* meaning)
   return number;
 }
 
+int ShapeReader::readSpace()
+{
+  const int space = readHeader("space dimension");
+  if (space < 1 || space > 3) fail("the space dimension is not 1, 2 or 3");
+  return space;
+}
+
 template <class Number> void ShapeReader::readLine(Number* numbers, int count)
 {
   nextLine();

@@ -28,7 +28,8 @@ TextBuffer& TextBuffer::operator<<(char character)
   return *this << std::string_view(&character, 1);
 }
 
-template <class Number> TextBuffer& TextBuffer::operator<<(Number number)
+template <class Number>
+requires std::is_arithmetic_v<Number> TextBuffer& TextBuffer::operator<<(Number number)
 {
   appendFormatted(_text, [number](char* first, char* last) { return std::to_chars(first, last, number); });
   return *this;
@@ -36,8 +37,11 @@ template <class Number> TextBuffer& TextBuffer::operator<<(Number number)
 
 template <class Number> TextBuffer& TextBuffer::addSixDigits(Number number)
 {
-  appendFormatted(_text, [number](char* first, char* last)
-                  { return std::to_chars(first, last, number, std::chars_format::general, 6); });
+  if constexpr (std::is_integral_v<Number>)
+    return *this << number;
+  else
+    appendFormatted(_text, [number](char* first, char* last)
+                    { return std::to_chars(first, last, number, std::chars_format::general, 6); });
   return *this;
 }
 
@@ -51,6 +55,7 @@ template TextBuffer& TextBuffer::operator<<(int);
 template TextBuffer& TextBuffer::operator<<(float);
 template TextBuffer& TextBuffer::operator<<(double);
 template TextBuffer& TextBuffer::operator<<(long double);
+template TextBuffer& TextBuffer::addSixDigits(int);
 template TextBuffer& TextBuffer::addSixDigits(float);
 template TextBuffer& TextBuffer::addSixDigits(double);
 template TextBuffer& TextBuffer::addSixDigits(long double);

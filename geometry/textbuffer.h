@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 /// Collects formatted text and hands it to a stream in large pieces. Numbers have a decimal point in every locale.
 class TextBuffer
@@ -16,8 +17,9 @@ public:
   TextBuffer& operator<<(std::string_view text);
   TextBuffer& operator<<(char character);
   /// The shortest text that reads back as the same number.
-  template <class Number> TextBuffer& operator<<(Number number);
-  /// Six significant digits, as the standard streams write by default.
+  template <class Number>
+  requires std::is_arithmetic_v<Number> TextBuffer& operator<<(Number number);
+  /// Six significant digits, integers whole, as the standard streams write by default.
   template <class Number> TextBuffer& addSixDigits(Number number);
 
   void flush();

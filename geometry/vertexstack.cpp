@@ -48,18 +48,20 @@ template <class T> void VertexStack<T>::remove(int i)
 template <class T> void VertexStack<T>::read(std::istream& stream)
 {
   ShapeReader reader(stream);
-  if (!setShapeType(reader.readHeader("shape type"))) reader.fail("the shape type is not that of this shape");
-  const int space = reader.readHeader("space dimension");
-  if (space < 1 || space > 3) reader.fail("the space dimension is not 1, 2 or 3");
+  const int shapeType = reader.readHeader("shape type");
+  if (!isReadable(shapeType)) reader.fail("the shape type is not that of this shape");
+  const int space = reader.readSpace();
   const int numLevels = reader.readHeader("number of levels");
-  Shape<T>::assign(Vertices<T>(space));
-  clear();
+  std::vector<std::unique_ptr<Vertices<T>>> levels;
   for (int i = 0; i < numLevels; ++i)
   {
-    const std::unique_ptr<Vertices<T>> vertices = createLevel(Vertices<T>(space));
-    vertices->read(stream);
-    append(*vertices);
+    levels.push_back(createLevel(Vertices<T>(space)));
+    levels.back()->read(stream);
+    if (levels.back()->getSpace() != space) reader.fail("a level has another space dimension");
   }
+  this->assign(Vertices<T>(space));
+  _levels.swap(levels);
+  setShapeType(shapeType);
 }
 
 template <class T> void VertexStack<T>::write(std::ostream& stream) const

@@ -52,7 +52,10 @@ public:
 protected:
   /// The kind of level that this stack holds, made from vertices.
   virtual std::unique_ptr<Vertices<T>> createLevel(const Vertices<T>& vertices) const;
-  virtual bool setShapeType(int shapeType) { return shapeType == VertexStackShape; }
+  /// Whether a file of this shape type can be read into this stack.
+  virtual bool isReadable(int shapeType) const { return shapeType == VertexStackShape; }
+  /// Takes over what the type of the file read says.
+  virtual void setShapeType(int) {}
 
 private:
   std::vector<std::unique_ptr<Vertices<T>>> _levels;

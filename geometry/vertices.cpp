@@ -155,18 +155,24 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
 template <class T> void Vertices<T>::read(std::istream& stream)
 {
   ShapeReader reader(stream);
-  if (!setShapeType(reader.readHeader("shape type"))) reader.fail("the shape type is not that of this shape");
-  const int space = reader.readHeader("space dimension");
-  if (space < 1 || space > 3) reader.fail("the space dimension is not 1, 2 or 3");
+  const int shapeType = reader.readHeader("shape type");
+  if (!isReadable(shapeType)) reader.fail("the shape type is not that of this shape");
+  this->assign(readVertices(reader));
+  setShapeType(shapeType);
+}
+
+template <class T> Vertices<T> Vertices<T>::readVertices(ShapeReader& reader)
+{
+  const int space = reader.readSpace();
   const int size = reader.readHeader("number of vertices");
   Vertices<T> vertices(space);
   Vector<T> vertex(space);
-  for (int i = 0; i < size; ++i)
+  for (int i = 0; i < size; ++i) // storage grows with the text read, whatever number it claims
   {
     reader.readLine(vertex.data(), space);
     vertices.append(vertex);
   }
-  this->assign(vertices);
+  return vertices;
 }
 
 template <class T> void Vertices<T>::write(std::ostream& stream) const

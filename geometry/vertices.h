@@ -2,6 +2,8 @@
 
 #include "geometry/shape.h"
 
+class ShapeReader;
+
 /// Ordered set of vertices in one contiguous block.
 ///
 /// Copies share the vertices until one of them is changed; every operation that writes detaches first, non-const
@@ -63,8 +65,12 @@ public:
   int getNumVertices() const override { return this->getServer().getSize(); }
 
 protected:
-  /// Takes over the type found in a file. \return false  when it is not a type of this class
-  virtual bool setShapeType(int shapeType) { return shapeType == VerticesShape; }
+  /// Reads the space, the number of vertices and the vertices.
+  static Vertices<T> readVertices(ShapeReader& reader);
+  /// Whether a file of this shape type can be read into this shape.
+  virtual bool isReadable(int shapeType) const { return shapeType == VerticesShape; }
+  /// Takes over what the type of the file read says.
+  virtual void setShapeType(int) {}
 
 private:
   void requireIndex(int i, int size, const char* where) const;

@@ -25,6 +25,10 @@ public:
 
   bool operator==(const Colormap& other) const = default;
 
+  /// n entries in equal steps from cold to hot: blue, cyan, green, yellow, red, one component changing between each
+  /// two. \throw SizeError  "Colormap dimension is not a multiple of 4"
+  static Colormap cold2Hot(int n);
+
 private:
   std::vector<Color> _colors;
 };

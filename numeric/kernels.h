@@ -76,6 +76,12 @@ template <class T, class Sum = Accumulator<Real<T>>> Sum squaredDeviations(const
                     });
 }
 
+/// Population variance, in double or better.
+template <class T> auto varianceOf(const T* x, std::size_t n)
+{
+  return squaredDeviations(x, n) / static_cast<Accumulator<Real<T>>>(n);
+}
+
 /// Index of the best of keys key(0) .. key(n - 1), those that are NaN passed over; the first one wins a tie.
 template <class Key, class IsBetter> int bestPosition(int n, const Key& key, const IsBetter& isBetter)
 {

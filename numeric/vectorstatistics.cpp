@@ -119,7 +119,7 @@ template <class T> T Vector<T>::var() const requires NumericElement<T>
 {
   if constexpr (std::is_integral_v<T>) throw notAvailable<T>("T Vector<T>::var()");
   requireNotEmpty("T Vector<T>::var() const");
-  return static_cast<T>(Kernels::squaredDeviations(_data, _size) / static_cast<Accumulator<Real<T>>>(_size));
+  return static_cast<T>(Kernels::varianceOf(_data, _size));
 }
 
 template <class T> T Vector<T>::std() const requires NumericElement<T>

@@ -6,7 +6,8 @@
 class NYXException : public Exception
 {
 public:
-  explicit NYXException(const std::string& where = "<unknown>", const std::string& what = "Undocumented application error")
+  explicit NYXException(const std::string& where = "<unknown>",
+                        const std::string& what = "Undocumented application error")
     : Exception(where, what)
   {
   }

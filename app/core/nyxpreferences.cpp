@@ -22,8 +22,7 @@ void NYXPreferences::load()
   _enablePanoramaLabels = store.value("enablePanoramaLabels", _enablePanoramaLabels).toBool();
   _clickTolerance = store.value("clickTolerance", _clickTolerance).toInt();
   _regionBrushSize = store.value("regionBrushSize", _regionBrushSize).toInt();
-  _imageCanvasBackgroundColor =
-    store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
+  _imageCanvasBackgroundColor = store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
 }
 
 void NYXPreferences::save()

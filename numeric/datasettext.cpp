@@ -1,0 +1,222 @@
+// The text form of data sets.
+#include "numeric/dataset.h"
+
+#include "numeric/atomicfile.h"
+#include "numeric/stringtools.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+
+namespace
+{
+const char* const readWhere = "std::istream& operator>>(std::istream&, DataSet&)";
+
+/// Shortest text that reads back as the same number, with a decimal point.
+template <class T> std::string toText(T value)
+{
+  char buffer[64];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  std::string text(buffer, end);
+  if constexpr (std::is_floating_point_v<T>)
+    if (std::isfinite(value) && text.find('.') == std::string::npos)
+      text.insert(std::min(text.find('e'), text.size()), ".0");
+  return text;
+}
+
+const std::string& toText(const std::string& value)
+{
+  return value;
+}
+
+/// The number that the whole text stands for, if it is one and fits the type. A sign and spaces may precede it.
+template <class T> std::optional<T> parse(const std::string& text)
+{
+  const char* first = text.data();
+  const char* const last = first + text.size();
+  while (first != last && *first == ' ') ++first;
+  if (last - first > 1 && *first == '+' && first[1] != '-') ++first;
+  T value{};
+  const auto [end, error] = std::from_chars(first, last, value);
+  if (error != std::errc() || end != last || first == last) return std::nullopt;
+  return value;
+}
+
+/// Read in double first, so that numbers too small for float become zero.
+template <> std::optional<float> parse<float>(const std::string& text)
+{
+  const std::optional<double> value = parse<double>(text);
+  if (!value || (std::isfinite(*value) && std::abs(*value) > std::numeric_limits<float>::max())) return std::nullopt;
+  return static_cast<float>(*value);
+}
+
+template <> std::optional<std::string> parse<std::string>(const std::string& text)
+{
+  return text;
+}
+
+std::vector<std::string> split(const std::string& line, char separator)
+{
+  std::vector<std::string> fields;
+  std::size_t first = 0, end;
+  do
+  {
+    end = line.find(separator, first);
+    fields.push_back(StringTools::removeQuotes(line.substr(first, end - first)));
+    first = end + 1;
+  } while (end != std::string::npos);
+  return fields;
+}
+
+/// Next line without its end, be it "\n" or "\r\n".
+bool readLine(std::istream& stream, std::string& line)
+{
+  if (!std::getline(stream, line)) return false;
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return true;
+}
+
+void requireDistinct(std::vector<std::string> names)
+{
+  std::sort(names.begin(), names.end());
+  const auto twin = std::adjacent_find(names.begin(), names.end());
+  if (twin != names.end()) throw FileFormatError(readWhere, "two columns have the name '" + *twin + "'");
+}
+} // namespace
+
+void DataSet::write(std::ostream& stream) const
+{
+  std::string line;
+  const auto endLine = [&]
+  {
+    if (!line.empty()) line.pop_back(); // the last separator
+    stream << line << '\n';
+    line.clear();
+  };
+  for (const Column& column : _columns) line += column.name + _fieldSeparator;
+  endLine();
+  for (int row = 0; row < _numRows; ++row)
+  {
+    for (const Column& column : _columns)
+    {
+      std::visit([&](const auto& values) { line += toText(values[row]); }, column.values);
+      line += _fieldSeparator;
+    }
+    endLine();
+  }
+}
+
+/// Adds the row to columns of the right types; the first row decides on these.
+void DataSet::readRow(const std::vector<std::string>& fields)
+{
+  if (fields.size() != _columns.size())
+    throw FileFormatError(readWhere, std::to_string(fields.size()) + " fields for " + std::to_string(_columns.size()) +
+                                         " columns");
+  for (std::size_t i = 0; i < fields.size() && _numRows == 0; ++i)
+  {
+    if (parse<int>(fields[i]))
+      _columns[i].values = Vector<int>();
+    else if (parse<long>(fields[i]))
+      _columns[i].values = Vector<long>();
+    else if (parse<double>(fields[i]))
+      _columns[i].values = Vector<float>();
+  }
+  growTo(_numRows + 1);
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    std::visit(
+        [&]<class T>(Vector<T>& values)
+        {
+          const std::optional<T> value = parse<T>(fields[i]);
+          if (!value)
+            throw FileFormatError(readWhere, "'" + fields[i] + "' does not fit column '" + _columns[i].name +
+                                                 "' of format " + columnType(static_cast<int>(i)));
+          values[_numRows - 1] = *value;
+        },
+        _columns[i].values);
+}
+
+void DataSet::read(std::istream& stream)
+{
+  long lineNumber = 1;
+  try
+  {
+    std::string line;
+    if (!readLine(stream, line)) throw FileFormatError(readWhere, "there are no column names");
+    if (!line.empty())
+      for (const std::string& name : split(line, _fieldSeparator)) _columns.push_back({name, Vector<std::string>()});
+    requireDistinct(getNames());
+    while (readLine(stream, line))
+    {
+      ++lineNumber;
+      const bool isBlank = line.empty() && _columns.size() != 1; // in a single column, a row of empty text
+      if (!isBlank) readRow(split(line, _fieldSeparator));
+    }
+  }
+  catch (FileFormatError& error)
+  {
+    error.setWhat("Line " + std::to_string(lineNumber) + ": " + error.getWhat());
+    throw;
+  }
+}
+
+std::ostream& operator<<(std::ostream& stream, const DataSet& dataSet)
+{
+  dataSet.write(stream);
+  return stream;
+}
+
+std::istream& operator>>(std::istream& stream, DataSet& dataSet)
+{
+  DataSet read(dataSet._fieldSeparator);
+  read.read(stream);
+  if (stream.bad()) throw FileReadError(readWhere, "The data set cannot be read");
+  stream.clear(std::ios::eofbit); // the failure to read beyond the last line is none
+  dataSet = std::move(read);
+  return stream;
+}
+
+void DataSet::save(const std::string& filename, bool overwrite) const
+{
+  const char* const where = "void DataSet::save(const std::string&, bool) const";
+  std::error_code unreachable; // is reported when the file is created
+  if (!overwrite && std::filesystem::exists(std::filesystem::symlink_status(filename, unreachable)))
+    throw FileWriteError(where, "File exists", filename);
+  try
+  {
+    std::ostringstream text;
+    text << *this;
+    AtomicFile file(filename);
+    file.write(text.view());
+    file.commit(AtomicFile::Durability::FlushToDisk);
+  }
+  catch (FileError& error)
+  {
+    error.addWhere(where);
+    throw;
+  }
+}
+
+void DataSet::load(const std::string& filename)
+{
+  const char* const where = "void DataSet::load(const std::string&)";
+  std::error_code error;
+  if (!std::filesystem::exists(filename, error)) throw FileReadError(where, "The file does not exist", filename);
+  std::ifstream stream(filename, std::ios::binary);
+  if (!stream || std::filesystem::is_directory(filename, error))
+    throw FileReadError(where, "The file cannot be opened", filename);
+  try
+  {
+    stream >> *this;
+  }
+  catch (FileError& exception)
+  {
+    exception.setFilename(filename);
+    exception.setWhat(filename + ": " + exception.getWhat());
+    exception.addWhere(where);
+    throw;
+  }
+}
