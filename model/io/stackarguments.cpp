@@ -110,8 +110,7 @@ Vertices<int> StackArguments::vertices() const
   if (numCommas == 0 && text != end) refuse();
   // Each vertex holds a comma, so that there are as many vertices as commas or a refusal.
   int* const coordinates = numCommas > 0 ? vertices.data() : nullptr;
-  for (std::ptrdiff_t i = 0; i < numCommas; ++i)
-    text = takeIntegers(text, end, coordinates + 2 * i, 2);
+  for (std::ptrdiff_t i = 0; i < numCommas; ++i) text = takeIntegers(text, end, coordinates + 2 * i, 2);
   return vertices;
 }
 

@@ -15,7 +15,7 @@ public:
   /// All arguments as they stand, and the first of them as tokens.
   StackArguments(std::string_view text, std::vector<std::string_view> tokens);
 
-  std::string_view getText() const { return _text; }
+  int getNumTokens() const { return static_cast<int>(_tokens.size()); }
   /// Argument i as it stands. Unchecked, as in all functions that take an index.
   std::string_view getToken(int i) const { return _tokens[static_cast<std::size_t>(i)]; }
   /// Free text with its escapes undone.

@@ -3,7 +3,8 @@
 namespace fs = std::filesystem;
 
 StackIOContext::StackIOContext(const std::string& stackFileName)
-  : _stackFileName(stackFileName), _stackDirectory(fs::absolute(stackFileName).lexically_normal().parent_path()),
+  : _stackFileName(stackFileName),
+    _stackDirectory(fs::absolute(stackFileName).lexically_normal().parent_path()),
     _imagesPath(_stackDirectory.string())
 {
 }

@@ -13,8 +13,7 @@ std::string_view trimmedFront(std::string_view text)
 
 std::string_view trimmed(std::string_view text)
 {
-  while (!text.empty() && StackLexer::isBlank(text.back()))
-    text.remove_suffix(1);
+  while (!text.empty() && StackLexer::isBlank(text.back())) text.remove_suffix(1);
   return trimmedFront(text);
 }
 
@@ -50,10 +49,10 @@ void StackLexer::dropComments()
     const std::size_t lineEnd = std::min(_text.find('\n', comment), _text.size());
     const bool isLineStart = comment == _position || _text[comment - 1] == '\n';
     const std::size_t end = isLineStart || comment == next ? comment : comment - 1;
-    kept = static_cast<std::size_t>(
-      std::copy(_text.begin() + static_cast<std::ptrdiff_t>(next), _text.begin() + static_cast<std::ptrdiff_t>(end),
-                _text.begin() + static_cast<std::ptrdiff_t>(kept)) -
-      _text.begin());
+    kept = static_cast<std::size_t>(std::copy(_text.begin() + static_cast<std::ptrdiff_t>(next),
+                                              _text.begin() + static_cast<std::ptrdiff_t>(end),
+                                              _text.begin() + static_cast<std::ptrdiff_t>(kept)) -
+                                    _text.begin());
     next = lineEnd; // the line's end stays: it is a blank
   }
   _text.erase(kept, next - kept);

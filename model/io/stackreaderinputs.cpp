@@ -40,14 +40,6 @@ bool isPositive(float length)
 {
   return std::isfinite(length) && length > 0;
 }
-
-/// A copy of the slice's source with another size to answer with when the image is missing.
-void setFallbackSize(StackSlice& slice, int size1, int size2)
-{
-  const auto source = slice.getImageSource()->clone();
-  source->setFallbackSize(size1, size2);
-  slice.setImageSource(*source);
-}
 } // namespace
 
 void StackReader::inputFileFormatVersion(const StackArguments& arguments)
@@ -174,27 +166,22 @@ void StackReader::inputStackSlice(const StackArguments& arguments)
 
 void StackReader::inputImage(const StackArguments& arguments)
 {
-  StackSlice* const slice = _context.getSlice();
-  slice->changeImageSource(
-    [&](ImageSource& source)
-    {
-      auto& mosaic = static_cast<ImageSourceFileMosaic&>(source);
-      const int row = arguments.integerFrom(0, 1), column = arguments.integerFrom(1, 1);
-      if (row > mosaic.getRows() || column > mosaic.getCols()) throw ArgValueError();
-      mosaic.setFilename(row - 1, column - 1, _context.resolved(arguments.name(2)));
-    });
+  auto& mosaic = static_cast<ImageSourceFileMosaic&>(*_context.getSlice()->getImageSource());
+  const int row = arguments.integerFrom(0, 1), column = arguments.integerFrom(1, 1);
+  if (row > mosaic.getRows() || column > mosaic.getCols()) throw ArgValueError();
+  mosaic.setFilename(row - 1, column - 1, _context.resolved(arguments.name(2)));
 }
 
 void StackReader::inputSliceHeight(const StackArguments& arguments)
 {
-  const ImageSource& source = *_context.getSlice()->getImageSource();
-  setFallbackSize(*_context.getSlice(), arguments.integerFrom(0, 1), source.getFallbackSize2());
+  ImageSource& source = *_context.getSlice()->getImageSource();
+  source.setFallbackSize(arguments.integerFrom(0, 1), source.getFallbackSize2());
 }
 
 void StackReader::inputSliceWidth(const StackArguments& arguments)
 {
-  const ImageSource& source = *_context.getSlice()->getImageSource();
-  setFallbackSize(*_context.getSlice(), source.getFallbackSize1(), arguments.integerFrom(0, 1));
+  ImageSource& source = *_context.getSlice()->getImageSource();
+  source.setFallbackSize(source.getFallbackSize1(), arguments.integerFrom(0, 1));
 }
 
 void StackReader::inputPosition(const StackArguments& arguments)
