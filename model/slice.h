@@ -28,6 +28,7 @@ public:
 
   /// The source, owned by the slice; nullptr when there is none.
   const ImageSource* getImageSource() const { return _imageSource.get(); }
+  ImageSource* getImageSource() { return _imageSource.get(); }
   /// Stores a copy of the source.
   void setImageSource(const ImageSource& source) { _imageSource = source.clone(); }
   /// True when no image is named.
