@@ -136,7 +136,7 @@ Model& addModel(Stack& stack, const std::string& name, MPrimitive geometry, cons
 }
 
 /// Draws vertices on a slice, without repeating a pixel.
-void draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::vector<Point>& points)
+ModelItem& draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::vector<Point>& points)
 {
   Vertices<int> vertices(2);
   for (const Point& p : points)
@@ -148,7 +148,9 @@ void draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::v
   }
   const bool closes = model.getGeometry() == MPrimitive::Polygon;
   if (closes && vertices[0] == vertices[vertices.getNumVertices() - 1]) vertices.remove(vertices.getNumVertices() - 1);
-  ModelItem::create(model, slice).setVertices(vertices);
+  ModelItem& item = ModelItem::create(model, slice);
+  item.setVertices(vertices);
+  return item;
 }
 
 std::vector<Point> fibreLine(int fibre, double z)
@@ -157,6 +159,17 @@ std::vector<Point> fibreLine(int fibre, double z)
   for (double x = -fibres::halfLength; x <= fibres::halfLength; x += 3)
     points.push_back({x, fibres::y(fibre, x, z), z});
   return points;
+}
+
+/// Each fibre begins and ends a surface of its own.
+void drawFibre(Model& model, StackSlice& slice, const SliceFrame& frame, int fibre)
+{
+  const double z = frame.z();
+  if (!fibres::isPresent(fibre, z)) return;
+  ModelItem& item = draw(model, slice, frame, fibreLine(fibre, z));
+  if (!fibres::isPresent(fibre, z - sliceSpacing))
+    item.setTriangulationTag(CurveStackTriangulationContourTag::Begin);
+  if (!fibres::isPresent(fibre, z + sliceSpacing)) item.setTriangulationTag(CurveStackTriangulationContourTag::End);
 }
 
 /// The stained pixels, in runs along the columns of the image.
@@ -187,10 +200,7 @@ void addModels(Stack& stack, const std::vector<SliceFrame>& frames, const std::v
     const SliceFrame& frame = frames[static_cast<std::size_t>(k)];
     if (nucleus.sectionScale(frame.z()) > 0) draw(nucleusModel, slice, frame, nucleus.outline(frame.z(), 64));
     for (const auto& outline : vessel::outlines(frame.z(), 32)) draw(vesselModel, slice, frame, outline);
-    for (int i = 0; i < fibres::number; ++i)
-    {
-      if (fibres::isPresent(i, frame.z())) draw(fibreModel, slice, frame, fibreLine(i, frame.z()));
-    }
+    for (int i = 0; i < fibres::number; ++i) drawFibre(fibreModel, slice, frame, i);
     std::vector<Point> points;
     for (const Vesicle& vesicle : allVesicles)
     {

@@ -42,6 +42,18 @@ void rescale(StackSlice& slice, float factor, int scale)
   else if (!slice.useDefaultRelativePosition())
     slice.setRelativePosition(slice.getRelativePosition() * factor);
 }
+/// A size as it is printed; the images of a stack may be missing.
+template <class Size> std::string printed(Size size)
+{
+  try
+  {
+    return std::to_string(size());
+  }
+  catch (const FileError&)
+  {
+    return "unknown";
+  }
+}
 } // namespace
 
 Stack::Stack()
@@ -281,8 +293,8 @@ void Stack::print(const std::string& prefix, std::ostream& stream) const
            << prefix << "  Aspect ratio = " << calibration.getAspectRatio() << "\n"
            << prefix << "  Pixel width  = " << calibration.getPixelWidth() << "\n"
            << prefix << "  Pixel height = " << calibration.getPixelHeight() << "\n"
-           << prefix << "  Corrected width = " << slice.width() << "\n"
-           << prefix << "  Corrected height = " << slice.height() << "\n"
+           << prefix << "  Corrected width = " << printed([&] { return slice.width(); }) << "\n"
+           << prefix << "  Corrected height = " << printed([&] { return slice.height(); }) << "\n"
            << prefix << "  Number of items = " << slice.getNumItems() << "\n";
   }
 }

@@ -48,8 +48,9 @@ bool StackIOContext::fulfils(Need need) const
 
 void StackIOContext::openStack(Stack& stack)
 {
+  if (!_stack) _keeper = &stack;
+  if (!_stack) _hasFailedSlice = false; // it failed because there was no stack
   _stack = &stack;
-  if (!_keeper) _keeper = &stack;
 }
 
 void StackIOContext::openSlice(StackSlice& slice)

@@ -38,6 +38,7 @@ public:
   /// Writes what is left. \throw FileWriteError  the disk is full or fails
   void flush();
 
+private:
   AtomicFile& _file;
   std::string _text;
 };
