@@ -47,10 +47,12 @@ template <class T> std::vector<MatchSum<T>> matchSums(const Vertices<T>& vertice
   const std::vector<std::vector<T>> axes = coordinatesByAxis(vertices, 2 * n);
   std::vector<MatchSum<T>> sums(n, MatchSum<T>(0));
   for (int m = 0; m < n; ++m)
+  {
     if (axes.size() == 3)
       addScalarProducts(&axes[0][m], &axes[1][m], &axes[2][m], other.data(m), n, sums.data());
     else
       addScalarProducts(&axes[0][m], &axes[1][m], other.data(m), n, sums.data());
+  }
   return sums;
 }
 
@@ -74,10 +76,10 @@ template <class T> void Vertices<T>::insert(int i, const Vector<T>& vertex)
   const char* const where = "void Vertices<T>::insert(int, const Vector<T>&)";
   requireIndex(i, getNumVertices() + 1, where);
   if (vertex.getSize() != this->getSpace()) throw SizeError(where, "The vertex has another dimension");
-  const Vector<T> copy = vertex; // it may be one of these vertices
+  const std::vector<T> coordinates(vertex.begin(), vertex.end()); // it may be one of these vertices
   VertexServer<T>& server = this->ownServer();
   server.insertSlots(i, 1);
-  std::copy(copy.begin(), copy.end(), server.data(i));
+  std::copy(coordinates.begin(), coordinates.end(), server.data(i));
 }
 
 template <class T> void Vertices<T>::remove(int first, int last)
@@ -123,6 +125,7 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
   const int space = this->getSpace();
   Real<T> shortest = squaredDistance(data(0), other.data(0), space);
   for (int a = 0; a < getNumVertices(); ++a)
+  {
     for (int b = 0; b < other.getNumVertices(); ++b)
     {
       const Real<T> candidate = squaredDistance(data(a), other.data(b), space);
@@ -131,6 +134,7 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
       i = a;
       j = b;
     }
+  }
 }
 
 template <class T> void Vertices<T>::read(std::istream& stream)
