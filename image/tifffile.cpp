@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <sys/stat.h>
 #include <system_error>
@@ -104,9 +105,11 @@ void TiffFile::noteError(const std::string& message)
 
 void TiffFile::noteWarning(const std::string& message)
 {
-  // Microscopes write tags of their own into every plane; that is no news.
-  const bool isPrivateTag = message.find("nknown field with tag") != std::string::npos;
-  if (_warning.empty() && !isPrivateTag) _warning = message;
+  // No news: tags of a microscope's own in every plane, and a fourth sample that is not declared.
+  const char* const harmless[] = {"nknown field with tag", "ExtraSamples"};
+  const bool isHarmless = std::any_of(std::begin(harmless), std::end(harmless),
+                                      [&](const char* text) { return message.find(text) != std::string::npos; });
+  if (_warning.empty() && !isHarmless) _warning = message;
 }
 
 std::string TiffFile::withReason(const std::string& what)

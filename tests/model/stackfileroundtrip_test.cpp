@@ -199,7 +199,7 @@ TEST(StackFileRoundTrip, ASecondSaveChangesNothing)
 {
   const TemporaryFolder folder;
   RandomStacks stacks(42);
-  for (int round = 0; round < 300; ++round)
+  for (int round = 0; round < 120; ++round)
   {
     SCOPED_TRACE(round);
     const std::unique_ptr<Stack> stack = stacks.draw();
@@ -260,7 +260,7 @@ TEST(StackFileRoundTrip, BringsAnyReadableFileToAFixedPoint)
                                     "SHIFT 0 7"};
   std::mt19937 random(7);
   const TemporaryFolder folder;
-  for (int round = 0; round < 300; ++round)
+  for (int round = 0; round < 120; ++round)
   {
     std::string text = "STACK \"s\"; SLICE \"a\" \"a.tif\"; MODEL \"m\";";
     for (int i = 0; i < 40; ++i) text += std::string(statements[random() % std::size(statements)]) + ";\n";

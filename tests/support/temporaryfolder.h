@@ -28,6 +28,7 @@ public:
   std::string write(const std::string& name, const std::string& content) const
   {
     std::filesystem::create_directories(std::filesystem::path(file(name)).parent_path());
+    std::filesystem::remove(file(name)); // some file systems flush a file to disk when it is written over
     std::ofstream(file(name), std::ios::binary) << content;
     return file(name);
   }
