@@ -4,6 +4,7 @@
 #include "image/imagesourcefile.h"
 #include "image/imagesourcefilemosaic.h"
 #include "image/imagesourcetiffstackplane.h"
+#include "image/tiffdirectories.h"
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
 
@@ -13,7 +14,10 @@ namespace
 {
 void selectPlane(TiffFile& file, int plane)
 {
-  if (plane < 0 || TIFFSetDirectory(file.get(), static_cast<tdir_t>(plane)) != 1)
+  const auto directories = tiffDirectories(file);
+  const bool exists = plane >= 0 && static_cast<std::size_t>(plane) < directories->size();
+  const std::uint64_t offset = exists ? (*directories)[static_cast<std::size_t>(plane)] : 0;
+  if (!exists || (plane > 0 && TIFFSetSubDirectory(file.get(), offset) != 1))
     file.failReading("void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)",
                      "There is no plane " + std::to_string(plane));
 }

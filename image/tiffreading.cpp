@@ -1,6 +1,7 @@
 #include "image/tiffreading.h"
 
 #include "image/image.h"
+#include "image/tiffdirectories.h"
 #include "image/tifffile.h"
 
 #include <algorithm>
@@ -215,7 +216,7 @@ void readTiffHeader(ImageHeader& header, TiffFile& file)
 
 int readTiffNumPlanes(TiffFile& file)
 {
-  return static_cast<int>(TIFFNumberOfDirectories(file.get()));
+  return static_cast<int>(tiffDirectories(file)->size());
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)

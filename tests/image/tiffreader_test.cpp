@@ -98,21 +98,34 @@ TEST(TiffReader, ReadsWhatOtherProgramsWrite)
 TEST(TiffReader, ReadsAnyPlaneOfAStack)
 {
   const TemporaryFolder folder;
-  const TiffRecipe recipe = {.planes = 10, .compression = COMPRESSION_LZW};
-  recipe.write(folder.file("stack.tif"));
   ImageSourceTiffStackPlane source(folder.file("stack.tif"));
-  EXPECT_EQ(source.getNumImages(), 10);
-  for (const int plane : {9, 0, 4})
+  for (const char* mode : {"w", "wb", "w8", "w8b"})
   {
-    source.setPlane(plane);
-    Image image;
-    ImageReader::read(image, static_cast<const ImageSource&>(source));
-    expectPixels(image, recipe, plane);
+    const TiffRecipe recipe = {.planes = 10, .compression = COMPRESSION_LZW, .mode = mode};
+    recipe.write(folder.file("stack.tif"));
+    for (const int plane : {9, 0, 4})
+    {
+      source.setPlane(plane);
+      EXPECT_EQ(source.getNumImages(), 10);
+      Image image;
+      ImageReader::read(image, static_cast<const ImageSource&>(source));
+      expectPixels(image, recipe, plane);
+    }
   }
-  source.setPlane(10);
+  TiffRecipe{.planes = 2}.write(folder.file("stack.tif")); // the directories of the old file are forgotten
+  source.setPlane(2);
   Image image(1, 1, 8);
-  expectError<FileFormatError>("There is no plane 10", [&] { ImageReader::read(image, source); });
+  expectError<FileFormatError>("There is no plane 2", [&] { ImageReader::read(image, source); });
   EXPECT_EQ(image.getWidth(), 1);
+}
+
+TEST(TiffReader, EndsAChainOfDirectoriesThatLeadsBack)
+{
+  const TemporaryFolder folder;
+  std::string bytes = handmadeTiff(4, 1, COMPRESSION_NONE, "abcd", 4);
+  bytes[8 + 2 + 9 * 12] = 8; // the next directory is this one
+  const ImageSourceTiffStackPlane source(folder.write("loop.tif", bytes));
+  EXPECT_EQ(source.getNumImages(), 1);
 }
 
 TEST(TiffReader, RefusesWhatAnImageCannotHold)
