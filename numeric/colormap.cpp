@@ -7,7 +7,13 @@
 
 bool Colormap::isGrayscale() const
 {
-  return std::all_of(_colors.begin(), _colors.end(), [](const Color& color) { return color.isGray(); });
+  return std::all_of(_colors.begin(), _colors.end(),
+                     [](const Color& color) { return color[0] == color[1] && color[0] == color[2]; });
+}
+
+void Colormap::setGrayscale()
+{
+  for (Color& color : _colors) color.fill(static_cast<unsigned char>((color[0] + color[1] + color[2]) / 3));
 }
 
 Colormap Colormap::cold2Hot(int n)
@@ -23,7 +29,7 @@ Colormap Colormap::cold2Hot(int n)
     const auto rising = static_cast<unsigned char>(Maths::fround((position - segment) * full));
     const auto falling = static_cast<unsigned char>(full - rising);
     const Color colors[] = {{0, rising, full}, {0, full, falling}, {rising, full, 0}, {full, falling, 0}};
-    map[i] = colors[segment];
+    map.setColor(i, colors[segment]);
   }
   return map;
 }

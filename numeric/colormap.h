@@ -1,33 +1,29 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
-/// A colour in 8 bits per component.
-struct Color
-{
-  unsigned char red = 0;
-  unsigned char green = 0;
-  unsigned char blue = 0;
-
-  bool operator==(const Color& other) const = default;
-  bool isGray() const { return red == green && green == blue; }
-};
-
-/// Table of colours: of an indexed image, or of a scale on which values are shown.
+/// Table of colours: the palette of an indexed image, or a scale that colours values.
 class Colormap
 {
 public:
-  Colormap() = default;
-  /// n black entries; none when n <= 0.
-  explicit Colormap(int n) : _colors(n > 0 ? n : 0) {}
+  /// Red, green and blue, 0 to 255.
+  using Color = std::array<unsigned char, 3>;
+
+  /// `size` black entries.
+  explicit Colormap(int size = 0) : _colors(static_cast<std::size_t>(size)) {}
 
   int getSize() const { return static_cast<int>(_colors.size()); }
-  Color& operator[](int i) { return _colors[i]; }
-  const Color& operator[](int i) const { return _colors[i]; }
-  bool operator==(const Colormap& other) const = default;
+  /// Colour i. Unchecked.
+  const Color& getColor(int i) const { return _colors[static_cast<std::size_t>(i)]; }
+  void setColor(int i, const Color& color) { _colors[static_cast<std::size_t>(i)] = color; }
 
-  /// Whether every entry is a grey level.
+  /// True when every entry has equal red, green and blue.
   bool isGrayscale() const;
+  /// Replaces every entry by the mean of its red, green and blue.
+  void setGrayscale();
+
+  bool operator==(const Colormap& other) const = default;
 
   /// n entries in equal steps from cold to hot: blue, cyan, green, yellow, red, one component changing between each
   /// two. \throw SizeError  "Colormap dimension is not a multiple of 4"

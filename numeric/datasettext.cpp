@@ -1,7 +1,7 @@
 // The text form of data sets.
 #include "numeric/dataset.h"
 
-#include "numeric/filewriter.h"
+#include "numeric/atomicfile.h"
 #include "numeric/stringtools.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <sstream>
 
 namespace
 {
@@ -195,9 +196,11 @@ void DataSet::save(const std::string& filename, bool overwrite) const
     throw FileWriteError(where, "File exists", filename);
   try
   {
-    FileWriter writer(filename);
-    writer.stream() << *this;
-    writer.commit();
+    std::ostringstream text;
+    text << *this;
+    AtomicFile file(filename);
+    file.write(text.view());
+    file.commit(AtomicFile::Durability::FlushToDisk);
   }
   catch (FileError& error)
   {

@@ -1,0 +1,39 @@
+#include "app/core/nyxpreferences.h"
+
+#include <QSettings>
+
+int NYXPreferences::_maxNumBackups = 5;
+bool NYXPreferences::_autoDecimation = false;
+bool NYXPreferences::_highlightSelectedItems = true;
+bool NYXPreferences::_enablePanoramaLabels = true;
+int NYXPreferences::_clickTolerance = 10;
+int NYXPreferences::_regionBrushSize = 1;
+QColor NYXPreferences::_imageCanvasBackgroundColor(Qt::darkGray);
+QColor NYXPreferences::_selectionColor(85, 170, 255, 255);
+int NYXPreferences::_percentMemoryUsage = 50;
+
+void NYXPreferences::load()
+{
+  QSettings store;
+  store.beginGroup("preferences");
+  _maxNumBackups = store.value("maxNumBackups", _maxNumBackups).toInt();
+  _autoDecimation = store.value("autoDecimation", _autoDecimation).toBool();
+  _highlightSelectedItems = store.value("highlightSelectedItems", _highlightSelectedItems).toBool();
+  _enablePanoramaLabels = store.value("enablePanoramaLabels", _enablePanoramaLabels).toBool();
+  _clickTolerance = store.value("clickTolerance", _clickTolerance).toInt();
+  _regionBrushSize = store.value("regionBrushSize", _regionBrushSize).toInt();
+  _imageCanvasBackgroundColor = store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
+}
+
+void NYXPreferences::save()
+{
+  QSettings store;
+  store.beginGroup("preferences");
+  store.setValue("maxNumBackups", _maxNumBackups);
+  store.setValue("autoDecimation", _autoDecimation);
+  store.setValue("highlightSelectedItems", _highlightSelectedItems);
+  store.setValue("enablePanoramaLabels", _enablePanoramaLabels);
+  store.setValue("clickTolerance", _clickTolerance);
+  store.setValue("regionBrushSize", _regionBrushSize);
+  store.setValue("imageCanvasBackgroundColor", _imageCanvasBackgroundColor);
+}

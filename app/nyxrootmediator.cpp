@@ -1,0 +1,354 @@
+#include "app/nyxrootmediator.h"
+
+#include "app/core/nyxeventserver.h"
+#include "app/core/nyxsettings.h"
+#include "app/core/nyxstack.h"
+#include "app/nyxplugin.h"
+#include "app/nyxpluginserver.h"
+#include "app/nyxpreferencesdialog.h"
+#include "app/nyxrootsliceeditwidget.h"
+#include "app/nyxrootstatusbar.h"
+#include "app/nyxrootwindow.h"
+#include "app/nyxslicelistwidget.h"
+#include "app/nyxstackio.h"
+#include "app/nyxstacklistwidget.h"
+#include "model/stackslice.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QIcon>
+#include <QMenu>
+#include <QMessageBox>
+#include <QToolBar>
+
+#include <utility>
+
+NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
+{
+  createFileActions();
+  createEditActions();
+  createSliceActions();
+  createProcessActions();
+  createAnalyzeActions();
+  createPluginsActions();
+}
+
+template <class Slot> QAction* NYXRootMediator::createAction(const QString& text, const QString& toolTip,
+                                                             const QKeySequence& shortcut, Slot&& slot)
+{
+  auto* action = new QAction(text, this);
+  action->setObjectName(text);
+  action->setShortcut(shortcut);
+  action->setStatusTip(toolTip);
+  action->setToolTip(shortcut.isEmpty() ? toolTip : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
+  connect(action, &QAction::triggered, this, std::forward<Slot>(slot));
+  return action;
+}
+
+template <class Slot> QAction* NYXRootMediator::createStackAction(const QString& text, const QString& toolTip,
+                                                                  const QKeySequence& shortcut, Slot&& slot)
+{
+  QAction* action = createAction(text, toolTip, shortcut, std::forward<Slot>(slot));
+  _stackActions.append(action);
+  return action;
+}
+
+/// An action whose subsystem is not built yet: disabled, and its tool tip says so.
+QAction* NYXRootMediator::createLaterAction(const QString& text, const QString& toolTip)
+{
+  QAction* action = createAction(text, toolTip + tr(" (not available in this version)"), {}, [] {});
+  action->setEnabled(false);
+  return action;
+}
+
+void NYXRootMediator::createFileActions()
+{
+  _newWindow = createAction(tr("New window"), tr("Open another window on the same stacks"), {},
+                            [this] { _window->newWindow(); });
+  _closeWindow = createAction(tr("Close window"), tr("Close this window; the last one quits the program"), {},
+                              [this] { _window->close(); });
+  _quit = createAction(tr("Quit"), tr("Close all stacks and quit"), QKeySequence("Ctrl+Q"),
+                       [this] { _window->quit(); });
+  _newStack = createLaterAction(tr("New stack"), tr("Make a stack of image files"));
+  _newStackFromFile = createLaterAction(tr("New stack from file"), tr("Make a stack of the planes of one file"));
+  _openStack =
+      createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
+  _openStack->setIcon(QIcon(":/icons/open.svg"));
+  _saveStack = createStackAction(tr("Save stack"), tr("Save the current stack to its file"), QKeySequence::Save,
+                                 &NYXRootMediator::saveCurrentStack);
+  _saveStack->setIcon(QIcon(":/icons/save.svg"));
+  _saveStackAs = createStackAction(tr("Save stack as..."), tr("Save the current stack to another file"),
+                                   QKeySequence("Ctrl+Shift+S"),
+                                   [this] { stackIO().saveStackAs(*currentStack()); });
+  _closeStack = createStackAction(tr("Close stack"), tr("Close the current stack"), QKeySequence("Ctrl+W"),
+                                  [this] { stackIO().closeStack(*currentStack()); });
+  _closeAll = createStackAction(tr("Close all"), tr("Close all stacks"), {}, [this] { stackIO().closeAll(); });
+}
+
+void NYXRootMediator::createEditActions()
+{
+  _displayPanorama = createLaterAction(tr("Display stack panorama"), tr("Show all slices of the stack side by side"));
+  _displaySingleSlice = createLaterAction(tr("Display single slice"), tr("Show one slice"));
+  _displayOverview = createLaterAction(tr("Display overview"), tr("Show the whole slice in a small window"));
+  _undo = createLaterAction(tr("Undo"), tr("Take the last change back"));
+  _redo = createLaterAction(tr("Redo"), tr("Make the change again that was taken back last"));
+  _editDialogs = {
+      createLaterAction(tr("Edit models..."), tr("Create, change and delete models")),
+      createLaterAction(tr("Insert slice..."), tr("Insert an image before the current slice")),
+      createLaterAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it")),
+      createLaterAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack")),
+      createLaterAction(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice")),
+      createLaterAction(tr("Annotate stack..."), tr("Write notes on the stack")),
+      createLaterAction(tr("Annotate slice..."), tr("Write notes on the slice")),
+  };
+  _preferences =
+      createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
+}
+
+void NYXRootMediator::createSliceActions()
+{
+  const auto current = [this] { return _sliceList->currentSlice(); };
+  _selectFirstSlice = createStackAction(tr("Select first slice"), tr("Go to the first slice"),
+                                        QKeySequence(Qt::Key_Home), [this] { selectSlice(0); });
+  _selectLastSlice = createStackAction(tr("Select last slice"), tr("Go to the last slice"), QKeySequence(Qt::Key_End),
+                                       [this] { selectSlice(_sliceList->numSlices() - 1); });
+  _selectNextSlice = createStackAction(tr("Select next slice"), tr("Go to the next slice"),
+                                       QKeySequence(Qt::Key_PageDown), [=, this] { selectSlice(current() + 1); });
+  _selectPreviousSlice = createStackAction(tr("Select previous slice"), tr("Go to the previous slice"),
+                                           QKeySequence(Qt::Key_PageUp), [=, this] { selectSlice(current() - 1); });
+  _selectFirstSlice->setIcon(QIcon(":/icons/first.svg"));
+  _selectLastSlice->setIcon(QIcon(":/icons/last.svg"));
+  _selectNextSlice->setIcon(QIcon(":/icons/next.svg"));
+  _selectPreviousSlice->setIcon(QIcon(":/icons/previous.svg"));
+}
+
+void NYXRootMediator::createProcessActions()
+{
+  _process = {
+      createLaterAction(tr("Register"), tr("Align each slice on the one before")),
+      createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
+      createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
+      createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
+      createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
+      createLaterAction(tr("Transfer models..."), tr("Copy models from another stack")),
+      createLaterAction(tr("Filter models..."), tr("Keep the items of models that meet conditions")),
+  };
+}
+
+void NYXRootMediator::createAnalyzeActions()
+{
+  _runSpatialAnalysis = createLaterAction(tr("Run"), tr("Test whether objects are placed at random"));
+}
+
+void NYXRootMediator::createPluginsActions()
+{
+  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {},
+                                 [this]
+                                 {
+                                   NYXPluginServer::server().loadPlugins();
+                                   updatePluginActions();
+                                 });
+}
+
+void NYXRootMediator::initFileMenu(QMenu& menu)
+{
+  menu.setToolTipsVisible(true);
+  menu.addActions({_newWindow, _closeWindow});
+  menu.addSeparator();
+  menu.addActions({_newStack, _newStackFromFile, _openStack});
+  _recentFilesMenu = menu.addMenu(tr("Recent stacks..."));
+  _recentFilesMenu->setToolTipsVisible(true);
+  menu.addSeparator();
+  menu.addActions({_saveStack, _saveStackAs});
+  menu.addSeparator();
+  menu.addActions({_closeStack, _closeAll});
+  menu.addSeparator();
+  menu.addAction(_quit);
+  connect(&menu, &QMenu::aboutToShow, this, &NYXRootMediator::updateRecentFilesMenu);
+}
+
+void NYXRootMediator::initEditMenu(QMenu& menu)
+{
+  menu.setToolTipsVisible(true);
+  menu.addActions({_undo, _redo});
+  menu.addSeparator();
+  menu.addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
+  menu.addSeparator();
+  menu.addActions({_selectFirstSlice, _selectLastSlice, _selectNextSlice, _selectPreviousSlice});
+  menu.addSeparator();
+  menu.addActions(_editDialogs);
+  menu.addSeparator();
+  menu.addAction(_preferences);
+}
+
+void NYXRootMediator::initProcessMenu(QMenu& menu)
+{
+  menu.setToolTipsVisible(true);
+  menu.addActions(_process);
+}
+
+void NYXRootMediator::initAnalyzeMenu(QMenu& menu)
+{
+  QMenu* spatialAnalysis = menu.addMenu(tr("Spatial analysis"));
+  spatialAnalysis->setToolTipsVisible(true);
+  spatialAnalysis->addAction(_runSpatialAnalysis);
+}
+
+void NYXRootMediator::initPluginsMenu(QMenu& menu)
+{
+  menu.setToolTipsVisible(true);
+  menu.addAction(_refreshPlugins);
+  _pluginsMenu = &menu;
+}
+
+void NYXRootMediator::initialize()
+{
+  _toolBar->setObjectName("rootToolBar");
+  const int side = _toolBar->fontMetrics().height() * 5 / 4;
+  _toolBar->setIconSize({side, side});
+  _toolBar->addActions({_openStack, _saveStack});
+  _toolBar->addSeparator();
+  _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
+  _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
+
+  connect(_stackList, &NYXStackListWidget::currentStackChanged, this, &NYXRootMediator::showCurrentStack);
+  connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
+  connect(_sliceEditWidget, &NYXRootSliceEditWidget::openRequested, this, &NYXRootMediator::openStack);
+  updatePluginActions();
+  updateActions();
+  NYXEventServer::attach(*this);
+}
+
+NYXStack* NYXRootMediator::currentStack() const
+{
+  return _stackList->currentStack();
+}
+
+NYXStackIO NYXRootMediator::stackIO() const
+{
+  return NYXStackIO(_window, _statusBar);
+}
+
+void NYXRootMediator::openStack(const QString& filename)
+{
+  stackIO().openStack(filename);
+}
+
+void NYXRootMediator::saveCurrentStack()
+{
+  stackIO().saveStack(*currentStack());
+}
+
+void NYXRootMediator::editPreferences()
+{
+  NYXPreferencesDialog(_window).exec();
+}
+
+void NYXRootMediator::selectSlice(int slice)
+{
+  _sliceList->select(slice);
+}
+
+void NYXRootMediator::showCurrentStack()
+{
+  NYXStack* stack = currentStack();
+  _sliceList->setStack(stack);
+  showStackState();
+}
+
+void NYXRootMediator::showSlice(int slice)
+{
+  NYXStack* stack = currentStack();
+  if (stack == nullptr)
+  {
+    _sliceEditWidget->setRecentFiles(NYXSettings::settings().getRecentFilesList());
+    _sliceEditWidget->showStartPage();
+    _statusBar->setSliceText({});
+    return;
+  }
+  _sliceEditWidget->showSlice(slice < 0 ? nullptr : stack->getSlice(slice));
+  const QString name = slice < 0 ? tr("no slice") : QString::fromStdString(stack->getSlice(slice)->getName());
+  _statusBar->setSliceText(tr("slice %1 (%2 / %3)").arg(name).arg(slice + 1).arg(stack->getNumSlices()));
+}
+
+/// Title, status bar and actions follow the current stack's name and modified flag.
+void NYXRootMediator::showStackState()
+{
+  const NYXStack* stack = currentStack();
+  _window->setTitle(stack == nullptr ? QString() : stack->displayName());
+  _statusBar->setStackText(stack == nullptr ? QString() : stack->displayName() + (stack->isModified() ? "*" : ""));
+  updateActions();
+}
+
+void NYXRootMediator::updateActions()
+{
+  enableActions(currentStack() != nullptr);
+}
+
+void NYXRootMediator::enableActions(bool flag)
+{
+  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
+  for (QAction* action : std::as_const(_pluginActions)) action->setEnabled(flag);
+}
+
+void NYXRootMediator::updateRecentFilesMenu()
+{
+  _recentFilesMenu->clear();
+  for (const QString& file : NYXSettings::settings().getRecentFilesList())
+  {
+    QAction* action = _recentFilesMenu->addAction(QFileInfo(file).fileName(), this, [this, file] { openStack(file); });
+    action->setToolTip(QDir::toNativeSeparators(file));
+    action->setStatusTip(action->toolTip());
+  }
+  _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
+}
+
+void NYXRootMediator::updatePluginActions()
+{
+  qDeleteAll(_pluginActions);
+  _pluginActions.clear();
+  NYXPluginServer& server = NYXPluginServer::server();
+  for (int i = 0; i < server.getNumPlugins(); ++i)
+  {
+    const QString name = server.getPlugin(i).name();
+    _pluginActions.append(
+        createAction(name, tr("Run the plug-in on the current stack"), {}, [this, i] { pluginActionTriggered(i); }));
+  }
+  _pluginsMenu->insertActions(_refreshPlugins, _pluginActions);
+  updateActions();
+}
+
+void NYXRootMediator::pluginActionTriggered(int plugin)
+{
+  NYXPlugin& chosen = NYXPluginServer::server().getPlugin(plugin);
+  try
+  {
+    chosen.run(*currentStack());
+  }
+  catch (const Exception& error)
+  {
+    QMessageBox::warning(_window, tr("Plug-in error"),
+                         tr("%1 failed: %2").arg(chosen.name(), QString::fromStdString(error.getWhat())));
+  }
+}
+
+void NYXRootMediator::stackNameEvent(const NYXStackNameEvent&)
+{
+  showStackState();
+}
+
+void NYXRootMediator::stackFileNameEvent(const NYXStackFileNameEvent&)
+{
+  showStackState();
+}
+
+void NYXRootMediator::stackModifyEvent(const NYXStackModifyEvent&)
+{
+  showStackState();
+}
+
+void NYXRootMediator::preferencesEvent(const NYXPreferencesEvent&)
+{
+  _sliceEditWidget->update();
+}

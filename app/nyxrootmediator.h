@@ -1,0 +1,119 @@
+#pragma once
+
+#include "app/core/nyxeventclient.h"
+
+#include <QKeySequence>
+#include <QList>
+#include <QObject>
+
+class NYXRootSliceEditWidget;
+class NYXRootStatusBar;
+class NYXRootWindow;
+class NYXSliceListWidget;
+class NYXStack;
+class NYXStackIO;
+class NYXStackListWidget;
+class QAction;
+class QMenu;
+class QToolBar;
+
+/// Owns the actions of the root window, enables them with the current stack and forwards them. Follows the event bus.
+class NYXRootMediator : public QObject, public NYXEventClient
+{
+  Q_OBJECT
+
+public:
+  explicit NYXRootMediator(QObject* parent);
+
+  /// The parts of the window that the actions work on; all are set before initialize().
+  void setRootWindow(NYXRootWindow& window) { _window = &window; }
+  void setStackListWidget(NYXStackListWidget& list) { _stackList = &list; }
+  void setSliceListWidget(NYXSliceListWidget& list) { _sliceList = &list; }
+  void setSliceEditWidget(NYXRootSliceEditWidget& widget) { _sliceEditWidget = &widget; }
+  void setStatusBar(NYXRootStatusBar& statusBar) { _statusBar = &statusBar; }
+  void setToolBar(QToolBar& toolBar) { _toolBar = &toolBar; }
+
+  void initFileMenu(QMenu& menu);
+  void initEditMenu(QMenu& menu);
+  void initProcessMenu(QMenu& menu);
+  void initAnalyzeMenu(QMenu& menu);
+  void initPluginsMenu(QMenu& menu);
+
+  /// Fills the tool bar and connects the lists.
+  void initialize();
+
+  NYXStack* currentStack() const;
+  void openStack(const QString& filename);
+
+  /// Shows the stack that is selected in the list, or the start page.
+  void showCurrentStack();
+
+protected:
+  void stackNameEvent(const NYXStackNameEvent& event) override;
+  void stackFileNameEvent(const NYXStackFileNameEvent& event) override;
+  void stackModifyEvent(const NYXStackModifyEvent& event) override;
+  void preferencesEvent(const NYXPreferencesEvent& event) override;
+
+private:
+  template <class Slot>
+  QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
+  template <class Slot>
+  QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
+  QAction* createLaterAction(const QString& text, const QString& toolTip);
+  void createFileActions();
+  void createEditActions();
+  void createSliceActions();
+  void createProcessActions();
+  void createAnalyzeActions();
+  void createPluginsActions();
+
+  NYXStackIO stackIO() const;
+  void saveCurrentStack();
+  void editPreferences();
+  void selectSlice(int slice);
+  void showSlice(int slice);
+  void showStackState();
+  void updateActions();
+  void enableActions(bool flag);
+  void updateRecentFilesMenu();
+  void updatePluginActions();
+  void pluginActionTriggered(int plugin);
+
+  NYXRootWindow* _window = nullptr;
+  NYXStackListWidget* _stackList = nullptr;
+  NYXSliceListWidget* _sliceList = nullptr;
+  NYXRootSliceEditWidget* _sliceEditWidget = nullptr;
+  NYXRootStatusBar* _statusBar = nullptr;
+  QToolBar* _toolBar = nullptr;
+
+  QAction* _newWindow;
+  QAction* _closeWindow;
+  QAction* _quit;
+  QAction* _newStack;
+  QAction* _newStackFromFile;
+  QAction* _openStack;
+  QAction* _saveStack;
+  QAction* _saveStackAs;
+  QAction* _closeStack;
+  QAction* _closeAll;
+  QMenu* _recentFilesMenu = nullptr;
+
+  QAction* _displayPanorama;
+  QAction* _displaySingleSlice;
+  QAction* _displayOverview;
+  QAction* _selectFirstSlice;
+  QAction* _selectLastSlice;
+  QAction* _selectNextSlice;
+  QAction* _selectPreviousSlice;
+  QAction* _undo;
+  QAction* _redo;
+  QList<QAction*> _editDialogs;
+  QAction* _preferences;
+
+  QList<QAction*> _process;
+  QAction* _runSpatialAnalysis;
+  QAction* _refreshPlugins;
+  QMenu* _pluginsMenu = nullptr;
+  QList<QAction*> _pluginActions;
+  QList<QAction*> _stackActions; // enabled only while a stack is current
+};

@@ -1,0 +1,56 @@
+#include "app/nyxrootstatusbar.h"
+
+#include <QLabel>
+#include <QProgressBar>
+
+namespace
+{
+constexpr int refreshMilliseconds = 40;
+}
+
+NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
+  : QStatusBar(parent), _stack(new QLabel(this)), _slice(new QLabel(this)), _progress(new QProgressBar(this))
+{
+  setObjectName("rootStatusBar");
+  _stack->setObjectName("stackField");
+  _stack->setToolTip(tr("The current stack; * when it has unsaved changes"));
+  _slice->setObjectName("sliceField");
+  _slice->setToolTip(tr("The current slice and the number of slices"));
+  _progress->setObjectName("progress");
+  _progress->setMaximumWidth(fontMetrics().averageCharWidth() * 24);
+  _progress->hide();
+  addPermanentWidget(_progress);
+  addPermanentWidget(_stack);
+  addPermanentWidget(_slice);
+}
+
+void NYXRootStatusBar::setStackText(const QString& text)
+{
+  _stack->setText(text);
+}
+
+void NYXRootStatusBar::setSliceText(const QString& text)
+{
+  _slice->setText(text);
+}
+
+void NYXRootStatusBar::subjectStarted()
+{
+  _progress->setRange(0, 0);
+  _progress->show();
+  _sinceRefresh.start();
+}
+
+void NYXRootStatusBar::subjectProgressed(int step, int numSteps)
+{
+  _progress->setRange(0, numSteps);
+  _progress->setValue(step);
+  if (_sinceRefresh.elapsed() < refreshMilliseconds) return;
+  _progress->repaint(); // the computation may hold the event loop
+  _sinceRefresh.restart();
+}
+
+void NYXRootStatusBar::subjectFinished()
+{
+  _progress->hide();
+}

@@ -1,0 +1,260 @@
+#include "app/nyxrootwindow.h"
+
+#include "app/nyxaboutdialog.h"
+#include "app/nyxrootbrowser.h"
+#include "app/nyxrootmediator.h"
+#include "app/nyxrootsliceeditwidget.h"
+#include "app/nyxrootstatusbar.h"
+#include "app/nyxsplitter.h"
+#include "app/nyxstackio.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QScreen>
+#include <QSettings>
+#include <QToolBar>
+#include <QUrl>
+#include <QVBoxLayout>
+
+int NYXRootWindow::__numRootWindows = 0;
+bool NYXRootWindow::__uponQuitting = false;
+
+NYXRootWindow::NYXRootWindow()
+  : _menuBar(new QMenuBar(this)),
+    _toolBar(new QToolBar(this)),
+    _statusBar(new NYXRootStatusBar(this)),
+    _browser(new NYXRootBrowser(this)),
+    _sliceEditWidget(new NYXRootSliceEditWidget(this)),
+    _mediator(new NYXRootMediator(this))
+{
+  ++__numRootWindows;
+  setObjectName("rootWindow");
+  setAttribute(Qt::WA_DeleteOnClose);
+
+  _mediator->setRootWindow(*this);
+  _mediator->setStackListWidget(_browser->stackList());
+  _mediator->setSliceListWidget(_browser->sliceList());
+  _mediator->setSliceEditWidget(*_sliceEditWidget);
+  _mediator->setStatusBar(*_statusBar);
+  _mediator->setToolBar(*_toolBar);
+  createMenus();
+  _mediator->initialize();
+
+  layOut();
+  connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
+  restoreGeometryFromSettings();
+  setWindowIcon(QIcon(QIcon(":/icons/mirelo.svg").pixmap(125, 100)));
+  show();
+  setTitle("");
+  setAcceptDrops(true);
+  _mediator->showCurrentStack();
+  _statusBar->showMessage(tr("Ready."), 2000);
+}
+
+NYXRootWindow::~NYXRootWindow()
+{
+  --__numRootWindows;
+}
+
+void NYXRootWindow::createMenus()
+{
+  _mediator->initFileMenu(*_menuBar->addMenu(tr("File")));
+  _mediator->initEditMenu(*_menuBar->addMenu(tr("Edit")));
+  _mediator->initProcessMenu(*_menuBar->addMenu(tr("Process")));
+  _mediator->initAnalyzeMenu(*_menuBar->addMenu(tr("Analyze")));
+  _mediator->initPluginsMenu(*_menuBar->addMenu(tr("Plugins")));
+  createShowMenu(*_menuBar->addMenu(tr("Show")));
+  createHelpMenu(*_menuBar->addMenu(tr("Help")));
+}
+
+QAction* NYXRootWindow::addToggle(QMenu& menu, const QString& text, const QString& toolTip, QWidget& widget,
+                                  const char* key, void (NYXRootWindow::*toggle)())
+{
+  const bool isVisible = QSettings().value(key, true).toBool();
+  widget.setVisible(isVisible);
+  QAction* action = menu.addAction(text, this, toggle);
+  action->setToolTip(toolTip);
+  action->setStatusTip(toolTip);
+  action->setCheckable(true);
+  action->setChecked(isVisible);
+  return action;
+}
+
+void NYXRootWindow::createShowMenu(QMenu& menu)
+{
+  addToggle(menu, tr("Tool bar"), tr("Show or hide the tool bar"), *_toolBar, "rootWindow/toolBarVisible",
+            &NYXRootWindow::toggleToolBar);
+  addToggle(menu, tr("Browser"), tr("Show or hide the lists of stacks and slices"), *_browser,
+            "rootWindow/browserVisible", &NYXRootWindow::toggleBrowser);
+  addToggle(menu, tr("Status bar"), tr("Show or hide the status bar"), *_statusBar, "rootWindow/statusBarVisible",
+            &NYXRootWindow::toggleStatusBar);
+}
+
+void NYXRootWindow::createHelpMenu(QMenu& menu)
+{
+  const auto addLink = [&](const QString& text, const char* address, void (NYXRootWindow::*open)())
+  {
+    QAction* action = menu.addAction(text, this, open);
+    action->setEnabled(*address != '\0');
+    action->setToolTip(*address != '\0' ? tr("Opens %1").arg(address) : tr("This build names no address"));
+    action->setStatusTip(action->toolTip());
+  };
+  menu.setToolTipsVisible(true);
+  addLink(tr("Mirelo Homepage [web]"), MIRELO_HOMEPAGE_URL, &NYXRootWindow::openHomepage);
+  addLink(tr("Mirelo Manual [web]"), MIRELO_MANUAL_URL, &NYXRootWindow::openPDFManual);
+  addLink(tr("Subscribe mailing list [web]"), MIRELO_MAILING_LIST_URL, &NYXRootWindow::subscribeMailingList);
+  menu.addSeparator();
+  QAction* aboutAction = menu.addAction(tr("About Mirelo"), this, &NYXRootWindow::about);
+  aboutAction->setToolTip(tr("Version, licence and credits"));
+  aboutAction->setStatusTip(aboutAction->toolTip());
+}
+
+void NYXRootWindow::layOut()
+{
+  auto* frame = new QWidget(this);
+  auto* views = new QHBoxLayout(frame);
+  views->setContentsMargins(0, 0, 0, 0);
+  views->setSpacing(0);
+  views->addWidget(_sliceEditWidget, 1);
+
+  auto* splitter = new NYXSplitter("rootWindowSplitter", this);
+  splitter->addWidget(_browser);
+  splitter->addWidget(frame);
+  splitter->setStretchFactor(1, 1);
+  splitter->restoreSizes({250, 750});
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(_menuBar);
+  layout->addWidget(_toolBar);
+  layout->addWidget(splitter, 1);
+  layout->addWidget(_statusBar);
+}
+
+void NYXRootWindow::restoreGeometryFromSettings()
+{
+  const QSettings store;
+  const QSize desktop = QGuiApplication::primaryScreen()->availableGeometry().size();
+  const QSize twoThirds(qRound(desktop.width() * 2 / 3.0), qRound(desktop.height() * 2 / 3.0));
+  const QSize size = store.value("rootWindow/size", twoThirds).toSize();
+  if (store.contains("rootWindow/pos")) move(store.value("rootWindow/pos").toPoint());
+  resize(size);
+}
+
+void NYXRootWindow::startupOpenStack(const QString& filename)
+{
+  _mediator->openStack(filename);
+}
+
+void NYXRootWindow::setTitle(const QString& name)
+{
+  setWindowTitle(name.isEmpty() ? QString("Mirelo") : "Mirelo - " + name);
+}
+
+void NYXRootWindow::newWindow()
+{
+  new NYXRootWindow;
+}
+
+namespace
+{
+void flipVisibility(QWidget& widget, const char* key)
+{
+  widget.setVisible(widget.isHidden());
+  QSettings().setValue(key, !widget.isHidden());
+}
+
+void openAddress(const char* address)
+{
+  QDesktopServices::openUrl(QUrl(QString::fromUtf8(address)));
+}
+} // namespace
+
+void NYXRootWindow::toggleToolBar()
+{
+  flipVisibility(*_toolBar, "rootWindow/toolBarVisible");
+}
+
+void NYXRootWindow::toggleBrowser()
+{
+  flipVisibility(*_browser, "rootWindow/browserVisible");
+}
+
+void NYXRootWindow::toggleStatusBar()
+{
+  flipVisibility(*_statusBar, "rootWindow/statusBarVisible");
+}
+
+void NYXRootWindow::openHomepage()
+{
+  openAddress(MIRELO_HOMEPAGE_URL);
+}
+
+void NYXRootWindow::openPDFManual()
+{
+  openAddress(MIRELO_MANUAL_URL);
+}
+
+void NYXRootWindow::subscribeMailingList()
+{
+  openAddress(MIRELO_MAILING_LIST_URL);
+}
+
+void NYXRootWindow::about()
+{
+  NYXAboutDialog(this).exec();
+}
+
+bool NYXRootWindow::confirmQuit()
+{
+  return NYXStackIO(this, _statusBar).closeAll();
+}
+
+void NYXRootWindow::quit()
+{
+  _statusBar->showMessage(tr("Exiting application..."));
+  if (!confirmQuit())
+  {
+    _statusBar->showMessage(tr("Exit canceled"), 1000);
+    return;
+  }
+  __uponQuitting = true;
+  QCoreApplication::quit();
+}
+
+void NYXRootWindow::closeEvent(QCloseEvent* event)
+{
+  if (__uponQuitting || __numRootWindows >= 2) return event->accept();
+  event->ignore();
+  quit();
+}
+
+void NYXRootWindow::resizeEvent(QResizeEvent* event)
+{
+  QWidget::resizeEvent(event);
+  if (isVisible()) QSettings().setValue("rootWindow/size", size());
+}
+
+void NYXRootWindow::moveEvent(QMoveEvent* event)
+{
+  QWidget::moveEvent(event);
+  if (isVisible()) QSettings().setValue("rootWindow/pos", pos());
+}
+
+void NYXRootWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void NYXRootWindow::dropEvent(QDropEvent* event)
+{
+  event->acceptProposedAction();
+  for (const QUrl& url : event->mimeData()->urls()) startupOpenStack(url.toLocalFile());
+}

@@ -1,0 +1,130 @@
+#include "app/nyxslicelistwidget.h"
+
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stack.h"
+#include "model/stackslice.h"
+
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+namespace
+{
+constexpr int dotsRole = Qt::UserRole;
+
+/// Draws the dots of an item's models at the right end of its row.
+class DotsDelegate : public QStyledItemDelegate
+{
+public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+  {
+    QStyledItemDelegate::paint(painter, option, index);
+    const QVariantList colors = index.data(dotsRole).toList();
+    const double diameter = option.fontMetrics.xHeight() * 0.9;
+    QPointF center(option.rect.right() - diameter, option.rect.center().y() + 0.5);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(option.palette.color(QPalette::Mid), 0.5));
+    for (auto color = colors.rbegin(); color != colors.rend(); ++color, center.rx() -= 1.5 * diameter)
+    {
+      painter->setBrush(color->value<QColor>());
+      painter->drawEllipse(center, diameter / 2, diameter / 2);
+    }
+    painter->restore();
+  }
+};
+
+QColor colorOf(const Model& model)
+{
+  ModelItemProperties properties;
+  properties.setDefaults();
+  properties.update(model.getItemProperties());
+  const auto color = properties.getColor();
+  return QColor(color[0], color[1], color[2]);
+}
+
+/// The models that have items on a slice, in stack order.
+std::vector<const Model*> modelsOn(const StackSlice& slice, const Stack& stack)
+{
+  std::set<const Model*> present;
+  for (const ModelItem* item : slice.getItems()) present.insert(item->getModel());
+  std::vector<const Model*> models;
+  for (int i = 0; i < stack.getNumModels(); ++i)
+  {
+    if (present.contains(stack.getModel(i))) models.push_back(stack.getModel(i));
+  }
+  return models;
+}
+} // namespace
+
+NYXSliceListWidget::NYXSliceListWidget(QWidget* parent)
+  : QWidget(parent), _filter(new QLineEdit(this)), _list(new QListWidget(this))
+{
+  setObjectName("sliceListPanel");
+  _filter->setObjectName("sliceFilter");
+  _filter->setPlaceholderText(tr("Filter slices"));
+  _filter->setToolTip(tr("Shows only the slices whose name holds this text"));
+  _filter->setClearButtonEnabled(true);
+  _list->setObjectName("sliceList");
+  _list->setUniformItemSizes(true);
+  _list->setItemDelegate(new DotsDelegate(_list));
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(_filter);
+  layout->addWidget(_list, 1);
+  connect(_filter, &QLineEdit::textChanged, this, &NYXSliceListWidget::filter);
+  connect(_list, &QListWidget::currentRowChanged, this, &NYXSliceListWidget::currentSliceChanged);
+}
+
+void NYXSliceListWidget::setStack(const Stack* stack)
+{
+  const QSignalBlocker blocker(_list);
+  _list->clear();
+  for (int i = 0; stack != nullptr && i < stack->getNumSlices(); ++i)
+  {
+    const StackSlice& slice = *stack->getSlice(i);
+    auto* row = new QListWidgetItem(QString::fromStdString(slice.getName()), _list);
+    QVariantList colors;
+    QStringList names;
+    for (const Model* model : modelsOn(slice, *stack))
+    {
+      colors.append(colorOf(*model));
+      names.append(QString::fromStdString(model->getName()));
+    }
+    row->setData(dotsRole, colors);
+    row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : tr("Models: %1").arg(names.join(", ")));
+  }
+  filter(_filter->text());
+  if (_list->count() > 0) _list->setCurrentRow(0);
+  emit currentSliceChanged(_list->currentRow());
+}
+
+int NYXSliceListWidget::numSlices() const
+{
+  return _list->count();
+}
+
+int NYXSliceListWidget::currentSlice() const
+{
+  return _list->currentRow();
+}
+
+void NYXSliceListWidget::select(int slice)
+{
+  if (_list->count() > 0) _list->setCurrentRow(std::clamp(slice, 0, _list->count() - 1));
+}
+
+void NYXSliceListWidget::filter(const QString& text)
+{
+  for (int i = 0; i < _list->count(); ++i)
+    _list->setRowHidden(i, !_list->item(i)->text().contains(text, Qt::CaseInsensitive));
+}

@@ -1,0 +1,179 @@
+#include "app/nyxstackio.h"
+
+#include "app/core/nyxpreferences.h"
+#include "app/core/nyxsettings.h"
+#include "app/core/nyxstack.h"
+#include "app/core/nyxstackserver.h"
+#include "app/nyxbackups.h"
+#include "app/nyxrootstatusbar.h"
+#include "app/nyxstackerrordialog.h"
+#include "model/io/stackreader.h"
+#include "model/io/stackwriter.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+#include <memory>
+
+namespace
+{
+QStringList linesOf(const StackReader& reader)
+{
+  QStringList lines;
+  for (const std::string& line : reader.getLog()) lines.append(QString::fromStdString(line));
+  return lines;
+}
+
+QString withStackSuffix(const QString& filename)
+{
+  return QFileInfo(filename).suffix() == "sdf" ? filename : filename + ".sdf";
+}
+} // namespace
+
+void NYXStackIO::showMessage(const QString& text, int milliseconds) const
+{
+  if (_statusBar != nullptr) _statusBar->showMessage(text, milliseconds);
+}
+
+QString NYXStackIO::chooseStackFile()
+{
+  NYXSettings& settings = NYXSettings::settings();
+  QFileDialog dialog(_parent, tr("Open stack"), settings.getInputDirectory(), "*.sdf");
+  dialog.setObjectName("openStackDialog");
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  if (settings.getOpenStackDialogSize().isValid()) dialog.resize(settings.getOpenStackDialogSize());
+  const bool isAccepted = dialog.exec() == QDialog::Accepted;
+  settings.setOpenStackDialogSize(dialog.size());
+  if (!isAccepted) return {};
+  settings.setInputDirectory(dialog.directory().absolutePath());
+  return dialog.selectedFiles().value(0);
+}
+
+void NYXStackIO::openStack()
+{
+  const QString filename = chooseStackFile();
+  if (!filename.isEmpty()) openStack(filename);
+}
+
+void NYXStackIO::openStack(const QString& filename)
+{
+  const QString file = QFileInfo(withStackSuffix(filename)).absoluteFilePath();
+  auto stack = std::make_unique<NYXStack>();
+  stack->setFilename(file);
+  StackReader reader;
+  reader.read(*stack, file.toStdString());
+
+  if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
+  {
+    QMessageBox::warning(_parent, tr("Error"),
+                         tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file));
+    return;
+  }
+  if (!reader.getLog().empty()) NYXStackErrorDialog(file, linesOf(reader), _parent).exec();
+  if (reader.getNumFatalErrors() != 0) return;
+  NYXStackServer::server().addStack(std::move(stack));
+  NYXSettings::settings().addRecentFile(file);
+}
+
+bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason)
+{
+  try
+  {
+    StackWriter writer;
+    makeBackups(filename, NYXPreferences::getMaxNumBackups());
+    writer.write(stack, filename.toStdString());
+    return true;
+  }
+  catch (const Exception& error)
+  {
+    reason = QString::fromStdString(error.getWhat());
+    return false;
+  }
+}
+
+bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
+{
+  showMessage(tr("Saving ") + filename);
+  QString reason;
+  if (!write(stack, filename, reason))
+  {
+    QMessageBox box(QMessageBox::Warning, tr("Error"), tr("Error: cannot write to ") + filename, QMessageBox::Ok,
+                    _parent);
+    box.setInformativeText(reason);
+    box.exec();
+    showMessage({});
+    return false;
+  }
+  if (filename != stack.getFilename()) stack.setFilename(filename);
+  stack.setModified(false);
+  NYXSettings::settings().addRecentFile(filename);
+  showMessage(tr("Saved ") + filename, 2000);
+  return true;
+}
+
+bool NYXStackIO::saveStack(NYXStack& stack)
+{
+  return stack.getFilename().isEmpty() ? saveStackAs(stack) : saveTo(stack, stack.getFilename());
+}
+
+bool NYXStackIO::saveStackAs(NYXStack& stack)
+{
+  NYXSettings& settings = NYXSettings::settings();
+  const QString proposal = stack.getFilename().isEmpty()
+                               ? settings.getOutputDirectory() + "/" + stack.displayName() + ".sdf"
+                               : stack.getFilename();
+  QFileDialog dialog(_parent, tr("Save stack as"), QFileInfo(proposal).path(), "*.sdf");
+  dialog.setObjectName("saveStackDialog");
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix("sdf");
+  dialog.selectFile(QFileInfo(proposal).fileName());
+  if (dialog.exec() != QDialog::Accepted) return false;
+  settings.setOutputDirectory(dialog.directory().absolutePath());
+  return saveTo(stack, withStackSuffix(dialog.selectedFiles().value(0)));
+}
+
+bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
+{
+  if (stack.getFilename().isEmpty()) return saveStackAs(stack);
+  for (QString reason; !write(stack, stack.getFilename(), reason);)
+  {
+    QMessageBox box(QMessageBox::Warning, tr("Write error"),
+                    tr("Stack ") + stack.displayName() + tr(":\nCould not write file ") + stack.getFilename(),
+                    QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, _parent);
+    box.setInformativeText(reason);
+    box.setDefaultButton(QMessageBox::Retry);
+    const int answer = box.exec();
+    if (answer != QMessageBox::Retry) return answer == QMessageBox::Discard;
+  }
+  return true;
+}
+
+bool NYXStackIO::closeStack(NYXStack& stack)
+{
+  if (stack.isModified())
+  {
+    QMessageBox box(QMessageBox::Warning, tr("Closing stack..."),
+                    tr("Stack \"") + stack.displayName() + tr("\" has been modified."),
+                    QMessageBox::Save | QMessageBox::Ignore | QMessageBox::Cancel, _parent);
+    box.setInformativeText(tr("Ignore closes it without saving: its changes since the last save are lost."));
+    box.setDefaultButton(QMessageBox::Save);
+    const int answer = box.exec();
+    if (answer != QMessageBox::Save && answer != QMessageBox::Ignore) return false;
+    if (answer == QMessageBox::Save && !writeBeforeClosing(stack)) return false;
+  }
+  NYXStackServer::server().removeStack(stack);
+  return true;
+}
+
+bool NYXStackIO::closeAll()
+{
+  NYXStackServer& server = NYXStackServer::server();
+  while (server.getNumStacks() > 0)
+  {
+    if (!closeStack(server.getStack(server.getNumStacks() - 1))) return false;
+  }
+  return true;
+}

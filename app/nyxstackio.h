@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+class NYXRootStatusBar;
+class NYXStack;
+class QWidget;
+
+/// Opens, saves and closes stacks, with the dialogs that belong to it. Made on demand; parent and status bar are
+/// borrowed.
+class NYXStackIO
+{
+  Q_DECLARE_TR_FUNCTIONS(NYXStackIO)
+
+public:
+  explicit NYXStackIO(QWidget* parent, NYXRootStatusBar* statusBar = nullptr) : _parent(parent), _statusBar(statusBar)
+  {
+  }
+
+  /// Asks for a stack file and opens it.
+  void openStack();
+
+  /// Opens a stack file. Its problems are shown; one that cannot be read or is no stack file opens nothing.
+  void openStack(const QString& filename);
+
+  /// Writes a stack to its file, or asks for one when it has none. False when nothing was written.
+  bool saveStack(NYXStack& stack);
+  bool saveStackAs(NYXStack& stack);
+
+  /// Closes a stack, after the question about unsaved changes. False when the user cancels; the stack stays open then.
+  bool closeStack(NYXStack& stack);
+
+  /// Closes the stacks from the last to the first, until one close is cancelled (false).
+  bool closeAll();
+
+private:
+  QString chooseStackFile();
+  bool write(NYXStack& stack, const QString& filename, QString& reason);
+  bool writeBeforeClosing(NYXStack& stack);
+  bool saveTo(NYXStack& stack, const QString& filename);
+  void showMessage(const QString& text, int milliseconds = 0) const;
+
+  QWidget* _parent;
+  NYXRootStatusBar* _statusBar;
+};

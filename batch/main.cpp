@@ -1,0 +1,57 @@
+#include "batch/commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <clocale>
+#include <exception>
+#include <locale>
+
+namespace
+{
+ExitStatus parseAndRun(int argc, char** argv)
+{
+  CLI::App app("Works on stacks of slice images without a window.", "mirelo-batch");
+  app.set_version_flag("--version", "mirelo-batch " MIRELO_VERSION, "print the version and exit");
+  app.set_help_flag("--help", "print this text and exit");
+  app.require_subcommand(1);
+  Run run;
+  addInfoCommand(app, run);
+  addCheckCommand(app, run);
+  addConvertCommand(app, run);
+  addExportCommand(app, run);
+  addMeasureCommand(app, run);
+  try
+  {
+    app.parse(argc, argv);
+  }
+  catch (const CLI::Success& request)
+  {
+    app.exit(request);
+    return Done;
+  }
+  catch (const CLI::ParseError& error)
+  {
+    throw BatchError(std::string(error.what()) + "; see mirelo-batch --help");
+  }
+  return run();
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+  std::setlocale(LC_ALL, "C");
+  std::locale::global(std::locale::classic());
+  try
+  {
+    return parseAndRun(argc, argv);
+  }
+  catch (const Exception& error)
+  {
+    warn(describe(error));
+  }
+  catch (const std::exception& error)
+  {
+    warn(error.what());
+  }
+  return Bad;
+}

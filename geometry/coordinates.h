@@ -1,0 +1,24 @@
+#pragma once
+
+#include "numeric/elementtypes.h"
+
+#include <cmath>
+
+// Small functions of vertices given by pointers to their coordinates, for loops over coordinate blocks.
+
+/// Sum of the squared coordinate differences.
+template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
+{
+  Real<T> sum = 0;
+  for (int k = 0; k < space; ++k)
+  {
+    const Real<T> difference = static_cast<Real<T>>(a[k]) - static_cast<Real<T>>(b[k]);
+    sum += difference * difference;
+  }
+  return sum;
+}
+
+template <class T> Real<T> distance(const T* a, const T* b, int space)
+{
+  return std::sqrt(squaredDistance(a, b, space));
+}

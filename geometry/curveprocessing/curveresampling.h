@@ -1,0 +1,15 @@
+#pragma once
+
+#include "geometry/curve.h"
+
+/// Resamples curves at equal distances along their length.
+template <class T> class CurveResampling
+{
+public:
+  /// Replaces `out` by the curve through as many vertices as `out` has, the first one where the curve begins. The
+  /// distance between them is length / n for a closed curve; an open one keeps both its ends.
+  /// \throw SizeError  the curve is empty
+  void apply(const Curve<T>& curve, Curve<T>& out) const;
+};
+
+GEOMETRY_EXTERN_TEMPLATE(CurveResampling)

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "geometry/curve.h"
+#include "geometry/trimesh.h"
+
+/// Triangulates polygons by cutting ears.
+///
+/// A simple polygon of n vertices becomes n - 2 triangles on its own vertices, in quadratic time; vertices on a
+/// straight edge, repeated vertices and points where the polygon touches itself are allowed. A polygon that crosses
+/// itself still gives n - 2 triangles, which then overlap.
+/// Source: J. O'Rourke, "Computational Geometry in C", 2nd ed., 1998, chapter 1.
+template <class T> class PolygonTriangulation
+{
+public:
+  /// Triangulates a closed curve, which runs counter-clockwise in the plane (i, j). The mesh shares its vertices; its
+  /// triangles run counter-clockwise as well. Fewer than three vertices give no triangle.
+  const TriMesh<T>& apply(const Curve<T>& curve, int i, int j);
+
+  /// The mesh of the last apply().
+  const TriMesh<T>& getTriMesh() const { return _mesh; }
+
+private:
+  TriMesh<T> _mesh;
+};
+
+GEOMETRY_EXTERN_TEMPLATE_REAL(PolygonTriangulation)

@@ -1,0 +1,184 @@
+#include "geometry/shape.h"
+
+#include "geometry/outputfile.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <numeric>
+#include <ostream>
+
+std::string getShapeTypeName(int shapeType)
+{
+  static const std::array<const char*, 9> names = {"ClosedCurve",    "OpenCurve",      "ClosedCurveStack",
+                                                   "OpenCurveStack", "ClosedQuadMesh", "OpenQuadMesh",
+                                                   "Vertices",       "VertexStack",    "TriMesh"};
+  return shapeType >= 0 && shapeType < static_cast<int>(names.size()) ? names[shapeType] : "UnkwownShape";
+}
+
+template <class T> template <class F> void Shape<T>::forEachVertex(F&& function) const
+{
+  for (int b = 0; b < getNumBlocks(); ++b)
+  {
+    const VertexServer<T>& block = getBlock(b);
+    for (int i = 0; i < block.getSize(); ++i) function(block.data(i));
+  }
+}
+
+template <class T> template <class F> void Shape<T>::changeEachVertex(F&& function)
+{
+  this->detach(); // from here on the blocks are this shape's own
+  forEachVertex([&function](const T* coordinates) { function(const_cast<T*>(coordinates)); });
+}
+
+template <class T> Vector<Real<T>> Shape<T>::cog() const
+{
+  if (getNumVertices() == 0) throw SizeError("Vector<T> Shape<T>::cog() const", "This shape has no vertices.");
+  Vector<Real<T>> center;
+  center.setZeros(this->getSpace());
+  forEachVertex(
+      [&center](const T* coordinates)
+      {
+        for (int k = 0; k < center.getSize(); ++k) center[k] += coordinates[k];
+      });
+  return center /= static_cast<Real<T>>(getNumVertices());
+}
+
+template <class T> SquareMatrix<Real<T>> Shape<T>::inertia() const
+{
+  const Vector<Real<T>> center = cog();
+  const int space = this->getSpace();
+  SquareMatrix<Real<T>> moments(space);
+  moments.setZeros();
+  forEachVertex(
+      [&](const T* coordinates)
+      {
+        for (int i = 0; i < space; ++i)
+          for (int j = 0; j < space; ++j) moments(i, j) += (coordinates[i] - center[i]) * (coordinates[j] - center[j]);
+      });
+  moments /= static_cast<Real<T>>(getNumVertices());
+  return moments;
+}
+
+template <class T> BoundingBox<T> Shape<T>::boundingBox() const
+{
+  BoundingBox<T> box(this->getSpace());
+  forEachVertex([&box](const T* coordinates) { box.add(coordinates); });
+  return box;
+}
+
+template <class T> void Shape<T>::translate(const Vector<T>& shift)
+{
+  requireSpace(shift, "void Shape<T>::translate(const Vector<T>&)");
+  changeEachVertex(
+      [&shift](T* coordinates)
+      {
+        for (int k = 0; k < shift.getSize(); ++k) coordinates[k] += shift[k];
+      });
+}
+
+template <class T> void Shape<T>::scale(const Vector<T>& factors)
+{
+  requireSpace(factors, "void Shape<T>::scale(const Vector<T>&)");
+  changeEachVertex(
+      [&factors](T* coordinates)
+      {
+        for (int k = 0; k < factors.getSize(); ++k) coordinates[k] *= factors[k];
+      });
+}
+
+template <class T> void Shape<T>::scale(T factor)
+{
+  Vector<T> factors(this->getSpace());
+  factors.fill(factor);
+  scale(factors);
+}
+
+template <class T> void Shape<T>::multiply(const Matrix<T>& map)
+{
+  const int space = this->getSpace();
+  if (map.getSize1() != space || map.getSize2() != space)
+    throw SizeError("void Shape<T>::multiply(const Matrix<T>&)", "Vertex and matrix dimensions differ");
+  Vector<T> vertex(space);
+  changeEachVertex(
+      [&](T* coordinates)
+      {
+        std::copy_n(coordinates, space, vertex.data());
+        for (int i = 0; i < space; ++i)
+          coordinates[i] = std::inner_product(vertex.begin(), vertex.end(), map[i].begin(), T(0));
+      });
+}
+
+template <class T> Shape<T>& Shape<T>::operator*=(T factor)
+{
+  scale(factor);
+  return *this;
+}
+
+template <class T> Shape<T>& Shape<T>::operator/=(T factor)
+{
+  if (std::is_integral_v<T> && factor == T(0))
+    throw MathError("Shape<T>& Shape<T>::operator/=(T)", "Division of integer coordinates by zero");
+  const int space = this->getSpace();
+  changeEachVertex(
+      [factor, space](T* coordinates)
+      {
+        for (int k = 0; k < space; ++k) coordinates[k] /= factor;
+      });
+  return *this;
+}
+
+template <class T> void Shape<T>::center()
+{
+  const Vector<Real<T>> center = cog();
+  Vector<T> shift(center.getSize());
+  for (int k = 0; k < shift.getSize(); ++k) shift[k] = static_cast<T>(-center[k]);
+  translate(shift);
+}
+
+template <class T> void Shape<T>::print(const std::string& title, std::ostream& stream) const
+{
+  stream << title << '\n'
+         << "  Type = " << getShapeTypeName(getShapeType()) << '\n'
+         << "  Name = " << _name << '\n'
+         << "  Number of vertices = " << getNumVertices() << '\n';
+  const int space = this->getSpace();
+  forEachVertex(
+      [&stream, space](const T* coordinates)
+      {
+        for (int k = 0; k < space; ++k) stream << (k == 0 ? "  " : " ") << coordinates[k];
+        stream << '\n';
+      });
+}
+
+template <class T> void Shape<T>::load(const std::string& path)
+{
+  const std::string where = "void Shape<T>::load(const std::string&)";
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) throw FileReadError(where, path + " : cannot be opened", path);
+  try
+  {
+    read(stream);
+  }
+  catch (FileFormatError& error)
+  {
+    error.setFilename(path);
+    error.setWhat(path + " : " + error.getWhat());
+    error.addWhere(where);
+    throw;
+  }
+}
+
+template <class T> void Shape<T>::save(const std::string& path, bool overwrite) const
+{
+  OutputFile file(path, overwrite, "void Shape<T>::save(const std::string&, bool) const");
+  write(file.stream());
+  file.commit();
+}
+
+template <class T> void Shape<T>::requireSpace(const Vector<T>& vector, const char* where) const
+{
+  if (vector.getSize() != this->getSpace()) throw SizeError(where, "Vertex and vector dimensions differ");
+}
+
+GEOMETRY_INSTANTIATE(Shape)

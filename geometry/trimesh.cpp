@@ -1,0 +1,244 @@
+#include "geometry/trimesh.h"
+
+#include "geometry/vectors3d.h"
+
+#include <algorithm>
+#include <numbers>
+
+namespace
+{
+
+/// Twice the area of a triangle in 2D or 3D.
+template <class T> Real<T> twiceTriangleArea(const T* a, const T* b, const T* c, int space)
+{
+  using R = Real<T>;
+  if (space == 3) return norm(crossProduct(difference<R>(b, a), difference<R>(c, a)));
+  if (space < 2) return 0;
+  const R abx = static_cast<R>(b[0]) - a[0], aby = static_cast<R>(b[1]) - a[1];
+  const R acx = static_cast<R>(c[0]) - a[0], acy = static_cast<R>(c[1]) - a[1];
+  return std::abs(abx * acy - aby * acx);
+}
+
+} // namespace
+
+template <class T> TriMesh<T>::TriMesh(int space, int numVertices, int numTriangles)
+  : Vertices<T>(space, numVertices), _indexes(3 * static_cast<std::size_t>(std::max(numTriangles, 0)), -1)
+{
+}
+
+template <class T> Vector<int> TriMesh<T>::getTriangleIndexes(int i) const
+{
+  requireSlot(i, "Vector<int> TriMesh<T>::getTriangleIndexes(int) const");
+  const int* const triangle = corners(i);
+  return hasTriangle(i) ? Vector<int>{triangle[0], triangle[1], triangle[2]} : Vector<int>();
+}
+
+template <class T> Vertices<T> TriMesh<T>::triangle(int i) const
+{
+  requireSlot(i, "Vertices<T> TriMesh<T>::triangle(int) const");
+  Vertices<T> vertices(this->getSpace());
+  for (int k = 0; k < 3 && hasTriangle(i); ++k) vertices.append((*this)[corners(i)[k]]);
+  return vertices;
+}
+
+template <class T> void TriMesh<T>::addTriangle(int i, int j, int k)
+{
+  const int size = this->getSize();
+  if (i < 0 || j < 0 || k < 0 || i >= size || j >= size || k >= size)
+    throw RangeError("void TriMesh<T>::addTriangle(int, int, int)", "A triangle names a vertex that does not exist");
+  _indexes.insert(_indexes.end(), {i, j, k});
+  ++_numTriangles;
+}
+
+template <class T> void TriMesh<T>::addTriangle(const Vector<int>& indexes)
+{
+  if (indexes.getSize() != 3)
+    throw SizeError("void TriMesh<T>::addTriangle(const Vector<int>&)", "A triangle has three vertices");
+  addTriangle(indexes[0], indexes[1], indexes[2]);
+}
+
+template <class T> void TriMesh<T>::setTriangles(const std::vector<Vector<int>>& triangles)
+{
+  TriMesh<T> mesh(static_cast<const Vertices<T>&>(*this));
+  mesh.reserveTriangles(static_cast<int>(triangles.size()));
+  for (const Vector<int>& triangle : triangles) mesh.addTriangle(triangle);
+  _indexes.swap(mesh._indexes);
+  _numTriangles = mesh._numTriangles;
+}
+
+template <class T> void TriMesh<T>::removeTriangle(int i)
+{
+  requireSlot(i, "void TriMesh<T>::removeTriangle(int)");
+  if (!hasTriangle(i)) return;
+  std::fill_n(_indexes.data() + 3 * static_cast<std::size_t>(i), 3, -1);
+  --_numTriangles;
+}
+
+template <class T> void TriMesh<T>::remove(int vertex)
+{
+  requireVertex(vertex, "void TriMesh<T>::remove(int)");
+  for (int i = 0; i < getNumTriangleSlots(); ++i)
+    if (std::count(corners(i), corners(i) + 3, vertex) > 0) removeTriangle(i);
+  for (int& index : _indexes)
+    if (index > vertex) --index;
+  if (hasNormals()) _normals.remove(vertex);
+  if (hasVertexColors())
+  {
+    TriMesh<int> colors = *_colors;
+    colors.remove(vertex);
+    _colors = std::make_shared<const TriMesh<int>>(colors);
+  }
+  Vertices<T>::remove(vertex);
+}
+
+template <class T> void TriMesh<T>::clear()
+{
+  Vertices<T>::clear();
+  _normals.clear();
+  _indexes.clear();
+  _numTriangles = 0;
+  _colors.reset();
+}
+
+template <class T> Vector<int> TriMesh<T>::neighbours(int vertex) const
+{
+  requireVertex(vertex, "Vector<int> TriMesh<T>::neighbours(int) const");
+  std::vector<int> found;
+  for (int i = 0; i < getNumTriangleSlots(); ++i)
+    if (std::count(corners(i), corners(i) + 3, vertex) > 0) found.insert(found.end(), corners(i), corners(i) + 3);
+  std::sort(found.begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  std::erase(found, vertex);
+  return Vector<int>(found);
+}
+
+template <class T> Vector<int> TriMesh<T>::star(int vertex) const
+{
+  requireVertex(vertex, "Vector<int> TriMesh<T>::star(int) const");
+  std::vector<int> found;
+  for (int i = 0; i < getNumTriangleSlots(); ++i)
+    if (std::count(corners(i), corners(i) + 3, vertex) > 0) found.push_back(i);
+  return Vector<int>(found);
+}
+
+template <class T> const Vector<T>& TriMesh<T>::getNormal(int vertex) const
+{
+  const char* const where = "const Vector<T>& TriMesh<T>::getNormal(int) const";
+  requireVertex(vertex, where);
+  if (!hasNormals()) throw UsageError(where, "This mesh has no normals");
+  return _normals[vertex];
+}
+
+template <class T> void TriMesh<T>::setNormal(int vertex, const Vector<T>& normal)
+{
+  const char* const where = "void TriMesh<T>::setNormal(int, const Vector<T>&)";
+  requireVertex(vertex, where);
+  if (normal.getSize() != this->getSpace()) throw SizeError(where, "The normal has another dimension");
+  _normals.setSize(this->getSize());
+  _normals[vertex] = normal;
+}
+
+template <class T> void TriMesh<T>::setVertexColors(const TriMesh<int>& colors)
+{
+  if (colors.getSize() != this->getSize() || colors.getSpace() != 3)
+    throw SizeError("void TriMesh<T>::setVertexColors(const TriMesh<int>&)", "Not one colour of three per vertex");
+  _colors = std::make_shared<const TriMesh<int>>(colors);
+}
+
+template <class T> const TriMesh<int>& TriMesh<T>::getVertexColors() const
+{
+  if (!hasVertexColors())
+    throw UsageError("const TriMesh<int>& TriMesh<T>::getVertexColors() const", "This mesh has no colours");
+  return *_colors;
+}
+
+template <class T> Real<T> TriMesh<T>::area() const
+{
+  requireConsistency("T TriMesh<T>::area() const");
+  const int space = this->getSpace();
+  Real<T> sum = 0;
+  forEachTriangle([&sum, space](const T* a, const T* b, const T* c) { sum += twiceTriangleArea(a, b, c, space); });
+  return sum / 2;
+}
+
+template <class T> Real<T> TriMesh<T>::volume() const
+{
+  const char* const where = "T TriMesh<T>::volume() const";
+  requireSpace3(where);
+  requireConsistency(where);
+  if (_numTriangles == 0) return 0;
+  using R = Real<T>;
+  const Vector<R> center = this->cog();
+  const R* const g = center.data();
+  R sum = 0;
+  forEachTriangle([&sum, g](const T* a, const T* b, const T* c)
+                  { sum += dotProduct(difference<R>(a, g), crossProduct(difference<R>(b, g), difference<R>(c, g))); });
+  return std::abs(sum) / 6;
+}
+
+template <class T> Real<T> TriMesh<T>::equivalentRadius() const
+{
+  if (this->getSpace() != 3) throw 1; // callers tell this error by its value
+  return std::cbrt(3 * volume() / (4 * std::numbers::pi_v<Real<T>>));
+}
+
+template <class T> Vector<Real<T>> TriMesh<T>::centerOfGravity() const
+{
+  const char* const where = "Vector<T> TriMesh<T>::centerOfGravity() const";
+  requireConsistency(where);
+  const int space = this->getSpace();
+  Vector<Real<T>> center;
+  center.setZeros(space);
+  Real<T> total = 0;
+  forEachTriangle(
+      [&center, &total, space](const T* a, const T* b, const T* c)
+      {
+        const Real<T> weight = twiceTriangleArea(a, b, c, space);
+        total += weight;
+        for (int k = 0; k < space; ++k)
+          center[k] +=
+              weight * (static_cast<Real<T>>(a[k]) + static_cast<Real<T>>(b[k]) + static_cast<Real<T>>(c[k])) / 3;
+      });
+  if (!(total > 0)) throw SizeError(where, "This mesh has no surface");
+  return center /= total;
+}
+
+template <class T> void TriMesh<T>::cube()
+{
+  requireSpace3("void TriMesh<T>::cube()");
+  clear();
+  Vertices<T>::setSize(8);
+  for (int i = 0; i < 8; ++i)
+    for (int k = 0; k < 3; ++k) (*this)[i][k] = static_cast<T>(i >> k & 1); // bit k of the index is coordinate k
+  const int faces[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4}, {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
+  for (const int(&face)[4] : faces)
+  {
+    addTriangle(face[0], face[1], face[2]);
+    addTriangle(face[0], face[2], face[3]);
+  }
+}
+
+template <class T> void TriMesh<T>::requireSlot(int i, const char* where) const
+{
+  if (i < 0 || i >= getNumTriangleSlots()) throw RangeError(where, "There is no triangle " + std::to_string(i));
+}
+
+template <class T> void TriMesh<T>::requireVertex(int i, const char* where) const
+{
+  if (i < 0 || i >= this->getSize()) throw RangeError(where, "There is no vertex " + std::to_string(i));
+}
+
+template <class T> void TriMesh<T>::requireSpace3(const char* where) const
+{
+  if (this->getSpace() != 3) throw SizeError(where, "This mesh is not in three dimensions");
+}
+
+// Vertices can be taken away without regard to the triangles.
+template <class T> void TriMesh<T>::requireConsistency(const char* where) const
+{
+  const auto largest = std::max_element(_indexes.begin(), _indexes.end());
+  if (largest != _indexes.end() && *largest >= this->getSize())
+    throw SizeError(where, "A triangle names a vertex that does not exist");
+}
+
+GEOMETRY_INSTANTIATE(TriMesh)

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "geometry/vertices.h"
+
+#include <memory>
+#include <vector>
+
+/// Triangulated surface: vertices, triangles of three vertex indexes, optional normals and colours of the vertices.
+///
+/// A removed triangle leaves an empty slot, which is skipped by counting, measuring and writing; triangle numbers are
+/// numbers of slots. A triangle is seen from outside when its vertices run counter-clockwise.
+template <class T> class TriMesh : public Vertices<T>
+{
+public:
+  explicit TriMesh(int space = 3) : Vertices<T>(space) {}
+  /// A mesh without triangles that shares the vertices of a set.
+  explicit TriMesh(const Vertices<T>& vertices) : Vertices<T>(vertices) {}
+  /// Reads a mesh file. \throw FileReadError, FileFormatError  as load()
+  explicit TriMesh(const std::string& path) : TriMesh() { this->load(path); }
+  /// Vertices at the origin and empty triangle slots.
+  TriMesh(int space, int numVertices, int numTriangles);
+
+  TriMesh<T>* clone() const override { return new TriMesh<T>(*this); }
+  ShapeType getShapeType() const override { return TriMeshShape; }
+
+  /// Number of triangles that are present.
+  int getNumTriangles() const { return _numTriangles; }
+  /// Number of triangle slots, the empty ones included.
+  int getNumTriangleSlots() const { return static_cast<int>(_indexes.size() / 3); }
+  /// Slot i of 0 <= i < getNumTriangleSlots(), as in all that follows. Unchecked.
+  bool hasTriangle(int i) const { return corners(i)[0] >= 0; }
+  /// The three vertex indexes of triangle i; negative when the slot is empty. Unchecked.
+  const int* corners(int i) const { return _indexes.data() + 3 * static_cast<std::size_t>(i); }
+  /// The vertex indexes of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
+  Vector<int> getTriangleIndexes(int i) const;
+  /// The three vertices of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
+  Vertices<T> triangle(int i) const;
+
+  /// Adds a triangle behind the last slot. \throw RangeError  there is no such vertex
+  void addTriangle(int i, int j, int k);
+  /// \throw SizeError  not three indexes \throw RangeError  there is no such vertex
+  void addTriangle(const Vector<int>& indexes);
+  /// Replaces all triangles. \throw SizeError, RangeError  as addTriangle()
+  void setTriangles(const std::vector<Vector<int>>& triangles);
+  void reserveTriangles(int numTriangles) { _indexes.reserve(3 * static_cast<std::size_t>(numTriangles)); }
+  /// Empties the slot. \throw RangeError  there is no such slot
+  void removeTriangle(int i);
+  /// Removes a vertex with its triangles; the vertices behind it move up. \throw RangeError  there is no such vertex
+  void remove(int vertex);
+  /// Removes vertices, triangles, normals and colours.
+  void clear();
+  /// Becomes a copy of the other mesh.
+  void assign(const TriMesh<T>& mesh) { *this = mesh; }
+
+  /// The vertices joined to a vertex by an edge, in ascending order, in time linear in the mesh.
+  Vector<int> neighbours(int vertex) const;
+  /// The triangles that use a vertex, in ascending order, in time linear in the mesh.
+  Vector<int> star(int vertex) const;
+
+  bool hasNormals() const { return _normals.getSize() > 0 && _normals.getSize() == this->getSize(); }
+  /// \throw UsageError  there are no normals
+  const Vector<T>& getNormal(int vertex) const;
+  /// Normals that were missing become 0. \throw RangeError  there is no such vertex \throw SizeError  another dimension
+  void setNormal(int vertex, const Vector<T>& normal);
+  const Vertices<T>& getNormals() const { return _normals; }
+  /// Unit normals: means of the triangles' normals, weighted by the angles at the vertex; 0 where there is no surface.
+  /// Source: Thuermer and Wuethrich, "Computing vertex normals from polygonal facets", 1998.
+  /// \throw SizeError  the mesh is not in 3D \throw TypeError  the coordinates are integers
+  void computeNormals();
+
+  bool hasVertexColors() const { return _colors && _colors->getSize() == this->getSize(); }
+  /// Red, green and blue of each vertex, 0 to 255. \throw SizeError  not one colour per vertex
+  void setVertexColors(const TriMesh<int>& colors);
+  /// \throw UsageError  there are no colours
+  const TriMesh<int>& getVertexColors() const;
+
+  /// Sum of the triangles' areas. \throw SizeError  a triangle names a vertex that does not exist
+  Real<T> area() const;
+  /// Enclosed volume, whether the triangles face out or in; meaningful for closed meshes of one orientation.
+  /// \throw SizeError  the mesh is not in 3D, or a triangle names a vertex that does not exist
+  Real<T> volume() const;
+  /// Radius of the ball of equal volume. \throw int  1 when the mesh is not in 3D
+  Real<T> equivalentRadius() const;
+  /// Centre of gravity of the surface: the mean of the triangles' centres weighted by their areas.
+  /// \throw SizeError  there is no surface
+  Vector<Real<T>> centerOfGravity() const;
+
+  /// Becomes the unit cube [0, 1]^3 with outward triangles. \throw SizeError  the mesh is not in 3D
+  void cube();
+
+  /// Writes the text of an ASCII STL file, degenerate triangles with the normal 0. \throw SizeError  not in 3D
+  void export2AsciiSTL(std::ostream& stream) const;
+
+  void read(std::istream& stream) override;
+  void write(std::ostream& stream) const override;
+
+protected:
+  bool isReadable(int shapeType) const override { return shapeType == TriMeshShape; }
+
+private:
+  /// Calls function(a, b, c) with pointers to the coordinates of the corners of each triangle.
+  template <class F> void forEachTriangle(F&& function) const
+  {
+    for (int i = 0; i < getNumTriangleSlots(); ++i)
+      if (const int* const c = corners(i); hasTriangle(i))
+        function(this->data(c[0]), this->data(c[1]), this->data(c[2]));
+  }
+  void requireSlot(int i, const char* where) const;
+  void requireVertex(int i, const char* where) const;
+  void requireSpace3(const char* where) const;
+  void requireConsistency(const char* where) const;
+
+  std::vector<int, BufferAllocator<int>> _indexes; // three per slot, negative in empty ones
+  int _numTriangles = 0;
+  Vertices<T> _normals = Vertices<T>(this->getSpace());
+  std::shared_ptr<const TriMesh<int>> _colors;
+};
+
+GEOMETRY_EXTERN_TEMPLATE(TriMesh)

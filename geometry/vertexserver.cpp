@@ -1,0 +1,106 @@
+#include "geometry/vertexserver.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace
+{
+
+/// The capacity raised in whole steps until it holds `size` slots.
+int raisedCapacity(int capacity, int growth, int size)
+{
+  const std::int64_t step = std::max(growth, 1);
+  const std::int64_t numSteps = (std::int64_t(size) - capacity + step - 1) / step;
+  return static_cast<int>(std::min<std::int64_t>(capacity + numSteps * step, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+template <class T> VertexServer<T>::VertexServer(int space, int size, int capacity, int growth)
+  : _space(space), _growth(growth < 1 ? size : growth)
+{
+  if (space < 1 || size < 0)
+    throw SizeError("VertexServer<T>::VertexServer(int, int, int, int)", "Invalid vertex space or number of vertices");
+  allocate(capacity < 1 ? size : capacity);
+  setSize(size);
+}
+
+template <class T> VertexServer<T>::VertexServer(const VertexServer<T>& server)
+  : VertexServer(server._space, server._size, server.getCapacity(), server._growth)
+{
+  std::copy_n(server.data(), server.offset(server._size), data());
+}
+
+template <class T> VertexServer<T>& VertexServer<T>::operator=(const VertexServer<T>& server)
+{
+  if (this == &server) return *this;
+  VertexServer<T> copy(server);
+  _coordinates.swap(copy._coordinates);
+  _vertices.swap(copy._vertices);
+  _space = copy._space;
+  _size = copy._size;
+  _growth = copy._growth;
+  return *this;
+}
+
+template <class T> void VertexServer<T>::setSize(int size)
+{
+  size = std::max(size, 0);
+  if (size > getCapacity()) setCapacity(raisedCapacity(getCapacity(), _growth, size));
+  if (size > _size) std::fill(data(_size), data(size), T(0));
+  _size = size;
+}
+
+template <class T> void VertexServer<T>::setCapacity(int capacity)
+{
+  allocate(std::max(capacity, _size));
+}
+
+// The memory behind the slots grows geometrically, so that appending is linear whatever the growth.
+template <class T> void VertexServer<T>::allocate(int capacity)
+{
+  const T* const oldBlock = _coordinates.data();
+  if (!_coordinates.empty() && offset(capacity) > _coordinates.capacity())
+    _coordinates.reserve(std::max(offset(capacity), 2 * _coordinates.capacity()));
+  _coordinates.resize(offset(capacity));
+
+  const std::size_t numSlots = static_cast<std::size_t>(capacity);
+  if (_coordinates.data() != oldBlock || numSlots < _vertices.size()) _vertices.clear();
+  if (numSlots > _vertices.capacity())
+  {
+    _vertices.clear();
+    _vertices.reserve(std::max(numSlots, _coordinates.capacity() / static_cast<std::size_t>(_space)));
+  }
+  for (int i = getCapacity(); i < capacity; ++i) _vertices.emplace_back(_space, data(i));
+}
+
+template <class T> void VertexServer<T>::insertSlots(int i, int count)
+{
+  const int oldSize = _size;
+  setSize(oldSize + count);
+  std::copy_backward(data(i), data(oldSize), data(_size));
+}
+
+template <class T> void VertexServer<T>::remove(int i, int count)
+{
+  std::copy(data(i + count), data(_size), data(i));
+  setSize(_size - count);
+}
+
+template <class T> void VertexServer<T>::append(const VertexServer<T>& server)
+{
+  if (server._space != _space)
+    throw SizeError("void VertexServer<T>::append(const VertexServer<T>&)", "The vertices have different dimensions");
+  const int numAppended = server._size; // a server may be appended to itself
+  const int first = _size;
+  setSize(first + numAppended);
+  std::copy_n(server.data(), offset(numAppended), data(first));
+}
+
+template <class T> void VertexServer<T>::deref()
+{
+  if (_numReferences > 0 && --_numReferences == 0) delete this;
+}
+
+GEOMETRY_INSTANTIATE(VertexServer)

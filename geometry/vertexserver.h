@@ -1,0 +1,72 @@
+#pragma once
+
+#include "geometry/bufferallocator.h"
+#include "geometry/coordinatetypes.h"
+#include "numeric/vector.h"
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+/// Reference-counted storage of vertices, shared by vertex clients.
+///
+/// All coordinates lie in one block, vertex after vertex; the vertices are shallow vectors into it. References and
+/// pointers to vertices stay valid until the capacity changes.
+template <class T> class VertexServer
+{
+public:
+  /// Storage for `size` vertices of `space` coordinates, all 0. A capacity or growth below 1 is replaced by the size.
+  /// \throw SizeError  the space is below 1 or the size negative
+  VertexServer(int space, int size, int capacity, int growth);
+  /// A deep copy, with a reference count of 0.
+  VertexServer(const VertexServer<T>& server);
+  VertexServer<T>& operator=(const VertexServer<T>& server);
+  virtual ~VertexServer() = default;
+
+  int getSpace() const { return _space; }
+  int getSize() const { return _size; }
+  int getCapacity() const { return static_cast<int>(_vertices.size()); }
+  int getGrowth() const { return _growth; }
+  int getNumReferences() const { return _numReferences; }
+
+  /// Vertex i. Unchecked: the caller guarantees 0 <= i < getSize().
+  Vector<T>& operator[](int i) { return _vertices[i]; }
+  const Vector<T>& operator[](int i) const { return _vertices[i]; }
+
+  /// The coordinate block: getSize() x getSpace() values, vertex after vertex.
+  T* data() { return _coordinates.data(); }
+  const T* data() const { return _coordinates.data(); }
+  /// The coordinates of vertex i. Unchecked.
+  T* data(int i) { return _coordinates.data() + offset(i); }
+  const T* data(int i) const { return _coordinates.data() + offset(i); }
+
+  /// Keeps the first vertices; new ones are 0. The capacity is raised in steps of the growth (1 when below 1).
+  void setSize(int size);
+  /// Allocates vertex slots, never fewer than the size.
+  void setCapacity(int capacity);
+  void setGrowth(int growth) { _growth = growth; }
+
+  /// Makes place for `count` vertices before vertex i; their coordinates are unspecified.
+  void insertSlots(int i, int count);
+  /// Removes the vertices i to i + count - 1.
+  void remove(int i, int count);
+  /// \throw SizeError  the spaces differ
+  void append(const VertexServer<T>& server);
+
+  void ref() { ++_numReferences; }
+  /// Drops one reference and destroys the server with the last one; nothing happens without references.
+  void deref();
+
+private:
+  std::size_t offset(int i) const { return static_cast<std::size_t>(i) * static_cast<std::size_t>(_space); }
+  void allocate(int capacity);
+
+  std::vector<T, BufferAllocator<T>> _coordinates; // getCapacity() x _space
+  std::vector<Vector<T>> _vertices;                // one shallow vector per slot
+  int _space;
+  int _size = 0;
+  int _growth;
+  std::atomic<int> _numReferences = 0;
+};
+
+GEOMETRY_EXTERN_TEMPLATE(VertexServer)

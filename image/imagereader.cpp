@@ -1,0 +1,109 @@
+#include "image/imagereader.h"
+
+#include "image/image.h"
+#include "image/imagesourcefile.h"
+#include "image/imagesourcefilemosaic.h"
+#include "image/imagesourcetiffstackplane.h"
+#include "image/tifffile.h"
+#include "image/tiffreading.h"
+
+#include <tiffio.h>
+
+namespace
+{
+void selectPlane(TiffFile& file, int plane)
+{
+  if (plane < 0 || TIFFSetDirectory(file.get(), static_cast<tdir_t>(plane)) != 1)
+    file.failReading("void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)",
+                     "There is no plane " + std::to_string(plane));
+}
+
+/// The image of the current directory; the given image changes only when all went well.
+void readCurrentImage(Image& image, TiffFile& file)
+{
+  ImageHeader header;
+  readTiffHeader(header, file);
+  Image fresh;
+  readTiffPixels(fresh, header, file);
+  image.swap(fresh);
+}
+
+/// Reads one tile and pastes it into the mosaic, which gets its depth and colormap from the first.
+void pasteTile(Image& mosaic, const std::string& filename, int x, int y, int width, int height)
+{
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceFileMosaic&)";
+  Image tile;
+  ImageReader::read(tile, filename);
+  if (tile.getWidth() != width || tile.getHeight() != height)
+    throw FileFormatError(where, "Incompatible image dimensions", filename);
+  try
+  {
+    mosaic.paste(tile, x, y);
+  }
+  catch (const ValueError& error)
+  {
+    throw FileFormatError(where, error.getWhat(), filename);
+  }
+}
+} // namespace
+
+void ImageReader::read(Image& image, const ImageSource& source)
+{
+  switch (source.getType())
+  {
+  case ImageSourceType::File:
+    return read(image, static_cast<const ImageSourceFile&>(source));
+  case ImageSourceType::FileMosaic:
+    return read(image, static_cast<const ImageSourceFileMosaic&>(source));
+  case ImageSourceType::TiffStackPlane:
+    return read(image, static_cast<const ImageSourceTiffStackPlane&>(source));
+  default:
+    static_cast<void>(source.getDepth()); // asks for the header, which throws the error that names the file
+    throw FileReadError("void ImageReader::read(Image&, const ImageSource&)", "Images of this kind cannot be read yet");
+  }
+}
+
+void ImageReader::read(Image& image, const ImageSourceFile& source)
+{
+  read(image, source.getFilename());
+}
+
+void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
+{
+  TiffFile file(source.getTiffStackFilename());
+  selectPlane(file, source.getPlane());
+  readCurrentImage(image, file);
+}
+
+void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
+{
+  const std::vector<int> heights = source.rowHeights(), widths = source.colWidths();
+  ImageHeader header;
+  read(header, source.getFilename(0, 0));
+  Image mosaic(source.getSize2(), source.getSize1(), header.getDepth());
+  mosaic.setDescription(header);
+  for (int row = 0, y = 0; row < source.getRows(); y += heights[static_cast<std::size_t>(row++)])
+    for (int column = 0, x = 0; column < source.getCols(); x += widths[static_cast<std::size_t>(column++)])
+      pasteTile(mosaic, source.getFilename(row, column), x, y, widths[static_cast<std::size_t>(column)],
+                heights[static_cast<std::size_t>(row)]);
+  image.swap(mosaic);
+}
+
+void ImageReader::read(Image& image, const std::string& filename)
+{
+  TiffFile file(filename);
+  readCurrentImage(image, file);
+}
+
+void ImageReader::read(ImageHeader& header, const std::string& filename)
+{
+  TiffFile file(filename);
+  readTiffHeader(header, file);
+}
+
+void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
+{
+  TiffFile file(source.getTiffStackFilename());
+  selectPlane(file, source.getPlane());
+  readTiffHeader(header, file);
+}

@@ -1,0 +1,64 @@
+#include "image/imagesourcefilemosaic.h"
+
+#include "image/imagereader.h"
+#include "numeric/exception.h"
+
+#include <cstdint>
+#include <limits>
+#include <numeric>
+
+namespace
+{
+ImageHeader tileHeader(const std::string& filename)
+{
+  ImageHeader header;
+  ImageReader::read(header, filename);
+  return header;
+}
+
+int total(const std::vector<int>& sizes)
+{
+  const std::int64_t sum = std::accumulate(sizes.begin(), sizes.end(), std::int64_t{0});
+  if (sum > std::numeric_limits<int>::max())
+    throw SizeError("ImageHeader ImageSourceFileMosaic::readHeader() const", "The mosaic is too large");
+  return static_cast<int>(sum);
+}
+} // namespace
+
+const std::string& ImageSourceFileMosaic::getFilename(int row, int column) const
+{
+  static const std::string none;
+  const auto tile = _filenames.find({row, column});
+  return tile == _filenames.end() ? none : tile->second;
+}
+
+void ImageSourceFileMosaic::setFilename(int row, int column, const std::string& filename)
+{
+  if (row < 0 || row >= _rows || column < 0 || column >= _cols)
+    throw RangeError("void ImageSourceFileMosaic::setFilename(int, int, const std::string&)",
+                     "There is no such place in the mosaic");
+  _filenames[{row, column}] = filename;
+  forgetHeader();
+}
+
+std::vector<int> ImageSourceFileMosaic::rowHeights() const
+{
+  std::vector<int> heights;
+  for (int row = 0; row < _rows; ++row) heights.push_back(tileHeader(getFilename(row, 0)).getHeight());
+  return heights;
+}
+
+std::vector<int> ImageSourceFileMosaic::colWidths() const
+{
+  std::vector<int> widths;
+  for (int column = 0; column < _cols; ++column) widths.push_back(tileHeader(getFilename(0, column)).getWidth());
+  return widths;
+}
+
+ImageHeader ImageSourceFileMosaic::readHeader() const
+{
+  ImageHeader header = tileHeader(getFilename(0, 0));
+  header.setHeight(total(rowHeights()));
+  header.setWidth(total(colWidths()));
+  return header;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct tiff; // libtiff's handle, which it also calls TIFF
+
+/// A TIFF file that is closed on every path; it keeps what libtiff has to say about it.
+///
+/// libtiff's message becomes part of the error that follows it. Warnings of a file that was read without error go to
+/// the error stream as one line when the file is closed.
+class TiffFile
+{
+public:
+  /// Opens a file for reading.
+  /// \throw FileReadError    it cannot be opened
+  /// \throw FileFormatError  it is no TIFF file
+  explicit TiffFile(const std::string& filename);
+  /// Writes to an open descriptor, which stays the caller's.
+  /// \throw FileWriteError  libtiff cannot write to it
+  TiffFile(int descriptor, const std::string& filename);
+  TiffFile(const TiffFile&) = delete;
+  TiffFile& operator=(const TiffFile&) = delete;
+  ~TiffFile();
+
+  tiff* get() const { return _tiff; }
+  const std::string& getFilename() const { return _filename; }
+  /// Length in bytes of a file opened for reading.
+  std::uint64_t getLength() const { return _length; }
+
+  /// \throw FileFormatError  always: `what`, then libtiff's reason in brackets when it gave one
+  [[noreturn]] void failReading(const std::string& where, const std::string& what);
+  /// \throw FileWriteError  always, with the same text
+  [[noreturn]] void failWriting(const std::string& where, const std::string& what);
+
+  /// Called by libtiff's handlers.
+  void noteError(const std::string& message);
+  void noteWarning(const std::string& message);
+
+private:
+  void open(int descriptor, const char* mode);
+  std::string withReason(const std::string& what);
+
+  std::string _filename;
+  tiff* _tiff = nullptr;
+  std::uint64_t _length = 0;
+  std::string _error;      // the first one
+  std::string _warning;    // the first one
+  bool _hasFailed = false; // the error was told by an exception
+};

@@ -1,0 +1,113 @@
+#include "model/io/stackiocontext.h"
+
+namespace fs = std::filesystem;
+
+StackIOContext::StackIOContext(const std::string& stackFileName)
+  : _stackFileName(stackFileName),
+    _stackDirectory(fs::absolute(stackFileName).lexically_normal().parent_path()),
+    _imagesPath(_stackDirectory.string())
+{
+}
+
+void StackIOContext::setImagesPath(const std::string& path)
+{
+  const fs::path directory = (_stackDirectory / path).lexically_normal(); // an absolute path replaces the directory
+  _imagesPath = directory.has_filename() ? directory.string() : directory.parent_path().string();
+}
+
+std::string StackIOContext::resolved(const std::string& imageFileName) const
+{
+  return imageFileName.empty() ? "" : (fs::path(_imagesPath) / imageFileName).lexically_normal().string();
+}
+
+bool StackIOContext::fulfils(Need need) const
+{
+  switch (need)
+  {
+  case Need::Nothing:
+    return true;
+  case Need::Stack:
+    return _stack;
+  case Need::StackOrSlice:
+    return _stack && !_hasFailedSlice;
+  case Need::Slice:
+    return _slice;
+  case Need::Mosaic:
+    return _slice && _slice->getImageSource()->getType() == ImageSourceType::FileMosaic;
+  case Need::Model:
+    return _model;
+  case Need::ItemProperties:
+    return _itemProperties;
+  case Need::Item:
+    return _item;
+  case Need::Pose:
+    return _pose;
+  }
+  return false;
+}
+
+void StackIOContext::openStack(Stack& stack)
+{
+  if (!_stack) _keeper = &stack;
+  if (!_stack) _hasFailedSlice = false; // it failed because there was no stack
+  _stack = &stack;
+}
+
+void StackIOContext::openSlice(StackSlice& slice)
+{
+  _slice = &slice;
+  _hasFailedSlice = false;
+  _keeper = &slice;
+  _slicesByName.try_emplace(slice.getName(), &slice);
+}
+
+void StackIOContext::openModel(Model& model)
+{
+  _model = &model;
+  _item = nullptr;
+  _itemProperties = &model.getItemProperties();
+  _keeper = &model;
+  _modelsByName.try_emplace(model.getName(), &model);
+}
+
+void StackIOContext::openItem(ModelItem& item)
+{
+  _item = &item;
+  _itemProperties = &item.getProperties();
+  _keeper = item.getModel();
+}
+
+void StackIOContext::openPose(Pose& pose)
+{
+  _pose = &pose;
+  _keeper = &pose;
+}
+
+void StackIOContext::failToOpen(Kind kind)
+{
+  if (kind == Kind::Pose) _pose = nullptr;
+  if (kind == Kind::Model) _model = nullptr;
+  if (kind == Kind::Model || kind == Kind::Item)
+  {
+    _item = nullptr;
+    _itemProperties = nullptr;
+  }
+  if (kind == Kind::Slice)
+  {
+    _slice = nullptr;
+    _hasFailedSlice = true;
+  }
+}
+
+StackSlice* StackIOContext::findSlice(const std::string& name) const
+{
+  const auto found = _slicesByName.find(name);
+  return found == _slicesByName.end() ? nullptr : found->second;
+}
+
+Model* StackIOContext::findModel(const std::string& name) const
+{
+  if (_model && _model->getName() == name) return _model;
+  const auto found = _modelsByName.find(name);
+  return found == _modelsByName.end() ? nullptr : found->second;
+}

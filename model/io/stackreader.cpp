@@ -1,0 +1,286 @@
+#include "model/io/stackreader.h"
+
+#include "model/io/stackarguments.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <memory>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace
+{
+constexpr const char* readSignature = "void StackReader::read(Stack&, const std::string&)";
+
+std::string withSuffix(const std::string& fileName)
+{
+  return std::filesystem::path(fileName).extension() == ".sdf" ? fileName : fileName + ".sdf";
+}
+
+[[noreturn]] void failOpening(const std::string& fileName, const std::string& reason)
+{
+  throw FileReadError(readSignature, "Cannot open file for reading (" + reason + ")", fileName);
+}
+
+[[noreturn]] void failOpening(const std::string& fileName, int error)
+{
+  failOpening(fileName, std::generic_category().message(error));
+}
+
+/// The descriptor of a regular file that is closed on every path.
+class OpenFile
+{
+public:
+  explicit OpenFile(const std::string& fileName) : _fileName(fileName)
+  {
+    struct stat status = {};
+    if (stat(fileName.c_str(), &status) != 0) failOpening(fileName, errno);
+    if (S_ISDIR(status.st_mode)) failOpening(fileName, EISDIR);
+    if (!S_ISREG(status.st_mode)) failOpening(fileName, "Not a regular file");
+    _length = static_cast<std::size_t>(status.st_size);
+    _descriptor = open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    if (_descriptor < 0) failOpening(fileName, errno);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() { close(_descriptor); }
+
+  std::string readAll() const
+  {
+    std::string text(_length, '\0');
+    std::size_t size = 0;
+    while (size < text.size())
+    {
+      const ssize_t count = ::read(_descriptor, text.data() + size, text.size() - size);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0)
+        throw FileReadError(readSignature, "Cannot read file (" + std::generic_category().message(errno) + ")",
+                            _fileName);
+      if (count == 0) break; // shorter than it was a moment ago
+      size += static_cast<std::size_t>(count);
+    }
+    text.resize(size);
+    return text;
+  }
+
+private:
+  std::string _fileName;
+  std::size_t _length = 0;
+  int _descriptor = -1;
+};
+
+/// A keyword as it is shown in the log; garbage is cut short.
+std::string shown(std::string_view keyword)
+{
+  constexpr std::size_t maxLength = 64;
+  return keyword.size() <= maxLength ? std::string(keyword) : std::string(keyword.substr(0, maxLength)) + "...";
+}
+
+std::optional<StackIOContext::Kind> openedKind(std::string_view spelling)
+{
+  const auto keyword = StackIO::getKeyword(spelling);
+  if (keyword == StackKeyword::Slice || keyword == StackKeyword::StackSlice) return StackIOContext::Kind::Slice;
+  if (keyword == StackKeyword::Model) return StackIOContext::Kind::Model;
+  if (keyword == StackKeyword::ModelItem) return StackIOContext::Kind::Item;
+  if (keyword == StackKeyword::Pose) return StackIOContext::Kind::Pose;
+  return std::nullopt;
+}
+} // namespace
+
+/// What a keyword takes, where it is valid, and who executes it.
+struct StackReader::Rule
+{
+  StackKeyword keyword;
+  std::size_t minArguments;
+  std::size_t maxArguments;
+  StackIOContext::Need need;
+  void (StackReader::*input)(const StackArguments&);
+};
+
+const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
+{
+  using Need = StackIOContext::Need;
+  using K = StackKeyword;
+  using R = StackReader;
+  constexpr std::size_t any = static_cast<std::size_t>(-1);
+  static const Rule rules[] = {
+      {K::Annotation, 1, 1, Need::StackOrSlice, &R::inputAnnotation},
+      {K::BeginCap, 1, 1, Need::Model, &R::inputBeginCapFlag},
+      {K::Brilliancy, 1, 1, Need::Model, &R::inputBrilliancy},
+      {K::CalibrationCurve, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::Color, 3, 3, Need::ItemProperties, &R::inputColor},
+      {K::EcoRendering, 1, 1, Need::Model, &R::inputEcoRendering},
+      {K::EndCap, 1, 1, Need::Model, &R::inputEndCapFlag},
+      {K::FileFormatVersion, 1, 1, Need::Nothing, &R::inputFileFormatVersion},
+      {K::FilledIn, 1, 1, Need::ItemProperties, &R::inputFilledIn},
+      {K::Fit, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::Hidden3D, 1, 1, Need::ItemProperties, &R::inputHidden3D},
+      {K::Image, 3, 3, Need::Mosaic, &R::inputImage},
+      {K::ImagesPath, 1, 1, Need::Stack, &R::inputImagesPath},
+      {K::InvertZAxis, 1, 1, Need::Stack, &R::inputInvertZAxis},
+      {K::AbsoluteImagesPathPolicy, 1, 1, Need::Stack, &R::inputAbsoluteImagesPathPolicy},
+      {K::LastSegmentedSlice, 1, 1, Need::Stack, &R::inputLastSegmentedSlice},
+      {K::LastRegisteredSlice, 1, 1, Need::Stack, &R::inputLastRegisteredSlice},
+      {K::LengthUnitScale, 1, 1, Need::Stack, &R::inputLengthUnitScale},
+      {K::Model, 1, 1, Need::Stack, &R::inputModel},
+      {K::ModelItem, 2, 2, Need::Stack, &R::inputModelItem},
+      {K::ModelItemData, 0, any, Need::Item, &R::inputModelItemData},
+      {K::MeshNormalSmoothing, 1, 1, Need::Model, &R::parseNormalSmoothing},
+      {K::PixelAspect, 1, 1, Need::StackOrSlice, &R::inputPixelAspect},
+      {K::PixelHeight, 1, 1, Need::StackOrSlice, &R::inputPixelHeight},
+      {K::PixelWidth, 1, 1, Need::StackOrSlice, &R::inputPixelWidth},
+      {K::PointSize, 1, 1, Need::ItemProperties, &R::inputPointsize},
+      {K::Pose, 1, 1, Need::Stack, &R::inputPose},
+      {K::PoseRotation, 3, 3, Need::Pose, &R::inputPoseRotation},
+      {K::PoseShift, 2, 2, Need::Pose, &R::inputPoseShift},
+      {K::PoseZoom, 1, 1, Need::Pose, &R::inputPoseZoom},
+      {K::AmbientLight, 1, 1, Need::Pose, &R::inputAmbientLight},
+      {K::DiffuseLight, 1, 1, Need::Pose, &R::inputDiffuseLight},
+      {K::SpecularLight, 1, 1, Need::Pose, &R::inputSpecularLight},
+      {K::Position, 1, 1, Need::Slice, &R::inputPosition},
+      {K::Primitive, 1, 1, Need::Model, &R::inputPrimitive},
+      {K::RelPosition, 1, 1, Need::StackOrSlice, &R::inputRelPosition},
+      {K::RenderingMode, 1, 1, Need::Model, &R::inputRenderingMode},
+      {K::Resampling, 2, 2, Need::Model, &R::inputResampling},
+      {K::Rotate, 1, 1, Need::Slice, &R::inputRotate},
+      {K::Sample, 0, any, Need::Stack, &R::keepStatement},
+      {K::SampleCoords, 0, any, Need::Stack, &R::keepStatement},
+      {K::SampleValue, 0, any, Need::Stack, &R::keepStatement},
+      {K::Shift, 2, 2, Need::Slice, &R::inputShift},
+      {K::Slice, 2, 3, Need::Stack, &R::inputSlice},
+      {K::SliceSize1, 1, 1, Need::Slice, &R::inputSliceHeight},
+      {K::SliceSize2, 1, 1, Need::Slice, &R::inputSliceWidth},
+      {K::Stack, 1, 1, Need::Nothing, &R::inputStack},
+      {K::StackSlice, 3, 3, Need::Stack, &R::inputStackSlice},
+      {K::StandardImage, 0, any, Need::Stack, &R::keepStatement},
+      {K::Thickness, 1, 1, Need::ItemProperties, &R::inputThickness},
+      {K::Transparency, 1, 1, Need::Model, &R::inputTransparency},
+      {K::TriangulationTag, 1, 1, Need::Item, &R::parseTriangulationTag},
+      {K::MeshVertexSmoothing, 1, 1, Need::Model, &R::parseVertexSmoothing},
+      {K::VertexSymbol, 1, 1, Need::ItemProperties, &R::inputVertexSymbol},
+  };
+  return rules[static_cast<std::size_t>(keyword)];
+}
+
+void StackReader::read(Stack& stack, const std::string& fileName)
+{
+  const std::string path = withSuffix(fileName);
+  clearLog();
+  _context = StackIOContext();
+  try
+  {
+    _lexer = StackLexer(OpenFile(path).readAll());
+  }
+  catch (const FileError& error)
+  {
+    addFatalError("Error: " + error.getFilename() + ": " + error.getWhat());
+    return;
+  }
+  _context = StackIOContext(path);
+  stack.clear();
+  try
+  {
+    readStatements(stack);
+  }
+  catch (const Cancelled&)
+  {
+    stack.clear();
+    throw;
+  }
+  _lexer = StackLexer("");
+}
+
+void StackReader::readStatements(Stack& stack)
+{
+  constexpr std::size_t reportInterval = 1 << 16;
+  _target = &stack;
+  const ProgressStep step(*this, "Reading " + _context.getStackFileName(), static_cast<long>(_lexer.getSize()));
+  std::size_t nextReport = 0;
+  while (const auto statement = _lexer.readItemString())
+  {
+    readStatement(*statement);
+    if (_lexer.getPosition() < nextReport) continue;
+    throwIfCancelled(readSignature);
+    progress(static_cast<long>(_lexer.getPosition()));
+    nextReport = _lexer.getPosition() + reportInterval;
+  }
+  shareLengthUnit();
+}
+
+void StackReader::readStatement(const StackLexer::Statement& statement)
+{
+  try
+  {
+    if (!statement.isTerminated) throw ArgValueError();
+    parseTokens(statement);
+  }
+  catch (const Exception&)
+  {
+    if (const auto kind = openedKind(statement.keyword)) _context.failToOpen(*kind);
+    logFailure(statement);
+  }
+}
+
+void StackReader::parseTokens(const StackLexer::Statement& statement)
+{
+  const auto keyword = getKeyword(statement.keyword);
+  if (!keyword) throw KeywordError();
+  const Rule& rule = ruleOf(*keyword);
+  const bool readsTokens = rule.maxArguments <= StackLexer::maxTokens;
+  const auto tokens =
+      readsTokens ? _lexer.splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
+  if (!tokens) throw ArgValueError();
+  if (readsTokens && (tokens->size() < rule.minArguments || tokens->size() > rule.maxArguments)) throw NumArgsError();
+  if (!_context.fulfils(rule.need)) throw ContextError();
+  _statement = &statement;
+  (this->*rule.input)(StackArguments(statement.arguments, *tokens));
+}
+
+/// Turns the exception that is being handled into a line of the log.
+void StackReader::logFailure(const StackLexer::Statement& statement)
+{
+  const std::string keyword = shown(statement.keyword);
+  try
+  {
+    throw;
+  }
+  catch (const NumArgsError&)
+  {
+    addToLog("Error on " + keyword + ": invalid number of arguments.");
+  }
+  catch (const ContextError&)
+  {
+    addToLog("Error: " + keyword + " is invalid in this context.");
+  }
+  catch (const ArgValueError&)
+  {
+    addToLog("Error on " + keyword + ": invalid argument.");
+  }
+  catch (const KeywordError&)
+  {
+    addToLog("Error on " + keyword + ": unknown keyword (ignored).");
+  }
+  catch (const FileError& error)
+  {
+    addFatalError("Error: " + error.getFilename() + ": " + error.getWhat());
+  }
+  catch (const Exception& error)
+  {
+    addToLog("Error on " + keyword + ": " + error.getWhat());
+  }
+}
+
+/// Slices opened before the length unit was stated have the same unit as the others.
+void StackReader::shareLengthUnit() const
+{
+  const Stack* const stack = _context.getStack();
+  for (int i = 0; stack && i < stack->getNumSlices(); ++i)
+  {
+    PixelCalibration calibration = stack->getSlice(i)->getPixelCalibration();
+    calibration.setLengthUnit(stack->getLengthUnit());
+    stack->getSlice(i)->setPixelCalibration(calibration);
+  }
+}

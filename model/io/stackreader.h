@@ -1,0 +1,113 @@
+#pragma once
+
+#include "model/io/stackio.h"
+#include "model/io/stackiocontext.h"
+#include "model/io/stacklexer.h"
+#include "numeric/exception.h"
+
+#include <string>
+
+class StackArguments;
+
+/// Reads stack files.
+///
+/// A statement that fails changes nothing and leaves a line in the log; only a file that cannot be read is fatal.
+/// Images are not opened, so that missing ones do not matter here.
+class StackReader : public StackIO
+{
+public:
+  /// Why a statement failed.
+  class NumArgsError : public Exception
+  {
+  };
+  class ContextError : public Exception
+  {
+  };
+  class ArgValueError : public Exception
+  {
+  };
+  class KeywordError : public Exception
+  {
+  };
+
+  /// Replaces the stack by the one in the file, ".sdf" being appended to a name that does not end so. A file that
+  /// cannot be read leaves the stack as it was, one line in the log and a fatal error.
+  /// \throw Cancelled  the user stopped it; the stack is empty then
+  void read(Stack& stack, const std::string& fileName);
+
+  /// Whether the file held a "STACK" statement; without one it is no stack file.
+  bool hasReadStack() const { return _context.getStack() != nullptr; }
+
+private:
+  struct Rule;
+  static const Rule& ruleOf(StackKeyword keyword);
+
+  void readStatements(Stack& stack);
+  void readStatement(const StackLexer::Statement& statement);
+  void parseTokens(const StackLexer::Statement& statement);
+  void logFailure(const StackLexer::Statement& statement);
+  void shareLengthUnit() const;
+
+  // One input routine per keyword, called with the right number of arguments in the right context.
+  void inputAnnotation(const StackArguments& arguments);
+  void inputBeginCapFlag(const StackArguments& arguments);
+  void inputBrilliancy(const StackArguments& arguments);
+  void inputColor(const StackArguments& arguments);
+  void inputEcoRendering(const StackArguments& arguments);
+  void inputEndCapFlag(const StackArguments& arguments);
+  void inputFileFormatVersion(const StackArguments& arguments);
+  void inputFilledIn(const StackArguments& arguments);
+  void inputHidden3D(const StackArguments& arguments);
+  void inputImage(const StackArguments& arguments);
+  void inputImagesPath(const StackArguments& arguments);
+  void inputInvertZAxis(const StackArguments& arguments);
+  void inputAbsoluteImagesPathPolicy(const StackArguments& arguments);
+  void inputLastSegmentedSlice(const StackArguments& arguments);
+  void inputLastRegisteredSlice(const StackArguments& arguments);
+  void inputLengthUnitScale(const StackArguments& arguments);
+  void inputModel(const StackArguments& arguments);
+  void inputModelItem(const StackArguments& arguments);
+  void inputModelItemData(const StackArguments& arguments);
+  void parseNormalSmoothing(const StackArguments& arguments);
+  void inputPixelAspect(const StackArguments& arguments);
+  void inputPixelHeight(const StackArguments& arguments);
+  void inputPixelWidth(const StackArguments& arguments);
+  void inputPointsize(const StackArguments& arguments);
+  void inputPose(const StackArguments& arguments);
+  void inputPoseRotation(const StackArguments& arguments);
+  void inputPoseShift(const StackArguments& arguments);
+  void inputPoseZoom(const StackArguments& arguments);
+  void inputAmbientLight(const StackArguments& arguments);
+  void inputDiffuseLight(const StackArguments& arguments);
+  void inputSpecularLight(const StackArguments& arguments);
+  void inputPosition(const StackArguments& arguments);
+  void inputPrimitive(const StackArguments& arguments);
+  void inputRelPosition(const StackArguments& arguments);
+  void inputRenderingMode(const StackArguments& arguments);
+  void inputResampling(const StackArguments& arguments);
+  void inputRotate(const StackArguments& arguments);
+  void inputShift(const StackArguments& arguments);
+  void inputSlice(const StackArguments& arguments);
+  void inputSliceHeight(const StackArguments& arguments);
+  void inputSliceWidth(const StackArguments& arguments);
+  void inputStack(const StackArguments& arguments);
+  void inputStackSlice(const StackArguments& arguments);
+  void inputThickness(const StackArguments& arguments);
+  void inputTransparency(const StackArguments& arguments);
+  void parseTriangulationTag(const StackArguments& arguments);
+  void parseVertexSmoothing(const StackArguments& arguments);
+  void inputVertexSymbol(const StackArguments& arguments);
+  /// Calibration curves, standard images and samples are kept as they stand.
+  void keepStatement(const StackArguments& arguments);
+
+  void addSlice(const std::string& name, const ImageSource& source);
+  ModelProperties& modelProperties() { return _context.getModel()->getProperties(); }
+  ModelItemProperties& itemProperties() { return *_context.getItemProperties(); }
+  /// Changes the calibration of the current slice or, without one, the stack's default.
+  template <class Change> void changeCalibration(Change change);
+
+  Stack* _target = nullptr; // becomes the current stack with the "STACK" statement
+  StackIOContext _context;
+  StackLexer _lexer{""};
+  const StackLexer::Statement* _statement = nullptr; // the one that is executed
+};

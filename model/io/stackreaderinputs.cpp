@@ -1,0 +1,387 @@
+// The input routines of StackReader: what each keyword does to the stack.
+
+#include "image/imagesourcefile.h"
+#include "image/imagesourcefilemosaic.h"
+#include "image/imagesourcelsmstackplane.h"
+#include "image/imagesourcetiffstackplane.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
+#include "model/io/stackarguments.h"
+#include "model/io/stackreader.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <memory>
+
+namespace
+{
+std::string lowerCaseSuffix(const std::string& fileName)
+{
+  std::string suffix = std::filesystem::path(fileName).extension().string();
+  std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](unsigned char c) { return std::tolower(c); });
+  return suffix;
+}
+
+std::unique_ptr<ImageSource> planeSource(const std::string& fileName, int plane)
+{
+  const std::string suffix = lowerCaseSuffix(fileName);
+  if (suffix == ".vm") return std::make_unique<ImageSourceVoxelMatrixFilePlane>(fileName, plane);
+  if (suffix == ".lsm") return std::make_unique<ImageSourceLSMStackPlane>(fileName, plane);
+  return std::make_unique<ImageSourceTiffStackPlane>(fileName, plane);
+}
+
+template <class Enum> Enum known(Enum value)
+{
+  if (value == Enum::Unknown) throw StackReader::ArgValueError();
+  return value;
+}
+
+bool isPositive(float length)
+{
+  return std::isfinite(length) && length > 0;
+}
+} // namespace
+
+void StackReader::inputFileFormatVersion(const StackArguments& arguments)
+{
+  setFileFormatVersion(arguments.real(0));
+}
+
+// The stack.
+
+void StackReader::inputStack(const StackArguments& arguments)
+{
+  _target->setName(arguments.name(0));
+  PixelCalibration calibration = _target->getDefaultPixelCalibration();
+  calibration.clearFlags(); // what is stated from now on counts
+  _target->setDefaultPixelCalibration(calibration);
+  _context.openStack(*_target);
+  _target->setImagesPath(_context.getImagesPath());
+}
+
+void StackReader::inputAnnotation(const StackArguments& arguments)
+{
+  if (StackSlice* slice = _context.getSlice())
+    slice->setAnnotation(arguments.text(0));
+  else
+    _context.getStack()->setAnnotation(arguments.text(0));
+}
+
+void StackReader::inputImagesPath(const StackArguments& arguments)
+{
+  _context.setImagesPath(arguments.name(0));
+  _context.getStack()->setImagesPath(_context.getImagesPath());
+}
+
+void StackReader::inputInvertZAxis(const StackArguments& arguments)
+{
+  _context.getStack()->setInvertZAxis(arguments.boolean(0));
+}
+
+void StackReader::inputAbsoluteImagesPathPolicy(const StackArguments& arguments)
+{
+  _context.getStack()->setAbsoluteImagesPathPolicy(arguments.boolean(0));
+}
+
+void StackReader::inputLastSegmentedSlice(const StackArguments& arguments)
+{
+  _context.getStack()->setLastSegmentedSlice(arguments.name(0));
+}
+
+void StackReader::inputLastRegisteredSlice(const StackArguments& arguments)
+{
+  _context.getStack()->setLastRegisteredSlice(arguments.name(0));
+}
+
+void StackReader::inputLengthUnitScale(const StackArguments& arguments)
+{
+  constexpr int greatestScale = 24; // of the SI prefixes, in both directions
+  const int scale = arguments.integerFrom(0, -greatestScale);
+  if (scale > greatestScale) throw ArgValueError();
+  _context.getStack()->setLengthUnit(LengthUnit(scale));
+}
+
+template <class Change> void StackReader::changeCalibration(Change change)
+{
+  StackSlice* const slice = _context.getSlice();
+  Stack* const stack = _context.getStack();
+  PixelCalibration calibration = slice ? slice->getPixelCalibration() : stack->getDefaultPixelCalibration();
+  change(calibration);
+  calibration.compute();
+  const bool isValid = isPositive(calibration.getPixelWidth()) && isPositive(calibration.getPixelHeight()) &&
+                       isPositive(calibration.getAspectRatio());
+  if (!isValid) throw ArgValueError();
+  if (slice)
+    slice->setPixelCalibration(calibration);
+  else
+    stack->setDefaultPixelCalibration(calibration);
+}
+
+void StackReader::inputPixelAspect(const StackArguments& arguments)
+{
+  changeCalibration([aspect = arguments.positiveReal(0)](PixelCalibration& calibration)
+                    { calibration.setAspectRatio(aspect); });
+}
+
+void StackReader::inputPixelHeight(const StackArguments& arguments)
+{
+  changeCalibration([height = arguments.positiveReal(0)](PixelCalibration& calibration)
+                    { calibration.setPixelHeight(height); });
+}
+
+void StackReader::inputPixelWidth(const StackArguments& arguments)
+{
+  changeCalibration([width = arguments.positiveReal(0)](PixelCalibration& calibration)
+                    { calibration.setPixelWidth(width); });
+}
+
+// Slices.
+
+void StackReader::addSlice(const std::string& name, const ImageSource& source)
+{
+  auto slice = std::make_unique<StackSlice>();
+  slice->setName(name);
+  slice->setImageSource(source);
+  PixelCalibration calibration = _context.getStack()->getDefaultPixelCalibration();
+  calibration.clearFlags(); // what is stated from now on counts
+  slice->setPixelCalibration(calibration);
+  slice->setThickness(_context.getStack()->getDefaultSliceThickness());
+  _context.openSlice(_context.getStack()->addSlice(std::move(slice)));
+}
+
+void StackReader::inputSlice(const StackArguments& arguments)
+{
+  const bool isMosaic = arguments.getNumTokens() == 3;
+  if (isMosaic)
+    addSlice(arguments.name(0), ImageSourceFileMosaic(arguments.integerFrom(1, 1), arguments.integerFrom(2, 1)));
+  else
+    addSlice(arguments.name(0), ImageSourceFile(_context.resolved(arguments.name(1))));
+}
+
+void StackReader::inputStackSlice(const StackArguments& arguments)
+{
+  const int plane = arguments.integerFrom(2, 0);
+  addSlice(arguments.name(0), *planeSource(_context.resolved(arguments.name(1)), plane));
+}
+
+void StackReader::inputImage(const StackArguments& arguments)
+{
+  auto& mosaic = static_cast<ImageSourceFileMosaic&>(*_context.getSlice()->getImageSource());
+  const int row = arguments.integerFrom(0, 1), column = arguments.integerFrom(1, 1);
+  if (row > mosaic.getRows() || column > mosaic.getCols()) throw ArgValueError();
+  mosaic.setFilename(row - 1, column - 1, _context.resolved(arguments.name(2)));
+}
+
+void StackReader::inputSliceHeight(const StackArguments& arguments)
+{
+  ImageSource& source = *_context.getSlice()->getImageSource();
+  source.setFallbackSize(arguments.integerFrom(0, 1), source.getFallbackSize2());
+}
+
+void StackReader::inputSliceWidth(const StackArguments& arguments)
+{
+  ImageSource& source = *_context.getSlice()->getImageSource();
+  source.setFallbackSize(source.getFallbackSize1(), arguments.integerFrom(0, 1));
+}
+
+void StackReader::inputPosition(const StackArguments& arguments)
+{
+  _context.getSlice()->setAbsolutePosition(arguments.real(0));
+}
+
+void StackReader::inputRelPosition(const StackArguments& arguments)
+{
+  const float distance = arguments.real(0);
+  if (StackSlice* slice = _context.getSlice()) return slice->setRelativePosition(distance);
+  _context.setRelativePosition(distance);
+  _context.getStack()->setDefaultRelativePosition(distance);
+}
+
+void StackReader::inputRotate(const StackArguments& arguments)
+{
+  Registration registration = _context.getSlice()->getRegistration();
+  registration.setAngle(arguments.real(0));
+  _context.getSlice()->setRegistration(registration);
+}
+
+void StackReader::inputShift(const StackArguments& arguments)
+{
+  Registration registration = _context.getSlice()->getRegistration();
+  registration.setHorizontalShift(arguments.integer(0));
+  registration.setVerticalShift(arguments.integer(1));
+  _context.getSlice()->setRegistration(registration);
+}
+
+void StackReader::keepStatement(const StackArguments&)
+{
+  std::string text(_statement->text);
+  std::replace_if(text.begin(), text.end(), StackLexer::isBlank, ' ');
+  _context.getKeeper().keepStatement(std::move(text));
+}
+
+// Models.
+
+void StackReader::inputModel(const StackArguments& arguments)
+{
+  _context.openModel(_context.getStack()->addModel(std::make_unique<Model>(arguments.name(0))));
+}
+
+void StackReader::inputBrilliancy(const StackArguments& arguments)
+{
+  modelProperties().setSurfaceShininess(arguments.real(0));
+}
+
+void StackReader::inputTransparency(const StackArguments& arguments)
+{
+  modelProperties().setSurfaceOpacity(arguments.real(0));
+}
+
+void StackReader::inputEcoRendering(const StackArguments& arguments)
+{
+  modelProperties().setEconomicRendering(arguments.boolean(0));
+}
+
+void StackReader::inputBeginCapFlag(const StackArguments& arguments)
+{
+  modelProperties().setBeginCapFlag(arguments.boolean(0));
+}
+
+void StackReader::inputEndCapFlag(const StackArguments& arguments)
+{
+  modelProperties().setEndCapFlag(arguments.boolean(0));
+}
+
+void StackReader::inputPrimitive(const StackArguments& arguments)
+{
+  const MPrimitive primitive = known(ModelProperties::toPrimitive(arguments.getToken(0)));
+  const Model& model = *_context.getModel();
+  const bool changesData = (primitive == MPrimitive::Region) != (model.getGeometry() == MPrimitive::Region);
+  if (changesData && model.getNumItems() > 0) throw ContextError(); // runs are no vertices
+  modelProperties().setGeometry(primitive);
+}
+
+void StackReader::inputRenderingMode(const StackArguments& arguments)
+{
+  modelProperties().setRenderingMode(known(ModelProperties::toRenderingMode(arguments.getToken(0))));
+}
+
+void StackReader::inputResampling(const StackArguments& arguments)
+{
+  const int width = arguments.integer(0), height = arguments.integer(1);
+  modelProperties().setQuadMeshWidth(width);
+  modelProperties().setQuadMeshHeight(height);
+}
+
+void StackReader::parseVertexSmoothing(const StackArguments& arguments)
+{
+  modelProperties().setVertexSmoothing(arguments.integer(0));
+}
+
+void StackReader::parseNormalSmoothing(const StackArguments& arguments)
+{
+  modelProperties().setNormalSmoothing(arguments.integer(0));
+}
+
+// Items, and the defaults that models have for them.
+
+void StackReader::inputModelItem(const StackArguments& arguments)
+{
+  Model* const model = _context.findModel(arguments.name(0));
+  StackSlice* const slice = _context.findSlice(arguments.name(1));
+  if (!model || !slice) throw ArgValueError();
+  _context.openItem(ModelItem::create(*model, *slice));
+}
+
+void StackReader::inputModelItemData(const StackArguments& arguments)
+{
+  ModelItem& item = *_context.getItem();
+  if (item.isRegion())
+    item.setRLEItemSet(arguments.runs());
+  else
+    item.setVertices(arguments.vertices());
+}
+
+void StackReader::parseTriangulationTag(const StackArguments& arguments)
+{
+  const std::string_view tag = arguments.getToken(0);
+  if (tag != "None" && tag != "Begin" && tag != "End") throw ArgValueError();
+  _context.getItem()->setTriangulationTag(tag == "Begin" ? CurveStackTriangulationContourTag::Begin
+                                          : tag == "End" ? CurveStackTriangulationContourTag::End
+                                                         : CurveStackTriangulationContourTag::None);
+}
+
+void StackReader::inputColor(const StackArguments& arguments)
+{
+  const auto lowByte = [&](int i) { return arguments.integer(i) & 0xFF; };
+  itemProperties().setColor(lowByte(0), lowByte(1), lowByte(2));
+}
+
+void StackReader::inputFilledIn(const StackArguments& arguments)
+{
+  itemProperties().setVertexSymbolFilling(arguments.boolean(0));
+}
+
+void StackReader::inputHidden3D(const StackArguments& arguments)
+{
+  itemProperties().setRenderingVisibility(!arguments.boolean(0));
+}
+
+void StackReader::inputPointsize(const StackArguments& arguments)
+{
+  itemProperties().setPointSize(arguments.real(0));
+}
+
+void StackReader::inputThickness(const StackArguments& arguments)
+{
+  itemProperties().setLineWidth(arguments.real(0));
+}
+
+void StackReader::inputVertexSymbol(const StackArguments& arguments)
+{
+  itemProperties().setVertexSymbol(known(ModelItemProperties::toVertexSymbol(arguments.getToken(0))));
+}
+
+// Poses.
+
+void StackReader::inputPose(const StackArguments& arguments)
+{
+  auto pose = std::make_unique<Pose>(_context.getStack());
+  pose->setName(arguments.name(0));
+  pose->attach();
+  _context.openPose(*pose.release());
+}
+
+void StackReader::inputPoseRotation(const StackArguments& arguments)
+{
+  const float x = arguments.angle(0), y = arguments.angle(1), z = arguments.angle(2);
+  _context.getPose()->setXRotation(x);
+  _context.getPose()->setYRotation(y);
+  _context.getPose()->setZRotation(z);
+}
+
+void StackReader::inputPoseShift(const StackArguments& arguments)
+{
+  const int x = arguments.integer(0), y = arguments.integer(1);
+  _context.getPose()->setXTranslation(x);
+  _context.getPose()->setYTranslation(y);
+}
+
+void StackReader::inputPoseZoom(const StackArguments& arguments)
+{
+  _context.getPose()->setZoom(arguments.integer(0));
+}
+
+void StackReader::inputAmbientLight(const StackArguments& arguments)
+{
+  _context.getPose()->setAmbientLight(arguments.integer(0));
+}
+
+void StackReader::inputDiffuseLight(const StackArguments& arguments)
+{
+  _context.getPose()->setDiffuseLight(arguments.integer(0));
+}
+
+void StackReader::inputSpecularLight(const StackArguments& arguments)
+{
+  _context.getPose()->setSpecularLight(arguments.integer(0));
+}

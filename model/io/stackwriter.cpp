@@ -1,0 +1,324 @@
+#include "model/io/stackwriter.h"
+
+#include "image/imagesourcefile.h"
+#include "image/imagesourcefilemosaic.h"
+#include "image/imagesourcelsmstackplane.h"
+#include "image/imagesourcetiffstackplane.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
+#include "model/io/stackwriterwarnings.h"
+#include "model/io/statementbuffer.h"
+#include "model/storabletext.h"
+#include "numeric/exception.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+constexpr const char* writeSignature = "void StackWriter::write(const Stack&, const std::string&)";
+
+using K = StackKeyword;
+
+struct Plane
+{
+  std::string fileName;
+  int index;
+};
+
+Plane planeOf(const ImageSource& source)
+{
+  switch (source.getType())
+  {
+  case ImageSourceType::TiffStackPlane:
+  {
+    const auto& plane = static_cast<const ImageSourceTiffStackPlane&>(source);
+    return {plane.getTiffStackFilename(), plane.getPlane()};
+  }
+  case ImageSourceType::LSMStackPlane:
+  {
+    const auto& plane = static_cast<const ImageSourceLSMStackPlane&>(source);
+    return {plane.getLSMStackFilename(), plane.getPlane()};
+  }
+  case ImageSourceType::VoxelMatrixFilePlane:
+  {
+    const auto& plane = static_cast<const ImageSourceVoxelMatrixFilePlane&>(source);
+    return {plane.getVoxelMatrixFilename(), plane.getPlane()};
+  }
+  default:
+    throw UsageError(writeSignature, "The image of a slice lies in memory only");
+  }
+}
+
+/// Truncated toward zero; the limits of int stand for what lies beyond.
+int truncated(float value)
+{
+  constexpr auto limit = static_cast<float>(std::numeric_limits<int>::max());
+  if (std::abs(value) < limit) return static_cast<int>(value);
+  return value < 0 ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+}
+
+long numObjects(const Stack& stack)
+{
+  long count = stack.getNumSlices();
+  for (int i = 0; i < stack.getNumModels(); ++i) count += stack.getModel(i)->getNumItems();
+  return count;
+}
+} // namespace
+
+void StackWriter::write(const Stack& stack, const std::string& fileName)
+{
+  clearLog();
+  _stackDirectory = fs::absolute(fileName).lexically_normal().parent_path();
+  _imagesPath = ".";
+  _numWritten = 0;
+  try
+  {
+    _warnings = stackWriterWarnings(stack);
+    AtomicFile file(fileName);
+    StatementBuffer out(file);
+    _out = &out;
+    const ProgressStep progressStep(*this, "Writing " + fileName, numObjects(stack));
+    writeHeader(stack);
+    writeSlices(stack);
+    writeModels(stack);
+    writePoses(stack);
+    out.flush();
+    file.commit(AtomicFile::Durability::FlushToDisk);
+  }
+  catch (const ValueError& error)
+  {
+    throw FileWriteError(writeSignature, error.getWhat(), fileName);
+  }
+  catch (const UsageError& error)
+  {
+    throw FileWriteError(writeSignature, error.getWhat(), fileName);
+  }
+}
+
+void StackWriter::step()
+{
+  constexpr long reportInterval = 256;
+  if (++_numWritten % reportInterval != 0) return;
+  throwIfCancelled(writeSignature);
+  progress(_numWritten);
+}
+
+void StackWriter::writeHeader(const Stack& stack)
+{
+  _out->begin(K::FileFormatVersion).decimal(getFileFormatVersion()).end();
+  _out->begin(K::Stack).quoted(stack.getName()).end();
+  _out->begin(K::LengthUnitScale).integer(stack.getLengthUnit().getScale()).end();
+  _out->begin(K::PixelAspect).length(stack.getDefaultPixelCalibration().getAspectRatio()).end();
+  _out->begin(K::PixelWidth).length(stack.getDefaultPixelCalibration().getPixelWidth()).end();
+  _out->begin(K::RelPosition).length(stack.getDefaultRelativePosition()).end();
+  _out->begin(K::LastSegmentedSlice).quoted(stack.getLastSegmentedSlice()).end();
+  _out->begin(K::LastRegisteredSlice).quoted(stack.getLastRegisteredSlice()).end();
+  _out->begin(K::Annotation).quoted(stack.getAnnotation()).end();
+  _out->begin(K::AbsoluteImagesPathPolicy).boolean(stack.getAbsoluteImagesPathPolicy()).end();
+  _out->begin(K::InvertZAxis).boolean(stack.getInvertZAxis()).end();
+  writeKeptStatements(stack);
+}
+
+void StackWriter::writeKeptStatements(const KeptStatements& statements)
+{
+  for (const std::string& text : statements.getKeptStatements()) _out->statement(text);
+}
+
+// Slices.
+
+void StackWriter::writeSlices(const Stack& stack)
+{
+  for (int i = 0; i < stack.getNumSlices(); ++i, step()) writeSlice(stack, *stack.getSlice(i));
+}
+
+void StackWriter::writeSlice(const Stack& stack, const StackSlice& slice)
+{
+  writeImage(stack, slice);
+  writePosition(stack, slice);
+  writeCalibration(stack, slice);
+  writeRegistration(slice.getRegistration());
+  writeKeptStatements(slice); // its calibration curve
+  if (!slice.getAnnotation().empty()) _out->begin(K::Annotation).quoted(slice.getAnnotation()).end();
+}
+
+void StackWriter::writeImage(const Stack& stack, const StackSlice& slice)
+{
+  const ImageSourceFile noImage;
+  const ImageSource& source = slice.getImageSource() ? *slice.getImageSource() : noImage;
+  if (source.getType() == ImageSourceType::FileMosaic) return writeMosaic(stack, slice);
+  if (source.getType() == ImageSourceType::File)
+  {
+    const std::string name = enterDirectory(stack, static_cast<const ImageSourceFile&>(source).getFilename());
+    _out->begin(K::Slice).quoted(slice.getName()).quoted(name).end();
+    return;
+  }
+  const Plane plane = planeOf(source);
+  const std::string name = enterDirectory(stack, plane.fileName);
+  _out->begin(K::StackSlice).quoted(slice.getName()).quoted(name).integer(plane.index).end();
+  writeImageSize(source);
+}
+
+void StackWriter::writeMosaic(const Stack& stack, const StackSlice& slice)
+{
+  const auto& mosaic = static_cast<const ImageSourceFileMosaic&>(*slice.getImageSource());
+  _out->begin(K::Slice).quoted(slice.getName()).integer(mosaic.getRows()).integer(mosaic.getCols()).end();
+  for (const auto& [place, fileName] : mosaic.getFilenames())
+  {
+    const std::string name = enterDirectory(stack, fileName);
+    _out->begin(K::Image).integer(place.first + 1).integer(place.second + 1).quoted(name).end();
+  }
+}
+
+void StackWriter::writeImageSize(const ImageSource& source)
+{
+  try
+  {
+    const std::vector<int> size = source.getSize();
+    _out->begin(K::SliceSize1).integer(size[0]).end();
+    _out->begin(K::SliceSize2).integer(size[1]).end();
+  }
+  catch (const FileError&)
+  {
+    // A missing image does not prevent saving; its size was never known.
+  }
+}
+
+std::string StackWriter::enterDirectory(const Stack& stack, const std::string& imageFileName)
+{
+  if (imageFileName.empty()) return "";
+  const fs::path file = fs::absolute(fs::path(stack.getImagesPath()) / imageFileName).lexically_normal();
+  const fs::path parent = file.parent_path();
+  const std::string directory =
+      (stack.getAbsoluteImagesPathPolicy() ? parent : parent.lexically_relative(_stackDirectory)).string();
+  requireStorableName(file.string(), writeSignature);
+  if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
+  _imagesPath = directory;
+  return file.filename().string();
+}
+
+void StackWriter::writePosition(const Stack& stack, const StackSlice& slice)
+{
+  if (!slice.useRelativePosition())
+    _out->begin(K::Position).length(slice.getAbsolutePosition()).end();
+  else if (const std::string text = lengthText(slice.getRelativePosition());
+           text != lengthText(stack.getDefaultRelativePosition()))
+    _out->begin(K::RelPosition).word(text).end();
+}
+
+void StackWriter::writeCalibration(const Stack& stack, const StackSlice& slice)
+{
+  const PixelCalibration& calibration = slice.getPixelCalibration();
+  const PixelCalibration& defaults = stack.getDefaultPixelCalibration();
+  const std::string aspect = lengthText(calibration.getAspectRatio()), width = lengthText(calibration.getPixelWidth());
+  if (aspect != lengthText(defaults.getAspectRatio())) _out->begin(K::PixelAspect).word(aspect).end();
+  if (width != lengthText(defaults.getPixelWidth())) _out->begin(K::PixelWidth).word(width).end();
+}
+
+void StackWriter::writeRegistration(const Registration& registration)
+{
+  const std::string angle = decimalText(registration.getAngle());
+  if (angle != "0.00") _out->begin(K::Rotate).word(angle).end();
+  const int horizontal = registration.getHorizontalShift(), vertical = registration.getVerticalShift();
+  if (horizontal != 0 || vertical != 0) _out->begin(K::Shift).integer(horizontal).integer(vertical).end();
+}
+
+// Models.
+
+void StackWriter::writeModels(const Stack& stack)
+{
+  for (int i = 0; i < stack.getNumModels(); ++i)
+  {
+    const Model& model = *stack.getModel(i);
+    writeModel(model);
+    for (const ModelItem* item : model.getItems())
+      if (item->getSlice() && item->getSlice()->getStack() == &stack) writeItem(*item);
+    writeKeptStatements(model);
+  }
+}
+
+void StackWriter::writeModel(const Model& model)
+{
+  const ModelProperties& properties = model.getProperties();
+  const ModelItemProperties& items = model.getItemProperties();
+  const ModelItemProperties::Color color = items.getColor();
+  _out->begin(K::Model).quoted(model.getName()).end();
+  _out->begin(K::Brilliancy).decimal(properties.getSurfaceShininess()).end();
+  _out->begin(K::Color).integer(color[0]).integer(color[1]).integer(color[2]).end();
+  _out->begin(K::EcoRendering).boolean(properties.getEconomicRendering()).end();
+  _out->begin(K::FilledIn).boolean(items.getVertexSymbolFilling()).end();
+  _out->begin(K::Hidden3D).boolean(!items.getRenderingVisibility()).end();
+  _out->begin(K::PointSize).decimal(items.getPointSize()).end();
+  _out->begin(K::Primitive).word(ModelProperties::toString(properties.getGeometry())).end();
+  _out->begin(K::RenderingMode).word(ModelProperties::toString(properties.getRenderingMode())).end();
+  _out->begin(K::Resampling).integer(properties.getQuadMeshWidth()).integer(properties.getQuadMeshHeight()).end();
+  _out->begin(K::MeshVertexSmoothing).integer(properties.getVertexSmoothing()).end();
+  _out->begin(K::MeshNormalSmoothing).integer(properties.getNormalSmoothing()).end();
+  _out->begin(K::Thickness).decimal(items.getLineWidth()).end();
+  _out->begin(K::Transparency).decimal(properties.getSurfaceOpacity()).end();
+  _out->begin(K::VertexSymbol).word(ModelItemProperties::toString(items.getVertexSymbol())).end();
+  if (properties.hasBeginCapFlag()) _out->begin(K::BeginCap).boolean(properties.getBeginCapFlag()).end();
+  if (properties.hasEndCapFlag()) _out->begin(K::EndCap).boolean(properties.getEndCapFlag()).end();
+}
+
+void StackWriter::writeItem(const ModelItem& item)
+{
+  _out->begin(K::ModelItem).quoted(item.getModel()->getName()).quoted(item.getSlice()->getName()).end();
+  writeItemProperties(item.getProperties());
+  if (item.getTriangulationTag() == CurveStackTriangulationContourTag::Begin)
+    _out->begin(K::TriangulationTag).word("Begin").end();
+  if (item.getTriangulationTag() == CurveStackTriangulationContourTag::End)
+    _out->begin(K::TriangulationTag).word("End").end();
+  writeItemData(item);
+  step();
+}
+
+void StackWriter::writeItemProperties(const ModelItemProperties& properties)
+{
+  const ModelItemProperties::Color color = properties.getColor();
+  if (properties.definesColor()) _out->begin(K::Color).integer(color[0]).integer(color[1]).integer(color[2]).end();
+  if (properties.definesVertexSymbolFilling())
+    _out->begin(K::FilledIn).boolean(properties.getVertexSymbolFilling()).end();
+  if (properties.definesRenderingVisibility())
+    _out->begin(K::Hidden3D).boolean(!properties.getRenderingVisibility()).end();
+  if (properties.definesPointSize()) _out->begin(K::PointSize).decimal(properties.getPointSize()).end();
+  if (properties.definesLineWidth()) _out->begin(K::Thickness).decimal(properties.getLineWidth()).end();
+  if (properties.definesVertexSymbol())
+    _out->begin(K::VertexSymbol).word(ModelItemProperties::toString(properties.getVertexSymbol())).end();
+}
+
+void StackWriter::writeItemData(const ModelItem& item)
+{
+  _out->begin(K::ModelItemData);
+  if (item.isRegion())
+    for (const RLEItem& run : item.getRLEItemSet().getItems())
+    {
+      const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
+      _out->tuple(values, 3);
+    }
+  else
+    for (int i = 0; i < item.getVertices().getSize(); ++i) _out->tuple(item.getVertices().data(i), 2);
+  _out->end();
+}
+
+// Poses.
+
+void StackWriter::writePoses(const Stack& stack)
+{
+  for (int i = 0; i < stack.getNumPoses(); ++i)
+  {
+    const Pose& pose = *stack.getPose(i);
+    const int angles[] = {truncated(pose.getXRotation()), truncated(pose.getYRotation()),
+                          truncated(pose.getZRotation())};
+    _out->begin(K::Pose).quoted(pose.getName()).end();
+    _out->begin(K::PoseRotation).integer(angles[0]).integer(angles[1]).integer(angles[2]).end();
+    _out->begin(K::PoseShift).integer(pose.getXTranslation()).integer(pose.getYTranslation()).end();
+    _out->begin(K::PoseZoom).integer(pose.getZoom()).end();
+    _out->begin(K::AmbientLight).integer(pose.getAmbientLight()).end();
+    _out->begin(K::DiffuseLight).integer(pose.getDiffuseLight()).end();
+    _out->begin(K::SpecularLight).integer(pose.getSpecularLight()).end();
+    writeKeptStatements(pose);
+  }
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/io/stackio.h"
+#include "model/stack.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+class StatementBuffer;
+
+/// Writes stack files: beside the target, flushed to disk and renamed over it.
+///
+/// The same stack gives the same bytes, and a file that was written, read and written again is the same.
+class StackWriter : public StackIO
+{
+public:
+  /// \throw FileWriteError  the file cannot be written, or a path in the stack cannot be stored; the file is as it was
+  /// \throw Cancelled       the user stopped it; the file is as it was
+  void write(const Stack& stack, const std::string& fileName);
+
+  /// What the file says otherwise than the stack: lengths that lose more than half a percent with two decimals,
+  /// names that occur twice, notes that hold an escape, items without a slice.
+  const std::vector<std::string>& getWarnings() const { return _warnings; }
+
+private:
+  void writeHeader(const Stack& stack);
+  void writeSlices(const Stack& stack);
+  void writeSlice(const Stack& stack, const StackSlice& slice);
+  void writeImage(const Stack& stack, const StackSlice& slice);
+  void writeMosaic(const Stack& stack, const StackSlice& slice);
+  void writeImageSize(const ImageSource& source);
+  void writePosition(const Stack& stack, const StackSlice& slice);
+  void writeCalibration(const Stack& stack, const StackSlice& slice);
+  void writeRegistration(const Registration& registration);
+  void writeModels(const Stack& stack);
+  void writeModel(const Model& model);
+  void writeItem(const ModelItem& item);
+  void writeItemProperties(const ModelItemProperties& properties);
+  void writeItemData(const ModelItem& item);
+  void writePoses(const Stack& stack);
+  void writeKeptStatements(const KeptStatements& statements);
+
+  /// Writes the images path when the file lies in another directory than the last one.
+  /// \return the file's name without its directory
+  std::string enterDirectory(const Stack& stack, const std::string& imageFileName);
+  /// Counts an object that was written and reports it now and then.
+  void step();
+
+  StatementBuffer* _out = nullptr; // while write() runs
+  std::filesystem::path _stackDirectory;
+  std::string _imagesPath; // as written last
+  long _numWritten = 0;
+  std::vector<std::string> _warnings;
+};

@@ -1,0 +1,147 @@
+#include "model/io/stackwriterwarnings.h"
+
+#include "model/io/statementbuffer.h"
+#include "model/storabletext.h"
+
+#include <charconv>
+#include <cmath>
+#include <unordered_set>
+
+namespace
+{
+constexpr double tolerance = 0.005; // of a length
+
+double valueOf(const std::string& text)
+{
+  float value = 0;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+bool isKept(double length, double written)
+{
+  return std::abs(written - length) <= tolerance * std::abs(length);
+}
+
+std::string shortest(float value)
+{
+  char digits[64];
+  return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+/// The coarsest unit below the given one in which two decimals keep the length; "" when there is none.
+std::string keepingUnit(float length, int scale)
+{
+  const std::vector<int> scales = LengthUnit::availableScales();
+  for (auto finer = scales.rbegin(); finer != scales.rend(); ++finer)
+  {
+    if (*finer >= scale) continue;
+    const auto converted = static_cast<float>(length * std::pow(10.0, scale - *finer));
+    if (std::isfinite(converted) && isKept(converted, valueOf(lengthText(converted)))) return LengthUnit(*finer).name();
+  }
+  return "";
+}
+
+/// Collects the warnings about one slice or about the stack's defaults.
+class LengthCheck
+{
+public:
+  LengthCheck(std::string owner, const LengthUnit& unit, std::vector<std::string>& warnings)
+    : _owner(std::move(owner)), _unit(unit), _warnings(warnings)
+  {
+  }
+
+  void check(const std::string& name, float length) { check(name, length, valueOf(lengthText(length))); }
+
+  void check(const std::string& name, float length, double written)
+  {
+    if (isKept(length, written)) return;
+    const std::string unit = keepingUnit(length, _unit.getScale());
+    _warnings.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
+                        shortest(static_cast<float>(written)) +
+                        (unit.empty() ? "." : "; the length unit " + unit + " would keep it."));
+  }
+
+  void check(const PixelCalibration& calibration)
+  {
+    check("pixel width", calibration.getPixelWidth());
+    const double writtenAspect = valueOf(lengthText(calibration.getAspectRatio()));
+    if (!isKept(calibration.getAspectRatio(), writtenAspect)) // no unit helps here
+      _warnings.push_back(_owner + ": the pixel aspect ratio " + shortest(calibration.getAspectRatio()) +
+                          " is written as " + shortest(static_cast<float>(writtenAspect)) + ".");
+  }
+
+private:
+  std::string _owner;
+  LengthUnit _unit;
+  std::vector<std::string>& _warnings;
+};
+
+void checkSlice(const Stack& stack, const StackSlice& slice, std::vector<std::string>& warnings)
+{
+  LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), warnings);
+  if (slice.getPixelCalibration() != stack.getDefaultPixelCalibration()) lengths.check(slice.getPixelCalibration());
+  if (!slice.useRelativePosition())
+    lengths.check("position", slice.getAbsolutePosition());
+  else if (!slice.useDefaultRelativePosition())
+    lengths.check("relative position", slice.getRelativePosition());
+}
+
+void checkAnnotation(const std::string& owner, const std::string& annotation, std::vector<std::string>& warnings)
+{
+  if (importText(exportText(annotation)) != annotation)
+    warnings.push_back(owner + ": the annotation holds one of the escapes of stack files and will read differently.");
+}
+
+/// Notes names that were seen before.
+class NameCheck
+{
+public:
+  NameCheck(const char* kind, std::vector<std::string>& warnings) : _kind(kind), _warnings(warnings) {}
+
+  void check(const std::string& name)
+  {
+    if (!_names.insert(name).second)
+      _warnings.push_back("There are several " + std::string(_kind) + " named \"" + name +
+                          "\": items will be read to the first one.");
+  }
+
+private:
+  const char* _kind;
+  std::vector<std::string>& _warnings;
+  std::unordered_set<std::string> _names;
+};
+
+void checkItems(const Stack& stack, const Model& model, std::vector<std::string>& warnings)
+{
+  int numHomeless = 0;
+  for (const ModelItem* item : model.getItems())
+    if (!item->getSlice() || item->getSlice()->getStack() != &stack) ++numHomeless;
+  if (numHomeless > 0)
+    warnings.push_back("Model \"" + model.getName() + "\": " + std::to_string(numHomeless) +
+                       " items lie on no slice of the stack and are not written.");
+}
+} // namespace
+
+std::vector<std::string> stackWriterWarnings(const Stack& stack)
+{
+  std::vector<std::string> warnings;
+  LengthCheck lengths("Stack", stack.getLengthUnit(), warnings);
+  lengths.check(stack.getDefaultPixelCalibration());
+  lengths.check("relative position", stack.getDefaultRelativePosition());
+  checkAnnotation("Stack", stack.getAnnotation(), warnings);
+  NameCheck sliceNames("slices", warnings), modelNames("models", warnings);
+  for (int i = 0; i < stack.getNumSlices(); ++i)
+  {
+    const StackSlice& slice = *stack.getSlice(i);
+    checkSlice(stack, slice, warnings);
+    checkAnnotation("Slice \"" + slice.getName() + "\"", slice.getAnnotation(), warnings);
+    sliceNames.check(slice.getName());
+  }
+  for (int i = 0; i < stack.getNumModels(); ++i)
+  {
+    modelNames.check(stack.getModel(i)->getName());
+    checkItems(stack, *stack.getModel(i), warnings);
+  }
+  return warnings;
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/keptstatements.h"
+#include "model/modelitemowner.h"
+#include "model/modelitemproperties.h"
+#include "model/modelproperties.h"
+
+#include <string>
+
+/// Named class of structures: one geometry for all its items, and how they are displayed.
+///
+/// The items belong to their slices; a model that is destroyed leaves them without a model.
+class Model : public ModelItemOwner, public KeptStatements
+{
+public:
+  Model() = default;
+  /// \throw ValueError  the name cannot be stored
+  explicit Model(const std::string& name) { setName(name); }
+  ~Model() override;
+
+  const std::string& getName() const { return _name; }
+  /// \throw ValueError  the name cannot be stored
+  void setName(const std::string& name);
+
+  const ModelProperties& getProperties() const { return _properties; }
+  ModelProperties& getProperties() { return _properties; }
+  void setProperties(const ModelProperties& properties) { _properties = properties; }
+  MPrimitive getGeometry() const { return _properties.getGeometry(); }
+
+  /// Defaults for the items: what an item does not define counts as said here.
+  const ModelItemProperties& getItemProperties() const { return _itemProperties; }
+  ModelItemProperties& getItemProperties() { return _itemProperties; }
+  void setItemProperties(const ModelItemProperties& properties) { _itemProperties = properties; }
+
+  /// Whether some item of `other` is partially contained in an item of this model on the same slice.
+  bool partiallyContains(const Model& other) const;
+
+private:
+  void noteMembership(ModelItem& item, bool isMember) override;
+
+  std::string _name;
+  ModelProperties _properties;
+  ModelItemProperties _itemProperties;
+};

@@ -1,0 +1,167 @@
+#include "model/rleitemset.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace
+{
+/// Appends a run that does not begin before the last one, joining the two when they touch.
+void appendJoined(std::vector<RLEItem>& runs, const RLEItem& run)
+{
+  if (!runs.empty() && runs.back().touches(run))
+    runs.back().setEnd(std::max(runs.back().end(), run.end()));
+  else
+    runs.push_back(run);
+}
+
+std::vector<RLEItem> joined(const std::vector<RLEItem>& sortedRuns)
+{
+  std::vector<RLEItem> runs;
+  runs.reserve(sortedRuns.size());
+  for (const RLEItem& run : sortedRuns) appendJoined(runs, run);
+  return runs;
+}
+
+RLEItem runBetween(int x, int begin, int end)
+{
+  RLEItem run(x, begin, 1);
+  run.setEnd(end);
+  return run;
+}
+
+/// Appends what is left of `run` without the sorted runs from `hole` on that overlap it.
+template <class Iterator>
+void appendWithout(std::vector<RLEItem>& runs, const RLEItem& run, Iterator hole, Iterator lastHole)
+{
+  std::int64_t begin = run.begin();
+  for (; hole != lastHole && hole->getOriginX() == run.getOriginX() && hole->begin() <= run.end(); ++hole)
+  {
+    if (hole->begin() > begin) runs.push_back(runBetween(run.getOriginX(), static_cast<int>(begin), hole->begin() - 1));
+    begin = std::max(begin, std::int64_t{hole->end()} + 1);
+  }
+  if (begin <= run.end()) runs.push_back(runBetween(run.getOriginX(), static_cast<int>(begin), run.end()));
+}
+
+bool endsBefore(const RLEItem& run, const RLEItem& other)
+{
+  if (run.getOriginX() != other.getOriginX()) return run.getOriginX() < other.getOriginX();
+  return run.end() < other.begin();
+}
+} // namespace
+
+RLEItemSet::RLEItemSet(std::vector<RLEItem> runs)
+{
+  if (!std::is_sorted(runs.begin(), runs.end())) std::sort(runs.begin(), runs.end());
+  _runs = joined(runs);
+}
+
+std::int64_t RLEItemSet::numVertices() const
+{
+  std::int64_t count = 0;
+  for (const RLEItem& run : _runs) count += run.getLength();
+  return count;
+}
+
+RLEItemSet::Runs::const_iterator RLEItemSet::firstTouching(const RLEItem& run) const
+{
+  return std::lower_bound(_runs.begin(), _runs.end(), run,
+                          [](const RLEItem& a, const RLEItem& b) { return endsBefore(a, b) && !a.touches(b); });
+}
+
+void RLEItemSet::add(const RLEItem& run)
+{
+  const auto first = firstTouching(run);
+  auto last = first;
+  int begin = run.begin(), end = run.end();
+  for (; last != _runs.end() && last->touches(run); ++last)
+  {
+    begin = std::min(begin, last->begin());
+    end = std::max(end, last->end());
+  }
+  const RLEItem whole = runBetween(run.getOriginX(), begin, end);
+  _runs.insert(_runs.erase(first, last), whole);
+}
+
+void RLEItemSet::add(const RLEItemSet& set)
+{
+  Runs sorted;
+  sorted.reserve(_runs.size() + set._runs.size());
+  std::merge(_runs.begin(), _runs.end(), set._runs.begin(), set._runs.end(), std::back_inserter(sorted));
+  _runs = joined(sorted);
+}
+
+void RLEItemSet::remove(const RLEItem& run)
+{
+  const auto first = std::lower_bound(_runs.begin(), _runs.end(), run, endsBefore);
+  auto last = first;
+  Runs rest;
+  for (; last != _runs.end() && !endsBefore(run, *last); ++last) appendWithout(rest, *last, &run, &run + 1);
+  const auto gap = _runs.erase(first, last);
+  _runs.insert(gap, rest.begin(), rest.end());
+}
+
+void RLEItemSet::remove(const RLEItemSet& set)
+{
+  Runs rest;
+  auto hole = set._runs.begin();
+  for (const RLEItem& run : _runs)
+  {
+    while (hole != set._runs.end() && endsBefore(*hole, run)) ++hole;
+    appendWithout(rest, run, hole, set._runs.end());
+  }
+  _runs = std::move(rest);
+}
+
+void RLEItemSet::setBall(const Vector<int>& center, int radius)
+{
+  Runs runs;
+  for (int dx = -radius; dx <= radius; ++dx)
+  {
+    const double square = static_cast<double>(radius) * radius - static_cast<double>(dx) * dx;
+    const int reach = static_cast<int>(std::sqrt(square)); // exact: squares below 2^53 and correctly rounded roots
+    runs.emplace_back(center[0] + dx, center[1] - reach, 2 * reach + 1);
+  }
+  _runs = std::move(runs);
+}
+
+void RLEItemSet::translate(int dx, int dy)
+{
+  Runs moved = _runs;
+  for (RLEItem& run : moved) run.setOrigin(run.getOriginX() + dx, run.begin() + dy);
+  _runs = std::move(moved);
+}
+
+bool RLEItemSet::contains(int x, int y) const
+{
+  const RLEItem position(x, y, 1);
+  const auto run = std::lower_bound(_runs.begin(), _runs.end(), position, endsBefore);
+  return run != _runs.end() && run->contains(x, y);
+}
+
+BoundingBox<int> RLEItemSet::boundingBox() const
+{
+  BoundingBox<int> box(2);
+  for (const RLEItem& run : _runs)
+  {
+    const int corners[][2] = {{run.getOriginX(), run.begin()}, {run.getOriginX(), run.end()}};
+    box.add(corners[0]);
+    box.add(corners[1]);
+  }
+  return box;
+}
+
+std::optional<Vector<int>> RLEItemSet::nearestPosition(int x, int y) const
+{
+  std::optional<Vector<int>> nearest;
+  double smallest = 0;
+  for (const RLEItem& run : _runs)
+  {
+    const int closest = std::clamp(y, run.begin(), run.end());
+    const double distance = std::hypot(static_cast<double>(run.getOriginX()) - x, static_cast<double>(closest) - y);
+    if (nearest && distance >= smallest) continue;
+    nearest = Vector<int>{run.getOriginX(), closest};
+    smallest = distance;
+  }
+  return nearest;
+}

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "image/image.h"
+#include "model/keptstatements.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/pose.h"
+#include "model/poseowner.h"
+#include "model/stackslice.h"
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// The user's project: ordered slices, the models drawn on them, and saved viewpoints.
+///
+/// The stack owns its slices (with their items) and models and deletes the poses it lists. Lengths and depths are in
+/// its length unit, micrometres at first.
+class Stack : public PoseOwner, public KeptStatements
+{
+public:
+  Stack();
+  Stack(const Stack&) = delete;
+  Stack& operator=(const Stack&) = delete;
+  ~Stack() override;
+
+  const std::string& getName() const { return _name; }
+  /// \throw ValueError  the name cannot be stored
+  void setName(const std::string& name);
+  const std::string& getAnnotation() const { return _annotation; }
+  void setAnnotation(const std::string& annotation) { _annotation = annotation; }
+  /// The directory against which relative image file names are resolved.
+  const std::string& getImagesPath() const { return _imagesPath; }
+  void setImagesPath(const std::string& path);
+  /// Whether stack files name the images by absolute paths.
+  bool getAbsoluteImagesPathPolicy() const { return _absoluteImagesPathPolicy; }
+  void setAbsoluteImagesPathPolicy(bool isAbsolute) { _absoluteImagesPathPolicy = isAbsolute; }
+  bool getInvertZAxis() const { return _invertZAxis; }
+  void setInvertZAxis(bool isInverted) { _invertZAxis = isInverted; }
+  float getDefaultSliceThickness() const { return _defaultSliceThickness; }
+  void setDefaultSliceThickness(float thickness) { _defaultSliceThickness = thickness; }
+  /// Distance between slices that have none of their own; the spacing is another name for it.
+  float getDefaultRelativePosition() const { return _defaultRelativePosition; }
+  void setDefaultRelativePosition(float distance) { _defaultRelativePosition = distance; }
+  float getDefaultSliceSpacing() const { return _defaultRelativePosition; }
+  void setDefaultSliceSpacing(float distance) { _defaultRelativePosition = distance; }
+  const PixelCalibration& getDefaultPixelCalibration() const { return _defaultPixelCalibration; }
+  void setDefaultPixelCalibration(const PixelCalibration& calibration) { _defaultPixelCalibration = calibration; }
+  /// The unit of the default pixel calibration. Setting it changes no length.
+  const LengthUnit& getLengthUnit() const { return _defaultPixelCalibration.getLengthUnit(); }
+  void setLengthUnit(const LengthUnit& unit) { _defaultPixelCalibration.setLengthUnit(unit); }
+  /// Where the user stopped.
+  const std::string& getLastSegmentedSlice() const { return _lastSegmentedSlice; }
+  const std::string& getLastRegisteredSlice() const { return _lastRegisteredSlice; }
+  /// \throw ValueError  the name cannot be stored
+  void setLastSegmentedSlice(const std::string& name);
+  void setLastRegisteredSlice(const std::string& name);
+
+  int getNumSlices() const { return static_cast<int>(_slices.size()); }
+  /// Slice i. Unchecked.
+  StackSlice* getSlice(int i) const { return _slices[static_cast<std::size_t>(i)].get(); }
+  /// The ends of the stack and the neighbours of one of its slices, or nullptr.
+  StackSlice* getFirstSlice() const { return _slices.empty() ? nullptr : _slices.front().get(); }
+  StackSlice* getLastSlice() const { return _slices.empty() ? nullptr : _slices.back().get(); }
+  StackSlice* getNextSlice(const StackSlice* slice) const;
+  StackSlice* getPreviousSlice(const StackSlice* slice) const;
+  /// Index of the first slice of this name or of this very slice, -1 when absent.
+  int findSlice(const std::string& name) const;
+  int findSlice(const StackSlice* slice) const;
+  /// Appends a slice or inserts it before slice i, and gives it back. Unchecked.
+  StackSlice& addSlice(std::unique_ptr<StackSlice> slice);
+  StackSlice& addSlice(std::unique_ptr<StackSlice> slice, int i);
+  /// Detaches slice i with its items. Unchecked.
+  std::unique_ptr<StackSlice> removeSlice(int i);
+  /// Detaches slice i and deletes it with its items. Unchecked.
+  void deleteSlice(int i) { removeSlice(i); }
+  /// The absolute positions of all slices, front to back.
+  std::vector<float> absolutePositions() const;
+
+  int getNumModels() const { return static_cast<int>(_models.size()); }
+  /// Model i. Unchecked.
+  Model* getModel(int i) const { return _models[static_cast<std::size_t>(i)].get(); }
+  /// Index of the first model of this name or of this very model, -1 when absent.
+  int findModel(const std::string& name) const;
+  int findModel(const Model* model) const;
+  Model& addModel(std::unique_ptr<Model> model);
+  /// Detaches the model; its items stay on their slices. nullptr when it is not in this stack.
+  std::unique_ptr<Model> removeModel(const Model* model);
+  /// Deletes model i and its items. Unchecked.
+  void deleteModel(int i);
+  void deleteAllModels();
+  /// The models of a geometry.
+  std::vector<Model*> listGeometryModels(MPrimitive primitive) const;
+  bool hasGeometryModels(MPrimitive primitive) const { return !listGeometryModels(primitive).empty(); }
+  bool hasGeometryModelItems(MPrimitive primitive) const;
+
+  /// Whether all slices have one corrected size, follow each other at one distance (to 1e-5 of it) and, but for the
+  /// first, have a null registration; false without slices. \throw FileError  the size of an image is not known
+  bool isRegular() const;
+  /// What all images have in common; Mixed when they differ, Undefined without slices. \throw FileError
+  ImageColorContent colorContent() const;
+  /// Changes the unit and all lengths of the stack with it, so that nothing changes in space.
+  void convertLengthUnit(int scale);
+
+  /// Deletes slices, models, items and poses; all fields get their defaults.
+  void clear();
+  /// Readable text, for debugging; every line begins with the prefix.
+  void print(const std::string& prefix) const;
+  void print(const std::string& prefix, std::ostream& stream) const;
+
+private:
+  void numberSlices(std::size_t first);
+  void deletePoses();
+
+  std::string _name;
+  std::string _annotation;
+  std::string _imagesPath;
+  bool _absoluteImagesPathPolicy = false;
+  bool _invertZAxis = false;
+  float _defaultSliceThickness = 0;
+  float _defaultRelativePosition = 0;
+  PixelCalibration _defaultPixelCalibration;
+  std::string _lastSegmentedSlice;
+  std::string _lastRegisteredSlice;
+  std::vector<std::unique_ptr<StackSlice>> _slices;
+  std::vector<std::unique_ptr<Model>> _models;
+};

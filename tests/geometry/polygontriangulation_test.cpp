@@ -1,0 +1,161 @@
+#include "geometry/polygontriangulation.h"
+#include "tests/support/curves.h"
+#include "tests/support/manifold.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace
+{
+
+double twiceTriangleArea(const TriMesh<double>& mesh, int i)
+{
+  const Vertices<double> corners = mesh.triangle(i);
+  return Curve<double>(corners).twiceArea(0, 1);
+}
+
+/// n - 2 triangles of the right total area, none of them clockwise; together they have the polygon as their boundary.
+void expectTriangulation(const Curve<double>& polygon, bool flatTrianglesAllowed = false)
+{
+  PolygonTriangulation<double> triangulation;
+  const TriMesh<double>& mesh = triangulation.apply(polygon, 0, 1);
+  ASSERT_EQ(mesh.getNumTriangles(), polygon.getSize() - 2);
+  double sum = 0;
+  for (int i = 0; i < mesh.getNumTriangleSlots(); ++i)
+  {
+    const double area = twiceTriangleArea(mesh, i);
+    EXPECT_TRUE(flatTrianglesAllowed ? area >= 0 : area > 0) << "triangle " << i << " has twice the area " << area;
+    sum += area;
+  }
+  EXPECT_NEAR(sum, polygon.twiceArea(0, 1), 1e-9 * std::abs(sum));
+  const EdgeCounts counts = countEdges(mesh);
+  EXPECT_EQ(counts.numBoundary, polygon.getSize());
+  EXPECT_EQ(counts.numNonManifold + counts.numInconsistent, 0);
+}
+
+/// Star-shaped around the origin, with n vertices in pixels.
+Curve<double> randomStar(int n, std::mt19937& generator)
+{
+  std::uniform_real_distribution<double> radius(20, 1000);
+  Curve<double> curve(2, n);
+  for (int i = 0; i < n; ++i)
+  {
+    const double angle = 2 * std::numbers::pi * i / n;
+    const double r = radius(generator);
+    curve[i][0] = r * std::cos(angle);
+    curve[i][1] = r * std::sin(angle);
+  }
+  return curve;
+}
+
+/// A line and its way back beside it, wound in a spiral.
+Curve<double> spiral(int numPerSide)
+{
+  std::vector<std::vector<double>> points;
+  for (int i = 0; i < 2 * numPerSide; ++i)
+  {
+    const int k = i < numPerSide ? i : 2 * numPerSide - 1 - i;
+    const double angle = 0.2 * k, radius = 1 + angle + (i < numPerSide ? 2 : 0);
+    points.push_back({radius * std::cos(angle), radius * std::sin(angle)});
+  }
+  return closedCurve(points);
+}
+
+Curve<double> comb(int numTeeth)
+{
+  std::vector<std::vector<double>> points = {{0, 0}, {2. * numTeeth, 0}};
+  for (int i = numTeeth - 1; i >= 0; --i)
+  {
+    points.push_back({2. * i + 2, 10});
+    points.push_back({2. * i + 1, 1});
+  }
+  points.push_back({0, 10});
+  return closedCurve(points);
+}
+
+} // namespace
+
+TEST(PolygonTriangulation, OfSimplePolygons)
+{
+  const struct
+  {
+    const char* name;
+    Curve<double> polygon;
+  } cases[] = {
+      {"triangle", closedCurve({{0, 0}, {1, 0}, {0, 1}})},
+      {"arrow", closedCurve({{0, 0}, {2, 1}, {0, 2}, {1, 1}})},
+      {"square with vertices on its sides",
+       closedCurve({{0, 0}, {1, 0}, {2, 0}, {3, 0}, {3, 1}, {3, 3}, {2, 3}, {0, 3}, {0, 2}, {0, 1}})},
+      {"triangle with vertices on one side", closedCurve({{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}, {2, 5}})},
+      {"comb", comb(100)},
+      {"spiral", spiral(150)},
+      {"staircase of pixels",
+       closedCurve({{0, 0}, {4, 0}, {4, 1}, {3, 1}, {3, 2}, {2, 2}, {2, 3}, {1, 3}, {1, 4}, {0, 4}})},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    for (int origin = 0; origin < c.polygon.getSize(); ++origin)
+    {
+      Curve<double> polygon = c.polygon;
+      polygon.setOrigin(origin);
+      if (polygon.isClockwise(0, 1)) polygon.reverse();
+      expectTriangulation(polygon);
+    }
+  }
+}
+
+TEST(PolygonTriangulation, OfRandomPolygons)
+{
+  std::mt19937 generator(1);
+  for (int n = 3; n < 200; ++n)
+  {
+    SCOPED_TRACE(n);
+    expectTriangulation(randomStar(n, generator));
+  }
+}
+
+TEST(PolygonTriangulation, OfPolygonsThatTouchThemselves)
+{
+  const struct
+  {
+    const char* name;
+    Curve<double> polygon;
+  } cases[] = {
+      {"repeated vertex", closedCurve({{0, 0}, {2, 0}, {2, 0}, {2, 2}, {0, 2}, {0, 2}, {0, 2}})},
+      {"spike", closedCurve({{0, 0}, {2, 0}, {2, 2}, {2, 3}, {2, 2}, {0, 2}})},
+      {"two squares at one corner", closedCurve({{0, 0}, {1, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 2}, {1, 1}, {0, 1}})},
+      {"hole joined by a bridge",
+       closedCurve({{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {3, 3}, {3, 6}, {6, 6}, {6, 3}, {3, 3}})},
+      {"notch that reaches a vertex", closedCurve({{0, 0}, {4, 0}, {4, 4}, {3, 4}, {0, 0}, {1, 4}, {0, 4}})},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    for (int origin = 0; origin < c.polygon.getSize(); ++origin)
+    {
+      SCOPED_TRACE(origin);
+      Curve<double> polygon = c.polygon;
+      polygon.setOrigin(origin);
+      expectTriangulation(polygon, true);
+    }
+  }
+}
+
+TEST(PolygonTriangulation, NeverFailsOnWhatIsNoPolygon)
+{
+  std::mt19937 generator(2);
+  std::uniform_int_distribution<int> pixel(0, 9);
+  for (int n = 0; n < 60; ++n)
+  {
+    Curve<float> scribble(2, n);
+    for (int i = 0; i < 2 * n; ++i) scribble.data()[i] = static_cast<float>(pixel(generator));
+    PolygonTriangulation<float> triangulation;
+    EXPECT_EQ(triangulation.apply(scribble, 0, 1).getNumTriangles(), std::max(n - 2, 0));
+  }
+  const double nan = std::nan("");
+  PolygonTriangulation<double> triangulation;
+  EXPECT_EQ(triangulation.apply(closedCurve({{0, 0}, {nan, 0}, {1, nan}, {0, 1}}), 0, 1).getNumTriangles(), 2);
+  EXPECT_EQ(triangulation.apply(closedCurve({{0, 0}, {1, 1}, {3, 3}, {2, 2}}), 0, 1).getNumTriangles(), 2);
+}

@@ -1,0 +1,220 @@
+#include "tests/support/curves.h"
+#include "tests/support/errors.h"
+#include "tests/support/manifold.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace
+{
+
+/// The right triangle (0, 0, 0), (3, 0, 0), (0, 4, 0), seen from above.
+template <class T = double> TriMesh<T> rightTriangle()
+{
+  TriMesh<T> mesh(static_cast<const Vertices<T>&>(curveThrough<T>({{0, 0, 0}, {3, 0, 0}, {0, 4, 0}})));
+  mesh.addTriangle(0, 1, 2);
+  return mesh;
+}
+
+TriMesh<double> unitCube()
+{
+  TriMesh<double> mesh;
+  mesh.cube();
+  return mesh;
+}
+
+std::vector<int> valuesOf(const Vector<int>& vector)
+{
+  return std::vector<int>(vector.begin(), vector.end());
+}
+
+} // namespace
+
+TEST(TriMeshMeasures, OfTheUnitCube)
+{
+  TriMesh<double> cube = unitCube();
+  EXPECT_TRUE(isClosedManifold(cube));
+  EXPECT_DOUBLE_EQ(signedVolume(cube), 1);
+  EXPECT_DOUBLE_EQ(cube.volume(), 1);
+  EXPECT_DOUBLE_EQ(cube.area(), 6);
+  EXPECT_DOUBLE_EQ(cube.equivalentRadius(), std::cbrt(3 / (4 * std::numbers::pi)));
+  EXPECT_EQ(cube.centerOfGravity(), (Vector<double>{0.5, 0.5, 0.5}));
+
+  TriMesh<double> inward(static_cast<const Vertices<double>&>(cube));
+  for (int i = 0; i < 12; ++i) inward.addTriangle(cube.corners(i)[0], cube.corners(i)[2], cube.corners(i)[1]);
+  EXPECT_DOUBLE_EQ(inward.volume(), 1);
+
+  cube.removeTriangle(3);
+  cube.removeTriangle(3);
+  EXPECT_EQ(cube.getNumTriangles(), 11);
+  EXPECT_EQ(cube.getNumTriangleSlots(), 12);
+  EXPECT_DOUBLE_EQ(cube.area(), 5.5);
+}
+
+TEST(TriMeshMeasures, OfPixelMeshesAndOfFlatOnes)
+{
+  EXPECT_DOUBLE_EQ(rightTriangle<int>().area(), 6);
+  TriMesh<double> flat(static_cast<const Vertices<double>&>(closedCurve({{0, 0}, {3, 0}, {0, 4}})));
+  flat.addTriangle(2, 1, 0);
+  EXPECT_DOUBLE_EQ(flat.area(), 6);
+  EXPECT_THROW(flat.volume(), SizeError);
+  try
+  {
+    flat.equivalentRadius();
+    ADD_FAILURE() << "nothing was thrown";
+  }
+  catch (int error)
+  {
+    EXPECT_EQ(error, 1);
+  }
+  EXPECT_EQ(TriMesh<double>().volume(), 0);
+  EXPECT_EQ(TriMesh<double>().area(), 0);
+}
+
+TEST(TriMeshMeasures, RefuseTrianglesWithoutVertices)
+{
+  TriMesh<double> mesh = rightTriangle();
+  expectError<RangeError>("does not exist", [&] { mesh.addTriangle(0, 1, 3); });
+  expectError<RangeError>("does not exist", [&] { mesh.addTriangle(-1, 1, 2); });
+  mesh.setSize(2);
+  expectError<SizeError>("does not exist", [&] { mesh.area(); });
+  expectError<SizeError>("does not exist", [&] { mesh.volume(); });
+}
+
+TEST(TriMeshTopology, FollowsEditing)
+{
+  TriMesh<double> cube = unitCube();
+  EXPECT_EQ(valuesOf(cube.star(0)), (std::vector<int>{0, 1, 4, 5, 8, 9})); // cut through this corner, three faces
+  EXPECT_EQ(valuesOf(cube.neighbours(0)), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(valuesOf(cube.neighbours(1)), (std::vector<int>{0, 3, 5, 7}));
+  const int numAround = cube.star(7).getSize();
+  cube.computeNormals();
+  cube.remove(7);
+  EXPECT_EQ(cube.getSize(), 7);
+  EXPECT_TRUE(cube.hasNormals());
+  EXPECT_EQ(cube.getNumTriangles(), 12 - numAround);
+  cube.remove(0);
+  for (int i = 0; i < cube.getNumTriangleSlots(); ++i)
+  {
+    EXPECT_LT(cube.corners(i)[2], 6);
+  }
+}
+
+TEST(TriMeshNormals, PointOutAndWeighByAngle)
+{
+  TriMesh<double> cube = unitCube();
+  cube.computeNormals();
+  for (int i = 0; i < 8; ++i) // three right angles at each corner, however the faces are cut
+    for (int k = 0; k < 3; ++k) EXPECT_NEAR(cube.getNormal(i)[k], (cube[i][k] - 0.5) * 2 / std::sqrt(3.), 1e-15);
+
+  TriMesh<float> degenerate(
+      static_cast<const Vertices<float>&>(curveThrough<float>({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}})));
+  degenerate.addTriangle(0, 1, 2);
+  degenerate.computeNormals();
+  EXPECT_EQ(degenerate.getNormal(1), (Vector<float>{0, 0, 0}));
+  EXPECT_THROW(rightTriangle<int>().computeNormals(), TypeError);
+  expectError<UsageError>("no normals", [] { rightTriangle().getNormal(0); });
+}
+
+TEST(TriMeshText, IsReadBackAsItWasWritten)
+{
+  TriMesh<float> mesh = rightTriangle<float>();
+  mesh[1][0] = 0.1f;
+  mesh.addTriangle(2, 1, 0);
+  mesh.removeTriangle(0);
+  std::stringstream text;
+  mesh.write(text);
+  EXPECT_EQ(text.str(), "# 8\n# 3\n# 3\n0 0 0\n0.1 0 0\n0 4 0\n# 1\n2 1 0\n# 0\n");
+
+  mesh.computeNormals();
+  std::stringstream withNormals;
+  mesh.write(withNormals);
+  TriMesh<float> copy(2);
+  copy.read(withNormals);
+  EXPECT_EQ(pointsOf(copy), pointsOf(mesh));
+  EXPECT_EQ(pointsOf(copy.getNormals()), (std::vector<std::vector<float>>(3, {0, 0, -1})));
+  EXPECT_EQ(valuesOf(copy.getTriangleIndexes(0)), (std::vector<int>{2, 1, 0}));
+
+  mesh.removeTriangle(1);
+  std::stringstream empty;
+  mesh.write(empty);
+  EXPECT_NE(empty.str().find("0 4 0\n# 0\n# 1\n"), std::string::npos);
+}
+
+TEST(TriMeshText, RefusesWhatIsNoMesh)
+{
+  const struct
+  {
+    const char* text;
+    const char* message;
+  } cases[] = {
+      {"# 8\n# 3\n# 1\n0 0 0\n# 1\n0 0 1\n# 0\n", "Line 6: there is no vertex 1"},
+      {"# 8\n# 3\n# 1\n0 0 0\n# 2000000000\n0 0 0\n", "Line 7: the text ends too early"},
+      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n", "Line 6: the text ends too early"},
+      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n# 1\n0 0\n", "Line 7: expected 3 numbers"},
+      {"# 0\n# 3\n# 0\n", "Line 1: the shape type"},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.text);
+    std::istringstream stream(c.text);
+    TriMesh<double> mesh = rightTriangle();
+    expectError<FileFormatError>(c.message, [&] { mesh.read(stream); });
+    EXPECT_EQ(mesh.getNumTriangles(), 1);
+  }
+}
+
+TEST(TriMeshFiles, AreNeverOverwrittenUnasked)
+{
+  const std::string path = testing::TempDir() + "mirelo_trimesh_test.mesh";
+  std::remove(path.c_str());
+  rightTriangle().save(path, false);
+  expectError<FileWriteError>(path + " : file exists", [&] { unitCube().save(path, false); });
+  EXPECT_EQ(TriMesh<double>(path).getNumTriangles(), 1);
+  unitCube().save(path, true);
+  EXPECT_EQ(TriMesh<double>(path).getNumTriangles(), 12);
+  std::remove(path.c_str());
+  expectError<FileReadError>(path, [&] { TriMesh<double> missing(path); });
+  expectError<FileWriteError>("Cannot open file for writing", [] { unitCube().save("/nonexistent/folder/cube.mesh", true); });
+}
+
+TEST(TriMeshStl, HasTheNormalsOfItsTrianglesAndSixDigits)
+{
+  TriMesh<float> mesh = rightTriangle<float>();
+  mesh.append(curveThrough<float>({{1e-7f, 123456.7f, -1234567.f}}));
+  mesh.addTriangle(0, 3, 3); // no area
+  mesh.addTriangle(1, 0, 2);
+  mesh.removeTriangle(2);
+  mesh.setName("cell 1");
+  std::ostringstream text;
+  mesh.export2AsciiSTL(text);
+  EXPECT_EQ(text.str(), "solid cell 1\n"
+                        "  facet normal 0 0 1\n"
+                        "    outer loop\n"
+                        "      vertex 0 0 0\n"
+                        "      vertex 3 0 0\n"
+                        "      vertex 0 4 0\n"
+                        "    endloop\n"
+                        "  endfacet\n"
+                        "  facet normal 0 0 0\n"
+                        "    outer loop\n"
+                        "      vertex 0 0 0\n"
+                        "      vertex 1e-07 123457 -1.23457e+06\n"
+                        "      vertex 1e-07 123457 -1.23457e+06\n"
+                        "    endloop\n"
+                        "  endfacet\n"
+                        "endsolid cell 1\n");
+}
+
+TEST(TriMeshStl, FormatsNumbersAsStreamsDo)
+{
+  for (const double number : {0., -0., 1. / 3, 1e5, 1e6, 999999.5, 1e-4, 1e-5, 123456789., 1e300, -2.5e-310})
+  {
+    TriMesh<double> mesh = rightTriangle();
+    mesh[0][0] = number;
+    std::ostringstream text, expected;
+    mesh.export2AsciiSTL(text);
+    expected << "      vertex " << number << " 0 0\n";
+    EXPECT_NE(text.str().find(expected.str()), std::string::npos) << expected.str();
+  }
+}

@@ -1,0 +1,110 @@
+// No folder includes from a folder above it, and the libraries without windows include no Qt header.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace
+{
+namespace fs = std::filesystem;
+
+struct Room
+{
+  std::string folder; // a file belongs to the longest folder that its path begins with
+  int floor;          // may include from its own folder and from lower floors
+  bool mayUseQt;
+};
+
+const std::vector<Room> house = {
+    {"numeric", 1, false},
+    {"geometry", 2, false},
+    {"image", 3, false},
+    {"model", 4, false},
+    {"geometry/reconstruction", 5, false},
+    {"analysis/spatial", 5, false},
+    {"app/core", 6, true},
+    {"slice/image", 7, true},
+    {"slice", 8, true},
+    {"registration", 8, true},
+    {"viewer", 8, true},
+    {"analysis", 8, true},
+    {"app", 9, true},
+    {"batch", 9, false},
+};
+
+const Room* roomOf(const std::string& path)
+{
+  const Room* best = nullptr;
+  for (const Room& room : house)
+  {
+    const bool inside = path.starts_with(room.folder + "/");
+    if (inside && (best == nullptr || room.folder.size() > best->folder.size())) best = &room;
+  }
+  return best;
+}
+
+std::optional<std::string> violation(const Room& from, const std::string& included)
+{
+  static const std::regex qtHeader("Qt?[A-Z][A-Za-z0-9/]*|q[a-z]+\\.h");
+  if (!from.mayUseQt && std::regex_match(included, qtHeader)) return "a library without windows includes " + included;
+  const Room* to = roomOf(included);
+  if (to == nullptr || to == &from || to->floor < from.floor) return std::nullopt;
+  return from.folder + " reaches up to " + included;
+}
+
+std::vector<std::string> violations(const fs::path& root)
+{
+  static const std::regex includeLine("\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"].*");
+  std::vector<std::string> found;
+  for (const Room& room : house)
+  {
+    if (!fs::exists(root / room.folder)) continue;
+    for (const auto& entry : fs::recursive_directory_iterator(root / room.folder))
+    {
+      const std::string path = fs::relative(entry.path(), root).generic_string();
+      if (!entry.is_regular_file() || roomOf(path) != &room) continue;
+      std::ifstream file(entry.path());
+      std::smatch match;
+      for (std::string line; std::getline(file, line);)
+      {
+        if (!std::regex_match(line, match, includeLine)) continue;
+        if (const auto text = violation(room, match[1])) found.push_back(path + ": " + *text);
+      }
+    }
+  }
+  return found;
+}
+
+void write(const fs::path& path, const std::string& text)
+{
+  fs::create_directories(path.parent_path());
+  std::ofstream(path) << text;
+}
+
+TEST(Layering, NoFolderReachesUp)
+{
+  ASSERT_TRUE(fs::exists(fs::path(MIRELO_SOURCE_DIR) / "numeric"));
+  EXPECT_THAT(violations(MIRELO_SOURCE_DIR), testing::IsEmpty());
+}
+
+TEST(Layering, FindsEachKindOfViolation)
+{
+  const fs::path root = fs::path(testing::TempDir()) / "mirelo-layering";
+  fs::remove_all(root);
+  write(root / "image/a.h", "#include \"numeric/vector.h\"\n#include \"model/stack.h\"\n");
+  write(root / "geometry/b.cpp", "# include \"geometry/reconstruction/stackreconstruction.h\"\n");
+  write(root / "viewer/c.h", "#include \"slice/image/canvas.h\"\n#include \"slice/editor.h\"\n#include <QWidget>\n");
+  write(root / "model/io/d.cpp", "#include <QtCore/QString>\n#include <queue>\n");
+  EXPECT_THAT(violations(root),
+              testing::UnorderedElementsAre(
+                  "image/a.h: image reaches up to model/stack.h",
+                  "geometry/b.cpp: geometry reaches up to geometry/reconstruction/stackreconstruction.h",
+                  "viewer/c.h: viewer reaches up to slice/editor.h",
+                  "model/io/d.cpp: a library without windows includes QtCore/QString"));
+  fs::remove_all(root);
+}
+} // namespace
