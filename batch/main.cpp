@@ -15,7 +15,8 @@ std::string describeArguments(const CLI::App& app, const std::vector<std::string
                               const CLI::ParseError& error)
 {
   const bool isCommand = !arguments.empty() && !arguments.front().starts_with('-');
-  const bool isUnknown = isCommand && app.get_subcommand_no_throw(arguments.front()) == nullptr;
+  const auto isNamed = [&](const CLI::App* command) { return command->check_name(arguments.front()); };
+  const bool isUnknown = isCommand && app.get_subcommands(isNamed).empty();
   return (isUnknown ? "unknown command " + arguments.front() : std::string(error.what())) + "; see mirelo-batch --help";
 }
 
