@@ -12,6 +12,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <set>
+#include <vector>
 
 namespace
 {
@@ -45,22 +47,22 @@ QColor colorOf(const Model& model)
 {
   ModelItemProperties properties;
   properties.setDefaults();
-  properties.update(model.getModelItemProperties());
+  properties.update(model.getItemProperties());
   const auto color = properties.getColor();
   return QColor(color[0], color[1], color[2]);
 }
 
 /// The models that have items on a slice, in stack order.
-QList<const Model*> modelsOn(const StackSlice& slice, const Stack& stack)
+std::vector<const Model*> modelsOn(const StackSlice& slice, const Stack& stack)
 {
-  QList<const Model*> present;
-  for (int i = 0; i < slice.getNumItems(); ++i)
+  std::set<const Model*> present;
+  for (const ModelItem* item : slice.getItems()) present.insert(item->getModel());
+  std::vector<const Model*> models;
+  for (int i = 0; i < stack.getNumModels(); ++i)
   {
-    const Model* model = slice.getItem(i)->getModel();
-    if (model != nullptr && !present.contains(model)) present.append(model);
+    if (present.contains(stack.getModel(i))) models.push_back(stack.getModel(i));
   }
-  std::ranges::sort(present, {}, [&](const Model* model) { return stack.findModel(model); });
-  return present;
+  return models;
 }
 } // namespace
 

@@ -142,7 +142,7 @@ double stain(const Point& p)
 double hashed(unsigned i, unsigned j, unsigned k, unsigned seed)
 {
   // The finaliser of splitmix64: Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014.
-  std::uint64_t h = seed;
+  std::uint64_t h = (seed + 1) * 0xd1342543de82ef95u; // seeds far apart: neighbouring keys must not meet
   for (const unsigned key : {i, j, k})
   {
     h = (h + key + 1) * 0x9e3779b97f4a7c15u;

@@ -83,7 +83,7 @@ void addSlices(Stack& stack, const fs::path& folder)
     slice->setImageSource(source);
     slice->setPixelCalibration(calibration());
     if (k > 0) slice->setRegistration(registration(placement(k), reached));
-    stack.addSlice(slice.release());
+    stack.addSlice(std::move(slice));
   }
 }
 
@@ -123,35 +123,20 @@ bool isOnImage(const Vector<int>& pixel)
   return pixel[0] >= 0 && pixel[0] < imageSize && pixel[1] >= 0 && pixel[1] < imageSize;
 }
 
-Model& addModel(Stack& stack, const std::string& name, MPrimitive geometry, int red, int green, int blue)
+Model& addModel(Stack& stack, const std::string& name, MPrimitive geometry, const ModelItemProperties::Color& color)
 {
-  auto model = std::make_unique<Model>();
-  ModelProperties properties;
-  properties.setDefaults();
-  properties.setGeometry(geometry);
-  ModelItemProperties itemDefaults;
-  itemDefaults.setDefaults();
-  itemDefaults.setColor(red, green, blue);
-  itemDefaults.setLineWidth(2);
-  itemDefaults.setPointSize(3);
-  model->setName(name);
-  model->setModelProperties(properties);
-  model->setModelItemProperties(itemDefaults);
-  stack.addModel(model.get());
-  return *model.release();
-}
-
-ModelItem& addItem(Model& model, StackSlice& slice)
-{
-  auto item = std::make_unique<ModelItem>();
-  item->setModel(&model);
-  item->setSlice(&slice);
-  item->attach();
-  return *item.release();
+  auto model = std::make_unique<Model>(name);
+  model->getProperties().setDefaults();
+  model->getProperties().setGeometry(geometry);
+  model->getItemProperties().setDefaults();
+  model->getItemProperties().setColor(color);
+  model->getItemProperties().setLineWidth(2);
+  model->getItemProperties().setPointSize(3);
+  return stack.addModel(std::move(model));
 }
 
 /// Draws vertices on a slice, without repeating a pixel.
-void draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::vector<Point>& points)
+ModelItem& draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::vector<Point>& points)
 {
   Vertices<int> vertices(2);
   for (const Point& p : points)
@@ -161,9 +146,11 @@ void draw(Model& model, StackSlice& slice, const SliceFrame& frame, const std::v
     if (!isOnImage(pixel) || (last >= 0 && vertices[last] == pixel)) continue;
     vertices.append(pixel);
   }
-  const bool closes = model.getModelProperties().getGeometry() == MPrimitive::Polygon;
+  const bool closes = model.getGeometry() == MPrimitive::Polygon;
   if (closes && vertices[0] == vertices[vertices.getNumVertices() - 1]) vertices.remove(vertices.getNumVertices() - 1);
-  addItem(model, slice).setVertices(vertices);
+  ModelItem& item = ModelItem::create(model, slice);
+  item.setVertices(vertices);
+  return item;
 }
 
 std::vector<Point> fibreLine(int fibre, double z)
@@ -172,6 +159,17 @@ std::vector<Point> fibreLine(int fibre, double z)
   for (double x = -fibres::halfLength; x <= fibres::halfLength; x += 3)
     points.push_back({x, fibres::y(fibre, x, z), z});
   return points;
+}
+
+/// Each fibre begins and ends a surface of its own.
+void drawFibre(Model& model, StackSlice& slice, const SliceFrame& frame, int fibre)
+{
+  const double z = frame.z();
+  if (!fibres::isPresent(fibre, z)) return;
+  ModelItem& item = draw(model, slice, frame, fibreLine(fibre, z));
+  if (!fibres::isPresent(fibre, z - sliceSpacing))
+    item.setTriangulationTag(CurveStackTriangulationContourTag::Begin);
+  if (!fibres::isPresent(fibre, z + sliceSpacing)) item.setTriangulationTag(CurveStackTriangulationContourTag::End);
 }
 
 /// The stained pixels, in runs along the columns of the image.
@@ -191,21 +189,18 @@ RLEItemSet stainedRegion(const SliceFrame& frame)
 void addModels(Stack& stack, const std::vector<SliceFrame>& frames, const std::vector<Vesicle>& allVesicles)
 {
   // Colours that people with any colour vision tell apart: Okabe and Ito, "Color universal design", 2008.
-  Model& nucleusModel = addModel(stack, "nucleus", MPrimitive::Polygon, 86, 180, 233);
-  Model& vesselModel = addModel(stack, "vessel", MPrimitive::Polygon, 213, 94, 0);
-  Model& fibreModel = addModel(stack, "fibres", MPrimitive::Polyline, 0, 158, 115);
-  Model& vesicleModel = addModel(stack, "vesicles", MPrimitive::Polypoint, 240, 228, 66);
-  Model& stainModel = addModel(stack, "stain", MPrimitive::Region, 204, 121, 167);
+  Model& nucleusModel = addModel(stack, "nucleus", MPrimitive::Polygon, {86, 180, 233});
+  Model& vesselModel = addModel(stack, "vessel", MPrimitive::Polygon, {213, 94, 0});
+  Model& fibreModel = addModel(stack, "fibres", MPrimitive::Polyline, {0, 158, 115});
+  Model& vesicleModel = addModel(stack, "vesicles", MPrimitive::Polypoint, {240, 228, 66});
+  Model& stainModel = addModel(stack, "stain", MPrimitive::Region, {204, 121, 167});
   for (int k = 0; k < numSlices; ++k)
   {
     StackSlice& slice = *stack.getSlice(k);
     const SliceFrame& frame = frames[static_cast<std::size_t>(k)];
     if (nucleus.sectionScale(frame.z()) > 0) draw(nucleusModel, slice, frame, nucleus.outline(frame.z(), 64));
     for (const auto& outline : vessel::outlines(frame.z(), 32)) draw(vesselModel, slice, frame, outline);
-    for (int i = 0; i < fibres::number; ++i)
-    {
-      if (fibres::isPresent(i, frame.z())) draw(fibreModel, slice, frame, fibreLine(i, frame.z()));
-    }
+    for (int i = 0; i < fibres::number; ++i) drawFibre(fibreModel, slice, frame, i);
     std::vector<Point> points;
     for (const Vesicle& vesicle : allVesicles)
     {
@@ -213,7 +208,7 @@ void addModels(Stack& stack, const std::vector<SliceFrame>& frames, const std::v
     }
     if (!points.empty()) draw(vesicleModel, slice, frame, points);
     const RLEItemSet region = stainedRegion(frame);
-    if (region.numItems() > 0) addItem(stainModel, slice).setRLEItemSet(region);
+    if (region.numItems() > 0) ModelItem::create(stainModel, slice).setRLEItemSet(region);
   }
 }
 

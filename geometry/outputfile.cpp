@@ -2,54 +2,44 @@
 
 #include "numeric/exception.h"
 
-#include <atomic>
 #include <filesystem>
-#include <system_error>
-#include <unistd.h>
 
 namespace
 {
-/// A name beside the target that no other writer of this or another process uses.
-std::string temporaryName(const std::string& path)
+const std::string& checkedFilename(const std::string& filename, bool overwrite, const std::string& where)
 {
-  static std::atomic<unsigned> counter = 0;
-  return path + "." + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
-}
-
-bool isExisting(const std::string& path)
-{
-  std::error_code ignored;
-  return std::filesystem::exists(path, ignored);
+  if (!overwrite) requireAbsent(filename, where);
+  return filename;
 }
 } // namespace
 
-OutputFile::OutputFile(const std::string& path, bool overwrite, const std::string& where)
-  : _path(path), _temporaryPath(temporaryName(path)), _where(where)
+OutputFile::OutputFile(const std::string& filename, bool overwrite, const std::string& where)
+  : _file(checkedFilename(filename, overwrite, where)), _buffer(_file), _stream(&_buffer)
 {
-  if (!overwrite && isExisting(path)) fail("file exists");
-  _stream.open(_temporaryPath, std::ios::binary | std::ios::trunc);
-  if (!_stream) fail("cannot be created");
-}
-
-OutputFile::~OutputFile()
-{
-  if (_temporaryPath.empty()) return;
-  _stream.close();
-  std::error_code ignored;
-  std::filesystem::remove(_temporaryPath, ignored);
+  _stream.exceptions(std::ios::badbit); // lets the file's own errors through
 }
 
 void OutputFile::commit()
 {
-  _stream.close();
-  if (!_stream) fail("cannot be written");
-  std::error_code error;
-  std::filesystem::rename(_temporaryPath, _path, error);
-  if (error) fail("cannot be written: " + error.message());
-  _temporaryPath.clear();
+  _stream.flush();
+  _file.commit();
 }
 
-void OutputFile::fail(const std::string& reason) const
+OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type character)
 {
-  throw FileWriteError(_where, _path + " : " + reason, _path);
+  const char text = traits_type::to_char_type(character);
+  if (!traits_type::eq_int_type(character, traits_type::eof())) _file.write(std::string_view(&text, 1));
+  return traits_type::not_eof(character);
+}
+
+std::streamsize OutputFile::Buffer::xsputn(const char* text, std::streamsize size)
+{
+  _file.write(std::string_view(text, static_cast<std::size_t>(size)));
+  return size;
+}
+
+void requireAbsent(const std::string& filename, const std::string& where)
+{
+  std::error_code ignored;
+  if (std::filesystem::exists(filename, ignored)) throw FileWriteError(where, filename + " : file exists", filename);
 }

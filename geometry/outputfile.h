@@ -1,31 +1,45 @@
 #pragma once
 
-#include <fstream>
+#include "numeric/atomicfile.h"
+
+#include <ostream>
+#include <streambuf>
 #include <string>
 
-/// A file that is written beside its target and renamed over it when complete.
+/// A stream into an AtomicFile: what is written takes the target's place on commit().
 ///
-/// A crash, a full disk or an error leaves the target as it was.
+/// Writing to the stream throws FileWriteError when the disk is full or fails.
 class OutputFile
 {
 public:
-  /// Creates the temporary file. \param where  signature that errors name
-  /// \throw FileWriteError  the target exists and `overwrite` is false, or the file cannot be created
-  OutputFile(const std::string& path, bool overwrite, const std::string& where);
-  /// Removes the temporary file unless it was committed.
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
+  /// \param where  signature that the error about an existing file names
+  /// \throw FileWriteError  the target exists and `overwrite` is false, or cannot be written
+  OutputFile(const std::string& filename, bool overwrite, const std::string& where);
 
   std::ostream& stream() { return _stream; }
-  /// Closes the file and gives it the target's name. \throw FileWriteError  not everything could be written
+  /// \throw FileWriteError  the target stays as it was
   void commit();
 
 private:
-  [[noreturn]] void fail(const std::string& reason) const;
+  /// Hands what is written on, in the pieces in which it comes.
+  class Buffer : public std::streambuf
+  {
+  public:
+    explicit Buffer(AtomicFile& file) : _file(file) {}
 
-  std::string _path;
-  std::string _temporaryPath;
-  std::string _where;
-  std::ofstream _stream;
+  protected:
+    int_type overflow(int_type character) override;
+    std::streamsize xsputn(const char* text, std::streamsize size) override;
+
+  private:
+    AtomicFile& _file;
+  };
+
+  AtomicFile _file;
+  Buffer _buffer;
+  std::ostream _stream;
 };
+
+/// The error for a target that is not to be overwritten: "<filename> : file exists".
+/// \throw FileWriteError  the file exists
+void requireAbsent(const std::string& filename, const std::string& where);

@@ -2,8 +2,10 @@
 
 #include "geometry/outputfile.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
+#include <numeric>
 #include <ostream>
 
 std::string getShapeTypeName(int shapeType)
@@ -42,6 +44,22 @@ template <class T> Vector<Real<T>> Shape<T>::cog() const
   return center /= static_cast<Real<T>>(getNumVertices());
 }
 
+template <class T> SquareMatrix<Real<T>> Shape<T>::inertia() const
+{
+  const Vector<Real<T>> center = cog();
+  const int space = this->getSpace();
+  SquareMatrix<Real<T>> moments(space);
+  moments.setZeros();
+  forEachVertex(
+      [&](const T* coordinates)
+      {
+        for (int i = 0; i < space; ++i)
+          for (int j = 0; j < space; ++j) moments(i, j) += (coordinates[i] - center[i]) * (coordinates[j] - center[j]);
+      });
+  moments /= static_cast<Real<T>>(getNumVertices());
+  return moments;
+}
+
 template <class T> BoundingBox<T> Shape<T>::boundingBox() const
 {
   BoundingBox<T> box(this->getSpace());
@@ -74,6 +92,21 @@ template <class T> void Shape<T>::scale(T factor)
   Vector<T> factors(this->getSpace());
   factors.fill(factor);
   scale(factors);
+}
+
+template <class T> void Shape<T>::multiply(const Matrix<T>& map)
+{
+  const int space = this->getSpace();
+  if (map.getSize1() != space || map.getSize2() != space)
+    throw SizeError("void Shape<T>::multiply(const Matrix<T>&)", "Vertex and matrix dimensions differ");
+  Vector<T> vertex(space);
+  changeEachVertex(
+      [&](T* coordinates)
+      {
+        std::copy_n(coordinates, space, vertex.data());
+        for (int i = 0; i < space; ++i)
+          coordinates[i] = std::inner_product(vertex.begin(), vertex.end(), map[i].begin(), T(0));
+      });
 }
 
 template <class T> Shape<T>& Shape<T>::operator*=(T factor)

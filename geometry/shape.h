@@ -3,6 +3,7 @@
 #include "geometry/boundingbox.h"
 #include "geometry/vertexclient.h"
 #include "geometry/vertexiterator.h"
+#include "numeric/squarematrix.h"
 
 #include <iosfwd>
 #include <string>
@@ -61,6 +62,9 @@ public:
 
   /// Mean of all vertices. \throw SizeError  there is no vertex
   Vector<Real<T>> cog() const;
+  /// Second central moments of the vertices divided by their number: their covariance, getSpace() by getSpace().
+  /// \throw SizeError  there is no vertex
+  SquareMatrix<Real<T>> inertia() const;
   /// The box around all vertices; empty without vertices.
   BoundingBox<T> boundingBox() const;
 
@@ -69,6 +73,8 @@ public:
   /// Multiplies each coordinate by the factor of its axis. \throw SizeError  the vector has another dimension
   void scale(const Vector<T>& factors);
   void scale(T factor);
+  /// Applies a linear map to every vertex. \throw SizeError  the matrix is not getSpace() by getSpace()
+  void multiply(const Matrix<T>& map);
   Shape<T>& operator*=(T factor);
   Shape<T>& operator/=(T factor);
   /// Translates the centre of gravity to the origin.

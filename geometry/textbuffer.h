@@ -5,12 +5,12 @@
 #include <string_view>
 #include <type_traits>
 
-/// Collects formatted text and hands it to a stream in large pieces. Numbers have a decimal point in every locale.
+/// Collects formatted text and hands it to a stream in large pieces, the last one on flush(). Numbers have a decimal
+/// point in every locale.
 class TextBuffer
 {
 public:
   explicit TextBuffer(std::ostream& stream) : _stream(stream) {}
-  ~TextBuffer() { flush(); }
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 

@@ -38,6 +38,7 @@ template <class T> void TriMesh<T>::export2AsciiSTL(std::ostream& stream) const
   text << "solid " << this->getName() << '\n';
   forEachTriangle([&text](const T* a, const T* b, const T* c) { addFacet(text, a, b, c); });
   text << "endsolid " << this->getName() << '\n';
+  text.flush();
 }
 
 template <class T> void TriMesh<T>::write(std::ostream& stream) const
@@ -49,6 +50,7 @@ template <class T> void TriMesh<T>::write(std::ostream& stream) const
     if (hasTriangle(i)) writeLine(text, corners(i), 3);
   text << (hasNormals() ? "# 1\n" : "# 0\n");
   for (int i = 0; hasNormals() && i < this->getSize(); ++i) writeLine(text, _normals.data(i), this->getSpace());
+  text.flush();
 }
 
 template <class T> void TriMesh<T>::read(std::istream& stream)

@@ -181,6 +181,7 @@ template <class T> void Vertices<T>::write(std::ostream& stream) const
   const int space = this->getSpace();
   text << "# " << static_cast<int>(this->getShapeType()) << "\n# " << space << "\n# " << getNumVertices() << '\n';
   for (int i = 0; i < getNumVertices(); ++i) writeLine(text, data(i), space);
+  text.flush();
 }
 
 template <class T> void Vertices<T>::requireIndex(int i, int size, const char* where) const

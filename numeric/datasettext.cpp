@@ -33,25 +33,34 @@ const std::string& toText(const std::string& value)
   return value;
 }
 
-/// The number that the whole text stands for, if it is one and fits the type. A sign and spaces may precede it.
-template <class T> std::optional<T> parse(const std::string& text)
+/// Reads the whole text as a number, which a sign or spaces may precede: std::errc() when it is one that fits the type,
+/// std::errc::result_out_of_range when it is another one.
+template <class T> std::errc read(const std::string& text, T& value)
 {
   const char* first = text.data();
   const char* const last = first + text.size();
   while (first != last && *first == ' ') ++first;
   if (last - first > 1 && *first == '+' && first[1] != '-') ++first;
-  T value{};
   const auto [end, error] = std::from_chars(first, last, value);
-  if (error != std::errc() || end != last || first == last) return std::nullopt;
-  return value;
+  return end == last && first != last ? error : std::errc::invalid_argument;
 }
 
-/// Read in double first, so that numbers too small for float become zero.
-template <> std::optional<float> parse<float>(const std::string& text)
+template <class T> bool isNumber(const std::string& text)
 {
-  const std::optional<double> value = parse<double>(text);
-  if (!value || (std::isfinite(*value) && std::abs(*value) > std::numeric_limits<float>::max())) return std::nullopt;
-  return static_cast<float>(*value);
+  T value;
+  return read(text, value) != std::errc::invalid_argument;
+}
+
+/// The value of the whole text, if it is one of this type. Numbers too small for it are zero.
+template <class T> std::optional<T> parse(const std::string& text)
+{
+  T value;
+  const std::errc error = read(text, value);
+  if (error == std::errc()) return value;
+  long double exact;
+  const bool isTooSmall = std::is_floating_point_v<T> && error == std::errc::result_out_of_range &&
+                          read(text, exact) == std::errc() && std::abs(exact) < 1;
+  return isTooSmall ? std::optional<T>(T(0)) : std::nullopt;
 }
 
 template <> std::optional<std::string> parse<std::string>(const std::string& text)
@@ -122,7 +131,7 @@ void DataSet::readRow(const std::vector<std::string>& fields)
       _columns[i].values = Vector<int>();
     else if (parse<long>(fields[i]))
       _columns[i].values = Vector<long>();
-    else if (parse<double>(fields[i]))
+    else if (isNumber<float>(fields[i]))
       _columns[i].values = Vector<float>();
   }
   growTo(_numRows + 1);

@@ -61,9 +61,10 @@ bool solveTridiagonal(const Vector<T>& lower, const Vector<T>& diagonal, const V
 }
 
 /// Solves (A + u v') x = b for a tridiagonal A, u = (gamma, 0 .. 0, bottom) and v = (1, 0 .. 0, top / gamma), where
-/// gamma is free: the corners are bottom (left) and top (right). Returns false where a pivot or the divisor is zero.
+/// gamma is free: the corners are bottom (left) and top (right). Returns false where a pivot is zero or nothing but
+/// rounding is left of the divisor.
 /// Source: Sherman and Morrison, "Adjustment of an inverse matrix corresponding to a change in one element", 1950.
-template <class T> bool solveCyclic(const SquareMatrix<T>& m, T gamma, Vector<T>& x)
+template <std::floating_point T> bool solveCyclic(const SquareMatrix<T>& m, T gamma, Vector<T>& x)
 {
   const int n = m.getSize1();
   const T top = m(0, n - 1), bottom = m(n - 1, 0);
@@ -76,8 +77,11 @@ template <class T> bool solveCyclic(const SquareMatrix<T>& m, T gamma, Vector<T>
   u[n - 1] = bottom;
   const Vector<T> lower = m.lowerDiagonal(), upper = m.upperDiagonal();
   if (!solveTridiagonal(lower, diagonal, upper, x) || !solveTridiagonal(lower, diagonal, upper, u)) return false;
-  const T divisor = 1 + u[0] + top / gamma * u[n - 1];
-  if (divisor == 0) return false;
+  const T fromBottom = top / gamma * u[n - 1];
+  const T divisor = 1 + u[0] + fromBottom;
+  const T rounding =
+      static_cast<T>(n) * std::numeric_limits<T>::epsilon() * (1 + std::abs(u[0]) + std::abs(fromBottom));
+  if (!(std::abs(divisor) > rounding)) return false;
   x -= u * ((x[0] + top / gamma * x[n - 1]) / divisor);
   return true;
 }
@@ -195,16 +199,21 @@ template <class T> SquareMatrix<T> SquareMatrix<T>::tridiagInverse() const
 
 template <class T> Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>& b) const
 {
-  if (std::is_integral_v<T> || this->getSize1() < 3) return tridiagSolve(b); // the corners are no further elements
-  const char* const where = "Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>&) const";
-  requireUnknowns(b, where);
-  const T first = (*this)(0, 0);
-  for (const T gamma : {first == 0 ? T(1) : static_cast<T>(-first), static_cast<T>(first == 0 ? T(-1) : first / 2)})
+  if (this->getSize1() < 3) return tridiagSolve(b); // the corners are no further elements
+  if constexpr (std::is_integral_v<T>)
+    return tridiagSolve(b);
+  else
   {
-    Vector<T> x(b);
-    if (solveCyclic(*this, gamma, x)) return x;
+    const char* const where = "Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>&) const";
+    requireUnknowns(b, where);
+    const T first = (*this)(0, 0) == 0 ? T(1) : (*this)(0, 0);
+    for (const T gamma : {-first, first / 2}) // a pivot may vanish for one of them
+    {
+      Vector<T> x(b);
+      if (solveCyclic(*this, gamma, x)) return x;
+    }
+    throw MathError(where, "Singular cyclic tridiagonal matrix.");
   }
-  throw MathError(where, "Singular cyclic tridiagonal matrix.");
 }
 
 NUMERIC_INSTANTIATE_SQUAREMATRICES

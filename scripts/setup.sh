@@ -6,7 +6,7 @@ LOG_DIR="$ROOT/build"
 
 PROGRAM_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5svg5-dev libgl-dev libglu1-mesa-dev
                   libtiff-dev libfftw3-dev libcli11-dev nlohmann-json3-dev libnanoflann-dev)
-TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth libgl1-mesa-dri)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool libgl1-mesa-dri)
 
 die()
 {

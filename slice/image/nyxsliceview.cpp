@@ -17,7 +17,7 @@ ModelItemProperties effectiveProperties(const ModelItem& item)
 {
   ModelItemProperties properties;
   properties.setDefaults();
-  if (item.getModel() != nullptr) properties.update(item.getModel()->getModelItemProperties());
+  if (item.getModel() != nullptr) properties.update(item.getModel()->getItemProperties());
   properties.update(item.getProperties());
   return properties;
 }
@@ -76,9 +76,9 @@ void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toWi
   color.setAlpha(110);
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing, false);
-  for (const RLEItem& run : item.getRLEItemSet())
+  for (const RLEItem& run : item.getRLEItemSet().getItems())
   {
-    const QRectF pixels(run.getOrigin()[0], run.getOrigin()[1], 1, run.getLength());
+    const QRectF pixels(run.getOriginX(), run.begin(), 1, run.getLength());
     painter.fillRect(toWidget.mapRect(pixels), color);
   }
   painter.restore();
@@ -162,7 +162,7 @@ void NYXSliceView::drawItems(QPainter& painter) const
   {
     const ModelItem& item = *_slice->getItem(i);
     if (item.getModel() == nullptr) continue;
-    switch (item.getModel()->getModelProperties().getGeometry())
+    switch (item.getModel()->getGeometry())
     {
     case MPrimitive::Polypoint:
       drawPoints(painter, item, toWidget);

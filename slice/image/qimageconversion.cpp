@@ -15,7 +15,11 @@ void copyLines(QImage& target, const Image& image)
 QVector<QRgb> colorTable(const Colormap& colormap)
 {
   QVector<QRgb> table(colormap.getSize());
-  for (int i = 0; i < table.size(); ++i) table[i] = qRgb(colormap.getRed(i), colormap.getGreen(i), colormap.getBlue(i));
+  for (int i = 0; i < table.size(); ++i)
+  {
+    const auto [red, green, blue] = colormap.getColor(i);
+    table[i] = qRgb(red, green, blue);
+  }
   return table;
 }
 } // namespace

@@ -204,3 +204,17 @@ TEST(ShapeType, HasAName)
   EXPECT_EQ(getShapeTypeName(9), "UnkwownShape");
   EXPECT_EQ(getShapeTypeName(-1), "UnkwownShape");
 }
+
+TEST(Shape, MomentsAreThoseOfAllLevels)
+{
+  CurveStack<double> stack;
+  stack.append(curveThrough<double>({{0, 0, 0}, {4, 0, 0}}));
+  stack.append(curveThrough<double>({{0, 0, 2}, {4, 4, 2}}));
+  EXPECT_EQ(stack.cog(), (Vector<double>{2, 1, 1}));
+  EXPECT_EQ(stack.inertia(), (SquareMatrix<double>{{4, 2, 0}, {2, 3, 1}, {0, 1, 1}}));
+  EXPECT_EQ(stack.boundingBox().getMaximum(), (Vector<double>{4, 4, 2}));
+  stack.multiply(SquareMatrix<double>{{0, -1, 0}, {1, 0, 0}, {0, 0, 3}});
+  EXPECT_EQ(stack[1][1], (Vector<double>{-4, 4, 6}));
+  stack.center();
+  EXPECT_EQ(stack.cog(), (Vector<double>{0, 0, 0}));
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "geometry/curvestack.h"
+#include "geometry/curvestacktriangulationcontourtag.h"
+#include "geometry/triangulationcode.h"
+#include "geometry/trimesh.h"
+
+#include <vector>
+
+/// How two contours are joined; any other value joins nothing.
+using CurveStackTriangulationMethod = int;
+
+/// Joins the curves of a stack, level by level, into one triangulated surface.
+///
+/// A level is a run of curves at exactly one height; levels follow each other in stack order. The closed contours of a
+/// stack run clockwise in the x-y plane for triangles that are seen from outside. The strips between open curves have
+/// no closing edge, and open curves get no caps.
+template <class T> class CurveStackTriangulation2
+{
+public:
+  static constexpr CurveStackTriangulationMethod ganapathy = 0; ///< walk by normalised arc lengths
+  static constexpr CurveStackTriangulationMethod optimal = 1;   ///< least sum of squared lengths between the curves
+
+  void setMethod(CurveStackTriangulationMethod method) { _method = method; }
+  /// Cost by which curves of two levels correspond: 2 takes the squared distance of the closest vertices, any other
+  /// value, and the default 6, that of the centres of gravity. \throw ValueError  3, 4 or 5, which are not available
+  void setCostCriterion(unsigned int criterion);
+  /// Begin caps on curves tagged Begin and end caps on curves tagged End.
+  void setTriangulateCaps(bool caps) { _caps = caps; }
+  /// Begin caps on all curves of the first level.
+  void setTriangulateFirstCaps(bool caps) { _firstCaps = caps; }
+  /// End caps on all curves of the last level.
+  void setTriangulateLastCaps(bool caps) { _lastCaps = caps; }
+  /// One tag per curve, in stack order; without tags every curve counts as None.
+  void setContourTags(const std::vector<CurveStackTriangulationContourTag>& tags) { _tags = tags; }
+
+  /// Builds the mesh; the curves' vertices are added to it in the order in which the curves are met.
+  ///
+  /// Degenerate curves are left out before levels are formed, see getIgnoredCurves().
+  /// After an error the mesh is empty.
+  /// \throw SizeError   the curves are not in 3D, or there are tags but not one per curve
+  /// \throw ValueError  a curve corresponds to several of the next level, which cannot be joined
+  void apply(const CurveStack<T>& stack);
+
+  /// The mesh of the last apply().
+  const TriMesh<T>& getTriMesh() const { return _mesh; }
+
+  /// True for a curve without extent, which cannot be joined: fewer than three vertices (two for an open curve), or a
+  /// length that is 0 or not finite.
+  static bool isDegenerate(const Curve<T>& curve);
+  /// The numbers of the degenerate curves that the last apply() left out.
+  const std::vector<int>& getIgnoredCurves() const { return _ignoredCurves; }
+
+private:
+  /// A curve whose vertices are in the mesh from index `offset` on.
+  struct MeshCurve
+  {
+    const Curve<T>* curve;
+    int offset;
+    CurveStackTriangulationContourTag tag;
+    bool isClosed = false;   // has got its end cap
+    bool isReversed = false; // an open curve that is walked from its end
+  };
+  using Level = std::vector<MeshCurve>;
+
+  /// Curves of two levels that belong together, by their numbers in their levels.
+  struct Group
+  {
+    std::vector<int> lower;
+    std::vector<int> upper;
+  };
+
+  void build(const CurveStack<T>& stack);
+  std::vector<Level> levels(const CurveStack<T>& stack);
+  Level firstLowerLevel(const Level& level);
+  Level upperLevel(const Level& level);
+  Level nextLowerLevel(const Level& level, const Level& upper);
+  template <class IsTaken, class IsCapped>
+  Level addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap);
+  void localTriangulation(const Level& lower, Level& upper);
+  std::vector<Group> findCurveCorrespondances(const Level& lower, const Level& upper) const;
+  /// Groups the curves that are linked, each to its cheapest partner in the other level. The costs of all pairs have
+  /// a row per lower and a column per upper curve.
+  static std::vector<Group> associationSearch(const Matrix<T>& costs);
+  [[noreturn]] void junctionTriangulation(const MeshCurve& single, int numSeveral) const;
+  void computeMeshBetweenTwoCurves(const MeshCurve& a, MeshCurve& b);
+  TriangulationCode computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const;
+  void appendCurveTriangulation(const MeshCurve& curve, bool isEndCap);
+
+  CurveStackTriangulationMethod _method = ganapathy;
+  unsigned int _costCriterion = 6;
+  bool _caps = false;
+  bool _firstCaps = false;
+  bool _lastCaps = false;
+  bool _descending = false; // the last level lies below the first
+  std::vector<CurveStackTriangulationContourTag> _tags;
+  TriMesh<T> _mesh;
+  std::vector<int> _ignoredCurves;
+};
+
+GEOMETRY_EXTERN_TEMPLATE_REAL(CurveStackTriangulation2)

@@ -1,0 +1,145 @@
+#include "geometry/reconstruction/modelmorphometry.h"
+
+#include "geometry/curvestacktriangulation2.h"
+#include "geometry/reconstruction/modelsurface.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stack.h"
+#include "model/stackslice.h"
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace
+{
+
+constexpr double notAvailableValue = std::numeric_limits<double>::quiet_NaN();
+constexpr int space = 3;
+
+/// The stack on whose slices the model is drawn, or nullptr.
+const Stack* stackOf(const Model& model)
+{
+  for (const ModelItem* item : model.getItems())
+    if (item->getSlice() && item->getSlice()->getStack()) return item->getSlice()->getStack();
+  return nullptr;
+}
+
+/// The model's vertices in 3D, level by level; regions by their positions.
+std::unique_ptr<VertexStack<double>> reconstructed(const StackReconstruction<double>& reconstruction,
+                                                   const Model& model)
+{
+  if (model.getGeometry() != MPrimitive::Region)
+    return std::unique_ptr<VertexStack<double>>(static_cast<VertexStack<double>*>(reconstruction.apply(model)));
+  auto stack = std::make_unique<VertexStack<double>>(space);
+  Vertices<double> vertices(space);
+  for (const ModelItem* item : reconstruction.itemsInStackOrder(model))
+  {
+    reconstruction.map(vertices, *item);
+    stack->append(vertices);
+  }
+  return stack;
+}
+
+CurveStack<double> withoutDegenerateCurves(const CurveStack<double>& curves)
+{
+  CurveStack<double> kept(space, curves.isOpen());
+  for (int i = 0; i < curves.getNumCurves(); ++i)
+    if (!CurveStackTriangulation2<double>::isDegenerate(curves[i])) kept.append(curves[i]);
+  return kept;
+}
+
+/// Turns each axis so that its component of largest magnitude is positive.
+void orientAxes(SquareMatrix<double>& axes)
+{
+  for (int j = 0; j < space; ++j)
+  {
+    const Vector<double> axis = axes.getColumn(j);
+    if (axis[axis.closestAxis()] < 0) axes.setColumn(j, -axis);
+  }
+}
+
+} // namespace
+
+void ModelMorphometry::setModel(const Model& model)
+{
+  clear();
+  _model = &model;
+}
+
+void ModelMorphometry::clear()
+{
+  _numVertices = _numContours = 0;
+  _area = _volume = _equivRadius = notAvailableValue;
+  _isobarycenter.setSize(space);
+  _isobarycenter.fill(notAvailableValue);
+  _mainAxesLengths = _isobarycenter;
+  _mainAxes.setSize(space);
+  _mainAxes.fill(notAvailableValue);
+  _matchingCoordinateAxes.setZeros(space);
+}
+
+void ModelMorphometry::run()
+{
+  if (!_model) throw UsageError("void ModelMorphometry::run()", "There is no model");
+  clear();
+  const Stack* const stack = stackOf(*_model);
+  const StackReconstruction<double> reconstruction =
+      stack ? StackReconstruction<double>(*stack) : StackReconstruction<double>();
+  const std::unique_ptr<VertexStack<double>> vertices = reconstructed(reconstruction, *_model);
+  _numContours = vertices->getNumLevels();
+  _numVertices = vertices->getNumVertices();
+  if (_numVertices > 0) measureVertices(*vertices);
+
+  const auto* const curves = dynamic_cast<const CurveStack<double>*>(vertices.get());
+  if (!curves) return;
+  _area = area(reconstruction, *curves);
+  if (curves->isOpen()) return;
+  _volume = slabVolume(reconstruction, *curves);
+  _equivRadius = std::cbrt(3 * _volume / 12.566370614359172);
+}
+
+void ModelMorphometry::measureVertices(const VertexStack<double>& vertices)
+{
+  _isobarycenter = vertices.cog();
+  Vector<double> variances;
+  vertices.inertia().eigenJacobi(variances, _mainAxes, true);
+  orientAxes(_mainAxes);
+  for (int i = 0; i < space; ++i)
+  {
+    _mainAxesLengths[i] = std::sqrt(std::max(variances[i], 0.));
+    _matchingCoordinateAxes[i] = _mainAxes.getColumn(i).maxPos();
+  }
+}
+
+double ModelMorphometry::area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const
+{
+  if (!simpleCurveStack(withoutDegenerateCurves(curves))) return -1;
+  ModelSurface<double> surface(reconstruction);
+  surface.apply(*_model);
+  return surface.getTriMesh().area();
+}
+
+// The contours of each slice extend to the next slice with contours, those of the last one over its own distance to
+// the slice before it.
+double ModelMorphometry::slabVolume(const StackReconstruction<double>& reconstruction,
+                                    const CurveStack<double>& curves) const
+{
+  const std::vector<const ModelItem*> items = reconstruction.itemsInStackOrder(*_model);
+  double volume = 0, previousHeight = 0, previousArea = 0;
+  const StackSlice* lastSlice = nullptr;
+  for (std::size_t i = 0; i < items.size();)
+  {
+    const StackSlice* const slice = items[i]->getSlice();
+    double area = 0;
+    for (; i < items.size() && items[i]->getSlice() == slice; ++i)
+      area += std::abs(curves[static_cast<int>(i)].twiceArea(0, 1)) / 2;
+    if (area == 0) continue;
+    const double height = reconstruction.getZMap()[slice->getIndex()];
+    volume += std::abs(height - previousHeight) * previousArea;
+    previousHeight = height;
+    previousArea = area;
+    lastSlice = slice;
+  }
+  return lastSlice ? volume + previousArea * std::abs(lastSlice->getRelativePosition()) : volume;
+}

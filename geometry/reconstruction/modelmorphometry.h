@@ -1,0 +1,60 @@
+#pragma once
+
+#include "geometry/curvestack.h"
+#include "geometry/reconstruction/stackreconstruction.h"
+#include "numeric/squarematrix.h"
+
+/// Measures of a reconstructed model, in the stack's length unit, its square and its cube.
+///
+/// What a model does not have is NaN: area and volume by its geometry, everything but the numbers without vertices.
+class ModelMorphometry
+{
+public:
+  ModelMorphometry() { clear(); }
+
+  /// Sets the model and forgets the measures of the one before. The model must outlive this object.
+  void setModel(const Model& model);
+  const Model* getModel() const { return _model; }
+  /// Measures the model. \throw UsageError  there is no model \throw FileError  an image's size is not known
+  void run();
+  /// Forgets the measures.
+  void clear();
+
+  /// Number of vertices of all items; of regions, of their positions.
+  int getNumVertices() const { return _numVertices; }
+  /// Number of items.
+  int getNumContours() const { return _numContours; }
+  /// Area of the surface without caps; -1 when the contours branch. NaN for points and regions.
+  double getArea() const { return _area; }
+  /// Volume by slabs between the slices, for closed curves; NaN for other models.
+  double getVolume() const { return _volume; }
+  /// Radius of the ball of equal volume.
+  double getEquivRadius() const { return _equivRadius; }
+  /// Mean of all vertices.
+  const Vector<double>& getIsobarycenter() const { return _isobarycenter; }
+  /// Standard deviations of the vertices along the main axes, the largest first.
+  const Vector<double>& getMainAxesLengths() const { return _mainAxesLengths; }
+  /// Unit vectors as columns; the largest component of each is positive.
+  const SquareMatrix<double>& getMainAxes() const { return _mainAxes; }
+  /// For each main axis, the coordinate axis (0, 1 or 2) of its largest component.
+  const Vector<int>& getMatchingCoordinateAxes() const { return _matchingCoordinateAxes; }
+
+  /// True when no two consecutive curves have exactly the same height.
+  bool simpleCurveStack(const CurveStack<double>& stack) const { return !stack.isBranching(); }
+
+private:
+  void measureVertices(const VertexStack<double>& vertices);
+  double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
+  double slabVolume(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
+
+  const Model* _model = nullptr;
+  int _numVertices = 0;
+  int _numContours = 0;
+  double _area = 0;
+  double _volume = 0;
+  double _equivRadius = 0;
+  Vector<double> _isobarycenter;
+  Vector<double> _mainAxesLengths;
+  SquareMatrix<double> _mainAxes;
+  Vector<int> _matchingCoordinateAxes;
+};

@@ -1,0 +1,92 @@
+#include "geometry/triangulationcode.h"
+
+#include "geometry/coordinates.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+/// A walk along a curve, measured in shares of the curve's length.
+template <class T> class ContourWalk
+{
+public:
+  ContourWalk(const Curve<T>& curve, int start) : _curve(curve), _length(curve.length()), _vertex(start)
+  {
+    measureEdge();
+  }
+
+  /// Share of the length already walked.
+  T progress() const { return _walked / _length; }
+  /// The same after the next step.
+  T progressAhead() const { return progress() + _edge / _length; }
+  /// True when every edge has been passed.
+  bool isComplete() const { return _numSteps >= _curve.getNumEdges(); }
+
+  void advance()
+  {
+    _walked += _edge;
+    _vertex = next();
+    ++_numSteps;
+    measureEdge();
+  }
+
+private:
+  int next() const { return _vertex + 1 < _curve.getSize() ? _vertex + 1 : 0; }
+  void measureEdge() { _edge = distance(_curve.data(_vertex), _curve.data(next()), _curve.getSpace()); }
+
+  const Curve<T>& _curve;
+  const T _length;
+  int _vertex;
+  int _numSteps = 0;
+  T _walked = 0;
+  T _edge = 0; // length of the next edge
+};
+
+/// Whether the next step is one on b.
+template <class T> bool isStepOnB(const ContourWalk<T>& a, const ContourWalk<T>& b)
+{
+  const T gapIfA = std::abs(a.progressAhead() - b.progress());
+  const T gapIfB = std::abs(b.progressAhead() - a.progress());
+  return !(gapIfB > gapIfA);
+}
+
+} // namespace
+
+template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>& b)
+{
+  const int n = std::max(a.getSize(), b.getSize());
+  Curve<T> matched = a.resample(n);
+  matched.match(b.resample(n));
+  const T* const start = std::as_const(matched).data();
+  int nearest = 0;
+  for (int i = 1; i < a.getSize(); ++i)
+    if (distance(a.data(i), start, a.getSpace()) < distance(a.data(nearest), start, a.getSpace())) nearest = i;
+  return nearest;
+}
+
+template <class T> TriangulationCode computeTriangulationCodeGanapathy(const Curve<T>& a, const Curve<T>& b)
+{
+  TriangulationCode code;
+  if (a.isClosed()) code.startA = findCurvesClosestPoints(a, b);
+  code.stepsOnB.reserve(static_cast<std::size_t>(a.getSize()) + b.getSize());
+  ContourWalk<T> walkA(a, code.startA), walkB(b, code.startB);
+  while (!walkA.isComplete() || !walkB.isComplete())
+  {
+    // A closed curve may be walked on when it is complete, an open one ends.
+    const bool onB =
+        a.isOpen() && (walkA.isComplete() || walkB.isComplete()) ? walkA.isComplete() : isStepOnB(walkA, walkB);
+    (onB ? walkB : walkA).advance();
+    code.stepsOnB.push_back(onB);
+  }
+  return code;
+}
+
+#define INSTANTIATE_TRIANGULATION_CODE(T)                                                                              \
+  template int findCurvesClosestPoints(const Curve<T>&, const Curve<T>&);                                              \
+  template TriangulationCode computeTriangulationCodeGanapathy(const Curve<T>&, const Curve<T>&);
+
+INSTANTIATE_TRIANGULATION_CODE(float)
+INSTANTIATE_TRIANGULATION_CODE(double)
+INSTANTIATE_TRIANGULATION_CODE(long double)

@@ -1,0 +1,163 @@
+#include "geometry/reconstruction/modelmorphometry.h"
+#include "tests/support/errors.h"
+#include "tests/support/stacks.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+/// A rectangle of 20 by 10 pixels from (u, v) on.
+std::vector<std::vector<int>> rectangle(int u = 0, int v = 0)
+{
+  return {{u, v}, {u + 20, v}, {u + 20, v + 10}, {u, v + 10}};
+}
+
+/// Three slices, 2 apart, with pixels of 0.5 by 0.25.
+class ModelMorphometryTest : public testing::Test
+{
+protected:
+  ModelMorphometryTest()
+  {
+    _stack.setDefaultRelativePosition(2);
+    for (int i = 0; i < 3; ++i) setPixelSize(addSlice(_stack, 40, 20), 0.5, 0.25);
+  }
+
+  ModelMorphometry measured(const Model& model)
+  {
+    ModelMorphometry morphometry;
+    morphometry.setModel(model);
+    morphometry.run();
+    return morphometry;
+  }
+
+  Model& model(MPrimitive geometry = MPrimitive::Polygon) { return addModel(_stack, "cell", geometry); }
+
+  Stack _stack;
+};
+
+} // namespace
+
+TEST_F(ModelMorphometryTest, MeasuresABox)
+{
+  Model& cell = model();
+  for (int i = 0; i < 3; ++i) addItem(cell, *_stack.getSlice(i), rectangle());
+  for (const bool invertZ : {false, true})
+  {
+    _stack.setInvertZAxis(invertZ);
+    const ModelMorphometry box = measured(cell); // 10 x 2.5 x 4, the last slab reaches 2 further
+    EXPECT_EQ(box.getNumContours(), 3);
+    EXPECT_EQ(box.getNumVertices(), 12);
+    EXPECT_DOUBLE_EQ(box.getArea(), 4 * 25);
+    EXPECT_DOUBLE_EQ(box.getVolume(), 6 * 25);
+    EXPECT_DOUBLE_EQ(box.getEquivRadius(), std::cbrt(3 * 150 / (4 * std::numbers::pi)));
+    EXPECT_EQ(box.getIsobarycenter(), (Vector<double>{-5, 1.25, invertZ ? -2. : 2.}));
+    EXPECT_NEAR(box.getMainAxesLengths()[0], 5, 1e-12);
+    EXPECT_NEAR(box.getMainAxesLengths()[1], std::sqrt(8. / 3), 1e-12);
+    EXPECT_NEAR(box.getMainAxesLengths()[2], 1.25, 1e-12);
+    EXPECT_EQ(box.getMatchingCoordinateAxes(), (Vector<int>{0, 2, 1}));
+    EXPECT_NEAR(box.getMainAxes()(0, 0), 1, 1e-12);
+    EXPECT_NEAR(box.getMainAxes()(2, 1), 1, 1e-12);
+  }
+}
+
+TEST_F(ModelMorphometryTest, SlabVolumesFollowTheSlicesWithContours)
+{
+  const double a = 25;
+  const struct
+  {
+    const char* name;
+    std::vector<int> slices;
+    double volume;
+  } cases[] = {
+      {"one slice: its area times its relative position", {1}, a * 2},
+      {"the first slice", {0}, a * 2},
+      {"an empty slice between", {0, 2}, a * 4 + a * 2},
+      {"two contours on a slice", {1, 1, 2}, 2 * a * 2 + a * 2},
+      {"nothing", {}, 0},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    Model& cell = model();
+    for (std::size_t i = 0; i < c.slices.size(); ++i)
+      addItem(cell, *_stack.getSlice(c.slices[i]), rectangle(30 * static_cast<int>(i)));
+    EXPECT_DOUBLE_EQ(measured(cell).getVolume(), c.volume);
+  }
+  Model& cell = model();
+  addItem(cell, *_stack.getSlice(0), rectangle());
+  addItem(cell, *_stack.getSlice(2), rectangle());
+  _stack.getSlice(2)->setAbsolutePosition(-7); // 9 below the slice before
+  EXPECT_DOUBLE_EQ(measured(cell).getVolume(), a * 7 + a * 9);
+}
+
+TEST_F(ModelMorphometryTest, AreaOfBranchingContoursIsMinusOne)
+{
+  Model& cell = model();
+  addItem(cell, *_stack.getSlice(0), rectangle());
+  addItem(cell, *_stack.getSlice(1), rectangle());
+  EXPECT_DOUBLE_EQ(measured(cell).getArea(), 2 * 25);
+  addItem(cell, *_stack.getSlice(1), {{100, 100}, {110, 110}}); // no contour at all
+  EXPECT_DOUBLE_EQ(measured(cell).getArea(), 2 * 25);
+  addItem(cell, *_stack.getSlice(1), rectangle(100));
+  EXPECT_EQ(measured(cell).getArea(), -1);
+}
+
+TEST_F(ModelMorphometryTest, MeasuresOnlyWhatAGeometryHas)
+{
+  Model& fibre = model(MPrimitive::Polyline);
+  for (int i = 0; i < 2; ++i) addItem(fibre, *_stack.getSlice(i), {{0, 0}, {20, 0}});
+  EXPECT_DOUBLE_EQ(measured(fibre).getArea(), 20);
+  EXPECT_TRUE(std::isnan(measured(fibre).getVolume()));
+
+  Model& points = model(MPrimitive::Polypoint);
+  addItem(points, *_stack.getSlice(0), {{20, 10}, {22, 10}});
+  EXPECT_TRUE(std::isnan(measured(points).getArea()));
+  EXPECT_EQ(measured(points).getIsobarycenter(), (Vector<double>{0.5, 0, 0}));
+  EXPECT_EQ(measured(points).getMatchingCoordinateAxes()[0], 0);
+
+  Model& regions = model(MPrimitive::Region);
+  ModelItem::create(regions, *_stack.getSlice(1)).setRLEItemSet(RLEItemSet({RLEItem(20, 10, 3)}));
+  EXPECT_EQ(measured(regions).getNumContours(), 1);
+  EXPECT_EQ(measured(regions).getNumVertices(), 3);
+  EXPECT_TRUE(std::isnan(measured(regions).getArea()) && std::isnan(measured(regions).getVolume()));
+
+  const ModelMorphometry empty = measured(model(MPrimitive::Polypoint));
+  EXPECT_EQ(empty.getNumVertices(), 0);
+  EXPECT_TRUE(std::isnan(empty.getIsobarycenter()[0]) && std::isnan(empty.getMainAxesLengths()[2]));
+  EXPECT_EQ(measured(model()).getArea(), 0);
+  expectError<UsageError>("no model", [] { ModelMorphometry().run(); });
+}
+
+TEST_F(ModelMorphometryTest, VolumeOfAnEllipsoidConverges)
+{
+  // Half axes 30, 20 and 25 in space, drawn in pixels of 0.05.
+  const auto relativeErrors = [](int numSlices, int numVertices)
+  {
+    Stack stack;
+    stack.setDefaultRelativePosition(50.f / static_cast<float>(numSlices));
+    Model& model = addModel(stack, "ellipsoid", MPrimitive::Polygon);
+    for (int i = 0; i < numSlices; ++i)
+    {
+      StackSlice& slice = addSlice(stack, 2000, 2000);
+      setPixelSize(slice, 0.05f, 0.04f);
+      const double z = (i + 0.5) / numSlices * 2 - 1, radius = std::sqrt(1 - z * z);
+      std::vector<std::vector<int>> pixels;
+      for (int k = 0; k < numVertices; ++k)
+      {
+        const double angle = 2 * std::numbers::pi * k / numVertices;
+        pixels.push_back({static_cast<int>(std::lround(30 * radius * std::cos(angle) / 0.05)),
+                          static_cast<int>(std::lround(20 * radius * std::sin(angle) / 0.04))});
+      }
+      addItem(model, slice, pixels);
+    }
+    ModelMorphometry morphometry;
+    morphometry.setModel(model);
+    morphometry.run();
+    const double volume = 4 * std::numbers::pi / 3 * 30 * 20 * 25;
+    return std::abs(morphometry.getVolume() / volume - 1);
+  };
+  EXPECT_LT(relativeErrors(20, 40), 6e-3);
+  EXPECT_LT(relativeErrors(80, 160), 4e-4);
+}
