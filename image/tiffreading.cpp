@@ -216,7 +216,7 @@ void readTiffHeader(ImageHeader& header, TiffFile& file)
 
 int readTiffNumPlanes(TiffFile& file)
 {
-  return static_cast<int>(tiffDirectories(file)->size());
+  return static_cast<int>(tiffDirectories(file.getDescriptor())->size());
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)
