@@ -203,9 +203,8 @@ void TiffFile::noteWarning(const std::string& message)
 
 std::string TiffFile::withReason(const std::string& what)
 {
-  const std::string text = _error.empty() ? what : what + " (" + _error + ")";
   _hasFailed = true;
-  return text;
+  return _error.empty() ? what : what + " (" + _error + ")";
 }
 
 void TiffFile::failReading(const std::string& where, const std::string& what)
