@@ -4,24 +4,11 @@
 #include "image/imagesourcefile.h"
 #include "image/imagesourcefilemosaic.h"
 #include "image/imagesourcetiffstackplane.h"
-#include "image/tiffdirectories.h"
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
 
-#include <tiffio.h>
-
 namespace
 {
-void selectPlane(TiffFile& file, int plane)
-{
-  const auto directories = tiffDirectories(file);
-  const bool exists = plane >= 0 && static_cast<std::size_t>(plane) < directories->size();
-  const std::uint64_t offset = exists ? (*directories)[static_cast<std::size_t>(plane)] : 0;
-  if (!exists || (plane > 0 && TIFFSetSubDirectory(file.get(), offset) != 1))
-    file.failReading("void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)",
-                     "There is no plane " + std::to_string(plane));
-}
-
 /// The image of the current directory; the given image changes only when all went well.
 void readCurrentImage(Image& image, TiffFile& file)
 {
@@ -74,8 +61,7 @@ void ImageReader::read(Image& image, const ImageSourceFile& source)
 
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readCurrentImage(image, file);
 }
 
@@ -107,7 +93,6 @@ void ImageReader::read(ImageHeader& header, const std::string& filename)
 
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readTiffHeader(header, file);
 }

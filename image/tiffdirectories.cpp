@@ -1,13 +1,10 @@
 #include "image/tiffdirectories.h"
 
-#include "image/tifffile.h"
-
 #include <algorithm>
 #include <array>
 #include <deque>
 #include <mutex>
 #include <sys/stat.h>
-#include <tiffio.h>
 #include <unistd.h>
 #include <unordered_set>
 
@@ -19,16 +16,18 @@ using Offsets = std::vector<std::uint64_t>;
 class DirectoryWalk
 {
 public:
-  explicit DirectoryWalk(TIFF* tiff)
-    : _descriptor(TIFFFileno(tiff)), _isBigEndian(TIFFIsBigEndian(tiff) != 0), _isBigTiff(TIFFIsBigTIFF(tiff) != 0)
+  explicit DirectoryWalk(int descriptor) : _descriptor(descriptor)
   {
+    _isBigEndian = number(0, 2) == 0x4D4D; // "MM"
+    _version = number(2, 2);
   }
 
   Offsets walk() const
   {
     Offsets offsets;
+    if (_version != tiffVersion && _version != bigTiffVersion) return offsets;
     std::unordered_set<std::uint64_t> seen;
-    std::uint64_t offset = _isBigTiff ? number(8, 8) : number(4, 4);
+    std::uint64_t offset = isBigTiff() ? number(8, 8) : number(4, 4);
     while (offset != 0 && seen.insert(offset).second)
     {
       offsets.push_back(offset);
@@ -38,14 +37,18 @@ public:
   }
 
 private:
+  static constexpr std::uint64_t tiffVersion = 42, bigTiffVersion = 43;
+
+  bool isBigTiff() const { return _version == bigTiffVersion; }
+
   /// Offset of the directory behind the given one; 0 behind the last.
   std::uint64_t next(std::uint64_t directory) const
   {
-    const std::uint64_t countSize = _isBigTiff ? 8 : 2, entrySize = _isBigTiff ? 20 : 12;
+    const std::uint64_t countSize = isBigTiff() ? 8 : 2, entrySize = isBigTiff() ? 20 : 12;
     const std::uint64_t numEntries = number(directory, countSize);
     constexpr std::uint64_t maxEntries = 65535; // of a sound directory, even in a BigTIFF file
     if (numEntries == 0 || numEntries > maxEntries) return 0;
-    return number(directory + countSize + numEntries * entrySize, _isBigTiff ? 8 : 4);
+    return number(directory + countSize + numEntries * entrySize, isBigTiff() ? 8 : 4);
   }
 
   /// The number of `size` bytes at an offset; 0 behind the end of the file.
@@ -63,8 +66,8 @@ private:
   }
 
   int _descriptor;
-  bool _isBigEndian;
-  bool _isBigTiff;
+  bool _isBigEndian = false;
+  std::uint64_t _version = 0;
 };
 
 /// What tells one state of a file from another.
@@ -97,17 +100,17 @@ struct KnownFile
 };
 } // namespace
 
-std::shared_ptr<const std::vector<std::uint64_t>> tiffDirectories(const TiffFile& file)
+std::shared_ptr<const std::vector<std::uint64_t>> tiffDirectories(int descriptor)
 {
   static std::mutex mutex;
   static std::deque<KnownFile> known; // the newest last
   constexpr std::size_t maxKnown = 8;
-  const FileState state(TIFFFileno(file.get()));
+  const FileState state(descriptor);
   const std::lock_guard lock(mutex);
   const auto found =
       std::find_if(known.begin(), known.end(), [&](const KnownFile& each) { return each.state == state; });
   if (found != known.end()) return found->offsets;
-  known.push_back({state, std::make_shared<const Offsets>(DirectoryWalk(file.get()).walk())});
+  known.push_back({state, std::make_shared<const Offsets>(DirectoryWalk(descriptor).walk())});
   if (known.size() > maxKnown) known.pop_front();
   return known.back().offsets;
 }

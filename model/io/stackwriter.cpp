@@ -291,14 +291,24 @@ void StackWriter::writeItemData(const ModelItem& item)
 {
   _out->begin(K::ModelItemData);
   if (item.isRegion())
-    for (const RLEItem& run : item.getRLEItemSet().getItems())
-    {
-      const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
-      _out->tuple(values, 3);
-    }
+    writeRuns(item.getRLEItemSet());
   else
-    for (int i = 0; i < item.getVertices().getSize(); ++i) _out->tuple(item.getVertices().data(i), 2);
+    writeVertices(item.getVertices());
   _out->end();
+}
+
+void StackWriter::writeRuns(const RLEItemSet& set)
+{
+  for (const RLEItem& run : set.getItems())
+  {
+    const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
+    _out->tuple(values, 3);
+  }
+}
+
+void StackWriter::writeVertices(const Vertices<int>& vertices)
+{
+  for (int i = 0; i < vertices.getSize(); ++i) _out->tuple(vertices.data(i), 2);
 }
 
 // Poses.
