@@ -7,17 +7,8 @@
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
 
-#include <tiffio.h>
-
 namespace
 {
-void selectPlane(TiffFile& file, int plane)
-{
-  if (plane < 0 || TIFFSetDirectory(file.get(), static_cast<tdir_t>(plane)) != 1)
-    file.failReading("void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)",
-                     "There is no plane " + std::to_string(plane));
-}
-
 /// The image of the current directory; the given image changes only when all went well.
 void readCurrentImage(Image& image, TiffFile& file)
 {
@@ -70,8 +61,7 @@ void ImageReader::read(Image& image, const ImageSourceFile& source)
 
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readCurrentImage(image, file);
 }
 
@@ -103,7 +93,6 @@ void ImageReader::read(ImageHeader& header, const std::string& filename)
 
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readTiffHeader(header, file);
 }

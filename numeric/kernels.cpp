@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 namespace
 {
@@ -43,19 +42,35 @@ public:
     return lower;
   }
 
-  /// The bin, or -1 when the edges do not confirm it. Without branches, so that the compiler vectorises it.
-  __attribute__((always_inline)) int guess(T value) const
+  /// The bins of n elements, -1 where the edges do not confirm them. Two plain loops without branches over local
+  /// values, so that the compiler vectorises them.
+  __attribute__((always_inline)) void guess(const T* x, std::size_t n, int* bins) const
   {
-    const Real<T> position = (static_cast<Real<T>>(value) - static_cast<Real<T>>(_origin)) * _inverseWidth;
+    const Real<T> origin = static_cast<Real<T>>(_origin), scale = _inverseWidth;
     const Real<T> last = static_cast<Real<T>>(_numBins - 1);
-    const Real<T> notBelow = position > 0 ? position : 0; // 0 for NaN
-    const int bin = static_cast<int>(notBelow < last ? notBelow : last);
-    const bool isNotLower = (bin == 0) | !(edge(bin) > value);
-    const bool isNotHigher = (bin == _numBins - 1) | (edge(bin + 1) > value);
-    return isNotLower & isNotHigher ? bin : -1;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+      Real<T> position = (static_cast<Real<T>>(x[i]) - origin) * scale;
+      position = position > 0 ? position : Real<T>(0); // also for NaN
+      bins[i] = static_cast<int>(position < last ? position : last);
+    }
+    confirm(x, n, bins);
   }
 
 private:
+  __attribute__((always_inline)) void confirm(const T* x, std::size_t n, int* bins) const
+  {
+    const BinFinder finder(*this);
+    const int last = _numBins - 1;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+      const int bin = bins[i];
+      const bool isNotLower = (bin == 0) | !(finder.edge(bin) > x[i]);
+      const bool isNotHigher = (bin == last) | (finder.edge(bin + 1) > x[i]);
+      bins[i] = (isNotLower & isNotHigher) ? bin : -1;
+    }
+  }
+
   __attribute__((always_inline)) Edge edge(int k) const
   {
     return static_cast<Edge>(_origin) + static_cast<Edge>(k) * static_cast<Edge>(_width);
@@ -69,36 +84,46 @@ private:
 
 template <class T> void guessBins(const BinFinder<T>& finder, const T* x, std::size_t n, int* bins)
 {
-  for (std::size_t i = 0; i < n; ++i) bins[i] = finder.guess(x[i]);
+  finder.guess(x, n, bins);
 }
 
 template <>
 MIRELO_TARGET_CLONES void guessBins(const BinFinder<float>& finder, const float* x, std::size_t n, int* bins)
 {
-  for (std::size_t i = 0; i < n; ++i) bins[i] = finder.guess(x[i]);
+  finder.guess(x, n, bins);
 }
 
 template <>
 MIRELO_TARGET_CLONES void guessBins(const BinFinder<double>& finder, const double* x, std::size_t n, int* bins)
 {
-  for (std::size_t i = 0; i < n; ++i) bins[i] = finder.guess(x[i]);
+  finder.guess(x, n, bins);
+}
+
+/// Finds the bins of n elements.
+template <class T> void findBins(const BinFinder<T>& finder, const T* x, std::size_t n, int* bins)
+{
+  guessBins(finder, x, n, bins);
+  int signs = 0;
+  for (std::size_t i = 0; i < n; ++i) signs |= bins[i];
+  if (signs >= 0) return;
+  for (std::size_t i = 0; i < n; ++i)
+    if (bins[i] < 0) bins[i] = finder.bisect(x[i]);
 }
 
 /// Calls add(i, bin) for every element.
 template <class T, class Add> void forEachBin(const T* x, std::size_t n, const BinFinder<T>& finder, const Add& add)
 {
-  if (!finder.canGuess())
-  {
-    for (std::size_t i = 0; i < n; ++i) add(i, finder.bisect(x[i]));
-    return;
-  }
   constexpr std::size_t block = 1024;
   int bins[block];
+  const bool canGuess = finder.canGuess();
   for (std::size_t first = 0; first < n; first += block)
   {
     const std::size_t size = std::min(block, n - first);
-    guessBins(finder, x + first, size, bins);
-    for (std::size_t i = 0; i < size; ++i) add(first + i, bins[i] >= 0 ? bins[i] : finder.bisect(x[first + i]));
+    if (canGuess)
+      findBins(finder, x + first, size, bins);
+    else
+      std::transform(x + first, x + first + size, bins, [&finder](T value) { return finder.bisect(value); });
+    for (std::size_t i = 0; i < size; ++i) add(first + i, bins[i]);
   }
 }
 

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace fs = std::filesystem;
 
@@ -52,12 +51,11 @@ Plane planeOf(const ImageSource& source)
   }
 }
 
-/// Truncated toward zero; the limits of int stand for what lies beyond.
+/// Truncated toward zero, and to what is an integer and a float alike.
 int truncated(float value)
 {
-  constexpr auto limit = static_cast<float>(std::numeric_limits<int>::max());
-  if (std::abs(value) < limit) return static_cast<int>(value);
-  return value < 0 ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  constexpr float greatest = 2147483520;
+  return std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, -greatest, greatest));
 }
 
 long numObjects(const Stack& stack)
@@ -293,14 +291,24 @@ void StackWriter::writeItemData(const ModelItem& item)
 {
   _out->begin(K::ModelItemData);
   if (item.isRegion())
-    for (const RLEItem& run : item.getRLEItemSet().getItems())
-    {
-      const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
-      _out->tuple(values, 3);
-    }
+    writeRuns(item.getRLEItemSet());
   else
-    for (int i = 0; i < item.getVertices().getSize(); ++i) _out->tuple(item.getVertices().data(i), 2);
+    writeVertices(item.getVertices());
   _out->end();
+}
+
+void StackWriter::writeRuns(const RLEItemSet& set)
+{
+  for (const RLEItem& run : set.getItems())
+  {
+    const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
+    _out->tuple(values, 3);
+  }
+}
+
+void StackWriter::writeVertices(const Vertices<int>& vertices)
+{
+  for (int i = 0; i < vertices.getSize(); ++i) _out->tuple(vertices.data(i), 2);
 }
 
 // Poses.

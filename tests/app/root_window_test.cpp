@@ -196,6 +196,9 @@ TEST(RootWindow, DroppedFilesAreOpenedInOrder)
   const QString copy = folder.filePath("copy.sdf");
   ASSERT_TRUE(QFile::copy(MIRELO_EXAMPLE, copy));
   files.setUrls({QUrl::fromLocalFile(MIRELO_EXAMPLE), QUrl::fromLocalFile(copy)});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&test.window(), &enter);
+  EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&test.window(), &drop);
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 2);
