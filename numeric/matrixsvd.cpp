@@ -53,9 +53,10 @@ private:
   {
     constexpr T epsilon = std::numeric_limits<T>::epsilon();
     for (int i = 0; i + 1 < _p; ++i)
-      if (std::abs(_upper[i]) <= epsilon * (std::abs(_diagonal[i]) + std::abs(_diagonal[i + 1])) ||
-          std::abs(_upper[i]) <= epsilon * epsilon * _norm)
-        _upper[i] = 0;
+    {
+      const T neighbours = std::abs(_diagonal[i]) + std::abs(_diagonal[i + 1]);
+      if (std::abs(_upper[i]) <= epsilon * std::max(neighbours, epsilon * _norm)) _upper[i] = 0;
+    }
     for (int i = 0; i < _p; ++i)
       if (std::abs(_diagonal[i]) <= epsilon * epsilon * _norm) _diagonal[i] = 0;
   }

@@ -45,12 +45,14 @@ template <class T> int jacobiSweep(SquareMatrix<T>& m, SquareMatrix<T>& vectors,
 {
   int numRotations = 0;
   for (int p = 0; p < m.getSize1(); ++p)
+  {
     for (int q = p + 1; q < m.getSize1(); ++q)
     {
       if (isNegligible(m, p, q, norm)) continue;
       m.jacobiRotate(p, q, vectors);
       ++numRotations;
     }
+  }
   return numRotations;
 }
 } // namespace
