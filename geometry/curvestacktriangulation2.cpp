@@ -58,12 +58,14 @@ Matrix<T> meshCost2(const std::vector<const Curve<T>*>& lower, const std::vector
 {
   Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
   for (int i = 0; i < costs.getSize1(); ++i)
+  {
     for (int j = 0; j < costs.getSize2(); ++j)
     {
       int a, b;
       lower[i]->closestPoints(*upper[j], a, b);
       costs(i, j) = squaredDistance(lower[i]->data(a), upper[j]->data(b), 3);
     }
+  }
   return costs;
 }
 

@@ -67,7 +67,7 @@ private:
       const int bin = bins[i];
       const bool isNotLower = (bin == 0) | !(finder.edge(bin) > x[i]);
       const bool isNotHigher = (bin == last) | (finder.edge(bin + 1) > x[i]);
-      bins[i] = isNotLower & isNotHigher ? bin : -1;
+      bins[i] = (isNotLower & isNotHigher) ? bin : -1;
     }
   }
 

@@ -10,6 +10,15 @@
 /// Loops over contiguous elements that vectors and matrices share; for the sources of this library only.
 namespace Kernels
 {
+/// False for what is no floating-point number.
+template <class T> bool isNaN(const T& x)
+{
+  if constexpr (std::is_floating_point_v<T>)
+    return std::isnan(x);
+  else
+    return false;
+}
+
 /// The sum of term(i) for first <= i < last in type Sum: eight interleaved sums, which the compiler vectorises, added
 /// pairwise over blocks, so that the rounding error grows with the logarithm of the count only.
 template <class Sum, class Term> Sum sumOf(std::size_t first, std::size_t last, const Term& term)
@@ -87,7 +96,7 @@ template <class Key, class IsBetter> int bestPosition(int n, const Key& key, con
 {
   int best = 0;
   for (int i = 1; i < n; ++i)
-    if (isBetter(key(i), key(best)) || key(best) != key(best)) best = i;
+    if (isBetter(key(i), key(best)) || isNaN(key(best))) best = i;
   return best;
 }
 

@@ -1,5 +1,6 @@
 // Storage and pieces of matrices.
 #include "numeric/matrix.h"
+#include "numeric/kernels.h"
 
 #include <algorithm>
 #include <numeric>
@@ -274,7 +275,7 @@ template <class T> void Matrix<T>::sortRows(int column, int firstRow, int lastRo
                    [this, column](int a, int b)
                    {
                      const T x = (*this)(a, column), y = (*this)(b, column);
-                     return x < y || (x == x && y != y); // NaN after all numbers
+                     return x < y || (Kernels::isNaN(y) && !Kernels::isNaN(x)); // NaN after all numbers
                    });
   const Matrix unsorted = copy(firstRow, 0, static_cast<int>(order.size()), _size2);
   for (int i = 0; i < unsorted._size1; ++i) _rows[firstRow + i] = unsorted._rows[order[i] - firstRow];

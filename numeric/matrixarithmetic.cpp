@@ -204,4 +204,14 @@ template <class T> Vector<unsigned int> Matrix<T>::histogram(T origin, T width, 
   return counts;
 }
 
+template <class T> Matrix<T> Vector<T>::outerProduct(const Vector& v) const requires MatrixElement<T>
+{
+  Matrix<T> products(_size, v._size);
+  for (int i = 0; i < _size; ++i) products[i] = v * _data[i];
+  return products;
+}
+
 NUMERIC_INSTANTIATE_MATRICES
+
+#define NUMERIC_INSTANTIATE_OUTER_PRODUCT(T) template Matrix<T> Vector<T>::outerProduct(const Vector<T>&) const;
+NUMERIC_FOR_EACH_TYPE(NUMERIC_INSTANTIATE_OUTER_PRODUCT)

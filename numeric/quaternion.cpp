@@ -1,5 +1,7 @@
 #include "numeric/quaternion.h"
 
+#include "numeric/squarematrix.h"
+
 #include <cmath>
 
 namespace
@@ -7,6 +9,15 @@ namespace
 template <class T> void require3D(const Vector<T>& v, const char* where)
 {
   if (v.getSize() != 3) throw SizeError(where, "This vector has a size different from 3");
+}
+
+/// The rows of a rotation matrix. Source: K. Shoemake, "Animating rotation with quaternion curves", 1985.
+template <class T> Matrix<T> rotation(const Quaternion<T>& q)
+{
+  const T w = q.getW(), x = q.getX(), y = q.getY(), z = q.getZ();
+  return {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
+          {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
+          {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
 }
 } // namespace
 
@@ -50,6 +61,17 @@ template <class T> Vector<T> Quaternion<T>::rotate(const Vector<T>& v) const
   return Vector<T>{turned._x, turned._y, turned._z};
 }
 
+template <class T>
+SquareMatrix<T>::SquareMatrix(const Quaternion<T>& q, bool homogeneous) requires std::floating_point<T>
+  : SquareMatrix(homogeneous ? 4 : 3)
+{
+  setIdentity();
+  this->paste(0, 0, rotation(q));
+}
+
 template class Quaternion<float>;
 template class Quaternion<double>;
 template class Quaternion<long double>;
+template SquareMatrix<float>::SquareMatrix(const Quaternion<float>&, bool);
+template SquareMatrix<double>::SquareMatrix(const Quaternion<double>&, bool);
+template SquareMatrix<long double>::SquareMatrix(const Quaternion<long double>&, bool);

@@ -4,30 +4,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace
-{
-/// The rows of a rotation matrix. Source: K. Shoemake, "Animating rotation with quaternion curves", 1985.
-template <class T> Matrix<T> rotation(const Quaternion<T>& q)
-{
-  const T w = q.getW(), x = q.getX(), y = q.getY(), z = q.getZ();
-  return {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
-          {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
-          {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
-}
-} // namespace
-
 template <class T> SquareMatrix<T>::SquareMatrix(const Matrix<T>& m) : Matrix<T>(m)
 {
   if (m.getSize1() != m.getSize2())
     throw SizeError("SquareMatrix<T>::SquareMatrix(const Matrix<T>&)", "This matrix is not square");
-}
-
-template <class T>
-SquareMatrix<T>::SquareMatrix(const Quaternion<T>& q, bool homogeneous) requires std::floating_point<T>
-  : SquareMatrix(homogeneous ? 4 : 3)
-{
-  setIdentity();
-  this->paste(0, 0, rotation(q));
 }
 
 template <class T> void SquareMatrix<T>::requireShape(int rows, int columns) const

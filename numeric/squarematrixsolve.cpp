@@ -1,4 +1,5 @@
 // Linear systems of square matrices.
+#include "numeric/kernels.h"
 #include "numeric/squarematrix.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace
 {
 template <class T> bool hasNaN(const SquareMatrix<T>& m)
 {
-  return std::any_of(m.data(), m.data() + m.getNumElements(), [](T x) { return x != x; });
+  return std::any_of(m.data(), m.data() + m.getNumElements(), Kernels::isNaN<T>);
 }
 
 /// Row at or below k with the largest magnitude in column k; NaN is never a pivot.

@@ -1,6 +1,7 @@
 // Storage, pieces and order of vectors.
 #include "numeric/vector.h"
 
+#include "numeric/kernels.h"
 #include "numeric/randomgenerator.h"
 
 #include <algorithm>
@@ -218,7 +219,7 @@ template <class T> void Vector<T>::prepend(const Vector& v)
 
 template <class T> void Vector<T>::sort()
 {
-  T* const last = std::partition(begin(), end(), [](const T& x) { return x == x; });
+  T* const last = std::partition(begin(), end(), [](const T& x) { return !Kernels::isNaN(x); });
   std::sort(begin(), last);
 }
 
@@ -296,3 +297,34 @@ NUMERIC_INSTANTIATE_VECTORS
 
 #define NUMERIC_INSTANTIATE_CONVERSION(T, U) template Vector<U> Vector<T>::toType<U>() const;
 NUMERIC_FOR_EACH_CONVERSION(NUMERIC_INSTANTIATE_CONVERSION)
+
+// Vectors of text have the members above that need no arithmetic.
+template Vector<std::string>::Vector(int);
+template Vector<std::string>::Vector(std::initializer_list<std::string>);
+template Vector<std::string>::Vector(const std::vector<std::string>&);
+template Vector<std::string>::Vector(const Vector<std::string>&);
+template Vector<std::string>::Vector(Vector<std::string>&&) noexcept;
+template Vector<std::string>& Vector<std::string>::operator=(const Vector<std::string>&);
+template Vector<std::string>& Vector<std::string>::operator=(Vector<std::string>&&);
+template void Vector<std::string>::setSize(int);
+template void Vector<std::string>::setShallow(int, std::string*);
+template void Vector<std::string>::swap(Vector<std::string>&);
+template bool Vector<std::string>::operator==(const Vector<std::string>&) const;
+template void Vector<std::string>::fill(const std::string&);
+template Vector<std::string> Vector<std::string>::copy(int, int) const;
+template Vector<std::string> Vector<std::string>::copyFrom(int) const;
+template Vector<std::string> Vector<std::string>::copyUntil(int) const;
+template void Vector<std::string>::paste(int, const Vector<std::string>&);
+template void Vector<std::string>::append(const Vector<std::string>&);
+template void Vector<std::string>::append(const std::string&);
+template void Vector<std::string>::prepend(const Vector<std::string>&);
+template void Vector<std::string>::sort();
+template void Vector<std::string>::reverse();
+template Vector<int> Vector<std::string>::shuffle(RandomGenerator&);
+template void Vector<std::string>::unshuffle(const Vector<int>&);
+template void Vector<std::string>::circShift();
+template bool Vector<std::string>::isConstant() const;
+template bool Vector<std::string>::isIncreasing() const;
+template bool Vector<std::string>::isDecreasing() const;
+template bool Vector<std::string>::isSymmetrical() const;
+template int Vector<std::string>::find(const std::string&) const;

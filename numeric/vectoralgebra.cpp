@@ -1,6 +1,5 @@
 // Algebra of vectors.
 #include "numeric/kernels.h"
-#include "numeric/matrix.h"
 #include "numeric/vector.h"
 
 #include <algorithm>
@@ -171,13 +170,6 @@ template <class T> Vector<T> Vector<T>::vectorProduct(const Vector& v) const req
   const auto minor = [this, &v](int i, int j)
   { return difference(product(_data[i], v._data[j]), product(_data[j], v._data[i])); };
   return Vector{minor(1, 2), minor(2, 0), minor(0, 1)};
-}
-
-template <class T> Matrix<T> Vector<T>::outerProduct(const Vector& v) const requires MatrixElement<T>
-{
-  Matrix<T> products(_size, v._size);
-  for (int i = 0; i < _size; ++i) products[i] = v * _data[i];
-  return products;
 }
 
 template <class T> T Vector<T>::snorm() const requires NumericElement<T>

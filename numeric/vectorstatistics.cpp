@@ -10,11 +10,6 @@ namespace
 {
 __extension__ typedef __int128 WideInteger;
 
-template <class T> bool isNaN(T x)
-{
-  return x != x;
-}
-
 /// Average of two numbers without overflow, truncated towards zero for integers.
 template <class T> T average(T a, T b)
 {
@@ -27,7 +22,7 @@ template <class T> T average(T a, T b)
 /// Median of n > 0 elements, which are reordered.
 template <class T> T medianOf(T* x, int n)
 {
-  if (std::any_of(x, x + n, isNaN<T>)) return *std::find_if(x, x + n, isNaN<T>);
+  if (std::any_of(x, x + n, Kernels::isNaN<T>)) return *std::find_if(x, x + n, Kernels::isNaN<T>);
   T* const middle = x + n / 2;
   std::nth_element(x, middle, x + n);
   return n % 2 == 1 ? *middle : average(*std::max_element(x, middle), *middle);
@@ -216,8 +211,8 @@ Vector<T> Vector<T>::histogram(T origin, T width, int count, const Vector& weigh
 
 template <class T> Vector<T> Vector<T>::numbers() const requires NumericElement<T>
 {
-  Vector kept(static_cast<int>(_size - std::count_if(begin(), end(), isNaN<T>)));
-  std::remove_copy_if(begin(), end(), kept.begin(), isNaN<T>);
+  Vector kept(static_cast<int>(_size - std::count_if(begin(), end(), Kernels::isNaN<T>)));
+  std::remove_copy_if(begin(), end(), kept.begin(), Kernels::isNaN<T>);
   return kept;
 }
 

@@ -18,8 +18,9 @@ die()
 missing_packages()
 {
   local installed name
+  # A package that dpkg has never heard of makes dpkg-query fail; the others are listed all the same.
   installed=$(dpkg-query --show --showformat '${db:Status-Abbrev}${binary:Package}\n' "$@" 2>/dev/null |
-    sed -n 's/^ii *\([^:]*\).*/\1/p')
+    sed -n 's/^ii *\([^:]*\).*/\1/p') || true
   for name in "$@"; do
     grep -qxF -- "$name" <<<"$installed" || printf '%s\n' "$name"
   done

@@ -53,7 +53,7 @@ QMenu* menuOf(const NYXRootWindow& window, const QString& title)
 TEST(RootWindow, FirstStartFillsTwoThirdsOfTheDesktop)
 {
   WindowTest test;
-  const QSize desktop = QGuiApplication::primaryScreen()->availableGeometry().size();
+  const QSize desktop = QGuiApplication::primaryScreen()->size();
   EXPECT_EQ(test.window().width(), qRound(desktop.width() * 2 / 3.0));
   EXPECT_EQ(test.window().height(), qRound(desktop.height() * 2 / 3.0));
   EXPECT_EQ(test.window().windowTitle(), "Mirelo");
