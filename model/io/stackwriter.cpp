@@ -5,6 +5,7 @@
 #include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
+#include "model/io/imagepath.h"
 #include "model/io/stackwriterwarnings.h"
 #include "model/io/statementbuffer.h"
 #include "model/storabletext.h"
@@ -69,7 +70,7 @@ long numObjects(const Stack& stack)
 void StackWriter::write(const Stack& stack, const std::string& fileName)
 {
   clearLog();
-  _stackDirectory = fs::absolute(fileName).lexically_normal().parent_path();
+  _stackDirectory = plainPath(fileName).parent_path();
   _imagesPath = ".";
   _numWritten = 0;
   try
@@ -187,11 +188,12 @@ void StackWriter::writeImageSize(const ImageSource& source)
 std::string StackWriter::enterDirectory(const Stack& stack, const std::string& imageFileName)
 {
   if (imageFileName.empty()) return "";
-  const fs::path file = fs::absolute(fs::path(stack.getImagesPath()) / imageFileName).lexically_normal();
+  const fs::path file = plainPath(fs::path(stack.getImagesPath()) / imageFileName);
   const fs::path parent = file.parent_path();
   const std::string directory =
       (stack.getAbsoluteImagesPathPolicy() ? parent : parent.lexically_relative(_stackDirectory)).string();
   requireStorableName(file.string(), writeSignature);
+  if (!file.has_filename()) return file.string(); // the root
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();
