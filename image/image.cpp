@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <ostream>
 #include <utility>
 
 namespace
@@ -270,4 +271,14 @@ void Image::readFile(const std::string& filename)
 void Image::writeFile(const std::string& filename, bool overwrite) const
 {
   ImageWriter::write(*this, filename, overwrite);
+}
+
+void Image::print(std::ostream& stream) const
+{
+  const PixelCalibration& calibration = getPixelCalibration();
+  stream << "Width = " << getWidth() << "\n"
+         << "Height = " << getHeight() << "\n"
+         << "Depth = " << getDepth() << (isIndexed() ? " [Indexed]" : "") << "\n"
+         << "Pixel width = " << calibration.getPixelWidth() << " " << calibration.getLengthUnit().name() << "\n"
+         << "Pixel height = " << calibration.getPixelHeight() << " " << calibration.getLengthUnit().name() << "\n";
 }

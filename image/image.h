@@ -6,6 +6,7 @@
 #include "numeric/exception.h"
 
 #include <cstddef>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -122,6 +123,9 @@ public:
   /// See ImageReader::read() and ImageWriter::write().
   void readFile(const std::string& filename);
   void writeFile(const std::string& filename, bool overwrite) const;
+
+  /// Readable text, for debugging.
+  void print(std::ostream& stream) const;
 
 private:
   struct Free

@@ -271,8 +271,8 @@ bool ModelItem::partiallyContains(const ModelItem& item) const
   if (item.isRegion())
   {
     for (const RLEItem& run : item._rleItemSet.getItems())
-      for (int y = run.begin(); y <= run.end(); ++y)
-        if (const int position[] = {run.getOriginX(), y}; contains(position)) return true;
+      for (int k = 0; k < run.getLength(); ++k)
+        if (const int position[] = {run.getOriginX(), run.begin() + k}; contains(position)) return true;
     return false;
   }
   for (int i = 0; i < item._vertices.getSize(); ++i)
