@@ -68,8 +68,8 @@ void NYXRootMediator::createFileActions()
                             [this] { _window->newWindow(); });
   _closeWindow = createAction(tr("Close window"), tr("Close this window; the last one quits the program"), {},
                               [this] { _window->close(); });
-  _quit = createAction(tr("Quit"), tr("Close all stacks and quit"), QKeySequence("Ctrl+Q"),
-                       [this] { _window->quit(); });
+  _quit =
+      createAction(tr("Quit"), tr("Close all stacks and quit"), QKeySequence("Ctrl+Q"), [this] { _window->quit(); });
   _newStack = createLaterAction(tr("New stack"), tr("Make a stack of image files"));
   _newStackFromFile = createLaterAction(tr("New stack from file"), tr("Make a stack of the planes of one file"));
   _openStack =
@@ -79,8 +79,7 @@ void NYXRootMediator::createFileActions()
                                  &NYXRootMediator::saveCurrentStack);
   _saveStack->setIcon(QIcon(":/icons/save.svg"));
   _saveStackAs = createStackAction(tr("Save stack as..."), tr("Save the current stack to another file"),
-                                   QKeySequence("Ctrl+Shift+S"),
-                                   [this] { stackIO().saveStackAs(*currentStack()); });
+                                   QKeySequence("Ctrl+Shift+S"), [this] { stackIO().saveStackAs(*currentStack()); });
   _closeStack = createStackAction(tr("Close stack"), tr("Close the current stack"), QKeySequence("Ctrl+W"),
                                   [this] { stackIO().closeStack(*currentStack()); });
   _closeAll = createStackAction(tr("Close all"), tr("Close all stacks"), {}, [this] { stackIO().closeAll(); });

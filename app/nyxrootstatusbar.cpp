@@ -6,7 +6,8 @@
 namespace
 {
 constexpr int refreshMilliseconds = 40;
-}
+constexpr int numSteps = 1000;
+} // namespace
 
 NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
   : QStatusBar(parent), _stack(new QLabel(this)), _slice(new QLabel(this)), _progress(new QProgressBar(this))
@@ -34,16 +35,36 @@ void NYXRootStatusBar::setSliceText(const QString& text)
   _slice->setText(text);
 }
 
+void NYXRootStatusBar::started(const std::string& message)
+{
+  _stepMessage = currentMessage().isEmpty() ? QString::fromStdString(message) : QString();
+  if (!_stepMessage.isEmpty()) showMessage(_stepMessage);
+  subjectStarted();
+  repaint(); // the step may hold the event loop
+}
+
+void NYXRootStatusBar::progressed(double share)
+{
+  subjectProgressed(qRound(share * numSteps), numSteps);
+}
+
+void NYXRootStatusBar::finished()
+{
+  if (!_stepMessage.isEmpty()) clearMessage();
+  subjectFinished();
+}
+
 void NYXRootStatusBar::subjectStarted()
 {
-  _progress->setRange(0, 0);
+  _progress->setRange(0, numSteps);
+  _progress->setValue(0);
   _progress->show();
   _sinceRefresh.start();
 }
 
-void NYXRootStatusBar::subjectProgressed(int step, int numSteps)
+void NYXRootStatusBar::subjectProgressed(int step, int ofSteps)
 {
-  _progress->setRange(0, numSteps);
+  _progress->setRange(0, ofSteps);
   _progress->setValue(step);
   if (_sinceRefresh.elapsed() < refreshMilliseconds) return;
   _progress->repaint(); // the computation may hold the event loop

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "numeric/progresssubject.h"
+
 #include <QElapsedTimer>
 #include <QStatusBar>
 
@@ -7,7 +9,7 @@ class QLabel;
 class QProgressBar;
 
 /// Messages, the current stack and slice, and the progress of long computations.
-class NYXRootStatusBar : public QStatusBar
+class NYXRootStatusBar : public QStatusBar, public ProgressObserver
 {
   Q_OBJECT
 
@@ -17,9 +19,13 @@ public:
   void setStackText(const QString& text);
   void setSliceText(const QString& text);
 
+  void started(const std::string& message) override;
+  void progressed(double share) override;
+  void finished() override;
+
 public slots:
   void subjectStarted();
-  void subjectProgressed(int step, int numSteps);
+  void subjectProgressed(int step, int ofSteps);
   void subjectFinished();
 
 private:
@@ -27,4 +33,5 @@ private:
   QLabel* _slice;
   QProgressBar* _progress;
   QElapsedTimer _sinceRefresh;
+  QString _stepMessage; // shown while a step runs; empty when another message was there first
 };

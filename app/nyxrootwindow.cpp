@@ -44,7 +44,6 @@ NYXRootWindow::NYXRootWindow()
   _mediator->setStatusBar(*_statusBar);
   _mediator->setToolBar(*_toolBar);
   createMenus();
-  _mediator->initialize();
 
   layOut();
   connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
@@ -69,6 +68,7 @@ void NYXRootWindow::createMenus()
   _mediator->initProcessMenu(*_menuBar->addMenu(tr("Process")));
   _mediator->initAnalyzeMenu(*_menuBar->addMenu(tr("Analyze")));
   _mediator->initPluginsMenu(*_menuBar->addMenu(tr("Plugins")));
+  _mediator->initialize();
   createShowMenu(*_menuBar->addMenu(tr("Show")));
   createHelpMenu(*_menuBar->addMenu(tr("Help")));
 }
@@ -141,7 +141,7 @@ void NYXRootWindow::layOut()
 void NYXRootWindow::restoreGeometryFromSettings()
 {
   const QSettings store;
-  const QSize desktop = QGuiApplication::primaryScreen()->availableGeometry().size();
+  const QSize desktop = QGuiApplication::primaryScreen()->size();
   const QSize twoThirds(qRound(desktop.width() * 2 / 3.0), qRound(desktop.height() * 2 / 3.0));
   const QSize size = store.value("rootWindow/size", twoThirds).toSize();
   if (store.contains("rootWindow/pos")) move(store.value("rootWindow/pos").toPoint());
@@ -239,13 +239,13 @@ void NYXRootWindow::closeEvent(QCloseEvent* event)
 void NYXRootWindow::resizeEvent(QResizeEvent* event)
 {
   QWidget::resizeEvent(event);
-  if (isVisible()) QSettings().setValue("rootWindow/size", size());
+  QSettings().setValue("rootWindow/size", size());
 }
 
 void NYXRootWindow::moveEvent(QMoveEvent* event)
 {
   QWidget::moveEvent(event);
-  if (isVisible()) QSettings().setValue("rootWindow/pos", pos());
+  QSettings().setValue("rootWindow/pos", pos());
 }
 
 void NYXRootWindow::dragEnterEvent(QDragEnterEvent* event)

@@ -18,11 +18,11 @@
 
 namespace
 {
-QStringList linesOf(const StackReader& reader)
+QStringList toQStrings(const std::vector<std::string>& lines)
 {
-  QStringList lines;
-  for (const std::string& line : reader.getLog()) lines.append(QString::fromStdString(line));
-  return lines;
+  QStringList strings;
+  for (const std::string& line : lines) strings.append(QString::fromStdString(line));
+  return strings;
 }
 
 QString withStackSuffix(const QString& filename)
@@ -63,6 +63,7 @@ void NYXStackIO::openStack(const QString& filename)
   auto stack = std::make_unique<NYXStack>();
   stack->setFilename(file);
   StackReader reader;
+  if (_statusBar != nullptr) reader.addObserver(*_statusBar);
   reader.read(*stack, file.toStdString());
 
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
@@ -71,10 +72,21 @@ void NYXStackIO::openStack(const QString& filename)
                          tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file));
     return;
   }
-  if (!reader.getLog().empty()) NYXStackErrorDialog(file, linesOf(reader), _parent).exec();
+  if (!reader.getLog().empty()) NYXStackErrorDialog(file, toQStrings(reader.getLog()), _parent).exec();
   if (reader.getNumFatalErrors() != 0) return;
   NYXStackServer::server().addStack(std::move(stack));
   NYXSettings::settings().addRecentFile(file);
+}
+
+void NYXStackIO::showWarnings(const QString& filename, const StackWriter& writer) const
+{
+  const QStringList lines = toQStrings(writer.getWarnings());
+  if (lines.isEmpty()) return;
+  QMessageBox box(QMessageBox::Warning, tr("Saved with losses"),
+                  tr("%1 does not say all that the stack does.").arg(filename), QMessageBox::Ok, _parent);
+  box.setInformativeText(lines.mid(0, 5).join('\n'));
+  if (lines.size() > 5) box.setDetailedText(lines.join('\n'));
+  box.exec();
 }
 
 bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason)
@@ -82,8 +94,10 @@ bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason
   try
   {
     StackWriter writer;
+    if (_statusBar != nullptr) writer.addObserver(*_statusBar);
     makeBackups(filename, NYXPreferences::getMaxNumBackups());
     writer.write(stack, filename.toStdString());
+    showWarnings(filename, writer);
     return true;
   }
   catch (const Exception& error)

@@ -6,6 +6,7 @@
 class NYXRootStatusBar;
 class NYXStack;
 class QWidget;
+class StackWriter;
 
 /// Opens, saves and closes stacks, with the dialogs that belong to it. Made on demand; parent and status bar are
 /// borrowed.
@@ -36,6 +37,7 @@ public:
 
 private:
   QString chooseStackFile();
+  void showWarnings(const QString& filename, const StackWriter& writer) const;
   bool write(NYXStack& stack, const QString& filename, QString& reason);
   bool writeBeforeClosing(NYXStack& stack);
   bool saveTo(NYXStack& stack, const QString& filename);

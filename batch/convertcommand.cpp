@@ -1,5 +1,6 @@
 #include "batch/commands.h"
 #include "batch/stackfile.h"
+#include "batch/terminalprogress.h"
 #include "model/io/stackwriter.h"
 #include "model/stack.h"
 
@@ -18,7 +19,11 @@ ExitStatus convert(const Arguments& arguments)
 {
   requireWritable(arguments.out, arguments.overwrite);
   const StackFile file = requireStackFile(arguments.in);
-  StackWriter().write(*file.stack, arguments.out);
+  StackWriter writer;
+  TerminalProgress progress;
+  writer.addObserver(progress);
+  writer.write(*file.stack, arguments.out);
+  for (const std::string& line : writer.getWarnings()) warn(arguments.out + ": " + line);
   return Done;
 }
 } // namespace

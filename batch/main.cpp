@@ -5,9 +5,21 @@
 #include <clocale>
 #include <exception>
 #include <locale>
+#include <string>
+#include <vector>
 
 namespace
 {
+/// What is wrong with the arguments, in one line. An unknown command is named; the parser would only miss a known one.
+std::string describeArguments(const CLI::App& app, const std::vector<std::string>& arguments,
+                              const CLI::ParseError& error)
+{
+  const bool isCommand = !arguments.empty() && !arguments.front().starts_with('-');
+  const auto isNamed = [&](const CLI::App* command) { return command->check_name(arguments.front()); };
+  const bool isUnknown = isCommand && app.get_subcommands(isNamed).empty();
+  return (isUnknown ? "unknown command " + arguments.front() : std::string(error.what())) + "; see mirelo-batch --help";
+}
+
 ExitStatus parseAndRun(int argc, char** argv)
 {
   CLI::App app("Works on stacks of slice images without a window.", "mirelo-batch");
@@ -31,7 +43,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   }
   catch (const CLI::ParseError& error)
   {
-    throw BatchError(std::string(error.what()) + "; see mirelo-batch --help");
+    throw BatchError(describeArguments(app, {argv + 1, argv + argc}, error));
   }
   return run();
 }

@@ -167,8 +167,7 @@ void drawFibre(Model& model, StackSlice& slice, const SliceFrame& frame, int fib
   const double z = frame.z();
   if (!fibres::isPresent(fibre, z)) return;
   ModelItem& item = draw(model, slice, frame, fibreLine(fibre, z));
-  if (!fibres::isPresent(fibre, z - sliceSpacing))
-    item.setTriangulationTag(CurveStackTriangulationContourTag::Begin);
+  if (!fibres::isPresent(fibre, z - sliceSpacing)) item.setTriangulationTag(CurveStackTriangulationContourTag::Begin);
   if (!fibres::isPresent(fibre, z + sliceSpacing)) item.setTriangulationTag(CurveStackTriangulationContourTag::End);
 }
 

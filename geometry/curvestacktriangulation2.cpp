@@ -58,12 +58,14 @@ Matrix<T> meshCost2(const std::vector<const Curve<T>*>& lower, const std::vector
 {
   Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
   for (int i = 0; i < costs.getSize1(); ++i)
+  {
     for (int j = 0; j < costs.getSize2(); ++j)
     {
       int a, b;
       lower[i]->closestPoints(*upper[j], a, b);
       costs(i, j) = squaredDistance(lower[i]->data(a), upper[j]->data(b), 3);
     }
+  }
   return costs;
 }
 
@@ -186,31 +188,18 @@ std::vector<typename CurveStackTriangulation2<T>::Level> CurveStackTriangulation
 template <class T>
 typename CurveStackTriangulation2<T>::Level CurveStackTriangulation2<T>::firstLowerLevel(const Level& level)
 {
-  Level lower;
-  for (MeshCurve curve : level)
-  {
-    if (curve.tag == Tag::End) continue;
-    addToMesh(curve);
-    if (_firstCaps || (_caps && curve.tag == Tag::Begin)) appendCurveTriangulation(curve, false);
-    lower.push_back(curve);
-  }
-  return lower;
+  const auto isTaken = [](Tag tag) { return tag != Tag::End; };
+  const auto isCapped = [this](Tag tag) { return _firstCaps || (_caps && tag == Tag::Begin); };
+  return addToMesh(level, isTaken, isCapped, false);
 }
 
 /// The curves of a level that are joined to the level below.
 template <class T>
 typename CurveStackTriangulation2<T>::Level CurveStackTriangulation2<T>::upperLevel(const Level& level)
 {
-  Level upper;
-  for (MeshCurve curve : level)
-  {
-    if (curve.tag == Tag::Begin) continue;
-    addToMesh(curve);
-    curve.isClosed = _caps && curve.tag == Tag::End;
-    if (curve.isClosed) appendCurveTriangulation(curve, true);
-    upper.push_back(curve);
-  }
-  return upper;
+  const auto isTaken = [](Tag tag) { return tag != Tag::Begin; };
+  const auto isCapped = [this](Tag tag) { return _caps && tag == Tag::End; };
+  return addToMesh(level, isTaken, isCapped, true);
 }
 
 /// The curves of a level that are joined to the level above: those carried on, then those that begin.
@@ -220,20 +209,28 @@ CurveStackTriangulation2<T>::nextLowerLevel(const Level& level, const Level& upp
   Level lower;
   for (const MeshCurve& curve : upper)
     if (curve.tag != Tag::End) lower.push_back(curve);
-  for (MeshCurve curve : level)
-  {
-    if (curve.tag != Tag::Begin) continue;
-    addToMesh(curve);
-    if (_caps) appendCurveTriangulation(curve, false);
-    lower.push_back(curve);
-  }
+  const auto isTaken = [](Tag tag) { return tag == Tag::Begin; };
+  const auto isCapped = [this](Tag) { return _caps; };
+  const Level beginning = addToMesh(level, isTaken, isCapped, false);
+  lower.insert(lower.end(), beginning.begin(), beginning.end());
   return lower;
 }
 
-template <class T> void CurveStackTriangulation2<T>::addToMesh(MeshCurve& curve)
+/// Adds the vertices and caps of curves that are chosen by their tags.
+template <class T> template <class IsTaken, class IsCapped> typename CurveStackTriangulation2<T>::Level
+CurveStackTriangulation2<T>::addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap)
 {
-  curve.offset = _mesh.getSize();
-  _mesh.append(*curve.curve);
+  Level added;
+  for (MeshCurve curve : level)
+  {
+    if (!isTaken(curve.tag)) continue;
+    curve.offset = _mesh.getSize();
+    _mesh.append(*curve.curve);
+    if (isCapped(curve.tag)) appendCurveTriangulation(curve, isEndCap);
+    curve.isClosed = isEndCap && isCapped(curve.tag);
+    added.push_back(curve);
+  }
+  return added;
 }
 
 template <class T> void CurveStackTriangulation2<T>::localTriangulation(const Level& lower, Level& upper)

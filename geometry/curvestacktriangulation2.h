@@ -75,7 +75,8 @@ private:
   Level firstLowerLevel(const Level& level);
   Level upperLevel(const Level& level);
   Level nextLowerLevel(const Level& level, const Level& upper);
-  void addToMesh(MeshCurve& curve);
+  template <class IsTaken, class IsCapped>
+  Level addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap);
   void localTriangulation(const Level& lower, Level& upper);
   std::vector<Group> findCurveCorrespondances(const Level& lower, const Level& upper) const;
   /// Groups the curves that are linked, each to its cheapest partner in the other level. The costs of all pairs have

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -13,20 +14,23 @@ namespace
 template <class T> class PairGrid
 {
 public:
-  PairGrid(const Curve<T>& a, const Curve<T>& b) : _a(a), _b(b) {}
-
-  int numStepsA() const { return _a.getNumEdges(); }
-  int numStepsB() const { return _b.getNumEdges(); }
-  /// Squared distance of the pair at row k and column l.
-  T distance(int k, int l) const
+  PairGrid(const Curve<T>& a, const Curve<T>& b)
+    : _twoLapsA(a), _b(b), _numStepsA(a.getNumEdges()), _numStepsB(b.getNumEdges())
   {
-    const int na = _a.getSize();
-    return squaredDistance(_a.data(k < na ? k : k < 2 * na ? k - na : 0), _b.data(l < _b.getSize() ? l : 0), 3);
+    _twoLapsA.append(a);
+    _twoLapsA.append(a[0]);
   }
 
+  int numStepsA() const { return _numStepsA; }
+  int numStepsB() const { return _numStepsB; }
+  /// Squared distance of the pair at row k and column l.
+  T distance(int k, int l) const { return squaredDistance(_twoLapsA.data(k), _b.data(l < _b.getSize() ? l : 0), 3); }
+
 private:
-  const Curve<T>& _a;
+  Vertices<T> _twoLapsA;
   const Curve<T>& _b;
+  int _numStepsA;
+  int _numStepsB;
 };
 
 /// A path from (startRow, 0) to (startRow + numStepsA, numStepsB) that never steps back.
@@ -53,7 +57,7 @@ struct Band
   }
 };
 
-/// Costs of one column's nodes, and how each node is reached best.
+/// Finds the cheapest way to every node of a band, column by column.
 template <class T> class ColumnSearch
 {
 public:
@@ -66,38 +70,52 @@ public:
     }
   }
 
+  /// The cost of the way to the last node.
   T cost()
   {
-    std::vector<T> previous, current;
+    Column previous, current;
     for (int l = 0; l <= _grid.numStepsB(); ++l)
     {
       relaxColumn(l, previous, current);
-      previous.swap(current);
+      std::swap(previous, current);
     }
-    return previous.back();
+    return previous.costs.back();
   }
 
+  /// Whether the last step of the cheapest way to a node is one on b.
   bool isReachedOnB(int k, int l) const { return _reachedOnB[_offsets[l] + (k - _band.firstRows[l])]; }
 
 private:
-  void relaxColumn(int l, const std::vector<T>& previous, std::vector<T>& current)
+  struct Column
+  {
+    int firstRow = 0;
+    std::vector<T> costs; // of the rows from firstRow on
+    std::vector<T> distances;
+
+    bool hasRow(int k) const { return k >= firstRow && k - firstRow < static_cast<int>(costs.size()); }
+  };
+
+  void relaxColumn(int l, const Column& previous, Column& current)
   {
     constexpr T unreachable = std::numeric_limits<T>::infinity();
-    const int first = _band.firstRows[l], last = _band.lastRows[l];
-    const int previousFirst = l > 0 ? _band.firstRows[l - 1] : 0, previousLast = l > 0 ? _band.lastRows[l - 1] : -1;
-    current.resize(static_cast<std::size_t>(last - first + 1));
-    T above = unreachable, distanceAbove = 0; // of the node one row up
-    for (int k = first; k <= last; ++k)
+    const int first = _band.firstRows[l], numRows = _band.lastRows[l] - first + 1;
+    current.firstRow = first;
+    current.costs.resize(static_cast<std::size_t>(numRows));
+    current.distances.resize(static_cast<std::size_t>(numRows));
+    std::uint8_t* const reachedOnB = _reachedOnB.data() + _offsets[l];
+    T costAbove = unreachable, distanceAbove = 0; // of the node one row up
+    for (int i = 0; i < numRows; ++i)
     {
+      const int k = first + i, left = k - previous.firstRow;
+      const bool hasLeft = previous.hasRow(k);
       const T distance = _grid.distance(k, l);
-      const bool hasLeft = k >= previousFirst && k <= previousLast;
-      const T left = hasLeft ? previous[k - previousFirst] + (_grid.distance(k, l - 1) + distance) : unreachable;
-      const T up = above + (distanceAbove + distance);
-      const bool isStart = l == 0 && k == first;
-      _reachedOnB[_offsets[l] + (k - first)] = hasLeft && !(up < left);
-      above = isStart ? T(0) : std::min(up, left);
+      const T costOnA = costAbove + (distanceAbove + distance);
+      const T costOnB = hasLeft ? previous.costs[left] + (previous.distances[left] + distance) : unreachable;
+      reachedOnB[i] = hasLeft && !(costOnA < costOnB);
+      costAbove = l == 0 && i == 0 ? T(0) : std::min(costOnA, costOnB);
       distanceAbove = distance;
-      current[k - first] = above;
+      current.costs[i] = costAbove;
+      current.distances[i] = distance;
     }
   }
 

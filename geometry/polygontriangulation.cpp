@@ -79,7 +79,6 @@ private:
 
   const Point<R>& at(int i) const { return _points[i]; }
   bool inCone(int i, int j) const;
-  bool entersTouchingVertex(int k, int i, int j) const;
   bool blocks(int k, int i, int j) const;
   int weakDiagonalBlocker(int i, int j) const;
   int obstacle(int i) const;
@@ -117,13 +116,6 @@ template <class R> bool VertexCycle<R>::inCone(int i, int j) const
   return !(isLeftOrOn(a, b, after) && isLeftOrOn(b, a, before));
 }
 
-/// True when the polygon touches vertex i with vertex k, from inside the angle at i, and the diagonal from i to j
-/// would leave the polygon there.
-template <class R> bool VertexCycle<R>::entersTouchingVertex(int k, int i, int j) const
-{
-  return at(k) == at(i) && (inCone(i, _next[k]) || inCone(i, _previous[k])) && !inCone(k, j);
-}
-
 /// True when the edge from k to the next vertex meets the diagonal from i to j outside its ends.
 template <class R> bool VertexCycle<R>::blocks(int k, int i, int j) const
 {
@@ -142,7 +134,7 @@ template <class R> bool VertexCycle<R>::blocks(int k, int i, int j) const
 template <class R> int VertexCycle<R>::weakDiagonalBlocker(int i, int j) const
 {
   for (int k = _next[i]; k != i; k = _next[k])
-    if (blocks(k, i, j) || (k != j && (entersTouchingVertex(k, i, j) || entersTouchingVertex(k, j, i)))) return k;
+    if (blocks(k, i, j)) return k;
   return isEar;
 }
 

@@ -42,7 +42,7 @@ template <class T> void TriMesh<T>::computeNormals()
     for (int i = 0; i < getNumTriangleSlots(); ++i)
     {
       if (!hasTriangle(i)) continue;
-      const std::ptrdiff_t a = 3 * corners(i)[0], b = 3 * corners(i)[1], c = 3 * corners(i)[2];
+      const std::ptrdiff_t a = 3L * corners(i)[0], b = 3L * corners(i)[1], c = 3L * corners(i)[2];
       const Vector3d<T> ab = difference<T>(points + b, points + a);
       const Vector3d<T> ac = difference<T>(points + c, points + a);
       const Vector3d<T> bc = difference<T>(points + c, points + b);

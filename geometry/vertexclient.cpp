@@ -13,7 +13,7 @@ template <class T> VertexClient<T>::VertexClient(const VertexClient<T>& client) 
 
 template <class T> VertexClient<T>& VertexClient<T>::operator=(const VertexClient<T>& client)
 {
-  setServer(*client._server);
+  if (this != &client) setServer(*client._server);
   return *this;
 }
 

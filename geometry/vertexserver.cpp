@@ -78,7 +78,7 @@ template <class T> void VertexServer<T>::allocate(int capacity)
 template <class T> void VertexServer<T>::insertSlots(int i, int count)
 {
   const int oldSize = _size;
-  setSize(oldSize + count);
+  setSize(sizeWith(count));
   std::copy_backward(data(i), data(oldSize), data(_size));
 }
 
@@ -94,8 +94,15 @@ template <class T> void VertexServer<T>::append(const VertexServer<T>& server)
     throw SizeError("void VertexServer<T>::append(const VertexServer<T>&)", "The vertices have different dimensions");
   const int numAppended = server._size; // a server may be appended to itself
   const int first = _size;
-  setSize(first + numAppended);
+  setSize(sizeWith(numAppended));
   std::copy_n(server.data(), offset(numAppended), data(first));
+}
+
+template <class T> int VertexServer<T>::sizeWith(int count) const
+{
+  if (count > std::numeric_limits<int>::max() - _size)
+    throw SizeError("void VertexServer<T>::append(const VertexServer<T>&)", "There are too many vertices");
+  return _size + count;
 }
 
 template <class T> void VertexServer<T>::deref()

@@ -47,10 +47,11 @@ public:
   void setGrowth(int growth) { _growth = growth; }
 
   /// Makes place for `count` vertices before vertex i; their coordinates are unspecified.
+  /// \throw SizeError  there would be too many vertices
   void insertSlots(int i, int count);
   /// Removes the vertices i to i + count - 1.
   void remove(int i, int count);
-  /// \throw SizeError  the spaces differ
+  /// \throw SizeError  the spaces differ, or there would be too many vertices
   void append(const VertexServer<T>& server);
 
   void ref() { ++_numReferences; }
@@ -60,9 +61,11 @@ public:
 private:
   std::size_t offset(int i) const { return static_cast<std::size_t>(i) * static_cast<std::size_t>(_space); }
   void allocate(int capacity);
+  /// The size with `count` vertices more. \throw SizeError  beyond the range of int
+  int sizeWith(int count) const;
 
-  std::vector<T, BufferAllocator<T>> _coordinates; // getCapacity() x _space
-  std::vector<Vector<T>> _vertices;                // one shallow vector per slot
+  std::vector<T, BufferAllocator<T>> _coordinates;              // getCapacity() x _space
+  std::vector<Vector<T>, BufferAllocator<Vector<T>>> _vertices; // one shallow vector per slot
   int _space;
   int _size = 0;
   int _growth;

@@ -5,7 +5,7 @@
 #include "geometry/textbuffer.h"
 
 #include <algorithm>
-#include <array>
+#include <vector>
 
 namespace
 {
@@ -13,57 +13,47 @@ namespace
 /// Sums of scalar products are formed in the coordinate type, those of pixels in a wider one that cannot overflow.
 template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long long, T>;
 
-constexpr int numShiftsPerPass = 8; // sums that the inner loop keeps in registers
-
-/// The coordinates of a vertex set axis by axis, each axis long enough for `numLaps` laps and a pass beyond them.
-template <class T> std::vector<T> coordinatesByAxis(const Vertices<T>& vertices, int length)
+/// The coordinates of a vertex set axis by axis, over as many laps as fill the length.
+template <class T> std::vector<std::vector<T>> coordinatesByAxis(const Vertices<T>& vertices, int length)
 {
+  std::vector<std::vector<T>> axes(vertices.getSpace(), std::vector<T>(length));
   const int size = vertices.getSize();
-  const int space = vertices.getSpace();
-  std::vector<T> axes(static_cast<std::size_t>(length) * space);
-  for (int k = 0; k < space; ++k)
-    for (int i = 0; i < length; ++i) axes[static_cast<std::size_t>(k) * length + i] = vertices.data(i % size)[k];
+  for (int i = 0, vertex = 0; i < length; ++i, vertex = vertex + 1 < size ? vertex + 1 : 0)
+    for (int k = 0; k < vertices.getSpace(); ++k) axes[k][i] = vertices.data(vertex)[k];
   return axes;
 }
 
-/// Adds, for 8 neighbouring shifts at once, the scalar products of the n pairs of vertices in order. Each sum grows
-/// vertex by vertex, as if it were formed alone.
-template <class T, int space>
-void addScalarProducts(const T* a, std::ptrdiff_t strideA, const T* b, int n, MatchSum<T>* sums)
+/// Adds the scalar products of one vertex with each of n vertices in 3D, given axis by axis, to the n sums.
+template <class T>
+void addScalarProducts(const T* x, const T* y, const T* z, const T* vertex, int n, MatchSum<T>* __restrict sums)
 {
   using Sum = MatchSum<T>;
-  std::array<Sum, numShiftsPerPass> totals = {};
-  for (int m = 0; m < n; ++m)
-    for (int shift = 0; shift < numShiftsPerPass; ++shift)
-    {
-      Sum product = static_cast<Sum>(a[m + shift]) * b[m];
-      for (int k = 1; k < space; ++k) product += static_cast<Sum>(a[m + shift + k * strideA]) * b[m + k * n];
-      totals[shift] += product;
-    }
-  std::copy(totals.begin(), totals.end(), sums);
+  const Sum vertexX = vertex[0], vertexY = vertex[1], vertexZ = vertex[2];
+  for (int i = 0; i < n; ++i) sums[i] += x[i] * vertexX + y[i] * vertexY + z[i] * vertexZ;
 }
 
-/// The shift with the largest sum of scalar products, the first one on a tie.
-template <class T, int space> int bestShift(const Vertices<T>& vertices, const Vertices<T>& other)
+/// The same in 2D.
+template <class T> void addScalarProducts(const T* x, const T* y, const T* vertex, int n, MatchSum<T>* __restrict sums)
+{
+  using Sum = MatchSum<T>;
+  const Sum vertexX = vertex[0], vertexY = vertex[1];
+  for (int i = 0; i < n; ++i) sums[i] += x[i] * vertexX + y[i] * vertexY;
+}
+
+/// For each cyclic shift, the sum of the scalar products of paired vertices, which grows pair by pair.
+template <class T> std::vector<MatchSum<T>> matchSums(const Vertices<T>& vertices, const Vertices<T>& other)
 {
   const int n = vertices.getSize();
-  const int length = 2 * n + numShiftsPerPass;
-  const std::vector<T> a = coordinatesByAxis(vertices, length);
-  const std::vector<T> b = coordinatesByAxis(other, n);
-  std::array<MatchSum<T>, numShiftsPerPass> sums;
-  MatchSum<T> best = 0;
-  int bestIndex = 0;
-  for (int shift = 0; shift < n; shift += numShiftsPerPass)
+  const std::vector<std::vector<T>> axes = coordinatesByAxis(vertices, 2 * n);
+  std::vector<MatchSum<T>> sums(n, MatchSum<T>(0));
+  for (int m = 0; m < n; ++m)
   {
-    addScalarProducts<T, space>(a.data() + shift, length, b.data(), n, sums.data());
-    for (int s = 0; s < std::min(numShiftsPerPass, n - shift); ++s)
-      if (shift + s == 0 || sums[s] > best)
-      {
-        best = sums[s];
-        bestIndex = shift + s;
-      }
+    if (axes.size() == 3)
+      addScalarProducts(&axes[0][m], &axes[1][m], &axes[2][m], other.data(m), n, sums.data());
+    else
+      addScalarProducts(&axes[0][m], &axes[1][m], other.data(m), n, sums.data());
   }
-  return bestIndex;
+  return sums;
 }
 
 } // namespace
@@ -86,10 +76,10 @@ template <class T> void Vertices<T>::insert(int i, const Vector<T>& vertex)
   const char* const where = "void Vertices<T>::insert(int, const Vector<T>&)";
   requireIndex(i, getNumVertices() + 1, where);
   if (vertex.getSize() != this->getSpace()) throw SizeError(where, "The vertex has another dimension");
-  const Vector<T> copy = vertex; // it may be one of these vertices
+  const std::vector<T> coordinates(vertex.begin(), vertex.end()); // it may be one of these vertices
   VertexServer<T>& server = this->ownServer();
   server.insertSlots(i, 1);
-  std::copy(copy.begin(), copy.end(), server.data(i));
+  std::copy(coordinates.begin(), coordinates.end(), server.data(i));
 }
 
 template <class T> void Vertices<T>::remove(int first, int last)
@@ -118,19 +108,12 @@ template <class T> void Vertices<T>::setOrigin(int k)
 
 template <class T> int Vertices<T>::findMatch(const Vertices<T>& other) const
 {
-  if (getNumVertices() != other.getNumVertices() || this->getSpace() != other.getSpace())
-    throw SizeError("int Vertices<T>::findMatch(const Vertices<T>&) const", "Size mismatch");
-  switch (this->getSpace())
-  {
-  case 1:
-    return bestShift<T, 1>(*this, other);
-  case 2:
-    return bestShift<T, 2>(*this, other);
-  case 3:
-    return bestShift<T, 3>(*this, other);
-  default:
-    throw SizeError("int Vertices<T>::findMatch(const Vertices<T>&) const", "Vertices have one to three coordinates");
-  }
+  const char* const where = "int Vertices<T>::findMatch(const Vertices<T>&) const";
+  const int space = this->getSpace();
+  if (getNumVertices() != other.getNumVertices() || space != other.getSpace()) throw SizeError(where, "Size mismatch");
+  if (space != 2 && space != 3) throw SizeError(where, "The vertices are not in two or three dimensions");
+  const std::vector<MatchSum<T>> sums = matchSums(*this, other);
+  return static_cast<int>(std::max_element(sums.begin(), sums.end()) - sums.begin());
 }
 
 template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int& i, int& j) const
@@ -142,6 +125,7 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
   const int space = this->getSpace();
   Real<T> shortest = squaredDistance(data(0), other.data(0), space);
   for (int a = 0; a < getNumVertices(); ++a)
+  {
     for (int b = 0; b < other.getNumVertices(); ++b)
     {
       const Real<T> candidate = squaredDistance(data(a), other.data(b), space);
@@ -150,6 +134,7 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
       i = a;
       j = b;
     }
+  }
 }
 
 template <class T> void Vertices<T>::read(std::istream& stream)

@@ -7,17 +7,10 @@
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
 
-#include <tiffio.h>
+#include <new>
 
 namespace
 {
-void selectPlane(TiffFile& file, int plane)
-{
-  if (plane < 0 || TIFFSetDirectory(file.get(), static_cast<tdir_t>(plane)) != 1)
-    file.failReading("void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)",
-                     "There is no plane " + std::to_string(plane));
-}
-
 /// The image of the current directory; the given image changes only when all went well.
 void readCurrentImage(Image& image, TiffFile& file)
 {
@@ -26,6 +19,24 @@ void readCurrentImage(Image& image, TiffFile& file)
   Image fresh;
   readTiffPixels(fresh, header, file);
   image.swap(fresh);
+}
+
+/// An image of the mosaic's size that is like its first tile otherwise.
+Image emptyMosaic(const ImageSourceFileMosaic& source)
+{
+  Image tile;
+  ImageReader::read(tile, source.getFilename(0, 0));
+  try
+  {
+    Image mosaic(source.getSize2(), source.getSize1(), tile.getDepth());
+    mosaic.setDescription(tile.getHeader());
+    return mosaic;
+  }
+  catch (const std::bad_alloc&)
+  {
+    throw FileFormatError("void ImageReader::read(Image&, const ImageSourceFileMosaic&)",
+                          "There is not enough memory for the mosaic", source.getFilename(0, 0));
+  }
 }
 
 /// Reads one tile and pastes it into the mosaic, which gets its depth and colormap from the first.
@@ -70,22 +81,27 @@ void ImageReader::read(Image& image, const ImageSourceFile& source)
 
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readCurrentImage(image, file);
 }
 
 void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
 {
   const std::vector<int> heights = source.rowHeights(), widths = source.colWidths();
-  ImageHeader header;
-  read(header, source.getFilename(0, 0));
-  Image mosaic(source.getSize2(), source.getSize1(), header.getDepth());
-  mosaic.setDescription(header);
-  for (int row = 0, y = 0; row < source.getRows(); y += heights[static_cast<std::size_t>(row++)])
-    for (int column = 0, x = 0; column < source.getCols(); x += widths[static_cast<std::size_t>(column++)])
-      pasteTile(mosaic, source.getFilename(row, column), x, y, widths[static_cast<std::size_t>(column)],
-                heights[static_cast<std::size_t>(row)]);
+  Image mosaic = emptyMosaic(source);
+  int y = 0;
+  for (int row = 0; row < source.getRows(); ++row)
+  {
+    const int height = heights[static_cast<std::size_t>(row)];
+    int x = 0;
+    for (int column = 0; column < source.getCols(); ++column)
+    {
+      const int width = widths[static_cast<std::size_t>(column)];
+      pasteTile(mosaic, source.getFilename(row, column), x, y, width, height);
+      x += width;
+    }
+    y += height;
+  }
   image.swap(mosaic);
 }
 
@@ -103,7 +119,6 @@ void ImageReader::read(ImageHeader& header, const std::string& filename)
 
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename());
-  selectPlane(file, source.getPlane());
+  TiffFile file(source.getTiffStackFilename(), source.getPlane());
   readTiffHeader(header, file);
 }

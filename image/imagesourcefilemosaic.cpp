@@ -44,14 +44,16 @@ void ImageSourceFileMosaic::setFilename(int row, int column, const std::string& 
 std::vector<int> ImageSourceFileMosaic::rowHeights() const
 {
   std::vector<int> heights;
-  for (int row = 0; row < _rows; ++row) heights.push_back(tileHeader(getFilename(row, 0)).getHeight());
+  while (static_cast<int>(heights.size()) < _rows)
+    heights.push_back(tileHeader(getFilename(static_cast<int>(heights.size()), 0)).getHeight());
   return heights;
 }
 
 std::vector<int> ImageSourceFileMosaic::colWidths() const
 {
   std::vector<int> widths;
-  for (int column = 0; column < _cols; ++column) widths.push_back(tileHeader(getFilename(0, column)).getWidth());
+  while (static_cast<int>(widths.size()) < _cols)
+    widths.push_back(tileHeader(getFilename(0, static_cast<int>(widths.size()))).getWidth());
   return widths;
 }
 

@@ -1,5 +1,6 @@
 #include "image/tifffile.h"
 
+#include "image/tiffdirectories.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <sys/stat.h>
 #include <system_error>
@@ -17,7 +19,7 @@
 namespace
 {
 constexpr std::uint64_t greatestBlock = 256 << 20; // that libtiff may take for itself, whatever the file's length
-constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&)";
+constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&, int)";
 
 /// One line of text from libtiff's format and arguments.
 std::string formatted(const char* format, va_list arguments)
@@ -58,22 +60,69 @@ std::uint64_t lengthOf(const std::string& filename)
   if (status.st_size == 0) throw FileFormatError(openSignature, "The file is empty", filename);
   return static_cast<std::uint64_t>(status.st_size);
 }
+
+// How libtiff reads through a TiffFile.
+
+tmsize_t readProcedure(thandle_t file, void* bytes, tmsize_t count)
+{
+  return static_cast<TiffFile*>(file)->read(static_cast<unsigned char*>(bytes), count);
+}
+
+tmsize_t refuseToWrite(thandle_t, void*, tmsize_t)
+{
+  return -1;
+}
+
+toff_t seekProcedure(thandle_t file, toff_t offset, int origin)
+{
+  return static_cast<TiffFile*>(file)->seek(static_cast<std::int64_t>(offset), origin);
+}
+
+toff_t sizeProcedure(thandle_t file)
+{
+  return static_cast<TiffFile*>(file)->getLength();
+}
+
+int closeProcedure(thandle_t)
+{
+  return 0; // the descriptor is the TiffFile's
+}
+
+using Options = std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>;
+
+Options optionsFor(TiffFile& file)
+{
+  Options options(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &file);
+  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), keepWarning, &file);
+  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(std::max(file.getLength(), greatestBlock)));
+  return options;
+}
 } // namespace
 
-TiffFile::TiffFile(const std::string& filename) : _filename(filename), _length(lengthOf(filename))
+TiffFile::TiffFile(const std::string& filename, int plane) : _filename(filename), _length(lengthOf(filename))
 {
-  const int descriptor = ::open(filename.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) failOpening(filename, errno);
-  open(descriptor, "rm"); // no memory map: a file that shrinks while it is read must not end the program
-  if (_tiff) return;
-  ::close(descriptor);
-  failReading(openSignature, "Cannot read TIFF file");
+  _descriptor = ::open(filename.c_str(), O_RDONLY | O_CLOEXEC);
+  if (_descriptor < 0) failOpening(filename, errno);
+  try
+  {
+    if (plane != 0) selectPlane(plane);
+    _tiff = TIFFClientOpenExt(filename.c_str(), "rm", this, readProcedure, refuseToWrite, seekProcedure, closeProcedure,
+                              sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
+    if (!_tiff) failReading(openSignature, "Cannot read TIFF file");
+  }
+  catch (...)
+  {
+    ::close(_descriptor);
+    throw;
+  }
 }
 
 TiffFile::TiffFile(int descriptor, const std::string& filename) : _filename(filename)
 {
   const int duplicate = dup(descriptor); // libtiff closes its descriptor
-  open(duplicate, "wl");                 // little-endian everywhere: the same image gives the same bytes
+  // Little-endian everywhere: the same image gives the same bytes.
+  _tiff = TIFFFdOpenExt(duplicate, filename.c_str(), "wl", optionsFor(*this).get());
   if (_tiff) return;
   if (duplicate >= 0) ::close(duplicate);
   failWriting("TiffFile::TiffFile(int, const std::string&)", "Cannot open file for writing");
@@ -81,20 +130,61 @@ TiffFile::TiffFile(int descriptor, const std::string& filename) : _filename(file
 
 TiffFile::~TiffFile()
 {
-  if (_tiff) TIFFClose(_tiff);
+  TIFFClose(_tiff);
+  if (_descriptor >= 0) ::close(_descriptor);
   const std::string& message = _error.empty() ? _warning : _error;
   if (!_hasFailed && !message.empty())
     std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
 }
 
-void TiffFile::open(int descriptor, const char* mode)
+void TiffFile::selectPlane(int plane)
 {
-  const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(TIFFOpenOptionsAlloc(),
-                                                                                 TIFFOpenOptionsFree);
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, this);
-  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), keepWarning, this);
-  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(std::max(_length, greatestBlock)));
-  _tiff = TIFFFdOpenExt(descriptor, _filename.c_str(), mode, options.get());
+  const auto directories = tiffDirectories(_descriptor);
+  if (directories->empty()) return; // libtiff knows why
+  if (plane < 0 || static_cast<std::size_t>(plane) >= directories->size())
+    failReading(openSignature, "There is no plane " + std::to_string(plane));
+  _directory = (*directories)[static_cast<std::size_t>(plane)];
+}
+
+std::uint64_t TiffFile::seek(std::int64_t offset, int origin)
+{
+  const std::uint64_t start = origin == SEEK_END ? _length : origin == SEEK_CUR ? _position : 0;
+  _position = start + static_cast<std::uint64_t>(offset);
+  return _position;
+}
+
+std::int64_t TiffFile::read(unsigned char* bytes, std::int64_t count)
+{
+  std::int64_t numRead = 0;
+  while (numRead < count)
+  {
+    const ssize_t piece = pread(_descriptor, bytes + numRead, static_cast<std::size_t>(count - numRead),
+                                static_cast<off_t>(_position) + numRead);
+    if (piece < 0 && errno == EINTR) continue;
+    if (piece < 0) return -1;
+    if (piece == 0) break;
+    numRead += piece;
+  }
+  if (_directory != 0) patchHeader(bytes, static_cast<std::uint64_t>(numRead));
+  _position += static_cast<std::uint64_t>(numRead);
+  return numRead;
+}
+
+/// Puts the chosen directory's offset into those of the bytes, read at the current place, that hold the first one's:
+/// bytes 4 to 7 of the file or, in a BigTIFF file, 8 to 15.
+void TiffFile::patchHeader(unsigned char* bytes, std::uint64_t count) const
+{
+  unsigned char header[4] = {};
+  if (_position >= 16 || pread(_descriptor, header, sizeof header, 0) != sizeof header) return;
+  const bool isBigEndian = header[0] == 'M';
+  const bool isBigTiff = header[isBigEndian ? 3 : 2] == 43;
+  const std::uint64_t start = isBigTiff ? 8 : 4, size = start;
+  for (std::uint64_t i = 0; i < size; ++i)
+  {
+    const std::uint64_t shift = 8 * (isBigEndian ? size - 1 - i : i);
+    if (start + i >= _position && start + i < _position + count)
+      bytes[start + i - _position] = static_cast<unsigned char>(_directory >> shift);
+  }
 }
 
 void TiffFile::noteError(const std::string& message)
@@ -104,16 +194,17 @@ void TiffFile::noteError(const std::string& message)
 
 void TiffFile::noteWarning(const std::string& message)
 {
-  // Microscopes write tags of their own into every plane; that is no news.
-  const bool isPrivateTag = message.find("nknown field with tag") != std::string::npos;
-  if (_warning.empty() && !isPrivateTag) _warning = message;
+  // No news: tags of a microscope's own in every plane, and a fourth sample that is not declared.
+  const char* const harmless[] = {"nknown field with tag", "ExtraSamples"};
+  const bool isHarmless = std::any_of(std::begin(harmless), std::end(harmless),
+                                      [&](const char* text) { return message.find(text) != std::string::npos; });
+  if (_warning.empty() && !isHarmless) _warning = message;
 }
 
 std::string TiffFile::withReason(const std::string& what)
 {
-  const std::string text = _error.empty() ? what : what + " (" + _error + ")";
   _hasFailed = true;
-  return text;
+  return _error.empty() ? what : what + " (" + _error + ")";
 }
 
 void TiffFile::failReading(const std::string& where, const std::string& what)

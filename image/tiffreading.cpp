@@ -1,6 +1,7 @@
 #include "image/tiffreading.h"
 
 #include "image/image.h"
+#include "image/tiffdirectories.h"
 #include "image/tifffile.h"
 
 #include <algorithm>
@@ -180,12 +181,14 @@ void readTiles(Image& image, TiffFile& file)
              height = static_cast<std::uint64_t>(image.getHeight());
   std::uint32_t index = 0;
   for (std::uint64_t y = 0; y < height; y += tileHeight)
+  {
     for (std::uint64_t x = 0; x < width; x += tileWidth)
     {
       if (TIFFReadEncodedTile(file.get(), index++, tile.data(), length) != length)
         file.failReading(pixelsSignature, "Cannot read the pixels");
       pasteTile(image, tile, tileWidth, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y));
     }
+  }
 }
 
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
@@ -215,7 +218,7 @@ void readTiffHeader(ImageHeader& header, TiffFile& file)
 
 int readTiffNumPlanes(TiffFile& file)
 {
-  return static_cast<int>(TIFFNumberOfDirectories(file.get()));
+  return static_cast<int>(tiffDirectories(file.getDescriptor())->size());
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)

@@ -21,11 +21,13 @@ template <class Measure> int smallestWithin(int size, double tolerance, Measure 
   int best = -1;
   double smallest = tolerance;
   for (int i = 0; i < size; ++i)
-    if (const double value = measure(i); value < smallest || (best < 0 && value == smallest))
-    {
-      best = i;
-      smallest = value;
-    }
+  {
+    const double value = measure(i);
+    const bool isBetter = best < 0 ? value <= smallest : value < smallest;
+    if (!isBetter) continue;
+    best = i;
+    smallest = value;
+  }
   return best;
 }
 } // namespace
@@ -295,11 +297,13 @@ template <class T> Vertices<T> positions(const RLEItemSet& set)
   Vertices<T> result(2, static_cast<int>(set.numVertices()));
   int i = 0;
   for (const RLEItem& run : set.getItems())
+  {
     for (int k = 0; k < run.getLength(); ++k, ++i)
     {
       result.data(i)[0] = static_cast<T>(run.getOriginX());
       result.data(i)[1] = static_cast<T>(run.begin() + k);
     }
+  }
   return result;
 }
 } // namespace

@@ -6,7 +6,7 @@ LOG_DIR="$ROOT/build"
 
 PROGRAM_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5svg5-dev libgl-dev libglu1-mesa-dev
                   libtiff-dev libfftw3-dev libcli11-dev nlohmann-json3-dev libnanoflann-dev)
-TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth libgl1-mesa-dri)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool libgl1-mesa-dri)
 
 die()
 {
@@ -18,8 +18,9 @@ die()
 missing_packages()
 {
   local installed name
+  # A package that dpkg has never heard of makes dpkg-query fail; the others are listed all the same.
   installed=$(dpkg-query --show --showformat '${db:Status-Abbrev}${binary:Package}\n' "$@" 2>/dev/null |
-    sed -n 's/^ii *\([^:]*\).*/\1/p')
+    sed -n 's/^ii *\([^:]*\).*/\1/p') || true
   for name in "$@"; do
     grep -qxF -- "$name" <<<"$installed" || printf '%s\n' "$name"
   done

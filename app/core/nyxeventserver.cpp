@@ -4,6 +4,11 @@
 
 #include <algorithm>
 
+namespace
+{
+int numOpenDeliveries = 0; // deliveries nest when a handler posts an event
+}
+
 std::vector<NYXEventClient*>& NYXEventServer::clients()
 {
   static std::vector<NYXEventClient*> list;
@@ -17,17 +22,26 @@ void NYXEventServer::attach(NYXEventClient& client)
 
 void NYXEventServer::detach(NYXEventClient& client)
 {
-  std::erase(clients(), &client);
+  // The places of the others must not move while somebody walks along the list.
+  if (numOpenDeliveries == 0)
+    std::erase(clients(), &client);
+  else
+    std::ranges::replace(clients(), &client, nullptr);
 }
 
 void NYXEventServer::deliver(const NYXEvent& event)
 {
-  for (std::size_t i = 0; i < clients().size();)
+  struct OpenDelivery
   {
-    NYXEventClient* const client = clients()[i];
-    client->processEvent(event);
-    // Clients may have left: go on behind this one, or at its place when it left itself.
-    const auto place = std::ranges::find(clients(), client);
-    if (place != clients().end()) i = static_cast<std::size_t>(place - clients().begin()) + 1;
+    OpenDelivery() { ++numOpenDeliveries; }
+    ~OpenDelivery()
+    {
+      if (--numOpenDeliveries == 0) std::erase(clients(), nullptr);
+    }
+  } const openDelivery;
+
+  for (std::size_t i = 0; i < clients().size(); ++i)
+  {
+    if (clients()[i] != nullptr) clients()[i]->processEvent(event);
   }
 }

@@ -27,6 +27,7 @@ std::string basePath(const std::string& directory, const std::string& prefix)
 std::vector<std::string> distinctNames(const std::vector<const Model*>& models)
 {
   std::vector<std::string> names;
+  names.reserve(models.size());
   std::set<std::string> taken;
   for (const Model* model : models)
   {
@@ -40,7 +41,7 @@ std::vector<std::string> distinctNames(const std::vector<const Model*>& models)
 
 bool hasNoSurface(const Model& model)
 {
-  return model.getGeometry() == MPrimitive::Polypoint;
+  return model.getGeometry() == MPrimitive::Polypoint || model.getGeometry() == MPrimitive::Unknown;
 }
 
 } // namespace
@@ -49,6 +50,7 @@ void StackExporter::export2AsciiSTL(const Stack& stack, const std::string& direc
 {
   StackReconstruction<float> reconstruction(stack);
   std::vector<const Model*> models;
+  models.reserve(static_cast<std::size_t>(stack.getNumModels()));
   for (int i = 0; i < stack.getNumModels(); ++i) models.push_back(stack.getModel(i));
   export2AsciiSTL(models, reconstruction, directory, stack.getName(), overwrite);
 }

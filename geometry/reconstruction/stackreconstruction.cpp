@@ -154,6 +154,7 @@ template <class T> Shape<T>* StackReconstruction<T>::apply(const Model& model) c
   else
     stack = std::make_unique<VertexStack<T>>(3);
   stack->setName(model.getName());
+  for (const ModelItem* item : model.getItems()) findSlice(*item); // tells of those that are elsewhere
   Vertices<T> vertices(3);
   for (const ModelItem* item : itemsInStackOrder(model))
   {
@@ -173,7 +174,6 @@ std::vector<CurveStackTriangulationContourTag> StackReconstruction<T>::contourTa
 
 template <class T> std::vector<const ModelItem*> StackReconstruction<T>::itemsInStackOrder(const Model& model) const
 {
-  for (const ModelItem* item : model.getItems()) findSlice(*item); // tells of those that are elsewhere
   std::vector<const ModelItem*> items;
   for (int i = 0; i < _zMap.getSize(); ++i)
     for (const ModelItem* item : _stack->getSlice(i)->getItems())

@@ -37,12 +37,12 @@ public:
   /// The item in 3D: a curve or, for points and regions, a vertex set. The caller owns it.
   Shape<T>* apply(const ModelItem& item) const;
   /// The model in 3D, slices in stack order and their items in list order: a CurveStack of closed or open curves, or a
-  /// VertexStack for points. The caller owns it. \throw UsageError  the model's items are regions
+  /// VertexStack for points. Items on slices outside the stack are left out, with a line on the error stream for each.
+  /// The caller owns the result. \throw UsageError  the model's items are regions
   Shape<T>* apply(const Model& model) const;
   /// The tag of each item, in the order of apply(Model).
   std::vector<CurveStackTriangulationContourTag> contourTags(const Model& model) const;
-  /// The model's items in the order of apply(Model). Items on slices outside the stack are left out, with a line on the
-  /// error stream for each.
+  /// The model's items in the order of apply(Model), without those on slices outside the stack.
   std::vector<const ModelItem*> itemsInStackOrder(const Model& model) const;
 
 private:

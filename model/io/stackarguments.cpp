@@ -107,10 +107,9 @@ Vertices<int> StackArguments::vertices() const
   Vertices<int> vertices(2, static_cast<int>(numCommas));
   const char* text = _text.data();
   const char* const end = text + _text.size();
-  if (numCommas == 0 && text != end) refuse();
-  // Each vertex holds a comma, so that there are as many vertices as commas or a refusal.
   int* const coordinates = numCommas > 0 ? vertices.data() : nullptr;
   for (std::ptrdiff_t i = 0; i < numCommas; ++i) text = takeIntegers(text, end, coordinates + 2 * i, 2);
+  if (text != end) refuse();
   return vertices;
 }
 

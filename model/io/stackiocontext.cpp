@@ -1,23 +1,24 @@
 #include "model/io/stackiocontext.h"
 
+#include "model/io/imagepath.h"
+
 namespace fs = std::filesystem;
 
 StackIOContext::StackIOContext(const std::string& stackFileName)
   : _stackFileName(stackFileName),
-    _stackDirectory(fs::absolute(stackFileName).lexically_normal().parent_path()),
+    _stackDirectory(plainPath(stackFileName).parent_path()),
     _imagesPath(_stackDirectory.string())
 {
 }
 
 void StackIOContext::setImagesPath(const std::string& path)
 {
-  const fs::path directory = (_stackDirectory / path).lexically_normal(); // an absolute path replaces the directory
-  _imagesPath = directory.has_filename() ? directory.string() : directory.parent_path().string();
+  _imagesPath = plainPath(_stackDirectory / path).string(); // an absolute path replaces the directory
 }
 
 std::string StackIOContext::resolved(const std::string& imageFileName) const
 {
-  return imageFileName.empty() ? "" : (fs::path(_imagesPath) / imageFileName).lexically_normal().string();
+  return imageFileName.empty() ? "" : plainPath(fs::path(_imagesPath) / imageFileName).string();
 }
 
 bool StackIOContext::fulfils(Need need) const

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <sys/stat.h>
 #include <system_error>
@@ -94,8 +95,8 @@ std::optional<StackIOContext::Kind> openedKind(std::string_view spelling)
 struct StackReader::Rule
 {
   StackKeyword keyword;
-  std::size_t minArguments;
-  std::size_t maxArguments;
+  int minArguments;
+  int maxArguments;
   StackIOContext::Need need;
   void (StackReader::*input)(const StackArguments&);
 };
@@ -105,7 +106,7 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
   using Need = StackIOContext::Need;
   using K = StackKeyword;
   using R = StackReader;
-  constexpr std::size_t any = static_cast<std::size_t>(-1);
+  constexpr int any = std::numeric_limits<int>::max();
   static const Rule rules[] = {
       {K::Annotation, 1, 1, Need::StackOrSlice, &R::inputAnnotation},
       {K::BeginCap, 1, 1, Need::Model, &R::inputBeginCapFlag},
@@ -229,11 +230,12 @@ void StackReader::parseTokens(const StackLexer::Statement& statement)
   const auto keyword = getKeyword(statement.keyword);
   if (!keyword) throw KeywordError();
   const Rule& rule = ruleOf(*keyword);
-  const bool readsTokens = rule.maxArguments <= StackLexer::maxTokens;
+  const bool readsTokens = rule.maxArguments <= static_cast<int>(StackLexer::maxTokens);
   const auto tokens =
       readsTokens ? _lexer.splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
   if (!tokens) throw ArgValueError();
-  if (readsTokens && (tokens->size() < rule.minArguments || tokens->size() > rule.maxArguments)) throw NumArgsError();
+  const int numArguments = static_cast<int>(tokens->size());
+  if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments)) throw NumArgsError();
   if (!_context.fulfils(rule.need)) throw ContextError();
   _statement = &statement;
   (this->*rule.input)(StackArguments(statement.arguments, *tokens));

@@ -5,6 +5,7 @@
 #include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
+#include "model/io/imagepath.h"
 #include "model/io/stackwriterwarnings.h"
 #include "model/io/statementbuffer.h"
 #include "model/storabletext.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace fs = std::filesystem;
 
@@ -52,12 +52,11 @@ Plane planeOf(const ImageSource& source)
   }
 }
 
-/// Truncated toward zero; the limits of int stand for what lies beyond.
+/// Truncated toward zero, and to what is an integer and a float alike.
 int truncated(float value)
 {
-  constexpr auto limit = static_cast<float>(std::numeric_limits<int>::max());
-  if (std::abs(value) < limit) return static_cast<int>(value);
-  return value < 0 ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  constexpr float greatest = 2147483520;
+  return std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, -greatest, greatest));
 }
 
 long numObjects(const Stack& stack)
@@ -71,7 +70,7 @@ long numObjects(const Stack& stack)
 void StackWriter::write(const Stack& stack, const std::string& fileName)
 {
   clearLog();
-  _stackDirectory = fs::absolute(fileName).lexically_normal().parent_path();
+  _stackDirectory = plainPath(fileName).parent_path();
   _imagesPath = ".";
   _numWritten = 0;
   try
@@ -189,11 +188,12 @@ void StackWriter::writeImageSize(const ImageSource& source)
 std::string StackWriter::enterDirectory(const Stack& stack, const std::string& imageFileName)
 {
   if (imageFileName.empty()) return "";
-  const fs::path file = fs::absolute(fs::path(stack.getImagesPath()) / imageFileName).lexically_normal();
+  const fs::path file = plainPath(fs::path(stack.getImagesPath()) / imageFileName);
   const fs::path parent = file.parent_path();
   const std::string directory =
       (stack.getAbsoluteImagesPathPolicy() ? parent : parent.lexically_relative(_stackDirectory)).string();
   requireStorableName(file.string(), writeSignature);
+  if (!file.has_filename()) return file.string(); // the root
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();
@@ -293,14 +293,24 @@ void StackWriter::writeItemData(const ModelItem& item)
 {
   _out->begin(K::ModelItemData);
   if (item.isRegion())
-    for (const RLEItem& run : item.getRLEItemSet().getItems())
-    {
-      const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
-      _out->tuple(values, 3);
-    }
+    writeRuns(item.getRLEItemSet());
   else
-    for (int i = 0; i < item.getVertices().getSize(); ++i) _out->tuple(item.getVertices().data(i), 2);
+    writeVertices(item.getVertices());
   _out->end();
+}
+
+void StackWriter::writeRuns(const RLEItemSet& set)
+{
+  for (const RLEItem& run : set.getItems())
+  {
+    const int values[] = {run.getOriginX(), run.begin(), run.getLength()};
+    _out->tuple(values, 3);
+  }
+}
+
+void StackWriter::writeVertices(const Vertices<int>& vertices)
+{
+  for (int i = 0; i < vertices.getSize(); ++i) _out->tuple(vertices.data(i), 2);
 }
 
 // Poses.

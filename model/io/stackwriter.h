@@ -38,6 +38,8 @@ private:
   void writeItem(const ModelItem& item);
   void writeItemProperties(const ModelItemProperties& properties);
   void writeItemData(const ModelItem& item);
+  void writeRuns(const RLEItemSet& set);
+  void writeVertices(const Vertices<int>& vertices);
   void writePoses(const Stack& stack);
   void writeKeptStatements(const KeptStatements& statements);
 

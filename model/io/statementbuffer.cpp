@@ -27,7 +27,7 @@ std::string decimalText(float value)
 
 std::string lengthText(float value)
 {
-  const std::string text = decimalText(value);
+  std::string text = decimalText(value);
   if (value == 0 || text != "0.00") return text;
   char digits[64]; // the smallest float has 45 decimals
   const auto result = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed);

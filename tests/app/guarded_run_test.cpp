@@ -3,6 +3,9 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
+#include <QTimer>
+
 #include <stdexcept>
 
 namespace
@@ -34,5 +37,17 @@ TEST(GuardedRun, ReportsEveryClassOfException)
     EXPECT_EQ(guardedRun(c.windows), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), c.output);
   }
+}
+
+TEST(GuardedRun, CatchesWhatAnEventHandlerThrows)
+{
+  QObject receiver;
+  testing::internal::CaptureStdout();
+  const int result = guardedRun([&] {
+    QTimer::singleShot(0, &receiver, [] { throw SizeError("f()", "no contour"); });
+    return QApplication::exec();
+  });
+  EXPECT_EQ(result, 0);
+  EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::StartsWith("*** Exception ***\nException raised:\n"));
 }
 } // namespace

@@ -53,7 +53,7 @@ QMenu* menuOf(const NYXRootWindow& window, const QString& title)
 TEST(RootWindow, FirstStartFillsTwoThirdsOfTheDesktop)
 {
   WindowTest test;
-  const QSize desktop = QGuiApplication::primaryScreen()->availableGeometry().size();
+  const QSize desktop = QGuiApplication::primaryScreen()->size();
   EXPECT_EQ(test.window().width(), qRound(desktop.width() * 2 / 3.0));
   EXPECT_EQ(test.window().height(), qRound(desktop.height() * 2 / 3.0));
   EXPECT_EQ(test.window().windowTitle(), "Mirelo");
@@ -196,6 +196,9 @@ TEST(RootWindow, DroppedFilesAreOpenedInOrder)
   const QString copy = folder.filePath("copy.sdf");
   ASSERT_TRUE(QFile::copy(MIRELO_EXAMPLE, copy));
   files.setUrls({QUrl::fromLocalFile(MIRELO_EXAMPLE), QUrl::fromLocalFile(copy)});
+  QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&test.window(), &enter);
+  EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&test.window(), &drop);
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 2);

@@ -55,8 +55,8 @@ TEST(Settings, AreStoredUnderTheirKeys)
 TEST(Settings, RecentFilesAreTenAndDoNotMove)
 {
   NYXSettings& settings = NYXSettings::settings();
-  const int before = settings.getRecentFilesList().size();
-  ASSERT_EQ(before, 0);
+  QSettings().setValue("recentFiles", QStringList());
+  NYXSettings::load();
   for (int i = 1; i <= 11; ++i) settings.addRecentFile("/" + QString::number(i));
   EXPECT_EQ(settings.getRecentFilesList().size(), 10);
   EXPECT_EQ(settings.getRecentFilesList().first(), "/11");

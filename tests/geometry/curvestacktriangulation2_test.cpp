@@ -348,3 +348,36 @@ TEST(OptimalTriangulation, CostsWhatAnExhaustiveSearchFinds)
     EXPECT_NEAR(cost, costOf(code, a, b), 1e-9 * cost);
   }
 }
+
+TEST(CurveStackTriangulation, ClosesRandomStacks)
+{
+  std::mt19937 generator(4);
+  std::uniform_int_distribution<int> size(3, 40), number(2, 6);
+  std::uniform_real_distribution<double> share(0.05, 1), shift(-0.5, 0.5);
+  for (int trial = 0; trial < 1000; ++trial)
+  {
+    SCOPED_TRACE(trial);
+    const int numLevels = number(generator), numColumns = number(generator) / 2;
+    CurveStack<double> stack;
+    for (int level = 0; level < numLevels; ++level)
+      for (int column = 0; column < numColumns; ++column)
+      {
+        const int n = size(generator);
+        std::vector<double> angles(n);
+        for (double& angle : angles) angle = -2 * std::numbers::pi * share(generator);
+        std::sort(angles.rbegin(), angles.rend());
+        Curve<double> curve(3, n);
+        for (int i = 0; i < n; ++i)
+          curve[i] = Vector<double>{10. * column + share(generator) * std::cos(angles[i]) + shift(generator),
+                                    share(generator) * std::sin(angles[i]), 1. * level};
+        curve.setClockwise(true, 0, 1); // it may cross itself
+        stack.append(curve);
+      }
+    CurveStackTriangulation2<double> triangulation;
+    triangulation.setTriangulateFirstCaps(true);
+    triangulation.setTriangulateLastCaps(true);
+    triangulation.apply(stack);
+    ASSERT_TRUE(isClosedManifold(triangulation.getTriMesh()));
+    ASSERT_EQ(eulerCharacteristic(triangulation.getTriMesh()), 2 * numColumns);
+  }
+}

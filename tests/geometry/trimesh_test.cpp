@@ -175,7 +175,8 @@ TEST(TriMeshFiles, AreNeverOverwrittenUnasked)
   EXPECT_EQ(TriMesh<double>(path).getNumTriangles(), 12);
   std::remove(path.c_str());
   expectError<FileReadError>(path, [&] { TriMesh<double> missing(path); });
-  expectError<FileWriteError>("Cannot open file for writing", [] { unitCube().save("/nonexistent/folder/cube.mesh", true); });
+  expectError<FileWriteError>("Cannot open file for writing",
+                              [] { unitCube().save("/nonexistent/folder/cube.mesh", true); });
 }
 
 TEST(TriMeshStl, HasTheNormalsOfItsTrianglesAndSixDigits)

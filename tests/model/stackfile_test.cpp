@@ -1,0 +1,247 @@
+#include "image/imagesourcefile.h"
+#include "image/imagesourcefilemosaic.h"
+#include "tests/support/stackfiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+std::string fileOf(const StackSlice& slice)
+{
+  return static_cast<const ImageSourceFile&>(*slice.getImageSource()).getFilename();
+}
+} // namespace
+
+TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
+{
+  const struct
+  {
+    const char* statement;
+    const char* line;
+  } cases[] = {
+      {"SHIFT 1", "Error on SHIFT: invalid number of arguments."},
+      {"COLOR 1 2 3 4", "Error on COLOR: invalid number of arguments."},
+      {"ImagesPath", "Error on ImagesPath: invalid number of arguments."},
+      {"POSEZOOM 50", "Error: POSEZOOM is invalid in this context."},
+      {"IMAGE 1 1 \"a.tif\"", "Error: IMAGE is invalid in this context."},
+      {"NONSENSE 1", "Error on NONSENSE: unknown keyword (ignored)."},
+      {"shift 1 2", "Error on shift: unknown keyword (ignored)."},
+      {"SHIFT 1 2.5", "Error on SHIFT: invalid argument."},
+      {"SHIFT 1 99999999999", "Error on SHIFT: invalid argument."},
+      {"ROTATE nan", "Error on ROTATE: invalid argument."},
+      {"ROTATE 12x", "Error on ROTATE: invalid argument."},
+      {"DEPTH 1e99", "Error on DEPTH: invalid argument."}, // the spelling of the file
+      {"ASPECT 0", "Error on ASPECT: invalid argument."},
+      {"PIXWIDTH -1", "Error on PIXWIDTH: invalid argument."},
+      {"FILLEDIN True", "Error on FILLEDIN: invalid argument."},
+      {"PRIMITIVE Sphere", "Error on PRIMITIVE: invalid argument."},
+      {"PRIMITIVE Region", "Error: PRIMITIVE is invalid in this context."}, // there are items
+      {"TriangulationTag begin", "Error on TriangulationTag: invalid argument."},
+      {"MODELITEM \"m\" \"b\"", "Error on MODELITEM: invalid argument."},
+      {"MODELITEMDATA 1,2 3", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA 1,2,3", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA 1,2;MODELITEMDATA ,", "Error on MODELITEMDATA: invalid argument."},
+      {"MODEL \"unended", "Error on MODEL: invalid argument."},
+      {"MODEL \"a__NL__b\"", "Error on MODEL: invalid argument."},
+      {"StackSlice \"p\" \"p.tif\" -1", "Error on StackSlice: invalid argument."},
+      {"LengthUnitScale 400", "Error on LengthUnitScale: invalid argument."},
+  };
+  for (const auto& c : cases)
+  {
+    ReadStack read(smallStack + std::string(c.statement) + ";\n");
+    EXPECT_THAT(read.log(), ElementsAre(c.line)) << c.statement;
+    EXPECT_EQ(read.reader.getNumFatalErrors(), 0);
+    EXPECT_TRUE(read.reader.hasReadStack());
+  }
+}
+
+TEST(StackFileLog, NamesFilesThatCannotBeRead)
+{
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder.file("folder.sdf"));
+  Stack stack;
+  stack.setName("kept");
+  for (const char* name : {"missing", "folder.sdf"})
+  {
+    StackReader reader;
+    reader.read(stack, folder.file(name));
+    ASSERT_EQ(reader.getLog().size(), 1u);
+    EXPECT_THAT(reader.getLog()[0], testing::StartsWith("Error: " + folder.file(name)));
+    EXPECT_EQ(reader.getNumFatalErrors(), 1);
+    EXPECT_FALSE(reader.hasReadStack());
+  }
+  EXPECT_EQ(stack.getName(), "kept");
+  EXPECT_FALSE(ReadStack("").reader.hasReadStack());
+  EXPECT_FALSE(ReadStack(std::string(5000, '\0')).reader.hasReadStack());
+}
+
+TEST(StackFileContext, NeedsAStackFirst)
+{
+  ReadStack read("FileFormatVersion 1.05; SLICE \"a\" \"a.tif\"; STACK \"s\"; RELPOSITION 5;");
+  EXPECT_THAT(read.log(), ElementsAre("Error: SLICE is invalid in this context."));
+  EXPECT_EQ(read.stack.getDefaultRelativePosition(), 5);
+}
+
+TEST(StackFileContext, AnObjectThatFailedToOpenTakesItsStatementsAlong)
+{
+  ReadStack read(smallStack + std::string("MODELITEMDATA 1,1;SLICE \"b\"; RELPOSITION 9; Annotation \"x\"; SHIFT 1 1;\n"
+                                          "MODELITEM \"m\" \"b\"; COLOR 1 2 3; MODELITEMDATA 9,9;"));
+  EXPECT_EQ(read.log().size(), 7u);
+  EXPECT_EQ(read.stack.getDefaultRelativePosition(), 0);
+  EXPECT_EQ(read.stack.getAnnotation(), "");
+  EXPECT_TRUE(read.stack.getSlice(0)->getRegistration().isNull());
+  ASSERT_EQ(read.stack.getModel(0)->getNumItems(), 1);
+  EXPECT_EQ(read.stack.getModel(0)->getItem(0)->getVertices()[0], (Vector<int>{1, 1}));
+  EXPECT_FALSE(read.stack.getModel(0)->getItemProperties().definesColor());
+}
+
+TEST(StackFileContext, PropertiesGoToTheItemOrItsModel)
+{
+  ReadStack read("STACK \"s\"; SLICE \"a\" \"\"; MODEL \"m\"; COLOR 256 -1 3; HIDDEN3D true; MODELITEM \"m\" \"a\";"
+                 "POINTSIZE 2; MODELITEMDATA 1,1; MODELITEMDATA 2,2 3,3; MODEL \"n\"; MODELITEM \"n\" \"a\";");
+  EXPECT_THAT(read.log(), IsEmpty());
+  const Model& model = *read.stack.getModel(0);
+  EXPECT_THAT(model.getItemProperties().getColor(), ElementsAre(0, 255, 3));
+  EXPECT_FALSE(model.getItemProperties().getRenderingVisibility());
+  EXPECT_FALSE(model.getItemProperties().definesPointSize());
+  EXPECT_TRUE(model.getItem(0)->getProperties().definesPointSize());
+  EXPECT_EQ(model.getItem(0)->getSize(), 2); // data that comes again replaces
+  EXPECT_FALSE(model.getProperties().hasBeginCapFlag());
+  EXPECT_EQ(read.stack.getModel(1)->getNumItems(), 1);
+  EXPECT_EQ(read.stack.getSlice(0)->getNumItems(), 2);
+}
+
+TEST(StackFileLexing, ReadsWhatPeopleWrite)
+{
+  const struct
+  {
+    const char* name;
+    const char* text;
+  } cases[] = {
+      {"plain", "POINTSIZE 2;\nSHIFT 3 -4;\n"},
+      {"carriage returns and tabs", "POINTSIZE\t2;\r\nSHIFT 3\t-4;\r\n"},
+      {"one line", "POINTSIZE 2;SHIFT 3 -4;;; ;"},
+      {"many lines", "POINTSIZE\n2\n;SHIFT\n\n3\n-4;"},
+      {"comments", "# POINTSIZE 9;\nPOINTSIZE 2 # not 9;\n;SHIFT 3 #\n-4; # end"},
+      {"quotes and signs", "\"POINTSIZE\" \"2\"; SHIFT +3 \"-4\";"},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    ReadStack read(smallStack + std::string(c.text));
+    EXPECT_THAT(read.log(), IsEmpty());
+    EXPECT_EQ(read.stack.getModel(0)->getItem(0)->getProperties().getPointSize(), 2);
+    EXPECT_EQ(read.stack.getSlice(0)->getRegistration(), Registration(3, -4, 0));
+  }
+}
+
+TEST(StackFileLexing, TakesTheCharacterBeforeAHashAway)
+{
+  ReadStack read(
+      "\xEF\xBB\xBF# first line\nSTACK \"s\"; RELPOSITION 12# the 2 is lost\n; LengthUnitScale -9;# so is the ;\n;");
+  EXPECT_THAT(read.log(), IsEmpty());
+  EXPECT_EQ(read.stack.getDefaultRelativePosition(), 1);
+  EXPECT_EQ(read.stack.getLengthUnit().getScale(), -9);
+}
+
+TEST(StackFileLexing, LogsAStatementWithoutEnd)
+{
+  ReadStack read("STACK \"s\"; RELPOSITION 5; RELPOSITION 6");
+  EXPECT_THAT(read.log(), ElementsAre("Error on RELPOSITION: invalid argument."));
+  EXPECT_EQ(read.stack.getDefaultRelativePosition(), 5);
+}
+
+TEST(StackFileLexing, KeepsBlanksInsideQuotes)
+{
+  ReadStack read("STACK \" a  b\n\tc \"; Annotation \"\"; SLICE \"x\"y\" \" \";");
+  EXPECT_THAT(read.log(), IsEmpty());
+  EXPECT_EQ(read.stack.getName(), " a  b  c ");
+  EXPECT_EQ(read.stack.getSlice(0)->getName(), "x\"y");
+}
+
+TEST(StackFileKeywords, OlderSpellingsMeanTheSame)
+{
+  const char* const older =
+      "STACK \"s\"; RELDEPTH 2; ASPRATIO 0.5; IMAGESDIR \"d\"; SLICE \"a\" \"a.tif\"; DEPTH 7; ASPECT 3;"
+      "IMAGESPATH \"e\"; SLICE \"b\" \"b.tif\"; M2DCLASS \"m\"; M2DPRIMITIVE Polypoint; M2DCOLOR 1 2 3;"
+      "M2DFILLEDIN false; M2DHIDDEN3D true; M2DRADIUS 4; M2DTHICKNESS 5; M2DITEM \"m\" \"a\"; M2DDATA 1,2;";
+  const char* const current =
+      "STACK \"s\"; RELPOSITION 2; PIXASPECT 0.5; ImagesPath \"d\"; SLICE \"a\" \"a.tif\"; POSITION 7; PIXASPECT 3;"
+      "ImagesPath \"e\"; SLICE \"b\" \"b.tif\"; MODEL \"m\"; PRIMITIVE Polypoint; COLOR 1 2 3;"
+      "FILLEDIN false; HIDDEN3D true; POINTSIZE 4; THICKNESS 5; MODELITEM \"m\" \"a\"; MODELITEMDATA 1,2;";
+  const TemporaryFolder folder;
+  std::string texts[2];
+  for (int i = 0; i < 2; ++i)
+  {
+    StackReader reader;
+    Stack stack;
+    reader.read(stack, folder.write("in.sdf", i == 0 ? older : current));
+    EXPECT_THAT(reader.getLog(), IsEmpty());
+    texts[i] = textOf(stack, folder);
+  }
+  EXPECT_EQ(texts[0], texts[1]);
+  EXPECT_THAT(texts[0], testing::HasSubstr("MODELITEMDATA 1,2;"));
+}
+
+TEST(StackFileCalibration, CountsWhatIsStatedInAnyOrder)
+{
+  const struct
+  {
+    const char* statements;
+    float width, height;
+  } cases[] = {
+      {"", 2, 1},
+      {"PIXWIDTH 4;", 4, 2},
+      {"PIXASPECT 3;", 2, 6},
+      {"PIXHEIGHT 8;", 2, 8},
+      {"PIXHEIGHT 8; PIXWIDTH 16;", 16, 8},
+      {"PIXWIDTH 16; PIXHEIGHT 8;", 16, 8},
+      {"PIXHEIGHT 8; PIXASPECT 4;", 2, 8},
+      {"PIXASPECT 4; PIXHEIGHT 10;", 2.5f, 10},
+      {"PIXHEIGHT 8; PIXASPECT 4; PIXWIDTH 1;", 1, 4},
+      {"PIXWIDTH 1; PIXASPECT 4; PIXHEIGHT 8;", 1, 4},
+  };
+  for (const auto& c : cases)
+  {
+    ReadStack read(std::string("STACK \"s\"; PIXASPECT 0.5; PIXWIDTH 2; SLICE \"a\" \"\";") + c.statements +
+                   "SLICE \"b\" \"\"; LengthUnitScale -3;");
+    EXPECT_THAT(read.log(), IsEmpty());
+    const PixelCalibration& calibration = read.stack.getSlice(0)->getPixelCalibration();
+    EXPECT_EQ(calibration.getPixelWidth(), c.width) << c.statements;
+    EXPECT_EQ(calibration.getPixelHeight(), c.height) << c.statements;
+    EXPECT_EQ(calibration.getAspectRatio(), c.height / c.width) << c.statements;
+    EXPECT_EQ(calibration.getLengthUnit().getScale(), -3);
+    EXPECT_EQ(read.stack.getSlice(1)->getPixelCalibration(), read.stack.getDefaultPixelCalibration());
+  }
+}
+
+TEST(StackFileImages, LieInTheImagesPathOfTheirStatement)
+{
+  ReadStack read("STACK \"s\"; SLICE \"0\" \"0.tif\"; ImagesPath \"a/b\"; SLICE \"1\" \"1.tif\"; ImagesPath \"../c\";"
+                 "SLICE \"2\" \"2.tif\"; SLICE \"3\" \"/x/3.tif\"; ImagesPath \"\"; SLICE \"4\" \"d/4.tif\";"
+                 "ImagesPath \"/y\"; SLICE \"5\" 2 2; IMAGE 2 1 \"5.tif\"; IMAGE 3 1 \"6.tif\"; SLICE \"6\" \"\";");
+  EXPECT_THAT(read.log(), ElementsAre("Error on IMAGE: invalid argument."));
+  const std::string folder = read.folder.getPath();
+  const std::string parent = std::filesystem::path(folder).parent_path().string();
+  const std::string expected[] = {folder + "/0.tif", folder + "/a/b/1.tif", parent + "/c/2.tif", "/x/3.tif",
+                                  folder + "/d/4.tif"};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(fileOf(*read.stack.getSlice(i)), expected[i]);
+  const auto& mosaic = static_cast<const ImageSourceFileMosaic&>(*read.stack.getSlice(5)->getImageSource());
+  EXPECT_EQ(mosaic.getFilename(1, 0), "/y/5.tif");
+  EXPECT_EQ(mosaic.getFilename(0, 0), "");
+  EXPECT_TRUE(read.stack.getSlice(6)->isEmpty());
+}
+
+TEST(StackFileImages, HaveTheStatedSizeWhenTheyAreMissing)
+{
+  ReadStack read(
+      "STACK \"s\"; StackSlice \"a\" \"a.tif\" 3; SliceSize1 20; SliceSize2 30; StackSlice \"b\" \"b.VM\" 0;");
+  EXPECT_EQ(read.stack.getSlice(0)->height(), 20);
+  EXPECT_EQ(read.stack.getSlice(0)->width(), 30);
+  EXPECT_EQ(read.stack.getSlice(1)->getImageSource()->getType(), ImageSourceType::VoxelMatrixFilePlane);
+  EXPECT_THROW(read.stack.getSlice(1)->width(), FileError);
+}

@@ -1,0 +1,207 @@
+#include "image/imagesourcefile.h"
+#include "image/imagesourcetiffstackplane.h"
+#include "tests/support/errors.h"
+#include "tests/support/stackfiles.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace
+{
+/// Files of this process cannot grow beyond a size, as on a full disk.
+class FileSizeLimit
+{
+public:
+  explicit FileSizeLimit(rlim_t size)
+  {
+    getrlimit(RLIMIT_FSIZE, &_old);
+    _handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {size, _old.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit()
+  {
+    setrlimit(RLIMIT_FSIZE, &_old);
+    std::signal(SIGXFSZ, _handler);
+  }
+
+private:
+  rlimit _old = {};
+  void (*_handler)(int);
+};
+
+StackSlice& addSlice(Stack& stack, const std::string& name, const std::string& file)
+{
+  StackSlice& slice = stack.addSlice(std::make_unique<StackSlice>());
+  slice.setName(name);
+  slice.setImageSource(ImageSourceFile(file));
+  slice.setPixelCalibration(stack.getDefaultPixelCalibration());
+  return slice;
+}
+
+void setPixelWidth(Stack& stack, float width)
+{
+  PixelCalibration calibration = stack.getDefaultPixelCalibration();
+  calibration.setPixelWidth(width);
+  calibration.compute();
+  stack.setDefaultPixelCalibration(calibration);
+}
+} // namespace
+
+TEST(StackFileText, IsWrittenInItsOrder)
+{
+  const TemporaryFolder folder;
+  Stack stack;
+  stack.setName("rat");
+  stack.setAnnotation("a;\n\"b\" #1");
+  stack.setDefaultSliceSpacing(0.5f);
+  StackSlice& first = addSlice(stack, "s 1", folder.file("a.tif"));
+  first.setRegistration(Registration(-3, 0, 12.345f));
+  StackSlice& second = addSlice(stack, "s2", folder.file("x/b.tif"));
+  second.setAbsolutePosition(0.004f);
+  second.setAnnotation("note");
+  PixelCalibration calibration = second.getPixelCalibration();
+  calibration.setAspectRatio(0.5f);
+  second.setPixelCalibration(calibration);
+  ImageSourceTiffStackPlane plane(folder.file("c.tif"), 7);
+  plane.setFallbackSize(4, 5);
+  StackSlice& third = addSlice(stack, "s3", "");
+  third.setImageSource(plane);
+  third.setRelativePosition(0.501f); // reads as the default
+  Model& model = stack.addModel(std::make_unique<Model>("m"));
+  model.getProperties().setEndCapFlag(true);
+  ModelItem& item = ModelItem::create(model, second);
+  item.appendVertex(Vector<int>{1, -2});
+  item.appendVertex(Vector<int>{30, 4});
+  item.getProperties().setRenderingVisibility(false);
+  item.getProperties().setColor(1, 2, 3);
+  item.setTriangulationTag(CurveStackTriangulationContourTag::End);
+  Pose pose(&stack);
+  pose.setName("p");
+  pose.setYRotation(-90.9f);
+  stack.addPose(&pose);
+  const std::string text = textOf(stack, folder);
+  stack.removePose(0);
+  EXPECT_EQ(text, "FileFormatVersion 1.05;\nSTACK \"rat\";\nLengthUnitScale -6;\nPIXASPECT 1.00;\nPIXWIDTH 1.00;\n"
+                  "RELPOSITION 0.50;\nLASTSEGMENTEDSLICE \"\";\nLASTREGISTEREDSLICE \"\";\n"
+                  "Annotation \"a__SC____NL____DQ__b__DQ__ __HA__1\";\nAbsoluteImagesPathPolicy false;\n"
+                  "InvertZAxis false;\n"
+                  "SLICE \"s 1\" \"a.tif\";\nROTATE 12.35;\nSHIFT -3 0;\n"
+                  "ImagesPath \"x\";\nSLICE \"s2\" \"b.tif\";\nPOSITION 0.004;\nPIXASPECT 0.50;\nAnnotation \"note\";\n"
+                  "ImagesPath \".\";\nStackSlice \"s3\" \"c.tif\" 7;\nSliceSize1 4;\nSliceSize2 5;\n"
+                  "MODEL \"m\";\nBRILLIANCY 32.00;\nCOLOR 255 0 0;\nECORENDERING false;\nFILLEDIN true;\n"
+                  "HIDDEN3D false;\nPOINTSIZE 1.00;\nPRIMITIVE Polygon;\nRENDERINGMODE Surface;\nRESAMPLING 100 100;\n"
+                  "MeshVertexSmoothing 0;\nMeshNormalSmoothing 0;\nTHICKNESS 1.00;\nTRANSPARENCY 255.00;\n"
+                  "VERTEXSYMBOL Sphere;\nEndCap true;\n"
+                  "MODELITEM \"m\" \"s2\";\nCOLOR 1 2 3;\nHIDDEN3D true;\nTriangulationTag End;\n"
+                  "MODELITEMDATA 1,-2 30,4;\n"
+                  "POSE \"p\";\nPOSEROTATION 0 -90 0;\nPOSESHIFT 0 0;\nPOSEZOOM 100;\nAMBIENTLIGHT 0;\n"
+                  "DIFFUSELIGHT 0;\nSPECULARLIGHT 0;\n");
+}
+
+TEST(StackFileText, NamesImagesAbsolutelyByPolicy)
+{
+  const TemporaryFolder folder;
+  Stack stack;
+  stack.setAbsoluteImagesPathPolicy(true);
+  addSlice(stack, "a", folder.file("a.tif"));
+  EXPECT_THAT(textOf(stack, folder), HasSubstr("ImagesPath \"" + folder.getPath() + "\";\nSLICE \"a\" \"a.tif\";\n"));
+}
+
+TEST(StackSaving, LeavesTheOldFileWhenItFails)
+{
+  const TemporaryFolder folder;
+  const std::string old = folder.write("old.sdf", "old");
+  Stack stack;
+  Model& model = stack.addModel(std::make_unique<Model>("m"));
+  ModelItem::create(model, addSlice(stack, "s", "a.tif")).setVertices(Vertices<int>(2, 1000000));
+  {
+    const FileSizeLimit full(1 << 20);
+    expectError<FileWriteError>("File too large", [&] { StackWriter().write(stack, old); });
+  }
+  stack.deleteModel(0);
+  expectError<FileWriteError>("No such file", [&] { StackWriter().write(stack, folder.file("none/new.sdf")); });
+  expectError<FileWriteError>("Is a directory", [&] { StackWriter().write(stack, folder.getPath()); });
+  expectError<FileWriteError>("Not a regular file", [&] { StackWriter().write(stack, "/dev/full"); });
+  stack.getSlice(0)->setImageSource(ImageSourceFile("tab\t.tif"));
+  expectError<FileWriteError>("must not hold", [&] { StackWriter().write(stack, old); });
+  stack.setDefaultRelativePosition(std::numeric_limits<float>::infinity());
+  expectError<FileWriteError>("not finite", [&] { StackWriter().write(stack, old); });
+  StackWriter cancelled;
+  stack.clear();
+  for (int i = 0; i < 1000; ++i) addSlice(stack, "s", "a.tif");
+  class Stopper : public ProgressObserver
+  {
+  public:
+    explicit Stopper(ProgressSubject& subject) : _subject(subject) { subject.addObserver(*this); }
+    void started(const std::string&) override {}
+    void progressed(double) override { _subject.cancel(); }
+    void finished() override {}
+
+  private:
+    ProgressSubject& _subject;
+  } stopper(cancelled);
+  EXPECT_THROW(cancelled.write(stack, old), Cancelled);
+  EXPECT_EQ(contentOf(old), "old");
+  EXPECT_EQ(folder.getNumFiles(), 1); // nothing is left beside it
+}
+
+TEST(StackSaving, KeepsLinksAndPermissions)
+{
+  const TemporaryFolder folder;
+  const std::string target = folder.write("deep/target.sdf", "old");
+  chmod(target.c_str(), 0640);
+  std::filesystem::create_symlink("deep/target.sdf", folder.file("link.sdf"));
+  std::filesystem::create_symlink("deep/new.sdf", folder.file("dangling.sdf"));
+  for (const char* link : {"link.sdf", "dangling.sdf"})
+  {
+    StackWriter().write(Stack(), folder.file(link));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file(link)));
+    EXPECT_THAT(contentOf(folder.file(link)), HasSubstr("STACK"));
+  }
+  struct stat status = {};
+  stat(target.c_str(), &status);
+  EXPECT_EQ(status.st_mode & 0777, 0640u);
+  EXPECT_TRUE(std::filesystem::exists(folder.file("deep/new.sdf")));
+}
+
+TEST(StackWarnings, NameWhatTwoDecimalsLose)
+{
+  const TemporaryFolder folder;
+  const auto warnings = [&folder](const Stack& stack)
+  {
+    StackWriter writer;
+    writer.write(stack, folder.file("out.sdf"));
+    return writer.getWarnings();
+  };
+  Stack stack;
+  setPixelWidth(stack, 0.001f); // has its own decimals
+  StackSlice& slice = addSlice(stack, "s", "a.tif");
+  slice.setRelativePosition(1.235f); // 0.4%
+  EXPECT_THAT(warnings(stack), IsEmpty());
+  setPixelWidth(stack, 0.0645f);
+  slice.setPixelCalibration(stack.getDefaultPixelCalibration());
+  slice.setRelativePosition(0.0149f);
+  EXPECT_THAT(
+      warnings(stack),
+      ElementsAre("Stack: the pixel width 0.0645 micrometer is written as 0.06; the length unit nanometer would "
+                  "keep it.",
+                  "Slice \"s\": the relative position 0.0149 micrometer is written as 0.01; the length unit "
+                  "nanometer would keep it."));
+  stack.convertLengthUnit(-9);
+  EXPECT_THAT(warnings(stack), IsEmpty());
+  addSlice(stack, "s", "b.tif").setAnnotation("__NL__");
+  ModelItem loose(&stack.addModel(std::make_unique<Model>("m")));
+  loose.attach();
+  EXPECT_THAT(warnings(stack), ElementsAre(HasSubstr("annotation holds"), HasSubstr("several slices named \"s\""),
+                                           HasSubstr("1 items lie on no slice")));
+}
