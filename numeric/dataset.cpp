@@ -108,14 +108,12 @@ template <ColumnType T> Vector<T>& DataSet::ensureColumn(const std::string& name
 void DataSet::growTo(int numRows)
 {
   if (numRows <= _numRows) return;
-  for (Column& column : _columns)
-    std::visit(
-        [this, numRows]<class T>(Vector<T>& values)
-        {
-          reserve(values, _numRows, numRows);
-          std::fill(values.begin() + _numRows, values.begin() + numRows, T());
-        },
-        column.values);
+  const auto grow = [this, numRows]<class T>(Vector<T>& values)
+  {
+    reserve(values, _numRows, numRows);
+    std::fill(values.begin() + _numRows, values.begin() + numRows, T());
+  };
+  for (Column& column : _columns) std::visit(grow, column.values);
   _numRows = numRows;
 }
 
@@ -203,9 +201,11 @@ void DataSet::append(const DataSet& other)
   const int first = _numRows;
   growTo(first + added._numRows);
   for (Column& column : _columns)
-    std::visit([&]<class T>(Vector<T>& values)
-               { values.paste(first, added.valuesOf<T>(column.name, where).copy(0, added._numRows)); },
-               column.values);
+  {
+    const auto paste = [&]<class T>(Vector<T>& values)
+    { values.paste(first, added.valuesOf<T>(column.name, where).copy(0, added._numRows)); };
+    std::visit(paste, column.values);
+  }
 }
 
 #define NUMERIC_INSTANTIATE_COLUMN(T)                                                                                  \

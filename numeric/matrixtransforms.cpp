@@ -48,11 +48,13 @@ template <class T> void Matrix<T>::leftHouseholderTransform(const Vector<T>& v, 
     for (int j = column; j < _size2; ++j)
       products[j - column] += factor * static_cast<Wide>(v[i]) * static_cast<Wide>((*this)(row + i, j));
   for (int i = 0; i < v.getSize(); ++i)
+  {
     for (int j = column; j < _size2; ++j)
     {
       T& element = (*this)(row + i, j);
       element = static_cast<T>(static_cast<Wide>(element) - static_cast<Wide>(v[i]) * products[j - column]);
     }
+  }
 }
 
 template <class T> void Matrix<T>::rightHouseholderTransform(const Vector<T>& v, int row, int column)
