@@ -9,8 +9,8 @@ void makeBackups(const QString& file, int maxNumBackups)
   for (int k = maxNumBackups; k >= 1; --k)
   {
     if (!QFile::exists(backup(k))) continue;
-    if (k < maxNumBackups) QFile::copy(backup(k), backup(k + 1));
-    QFile::remove(backup(k));
+    // Moved rather than copied, so that a full disk costs no older backup.
+    k < maxNumBackups ? QFile::rename(backup(k), backup(k + 1)) : QFile::remove(backup(k));
   }
   QFile::copy(file, backup(1));
 }

@@ -262,14 +262,18 @@ void make(const fs::path& folder)
 
 int main(int argc, char** argv)
 {
-  if (argc != 2)
+  const std::string argument = argc == 2 ? argv[1] : "";
+  if (argument == "--version") std::cout << "make_specimen " MIRELO_VERSION "\n";
+  if (argument == "--help") std::cout << "Usage: make_specimen FOLDER\nMakes the example stack in a folder.\n";
+  if (argument == "--version" || argument == "--help") return 0;
+  if (argument.empty())
   {
     std::cerr << "Usage: make_specimen FOLDER\n";
     return 2;
   }
   try
   {
-    make(fs::absolute(argv[1]));
+    make(fs::absolute(argument));
     return 0;
   }
   catch (const Exception& error)

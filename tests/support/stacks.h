@@ -28,8 +28,10 @@ inline StackSlice& addSlice(Stack& stack, int width, int height, const Registrat
 inline void setPixelSize(StackSlice& slice, float width, float height)
 {
   PixelCalibration calibration;
+  calibration.clearFlags();
   calibration.setPixelWidth(width);
   calibration.setPixelHeight(height);
+  calibration.compute();
   slice.setPixelCalibration(calibration);
 }
 
