@@ -33,31 +33,51 @@ SurfaceCaps surfaceCaps(const std::vector<std::string>& names)
   return caps;
 }
 
-void createDirectory(const std::string& directory)
+/// The folder that the surfaces go to, made when it is missing and taken away again unless it is kept.
+class OutputFolder
 {
-  std::error_code error;
-  std::filesystem::create_directories(directory, error);
-  if (error) throw BatchError(directory + ": cannot create the folder: " + error.message());
-}
+public:
+  explicit OutputFolder(const std::string& name) : _name(name)
+  {
+    std::error_code error;
+    _isNew = std::filesystem::create_directories(name, error);
+    if (error) throw BatchError(name + ": cannot create the folder: " + error.message());
+  }
+  OutputFolder(const OutputFolder&) = delete;
+  OutputFolder& operator=(const OutputFolder&) = delete;
+  ~OutputFolder()
+  {
+    std::error_code notEmpty; // what was written stays
+    if (_isNew) std::filesystem::remove(_name, notEmpty);
+  }
+
+  void keep() { _isNew = false; }
+
+private:
+  std::string _name;
+  bool _isNew;
+};
 
 ExitStatus exportSurfaces(const Arguments& arguments)
 {
   const StackFile file = requireStackFile(arguments.stack);
-  const std::vector<const Model*> models = selectModels(*file.stack, arguments.models);
-  createDirectory(arguments.directory);
+  const std::vector<const Model*> models = selectModels(file, arguments.models);
   StackReconstruction<float> reconstruction(*file.stack);
+  OutputFolder folder(arguments.directory);
   StackExporter exporter;
   exporter.setCaps(surfaceCaps(arguments.caps));
+  std::string failure;
   try
   {
     exporter.export2AsciiSTL(models, reconstruction, arguments.directory, file.stack->getName(), arguments.overwrite);
+    folder.keep();
   }
-  catch (const Exception&)
+  catch (const ValueError& error)
   {
-    for (const std::string& line : exporter.getWarnings()) warn(line);
-    throw;
+    failure = file.filename + ": " + error.getWhat();
   }
   for (const std::string& line : exporter.getWarnings()) warn(line);
+  if (!failure.empty()) throw BatchError(failure);
   return Done;
 }
 } // namespace
@@ -79,7 +99,8 @@ void addExportCommand(CLI::App& app, Run& run)
           "close the surface at tagged contours, at the first or the last level, or wherever it can be; repeatable")
       ->check(CLI::IsMember({"tagged", "first", "last", "all"}))
       ->allow_extra_args(false);
-  command->add_flag("--triangulate", arguments->triangulate, "join the drawn contours themselves, without resampling");
+  command->add_flag("--triangulate", arguments->triangulate,
+                    "join the drawn contours themselves, without resampling (at present always)");
   command->add_flag("--overwrite", arguments->overwrite, "replace existing files");
   command->callback([=, &run] { run = [=] { return exportSurfaces(*arguments); }; });
 }

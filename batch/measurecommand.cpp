@@ -34,6 +34,7 @@ Json modelRow(const Model& model)
   ModelMorphometry morphometry;
   morphometry.setModel(model);
   morphometry.run();
+  if (!morphometry.getWarning().empty()) warn(morphometry.getWarning());
   Json average = nullptr;
   if (const Vector<double>& center = morphometry.getIsobarycenter(); center.getSize() == 3 && std::isfinite(center[0]))
     average = {center[0], center[1], center[2]};
@@ -80,7 +81,7 @@ ExitStatus measure(const Arguments& arguments)
   if (!arguments.out.empty()) requireWritable(arguments.out, arguments.overwrite);
   const StackFile file = requireStackFile(arguments.stack);
   Json rows = Json::array();
-  for (const Model* model : selectModels(*file.stack, arguments.models)) rows.push_back(modelRow(*model));
+  for (const Model* model : selectModels(file, arguments.models)) rows.push_back(modelRow(*model));
   output(arguments, arguments.json ? toText(rows) : modelsTable(rows, file.stack->getLengthUnit().symbol()));
   return Done;
 }

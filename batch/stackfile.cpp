@@ -12,6 +12,7 @@
 StackFile readStackFile(const std::string& filename)
 {
   StackFile file;
+  file.filename = filename;
   file.stack = std::make_unique<Stack>();
   StackReader reader;
   TerminalProgress progress;
@@ -33,11 +34,12 @@ StackFile requireStackFile(const std::string& filename)
   return file;
 }
 
-std::vector<const Model*> selectModels(const Stack& stack, const std::vector<std::string>& names)
+std::vector<const Model*> selectModels(const StackFile& file, const std::vector<std::string>& names)
 {
+  const Stack& stack = *file.stack;
   for (const std::string& name : names)
   {
-    if (stack.findModel(name) < 0) throw BatchError("the stack has no model named " + name);
+    if (stack.findModel(name) < 0) throw BatchError(file.filename + ": the stack has no model named " + name);
   }
   std::vector<const Model*> selected;
   for (int i = 0; i < stack.getNumModels(); ++i)

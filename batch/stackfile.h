@@ -10,6 +10,7 @@ class Stack;
 /// A stack file as it was read, with what the reader logged.
 struct StackFile
 {
+  std::string filename;
   std::unique_ptr<Stack> stack;
   std::vector<std::string> log;
   float version = 0;
@@ -25,7 +26,7 @@ StackFile requireStackFile(const std::string& filename);
 
 /// The models of the given names in stack order, all models when none is named.
 /// \throw BatchError  the stack has no model of a name
-std::vector<const Model*> selectModels(const Stack& stack, const std::vector<std::string>& names);
+std::vector<const Model*> selectModels(const StackFile& file, const std::vector<std::string>& names);
 
 /// \throw BatchError  the file exists and must not be overwritten
 void requireWritable(const std::string& filename, bool overwrite);

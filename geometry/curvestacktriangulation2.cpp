@@ -332,7 +332,7 @@ TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Cu
 template <class T> void CurveStackTriangulation2<T>::appendCurveTriangulation(const MeshCurve& curve, bool isEndCap)
 {
   if (curve.curve->isOpen()) return;
-  const bool isReversed = curve.curve->isClockwise(0, 1);
+  const bool isReversed = curve.curve->twiceArea(0, 1) < 0;
   const bool facesUp = isEndCap != _descending;
   const int last = curve.curve->getSize() - 1;
   const auto index = [&](int k) { return curve.offset + (isReversed ? last - k : k); };

@@ -57,8 +57,13 @@ template <class T> bool isStepOnB(const ContourWalk<T>& a, const ContourWalk<T>&
 template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>& b)
 {
   const int n = std::max(a.getSize(), b.getSize());
-  Curve<T> matched = a.resample(n);
-  matched.match(b.resample(n));
+  Curve<T> matched = a.resample(n), reference = b.resample(n);
+  // The best shift does not depend on the origin, but far from it the sums would lose their digits.
+  const Vector<T> center = reference.cog();
+  matched.translate(-center);
+  reference.translate(-center);
+  matched.match(reference);
+  matched.translate(center);
   const T* const start = std::as_const(matched).data();
   int nearest = 0;
   for (int i = 1; i < a.getSize(); ++i)

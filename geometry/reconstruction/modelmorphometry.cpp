@@ -77,6 +77,7 @@ void ModelMorphometry::clear()
   _mainAxes.setSize(space);
   _mainAxes.fill(notAvailableValue);
   _matchingCoordinateAxes.setZeros(space);
+  _warning.clear();
 }
 
 void ModelMorphometry::run()
@@ -112,11 +113,12 @@ void ModelMorphometry::measureVertices(const VertexStack<double>& vertices)
   }
 }
 
-double ModelMorphometry::area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const
+double ModelMorphometry::area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves)
 {
   if (!simpleCurveStack(withoutDegenerateCurves(curves))) return -1;
   ModelSurface<double> surface(reconstruction);
   surface.apply(*_model);
+  _warning = surface.getWarning();
   return surface.getTriMesh().area();
 }
 

@@ -4,6 +4,8 @@
 #include "geometry/reconstruction/stackreconstruction.h"
 #include "numeric/squarematrix.h"
 
+#include <string>
+
 /// Measures of a reconstructed model, in the stack's length unit, its square and its cube.
 ///
 /// What a model does not have is NaN: area and volume by its geometry, everything but the numbers without vertices.
@@ -39,12 +41,15 @@ public:
   /// For each main axis, the coordinate axis (0, 1 or 2) of its largest component.
   const Vector<int>& getMatchingCoordinateAxes() const { return _matchingCoordinateAxes; }
 
+  /// One line about the contours that the last run() left out of the area; empty when there are none.
+  const std::string& getWarning() const { return _warning; }
+
   /// True when no two consecutive curves have exactly the same height.
   bool simpleCurveStack(const CurveStack<double>& stack) const { return !stack.isBranching(); }
 
 private:
   void measureVertices(const VertexStack<double>& vertices);
-  double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
+  double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves);
   double slabVolume(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
 
   const Model* _model = nullptr;
@@ -57,4 +62,5 @@ private:
   Vector<double> _mainAxesLengths;
   SquareMatrix<double> _mainAxes;
   Vector<int> _matchingCoordinateAxes;
+  std::string _warning;
 };

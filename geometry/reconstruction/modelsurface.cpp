@@ -25,6 +25,14 @@ std::string warningAbout(const Model& model, const std::vector<const ModelItem*>
   return text;
 }
 
+/// Turns closed curves clockwise in the x-y plane. The sense is that of the drawn pixels, which is exact in any length
+/// unit; the maps mirror it, because rows run downwards and y upwards.
+template <class T> void orient(CurveStack<T>& curves, const std::vector<const ModelItem*>& items)
+{
+  for (int i = 0; i < curves.getNumCurves(); ++i)
+    if (items[i]->isClockwise()) curves.level(i).reverse();
+}
+
 } // namespace
 
 template <class T> void ModelSurface<T>::apply(const Model& model)
@@ -34,7 +42,8 @@ template <class T> void ModelSurface<T>::apply(const Model& model)
   if (!curves)
     throw UsageError("void ModelSurface<T>::apply(const Model&)",
                      "Model " + quoted(model.getName()) + " consists of points, which have no surface");
-  for (int i = 0; i < curves->getNumCurves(); ++i) curves->level(i).setClockwise(true, 0, 1);
+  const std::vector<const ModelItem*> items = _reconstruction.itemsInStackOrder(model);
+  orient(*curves, items);
 
   CurveStackTriangulation2<T> triangulation;
   triangulation.setContourTags(_reconstruction.contourTags(model));
@@ -43,8 +52,8 @@ template <class T> void ModelSurface<T>::apply(const Model& model)
   triangulation.setTriangulateLastCaps(_caps.last || (_caps.tagged && model.getProperties().getEndCapFlag()));
   triangulation.apply(*curves);
 
-  _numCurves = curves->getNumCurves();
-  _warning = warningAbout(model, _reconstruction.itemsInStackOrder(model), triangulation.getIgnoredCurves());
+  _numCurves = curves->getNumCurves() - static_cast<int>(triangulation.getIgnoredCurves().size());
+  _warning = warningAbout(model, items, triangulation.getIgnoredCurves());
   _mesh = triangulation.getTriMesh();
   _mesh.setName(model.getName());
 }

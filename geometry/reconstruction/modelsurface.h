@@ -28,7 +28,7 @@ public:
 
   /// The mesh of the last apply(), with the model's name.
   const TriMesh<T>& getTriMesh() const { return _mesh; }
-  /// Number of curves that the last apply() found.
+  /// Number of curves that the last apply() joined: those with an extent.
   int getNumCurves() const { return _numCurves; }
   /// One line about the contours that the last apply() left out because they have no extent; empty when there are none.
   const std::string& getWarning() const { return _warning; }

@@ -14,7 +14,8 @@ constexpr const char* exportSignature = "void StackExporter::export2AsciiSTL(...
 void requireFilename(const std::string& name)
 {
   if (name.find('/') != std::string::npos)
-    throw ValueError(exportSignature, "\"" + name + "\" cannot be part of a file name");
+    throw ValueError(exportSignature,
+                     "The name \"" + name + "\" of the stack or a model cannot be part of a file name");
 }
 
 std::string basePath(const std::string& directory, const std::string& prefix)
@@ -101,6 +102,11 @@ void StackExporter::exportModel(const Model& model, const StackReconstruction<fl
   surface.apply(model);
   if (!surface.getWarning().empty()) _warnings.push_back(surface.getWarning());
   if (surface.getNumCurves() < 2) return;
+  if (surface.getTriMesh().getNumTriangles() == 0)
+  {
+    _warnings.push_back("Model \"" + model.getName() + "\": no two contours can be joined, nothing is written");
+    return;
+  }
   OutputFile file(filename, true, exportSignature);
   surface.getTriMesh().export2AsciiSTL(file.stream());
   file.commit();

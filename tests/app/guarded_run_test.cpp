@@ -43,10 +43,12 @@ TEST(GuardedRun, CatchesWhatAnEventHandlerThrows)
 {
   QObject receiver;
   testing::internal::CaptureStdout();
-  const int result = guardedRun([&] {
-    QTimer::singleShot(0, &receiver, [] { throw SizeError("f()", "no contour"); });
-    return QApplication::exec();
-  });
+  const int result = guardedRun(
+      [&]
+      {
+        QTimer::singleShot(0, &receiver, [] { throw SizeError("f()", "no contour"); });
+        return QApplication::exec();
+      });
   EXPECT_EQ(result, 0);
   EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::StartsWith("*** Exception ***\nException raised:\n"));
 }

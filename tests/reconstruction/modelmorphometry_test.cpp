@@ -130,6 +130,31 @@ TEST_F(ModelMorphometryTest, MeasuresOnlyWhatAGeometryHas)
   expectError<UsageError>("no model", [] { ModelMorphometry().run(); });
 }
 
+// A nanometre in metres: areas far below any fixed tolerance still say in which sense a contour was drawn.
+TEST_F(ModelMorphometryTest, ContoursOfEitherSenseCountAlikeInAnyUnit)
+{
+  Stack stack;
+  stack.setDefaultRelativePosition(1e-8f);
+  Model& model = addModel(stack, "tiny", MPrimitive::Polygon);
+  for (int i = 0; i < 3; ++i)
+  {
+    StackSlice& slice = addSlice(stack, 20, 20);
+    setPixelSize(slice, 2e-9f, 2e-9f);
+    if (i == 1)
+      addItem(model, slice, {{0, 8}, {8, 8}, {8, 0}, {0, 0}});
+    else
+      addItem(model, slice, {{0, 0}, {8, 0}, {8, 8}, {0, 8}});
+  }
+  EXPECT_NEAR(measured(model).getArea() / (4 * 16e-9 * 2e-8), 1, 1e-6);
+}
+
+TEST_F(ModelMorphometryTest, TellsOfContoursWithoutExtent)
+{
+  Model& model = addModel(_stack, "line", MPrimitive::Polygon);
+  addItem(model, *_stack.getSlice(0), {{0, 0}, {8, 8}});
+  EXPECT_NE(measured(model).getWarning().find("slice 0"), std::string::npos);
+}
+
 TEST_F(ModelMorphometryTest, VolumeOfAnEllipsoidConverges)
 {
   // Half axes 30, 20 and 25 in space, drawn in pixels of 0.05.

@@ -61,6 +61,18 @@ protected:
   StackExporter _exporter;
 };
 
+TEST_F(StackExporterTest, WithoutTwoContoursToJoinNothingIsWritten)
+{
+  Model& lines = addModel(_stack, "lines", MPrimitive::Polygon);
+  for (int i = 0; i < 3; ++i) addItem(lines, *_stack.getSlice(i), {{0, 0}, {8, 8}});
+  Model& flat = addModel(_stack, "flat", MPrimitive::Polygon);
+  addItem(flat, *_stack.getSlice(0), square);
+  addItem(flat, *_stack.getSlice(0), farSquare);
+  exportAll();
+  EXPECT_TRUE(files().empty());
+  EXPECT_EQ(_exporter.getWarnings().size(), 2u);
+}
+
 } // namespace
 
 TEST_F(StackExporterTest, WritesOneFilePerSurface)
