@@ -34,7 +34,7 @@ int runWindows()
   auto* window = new NYXRootWindow; // deletes itself when the program quits
   const QStringList arguments = QCoreApplication::arguments();
   for (int i = 1; i < arguments.size(); ++i) window->startupOpenStack(arguments[i]);
-  return QCoreApplication::exec();
+  return QCoreApplication::exec(); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 }
 } // namespace
 
