@@ -23,10 +23,14 @@ constexpr auto usage = "Usage: mirelo [STACK.sdf ...]\n"
 /// Answers --help and --version, which need no display. False when there is a program to start.
 bool answersWithoutWindow(int argc, char** argv)
 {
-  const std::string_view first = argc > 1 ? argv[1] : "";
-  if (first == "--help") std::cout << usage;
-  if (first == "--version") std::cout << "mirelo " MIRELO_VERSION "\n";
-  return first == "--help" || first == "--version";
+  for (int i = 1; i < argc; ++i)
+  {
+    const std::string_view argument = argv[i];
+    if (argument == "--help") std::cout << usage;
+    if (argument == "--version") std::cout << "mirelo " MIRELO_VERSION "\n";
+    if (argument == "--help" || argument == "--version") return true;
+  }
+  return false;
 }
 
 int runWindows()

@@ -3,6 +3,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
+#include "app/nyxplaintext.h"
 #include "app/nyxplugin.h"
 #include "app/nyxpluginserver.h"
 #include "app/nyxpreferencesdialog.h"
@@ -22,6 +23,7 @@
 #include <QMessageBox>
 #include <QToolBar>
 
+#include <exception>
 #include <utility>
 
 NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
@@ -107,15 +109,14 @@ void NYXRootMediator::createEditActions()
 
 void NYXRootMediator::createSliceActions()
 {
-  const auto current = [this] { return _sliceList->currentSlice(); };
   _selectFirstSlice = createStackAction(tr("Select first slice"), tr("Go to the first slice"),
-                                        QKeySequence(Qt::Key_Home), [this] { selectSlice(0); });
+                                        QKeySequence(Qt::Key_Home), [this] { _sliceList->selectEnd(false); });
   _selectLastSlice = createStackAction(tr("Select last slice"), tr("Go to the last slice"), QKeySequence(Qt::Key_End),
-                                       [this] { selectSlice(_sliceList->numSlices() - 1); });
+                                       [this] { _sliceList->selectEnd(true); });
   _selectNextSlice = createStackAction(tr("Select next slice"), tr("Go to the next slice"),
-                                       QKeySequence(Qt::Key_PageDown), [=, this] { selectSlice(current() + 1); });
+                                       QKeySequence(Qt::Key_PageDown), [this] { _sliceList->selectNeighbour(1); });
   _selectPreviousSlice = createStackAction(tr("Select previous slice"), tr("Go to the previous slice"),
-                                           QKeySequence(Qt::Key_PageUp), [=, this] { selectSlice(current() - 1); });
+                                           QKeySequence(Qt::Key_PageUp), [this] { _sliceList->selectNeighbour(-1); });
   _selectFirstSlice->setIcon(QIcon(":/icons/first.svg"));
   _selectLastSlice->setIcon(QIcon(":/icons/last.svg"));
   _selectNextSlice->setIcon(QIcon(":/icons/next.svg"));
@@ -244,11 +245,6 @@ void NYXRootMediator::editPreferences()
   NYXPreferencesDialog(_window).exec();
 }
 
-void NYXRootMediator::selectSlice(int slice)
-{
-  _sliceList->select(slice);
-}
-
 void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
@@ -267,8 +263,10 @@ void NYXRootMediator::showSlice(int slice)
     return;
   }
   _sliceEditWidget->showSlice(slice < 0 ? nullptr : stack->getSlice(slice));
-  const QString name = slice < 0 ? tr("no slice") : QString::fromStdString(stack->getSlice(slice)->getName());
-  _statusBar->setSliceText(tr("slice %1 (%2 / %3)").arg(name).arg(slice + 1).arg(stack->getNumSlices()));
+  if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
+  const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
+  const QString place = QString("%1 / %2").arg(slice + 1).arg(stack->getNumSlices());
+  _statusBar->setSliceText(tr("slice %1 (%2)").arg(name, place));
 }
 
 /// Title, status bar and actions follow the current stack's name and modified flag.
@@ -296,8 +294,9 @@ void NYXRootMediator::updateRecentFilesMenu()
   _recentFilesMenu->clear();
   for (const QString& file : NYXSettings::settings().getRecentFilesList())
   {
-    QAction* action = _recentFilesMenu->addAction(QFileInfo(file).fileName(), this, [this, file] { openStack(file); });
-    action->setToolTip(QDir::toNativeSeparators(file));
+    QAction* action = _recentFilesMenu->addAction(QFileInfo(file).fileName().replace("&", "&&"), this,
+                                                  [this, file] { openStack(file); });
+    action->setToolTip(plainText(QDir::toNativeSeparators(file)));
     action->setStatusTip(action->toolTip());
   }
   _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
@@ -318,6 +317,12 @@ void NYXRootMediator::updatePluginActions()
   updateActions();
 }
 
+void NYXRootMediator::showPluginError(const QString& name, const std::string& reason)
+{
+  QMessageBox::warning(_window, tr("Plug-in error"),
+                       plainText(tr("%1 failed: %2").arg(name, QString::fromStdString(reason))));
+}
+
 void NYXRootMediator::pluginActionTriggered(int plugin)
 {
   NYXPlugin& chosen = NYXPluginServer::server().getPlugin(plugin);
@@ -327,8 +332,11 @@ void NYXRootMediator::pluginActionTriggered(int plugin)
   }
   catch (const Exception& error)
   {
-    QMessageBox::warning(_window, tr("Plug-in error"),
-                         tr("%1 failed: %2").arg(chosen.name(), QString::fromStdString(error.getWhat())));
+    showPluginError(chosen.name(), error.getWhat());
+  }
+  catch (const std::exception& error)
+  {
+    showPluginError(chosen.name(), error.what());
   }
 }
 

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QObject>
 
+#include <string>
+
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -70,7 +72,6 @@ private:
   NYXStackIO stackIO() const;
   void saveCurrentStack();
   void editPreferences();
-  void selectSlice(int slice);
   void showSlice(int slice);
   void showStackState();
   void updateActions();
@@ -78,6 +79,7 @@ private:
   void updateRecentFilesMenu();
   void updatePluginActions();
   void pluginActionTriggered(int plugin);
+  void showPluginError(const QString& name, const std::string& reason);
 
   NYXRootWindow* _window = nullptr;
   NYXStackListWidget* _stackList = nullptr;

@@ -13,8 +13,10 @@ NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
   : QStatusBar(parent), _stack(new QLabel(this)), _slice(new QLabel(this)), _progress(new QProgressBar(this))
 {
   setObjectName("rootStatusBar");
+  _stack->setTextFormat(Qt::PlainText);
   _stack->setObjectName("stackField");
   _stack->setToolTip(tr("The current stack; * when it has unsaved changes"));
+  _slice->setTextFormat(Qt::PlainText);
   _slice->setObjectName("sliceField");
   _slice->setToolTip(tr("The current slice and the number of slices"));
   _progress->setObjectName("progress");

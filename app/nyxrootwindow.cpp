@@ -58,7 +58,14 @@ NYXRootWindow::NYXRootWindow()
 
 NYXRootWindow::~NYXRootWindow()
 {
-  --__numRootWindows;
+  leave();
+}
+
+/// A window that closes counts no more, although it is deleted only later: the other may be asked to close before that.
+void NYXRootWindow::leave()
+{
+  if (_isCounted) --__numRootWindows;
+  _isCounted = false;
 }
 
 void NYXRootWindow::createMenus()
@@ -231,9 +238,13 @@ void NYXRootWindow::quit()
 
 void NYXRootWindow::closeEvent(QCloseEvent* event)
 {
-  if (__uponQuitting || __numRootWindows >= 2) return event->accept();
-  event->ignore();
-  quit();
+  if (!__uponQuitting && __numRootWindows < 2)
+  {
+    event->ignore();
+    return quit();
+  }
+  leave();
+  event->accept();
 }
 
 void NYXRootWindow::resizeEvent(QResizeEvent* event)

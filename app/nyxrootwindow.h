@@ -28,6 +28,7 @@ public:
   /// "Mirelo", or "Mirelo - " and the name.
   void setTitle(const QString& name);
 
+  /// Windows that are open: those that have not accepted to close.
   static int getNumRootWindows() { return __numRootWindows; }
   NYXRootMediator& mediator() const { return *_mediator; }
 
@@ -61,6 +62,8 @@ private:
   void restoreGeometryFromSettings();
   bool confirmQuit();
 
+  void leave();
+
   static int __numRootWindows;
   static bool __uponQuitting;
 
@@ -70,4 +73,5 @@ private:
   NYXRootBrowser* _browser;
   NYXRootSliceEditWidget* _sliceEditWidget;
   NYXRootMediator* _mediator;
+  bool _isCounted = true;
 };

@@ -1,5 +1,6 @@
 #include "app/nyxslicelistwidget.h"
 
+#include "app/nyxplaintext.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stack.h"
@@ -101,7 +102,7 @@ void NYXSliceListWidget::setStack(const Stack* stack)
       names.append(QString::fromStdString(model->getName()));
     }
     row->setData(dotsRole, colors);
-    row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : tr("Models: %1").arg(names.join(", ")));
+    row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : plainText(tr("Models: %1").arg(names.join(", "))));
   }
   filter(_filter->text());
   if (_list->count() > 0) _list->setCurrentRow(0);
@@ -118,9 +119,22 @@ int NYXSliceListWidget::currentSlice() const
   return _list->currentRow();
 }
 
-void NYXSliceListWidget::select(int slice)
+void NYXSliceListWidget::selectNeighbour(int direction)
 {
-  if (_list->count() > 0) _list->setCurrentRow(std::clamp(slice, 0, _list->count() - 1));
+  selectShown(_list->currentRow() + direction, direction);
+}
+
+void NYXSliceListWidget::selectEnd(bool last)
+{
+  last ? selectShown(_list->count() - 1, -1) : selectShown(0, 1);
+}
+
+void NYXSliceListWidget::selectShown(int from, int direction)
+{
+  for (int row = from; row >= 0 && row < _list->count(); row += direction)
+  {
+    if (!_list->isRowHidden(row)) return _list->setCurrentRow(row);
+  }
 }
 
 void NYXSliceListWidget::filter(const QString& text)

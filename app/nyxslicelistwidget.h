@@ -22,14 +22,18 @@ public:
   /// Index of the selected slice in the stack, -1 when there is none.
   int currentSlice() const;
 
-  /// Selects a slice; indices past the ends select the end.
-  void select(int slice);
+  /// Selects the next slice in a direction, 1 or -1, that the filter shows; past the ends nothing happens.
+  void selectNeighbour(int direction);
+
+  /// Selects the first or the last slice that the filter shows.
+  void selectEnd(bool last);
 
 signals:
   void currentSliceChanged(int slice);
 
 private:
   void filter(const QString& text);
+  void selectShown(int from, int direction);
 
   QLineEdit* _filter;
   QListWidget* _list;

@@ -5,6 +5,7 @@
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
+#include "app/nyxplaintext.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxstackerrordialog.h"
 #include "model/io/stackreader.h"
@@ -18,11 +19,33 @@
 
 namespace
 {
+constexpr int maxNumWarnings = 8; // that fit a message box
+
 QStringList toQStrings(const std::vector<std::string>& lines)
 {
   QStringList strings;
   for (const std::string& line : lines) strings.append(QString::fromStdString(line));
   return strings;
+}
+
+/// What a message box says; names in it are shown word for word.
+struct Message
+{
+  QString title;
+  QString text;
+  QString details;
+  QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+  QMessageBox::StandardButton preferred = QMessageBox::Ok;
+};
+
+/// Shows a warning and gives the button that was pressed.
+int warn(QWidget* parent, const Message& message)
+{
+  QMessageBox box(QMessageBox::Warning, message.title, message.text, message.buttons, parent);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(plainText(message.details));
+  box.setDefaultButton(message.preferred);
+  return box.exec();
 }
 
 QString withStackSuffix(const QString& filename)
@@ -68,8 +91,7 @@ void NYXStackIO::openStack(const QString& filename)
 
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
   {
-    QMessageBox::warning(_parent, tr("Error"),
-                         tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file));
+    warn(_parent, {tr("Error"), tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file), {}});
     return;
   }
   if (!reader.getLog().empty()) NYXStackErrorDialog(file, toQStrings(reader.getLog()), _parent).exec();
@@ -82,11 +104,8 @@ void NYXStackIO::showWarnings(const QString& filename, const StackWriter& writer
 {
   const QStringList lines = toQStrings(writer.getWarnings());
   if (lines.isEmpty()) return;
-  QMessageBox box(QMessageBox::Warning, tr("Saved with losses"),
-                  tr("%1 does not say all that the stack does.").arg(filename), QMessageBox::Ok, _parent);
-  box.setInformativeText(lines.mid(0, 5).join('\n'));
-  if (lines.size() > 5) box.setDetailedText(lines.join('\n'));
-  box.exec();
+  warn(_parent, {tr("Saved with losses"), tr("%1 does not say all that the stack does.").arg(filename),
+                 lines.mid(0, maxNumWarnings).join('\n')});
 }
 
 bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason)
@@ -113,10 +132,7 @@ bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
   QString reason;
   if (!write(stack, filename, reason))
   {
-    QMessageBox box(QMessageBox::Warning, tr("Error"), tr("Error: cannot write to ") + filename, QMessageBox::Ok,
-                    _parent);
-    box.setInformativeText(reason);
-    box.exec();
+    warn(_parent, {tr("Error"), tr("Error: cannot write to ") + filename, reason});
     showMessage({});
     return false;
   }
@@ -146,7 +162,20 @@ bool NYXStackIO::saveStackAs(NYXStack& stack)
   dialog.selectFile(QFileInfo(proposal).fileName());
   if (dialog.exec() != QDialog::Accepted) return false;
   settings.setOutputDirectory(dialog.directory().absolutePath());
-  return saveTo(stack, withStackSuffix(dialog.selectedFiles().value(0)));
+  const QString chosen = dialog.selectedFiles().value(0);
+  const QString file = withStackSuffix(chosen);
+  return mayReplace(chosen, file) && saveTo(stack, file);
+}
+
+/// The dialog has asked about the file that was typed; asks about the one that the suffix makes of it.
+bool NYXStackIO::mayReplace(const QString& typed, const QString& file) const
+{
+  if (file == typed || !QFileInfo::exists(file)) return true;
+  return warn(_parent, {tr("Save stack as"),
+                        tr("%1 exists already. Replace it?").arg(file),
+                        {},
+                        QMessageBox::Yes | QMessageBox::No,
+                        QMessageBox::No}) == QMessageBox::Yes;
 }
 
 bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
@@ -154,12 +183,10 @@ bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
   if (stack.getFilename().isEmpty()) return saveStackAs(stack);
   for (QString reason; !write(stack, stack.getFilename(), reason);)
   {
-    QMessageBox box(QMessageBox::Warning, tr("Write error"),
-                    tr("Stack ") + stack.displayName() + tr(":\nCould not write file ") + stack.getFilename(),
-                    QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, _parent);
-    box.setInformativeText(reason);
-    box.setDefaultButton(QMessageBox::Retry);
-    const int answer = box.exec();
+    const int answer =
+        warn(_parent, {tr("Write error"),
+                       tr("Stack ") + stack.displayName() + tr(":\nCould not write file ") + stack.getFilename(),
+                       reason, QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Retry});
     if (answer != QMessageBox::Retry) return answer == QMessageBox::Discard;
   }
   return true;
@@ -169,12 +196,10 @@ bool NYXStackIO::closeStack(NYXStack& stack)
 {
   if (stack.isModified())
   {
-    QMessageBox box(QMessageBox::Warning, tr("Closing stack..."),
-                    tr("Stack \"") + stack.displayName() + tr("\" has been modified."),
-                    QMessageBox::Save | QMessageBox::Ignore | QMessageBox::Cancel, _parent);
-    box.setInformativeText(tr("Ignore closes it without saving: its changes since the last save are lost."));
-    box.setDefaultButton(QMessageBox::Save);
-    const int answer = box.exec();
+    const int answer =
+        warn(_parent, {tr("Closing stack..."), tr("Stack \"") + stack.displayName() + tr("\" has been modified."),
+                       tr("Ignore closes it without saving: its changes since the last save are lost."),
+                       QMessageBox::Save | QMessageBox::Ignore | QMessageBox::Cancel, QMessageBox::Save});
     if (answer != QMessageBox::Save && answer != QMessageBox::Ignore) return false;
     if (answer == QMessageBox::Save && !writeBeforeClosing(stack)) return false;
   }

@@ -39,6 +39,7 @@ private:
   QString chooseStackFile();
   void showWarnings(const QString& filename, const StackWriter& writer) const;
   bool write(NYXStack& stack, const QString& filename, QString& reason);
+  bool mayReplace(const QString& typed, const QString& file) const;
   bool writeBeforeClosing(NYXStack& stack);
   bool saveTo(NYXStack& stack, const QString& filename);
   void showMessage(const QString& text, int milliseconds = 0) const;

@@ -3,6 +3,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
+#include "app/nyxplaintext.h"
 
 namespace
 {
@@ -16,7 +17,8 @@ NYXStack* stackOf(const QListWidgetItem* item)
 void describe(QListWidgetItem& item, const NYXStack& stack)
 {
   item.setText(stack.displayName() + (stack.isModified() ? "*" : ""));
-  item.setToolTip(stack.getFilename().isEmpty() ? NYXStackListWidget::tr("Not saved yet") : stack.getFilename());
+  item.setToolTip(stack.getFilename().isEmpty() ? NYXStackListWidget::tr("Not saved yet")
+                                                : plainText(stack.getFilename()));
 }
 } // namespace
 

@@ -17,6 +17,7 @@ struct Arguments
 
 ExitStatus convert(const Arguments& arguments)
 {
+  if (!arguments.out.ends_with(".sdf")) throw BatchError(arguments.out + ": the name of a stack file ends with .sdf");
   requireWritable(arguments.out, arguments.overwrite);
   const StackFile file = requireStackFile(arguments.in);
   StackWriter writer;

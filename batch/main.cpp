@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <exception>
+#include <iostream>
 #include <locale>
 #include <string>
 #include <vector>
@@ -45,7 +46,10 @@ ExitStatus parseAndRun(int argc, char** argv)
   {
     throw BatchError(describeArguments(app, {argv + 1, argv + argc}, error));
   }
-  return run();
+  const ExitStatus status = run();
+  std::cout.flush();
+  if (!std::cout) throw BatchError("standard output: not everything could be written");
+  return status;
 }
 } // namespace
 

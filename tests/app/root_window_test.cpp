@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
@@ -186,6 +187,25 @@ TEST(RootWindow, OpensStackFilesAndShowsTheirSlices)
   test.action("Select first slice")->trigger();
   test.action("Select previous slice")->trigger();
   EXPECT_EQ(slices.currentSlice(), 0);
+}
+
+TEST(RootWindow, NavigationKeepsToTheSlicesThatTheFilterShows)
+{
+  WindowTest test;
+  test.window().startupOpenStack(MIRELO_EXAMPLE);
+  auto& slices = *test.window().findChild<NYXSliceListWidget*>();
+  test.window().findChild<QLineEdit*>("sliceFilter")->setText("5"); // 005, 015 and 025
+  const struct
+  {
+    const char* action;
+    int slice;
+  } steps[] = {{"Select next slice", 5},  {"Select next slice", 15}, {"Select last slice", 25},
+               {"Select next slice", 25}, {"Select first slice", 5}, {"Select previous slice", 5}};
+  for (const auto& step : steps)
+  {
+    test.action(step.action)->trigger();
+    EXPECT_EQ(slices.currentSlice(), step.slice) << step.action;
+  }
 }
 
 TEST(RootWindow, DroppedFilesAreOpenedInOrder)

@@ -99,6 +99,23 @@ TEST(StackClosing, ClosingTheOnlyWindowCanBeCancelled)
   EXPECT_EQ(test.window().findChild<NYXRootStatusBar*>()->currentMessage(), "Exit canceled");
 }
 
+TEST(StackClosing, TheLastOfTwoWindowsClosedAtOnceAsks)
+{
+  WindowTest test;
+  auto* second = new NYXRootWindow;
+  addStack("cells", "/a.sdf", true);
+  const QStringList boxes =
+      answering({QMessageBox::Cancel},
+                [&]
+                {
+                  second->close();
+                  test.window().close(); // the second one is deleted only when the event loop runs again
+                });
+  EXPECT_EQ(boxes.size(), 1);
+  EXPECT_TRUE(test.window().isVisible());
+  EXPECT_EQ(numStacks(), 1);
+}
+
 TEST(StackSaving, AFailureIsSaidAndLeavesTheStackModified)
 {
   WindowTest test;

@@ -97,6 +97,7 @@ TEST_F(Batch, BadArgumentsAndInputGiveOneLine)
       {"measure missing.sdf --sheet models", "missing.sdf"},
       {"measure " + example + " --sheet moods", "moods"},
       {"convert " + example + " nowhere/new.sdf", "nowhere/new.sdf"},
+      {"convert " + example + " new.txt", "new.txt"}, // it could not be read back
   };
   for (const auto& c : cases)
   {
@@ -149,6 +150,14 @@ TEST_F(Batch, ConvertIsIdempotentAndKeepsExistingFiles)
 
   ASSERT_EQ(run("convert once.sdf precious.sdf --overwrite").status, 0);
   EXPECT_EQ(contents(folder / "precious.sdf"), contents(folder / "once.sdf"));
+}
+
+TEST_F(Batch, AResultThatCannotBeWrittenIsAnError)
+{
+  const std::string command = MIRELO_BATCH " info " + example + " >/dev/full 2>" + (folder / "err").string();
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  EXPECT_THAT(contents(folder / "err"), HasSubstr("standard output"));
 }
 
 TEST_F(Batch, InfoDescribesTheStack)
