@@ -101,14 +101,15 @@ void AtomicFile::write(std::string_view bytes)
   }
 }
 
-void AtomicFile::commit(Durability durability)
+void AtomicFile::commit(Durability durability, const std::function<void()>& beforeReplace)
 {
-  constexpr const char* where = "void AtomicFile::commit(AtomicFile::Durability)";
+  constexpr const char* where = "void AtomicFile::commit(AtomicFile::Durability, const std::function<void()>&)";
   if (_targetExists && fchmod(_descriptor, _mode) != 0) fail(where, cannotWrite, errno);
   if (durability == Durability::FlushToDisk && fsync(_descriptor) != 0) fail(where, cannotWrite, errno);
   const int closed = close(_descriptor);
   _descriptor = -1;
   if (closed != 0) fail(where, cannotWrite, errno);
+  if (beforeReplace) beforeReplace();
   if (std::rename(_temporary.c_str(), _target.c_str()) != 0) fail(where, cannotWrite, errno);
   _temporary.clear();
   if (durability == Durability::FlushToDisk) flushFolder(fs::path(_target).parent_path());

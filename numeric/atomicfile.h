@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -30,9 +31,9 @@ public:
     FlushToDisk ///< old or new file after a crash of the machine
   };
 
-  /// Puts the written file in the target's place.
-  /// \throw FileWriteError  the target stays as it was
-  void commit(Durability durability = Durability::Rename);
+  /// Puts the written file in the target's place. `beforeReplace`, when given, runs once the file is complete beside
+  /// the target; what it throws stops the replacement. \throw FileWriteError  the target stays as it was
+  void commit(Durability durability = Durability::Rename, const std::function<void()>& beforeReplace = {});
 
 private:
   void checkTarget();

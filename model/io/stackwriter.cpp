@@ -85,7 +85,7 @@ void StackWriter::write(const Stack& stack, const std::string& fileName)
     writeModels(stack);
     writePoses(stack);
     out.flush();
-    file.commit(AtomicFile::Durability::FlushToDisk);
+    file.commit(AtomicFile::Durability::FlushToDisk, _beforeReplace);
   }
   catch (const ValueError& error)
   {

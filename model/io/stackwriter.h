@@ -4,7 +4,9 @@
 #include "model/stack.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class StatementBuffer;
@@ -18,6 +20,10 @@ public:
   /// \throw FileWriteError  the file cannot be written, or a path in the stack cannot be stored; the file is as it was
   /// \throw Cancelled       the user stopped it; the file is as it was
   void write(const Stack& stack, const std::string& fileName);
+
+  /// Sets what runs once the new file is complete on the disk beside the target and before it takes its place, as to
+  /// put the old file aside. It does not run when writing fails; when it throws, the file is as it was.
+  void setBeforeReplace(std::function<void()> hook) { _beforeReplace = std::move(hook); }
 
   /// What the file says otherwise than the stack: lengths that lose more than half a percent with two decimals,
   /// names that occur twice, notes that hold an escape, items without a slice.
@@ -49,7 +55,8 @@ private:
   /// Counts an object that was written and reports it now and then.
   void step();
 
-  StatementBuffer* _out = nullptr; // while write() runs
+  std::function<void()> _beforeReplace; // may be empty
+  StatementBuffer* _out = nullptr;      // while write() runs
   std::filesystem::path _stackDirectory;
   std::string _imagesPath; // as written last
   long _numWritten = 0;

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <stdexcept>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -153,6 +154,37 @@ TEST(StackSaving, LeavesTheOldFileWhenItFails)
   EXPECT_THROW(cancelled.write(stack, old), Cancelled);
   EXPECT_EQ(contentOf(old), "old");
   EXPECT_EQ(folder.getNumFiles(), 1); // nothing is left beside it
+}
+
+TEST(StackSaving, RunsTheHookOnlyBetweenACompleteFileAndItsReplacement)
+{
+  const TemporaryFolder folder;
+  const std::string old = folder.write("old.sdf", "old");
+  Stack stack;
+  ModelItem::create(stack.addModel(std::make_unique<Model>("m")), addSlice(stack, "s", "a.tif"))
+      .setVertices(Vertices<int>(2, 1000000));
+  int numCalls = 0;
+  StackWriter writer;
+  writer.setBeforeReplace(
+      [&]
+      {
+        ++numCalls;
+        EXPECT_EQ(contentOf(old), "old");
+        EXPECT_EQ(folder.getNumFiles(), 2);
+      });
+  {
+    const FileSizeLimit full(1 << 20);
+    EXPECT_THROW(writer.write(stack, old), FileWriteError);
+  }
+  EXPECT_EQ(numCalls, 0);
+  writer.write(stack, old);
+  EXPECT_EQ(numCalls, 1);
+  EXPECT_THAT(contentOf(old), HasSubstr("STACK"));
+  writer.setBeforeReplace([] { throw std::runtime_error("no room for the backup"); });
+  folder.write("old.sdf", "old");
+  EXPECT_THROW(writer.write(stack, old), std::runtime_error);
+  EXPECT_EQ(contentOf(old), "old");
+  EXPECT_EQ(folder.getNumFiles(), 1);
 }
 
 TEST(StackSaving, KeepsLinksAndPermissions)
