@@ -114,7 +114,8 @@ bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason
   {
     StackWriter writer;
     if (_statusBar != nullptr) writer.addObserver(*_statusBar);
-    makeBackups(filename, NYXPreferences::getMaxNumBackups());
+    // Backups move on only when the new file is complete: failed saves cost none of them.
+    writer.setBeforeReplace([&] { makeBackups(filename, NYXPreferences::getMaxNumBackups()); });
     writer.write(stack, filename.toStdString());
     showWarnings(filename, writer);
     return true;

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <clocale>
+#include <csignal>
 #include <exception>
 #include <iostream>
 #include <locale>
@@ -55,6 +56,7 @@ ExitStatus parseAndRun(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+  std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error like a full disk, not the end of the program
   std::setlocale(LC_ALL, "C");
   std::locale::global(std::locale::classic());
   try

@@ -6,6 +6,7 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstackio.h"
+#include "image/imagesourcefile.h"
 
 #include <gtest/gtest.h>
 
@@ -143,5 +144,34 @@ TEST(StackSaving, KeepsTheFormerFileAsABackup)
   QFile backup(file + "~1");
   ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
   EXPECT_TRUE(backup.readAll().contains("STACK \"before\";"));
+}
+
+TEST(StackSaving, AFailureCostsNoBackup)
+{
+  WindowTest test;
+  const QTemporaryDir folder;
+  const QString file = folder.filePath("cells.sdf");
+  NYXPreferences::setMaxNumBackups(2);
+  NYXStack& stack = addStack("cells", file, true);
+  for (const char* name : {"one", "two", "three"})
+  {
+    stack.setName(name);
+    ASSERT_TRUE(NYXStackIO(&test.window()).saveStack(stack));
+  }
+  const auto firstLine = [&](const QString& name)
+  {
+    QFile device(name);
+    EXPECT_TRUE(device.open(QIODevice::ReadOnly));
+    device.readLine();
+    return device.readLine().trimmed().toStdString();
+  };
+  // A path that cannot be stored makes the writer fail when the file is half written.
+  auto slice = std::make_unique<StackSlice>();
+  slice->setImageSource(ImageSourceFile("bad\nname.tif"));
+  stack.addSlice(std::move(slice));
+  answering({QMessageBox::Ok}, [&] { EXPECT_FALSE(NYXStackIO(&test.window()).saveStack(stack)); });
+  EXPECT_EQ(firstLine(file), "STACK \"three\";");
+  EXPECT_EQ(firstLine(file + "~1"), "STACK \"two\";");
+  EXPECT_EQ(firstLine(file + "~2"), "STACK \"one\";");
 }
 } // namespace
