@@ -250,6 +250,21 @@ TYPED_TEST(LinearAlgebra, EigenvaluesOfTheSecondDifferenceFollowTheClosedForm)
     EXPECT_NEAR(values[k], 2 - 2 * std::cos(static_cast<T>(n - k) * pi / (n + 1)), 20 * epsilon<T>);
 }
 
+TYPED_TEST(LinearAlgebra, EigenvaluesNearTheEndsOfTheRangeKeepTheirDigits)
+{
+  using T = TypeParam;
+  for (const int exponent : {std::numeric_limits<T>::max_exponent - 5, std::numeric_limits<T>::min_exponent + 2})
+  {
+    SquareMatrix<T> m = matrixOf<T>(2, {10, 1, 1, -10}), vectors;
+    m.apply([exponent](T x) { return std::scalbn(x, exponent); });
+    Vector<T> values;
+    m.eigenJacobi(values, vectors, true);
+    values.apply([exponent](T x) { return std::scalbn(x, -exponent); });
+    EXPECT_LT(values.distance({std::sqrt(T(101)), -std::sqrt(T(101))}), 20 * epsilon<T>) << exponent;
+    EXPECT_NEAR(vectors(1, 0) / vectors(0, 0), std::sqrt(T(101)) - 10, 20 * epsilon<T>) << exponent;
+  }
+}
+
 TYPED_TEST(LinearAlgebra, NeitherIterationRunsForEver)
 {
   using T = TypeParam;
