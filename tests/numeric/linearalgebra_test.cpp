@@ -457,6 +457,11 @@ TEST(MatrixStorage, IsOneBlockWhoseRowsAreViews)
   unbound.setBlock(3, 2, block);
   unbound.fill(4);
   EXPECT_EQ(block[0], 4);
+  static_assert(!std::is_constructible_v<Matrix<double>, int, int, const double*>);
+  static_assert(!std::is_constructible_v<Matrix<double>, int, int, float*>);
+  expectError<SizeError>("There cannot be a matrix of -1 rows and 3 columns", [] { Matrix<double>(-1, 3, false); });
+  expectError<SizeError>("There cannot be a matrix of 3 rows and -2 columns", [&] { unbound.setBlock(3, -2, block); });
+  EXPECT_EQ(unbound.data(), block);
   const Matrix<double> moved(std::move(unbound));
   EXPECT_EQ(moved[2].data(), block + 4);
   Matrix<int> large(37, 53);
