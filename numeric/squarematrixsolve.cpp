@@ -86,19 +86,19 @@ public:
     }
   }
 
-  /// Returns false at a pivot that is zero or, beside its column of rows of equal magnitude, nothing but rounding.
+  /// Whether the system is regular beyond rounding.
   bool eliminate()
   {
     scaleRows();
     const Vector<T> magnitudes = columnMagnitudes();
-    const T rounding = static_cast<T>(_n) * std::numeric_limits<T>::epsilon();
     for (int k = 0; k < _n; ++k)
     {
       exchangePivot(k);
-      if (!(std::abs(at(k, k)) > rounding * magnitudes[k])) return false;
+      if (!(std::abs(at(k, k)) > 0)) return false;
       for (int i = k + 1; i <= lastRow(k); ++i) subtractRow(k, i);
     }
-    return true;
+    const T rounding = static_cast<T>(_n) * std::numeric_limits<T>::epsilon();
+    return conditionEstimate(magnitudes) * rounding < 1;
   }
 
   /// The unknowns, after the elimination.
@@ -142,6 +142,23 @@ private:
       for (int j = std::max(i - 2, 0); j <= lastRow(i); ++j) // the band is as wide as it is high
         magnitudes[j] = std::max(magnitudes[j], std::abs(at(i, j)));
     return magnitudes;
+  }
+
+  /// The size that unknowns, each in units of its column's magnitude, can have for a right-hand side of ones and minus
+  /// ones in the eliminated system. Source: Cline, Moler, Stewart and Wilkinson, "An estimate for the condition number
+  /// of a matrix", 1979.
+  T conditionEstimate(const Vector<T>& magnitudes)
+  {
+    Vector<T> grown(_n);
+    T largest = 0;
+    for (int i = _n - 1; i >= 0; --i)
+    {
+      T sum = 0;
+      for (int j = i + 1; j <= lastColumn(i); ++j) sum += at(i, j) * grown[j];
+      grown[i] = -(sum + std::copysign(T(1), sum)) / at(i, i);
+      largest = std::max(largest, std::abs(grown[i]) * magnitudes[i]);
+    }
+    return largest;
   }
 
   void exchangePivot(int k)
