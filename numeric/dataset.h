@@ -16,7 +16,9 @@ concept ColumnType = OneOf<T, std::string, int, long, float, double, long double
 /// Text form: a line of column names, then a line per row, fields joined by the separator. Numbers have a decimal point
 /// whatever the locale, and floating-point ones always show it. Text is written as it stands and should contain neither
 /// the separator nor a line end. Reading takes enclosing quotes off and finds the column types in the first row: int,
-/// else float, else text; an integer beyond int makes a long column.
+/// else float, else text. A later field that does not fit widens its column, as does an integer beyond int or a number
+/// beyond float: int, long, float, double, long double, text. An int or long column becomes a floating-point one only
+/// of a type that holds all its integers.
 class DataSet
 {
 public:
@@ -53,7 +55,7 @@ public:
   void save(const std::string& filename, bool overwrite = false) const;
   /// Keeps the field separator. The data set stays as it was when this fails.
   /// \throw FileReadError  "The file does not exist", or cannot be read
-  /// \throw FileFormatError  a row has another number of fields, or a field does not parse in its column's type
+  /// \throw FileFormatError  a row has another number of fields, or two columns have the same name
   void load(const std::string& filename);
 
   friend std::ostream& operator<<(std::ostream& stream, const DataSet& dataSet);
@@ -76,7 +78,7 @@ private:
   void growTo(int numRows);
   void keepRows(const std::vector<int>& rows);
   void write(std::ostream& stream) const;
-  void readRow(const std::vector<std::string>& fields);
+  static Values typedValues(const std::vector<std::string>& fields);
   void read(std::istream& stream);
 
   std::vector<Column> _columns;

@@ -63,9 +63,25 @@ template <class T> std::optional<T> parse(const std::string& text)
   return isTooSmall ? std::optional<T>(T(0)) : std::nullopt;
 }
 
-template <> std::optional<std::string> parse<std::string>(const std::string& text)
+/// Whether the text is no integer, or one that T holds exactly.
+template <class T> bool keepsInteger(const std::string& text)
 {
-  return text;
+  const std::optional<long> integer = parse<long>(text);
+  return !integer || static_cast<long double>(static_cast<T>(*integer)) == static_cast<long double>(*integer);
+}
+
+/// The fields of a column as values of type T, if all of them are.
+template <class T> std::optional<Vector<T>> parseAll(const std::vector<std::string>& fields, bool keepIntegers = false)
+{
+  Vector<T> values(static_cast<int>(fields.size()));
+  T* target = values.begin();
+  for (const std::string& field : fields)
+  {
+    const std::optional<T> value = parse<T>(field);
+    if (!value || (keepIntegers && !keepsInteger<T>(field))) return std::nullopt;
+    *target++ = *value;
+  }
+  return values;
 }
 
 std::vector<std::string> split(const std::string& line, char separator)
@@ -87,6 +103,14 @@ bool readLine(std::istream& stream, std::string& line)
   if (!std::getline(stream, line)) return false;
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return true;
+}
+
+void appendRow(std::vector<std::string> fields, std::vector<std::vector<std::string>>& columns)
+{
+  if (fields.size() != columns.size())
+    throw FileFormatError(readWhere,
+                          std::to_string(fields.size()) + " fields for " + std::to_string(columns.size()) + " columns");
+  for (std::size_t i = 0; i < fields.size(); ++i) columns[i].push_back(std::move(fields[i]));
 }
 
 void requireDistinct(std::vector<std::string> names)
@@ -119,38 +143,29 @@ void DataSet::write(std::ostream& stream) const
   }
 }
 
-/// Adds the row to columns of the right types; the first row decides on these.
-void DataSet::readRow(const std::vector<std::string>& fields)
+/// The column's type is that of its first field, and a wider one where a later field does not fit.
+DataSet::Values DataSet::typedValues(const std::vector<std::string>& fields)
 {
-  if (fields.size() != _columns.size())
-    throw FileFormatError(readWhere, std::to_string(fields.size()) + " fields for " + std::to_string(_columns.size()) +
-                                         " columns");
-  for (std::size_t i = 0; i < fields.size() && _numRows == 0; ++i)
+  if (fields.empty()) return Vector<std::string>();
+  const bool isInteger = parse<long>(fields[0]).has_value();
+  if (isInteger)
   {
-    if (parse<int>(fields[i]))
-      _columns[i].values = Vector<int>();
-    else if (parse<long>(fields[i]))
-      _columns[i].values = Vector<long>();
-    else if (isNumber<float>(fields[i]))
-      _columns[i].values = Vector<float>();
+    if (auto values = parseAll<int>(fields)) return *std::move(values);
+    if (auto values = parseAll<long>(fields)) return *std::move(values);
   }
-  growTo(_numRows + 1);
-  for (std::size_t i = 0; i < fields.size(); ++i)
-    std::visit(
-        [&]<class T>(Vector<T>& values)
-        {
-          const std::optional<T> value = parse<T>(fields[i]);
-          if (!value)
-            throw FileFormatError(readWhere, "'" + fields[i] + "' does not fit column '" + _columns[i].name +
-                                                 "' of format " + columnType(static_cast<int>(i)));
-          values[_numRows - 1] = *value;
-        },
-        _columns[i].values);
+  if (isNumber<float>(fields[0]))
+  {
+    if (auto values = parseAll<float>(fields, isInteger)) return *std::move(values);
+    if (auto values = parseAll<double>(fields, isInteger)) return *std::move(values);
+    if (auto values = parseAll<long double>(fields, isInteger)) return *std::move(values);
+  }
+  return Vector<std::string>(fields);
 }
 
 void DataSet::read(std::istream& stream)
 {
   long lineNumber = 1;
+  std::vector<std::vector<std::string>> columns;
   try
   {
     std::string line;
@@ -158,11 +173,12 @@ void DataSet::read(std::istream& stream)
     if (!line.empty())
       for (const std::string& name : split(line, _fieldSeparator)) _columns.push_back({name, Vector<std::string>()});
     requireDistinct(getNames());
+    columns.resize(_columns.size());
     while (readLine(stream, line))
     {
       ++lineNumber;
-      const bool isBlank = line.empty() && _columns.size() != 1; // in a single column, a row of empty text
-      if (!isBlank) readRow(split(line, _fieldSeparator));
+      const bool isBlank = line.empty() && columns.size() != 1; // in a single column, a row of empty text
+      if (!isBlank) appendRow(split(line, _fieldSeparator), columns);
     }
   }
   catch (FileFormatError& error)
@@ -170,6 +186,8 @@ void DataSet::read(std::istream& stream)
     error.setWhat("Line " + std::to_string(lineNumber) + ": " + error.getWhat());
     throw;
   }
+  _numRows = columns.empty() ? 0 : static_cast<int>(columns[0].size());
+  for (std::size_t i = 0; i < columns.size(); ++i) _columns[i].values = typedValues(columns[i]);
 }
 
 std::ostream& operator<<(std::ostream& stream, const DataSet& dataSet)

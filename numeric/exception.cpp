@@ -7,14 +7,17 @@ Exception::Exception(std::string where, std::string what) : _where(std::move(whe
 
 void Exception::addWhere(const std::string& where)
 {
-  if (_numCalls == 0) _calls.clear(); // the text for an unknown trace makes place for the first call
+  if (_numCalls == 0)
+    _calls.clear(); // the text for an unknown trace makes place for the first call
+  else
+    _calls += ' ';
   ++_numCalls;
   _calls += "[" + std::to_string(_numCalls) + "] " + where;
 }
 
 std::string Exception::callStack() const
 {
-  return "[0] " + _where + (_numCalls > 0 ? _calls : "");
+  return "[0] " + _where + (_numCalls > 0 ? " " + _calls : "");
 }
 
 void Exception::print(std::ostream& stream) const

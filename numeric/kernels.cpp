@@ -16,7 +16,8 @@ namespace
 template <class T> class BinFinder
 {
 public:
-  using Edge = std::conditional_t<std::is_integral_v<T>, long, T>;
+  using Edge = std::conditional_t<std::is_same_v<T, long>, Kernels::WideInteger,
+                                  std::conditional_t<std::is_integral_v<T>, long, T>>;
 
   BinFinder(T origin, T width, int numBins)
     : _origin(origin), _width(width), _inverseWidth(1 / static_cast<Real<T>>(width)), _numBins(numBins)
@@ -159,7 +160,7 @@ template <class T>
 void Kernels::addToBins(const T* x, const T* weights, std::size_t n, T origin, T width, int numBins, T* sums)
 {
   forEachBin(x, n, BinFinder<T>(origin, width, numBins),
-             [weights, sums](std::size_t i, int bin) { sums[bin] = static_cast<T>(sums[bin] + weights[i]); });
+             [weights, sums](std::size_t i, int bin) { sums[bin] = sumOfTwo(sums[bin], weights[i]); });
 }
 
 #define NUMERIC_INSTANTIATE_KERNELS(T)                                                                                 \

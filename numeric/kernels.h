@@ -10,6 +10,8 @@
 /// Loops over contiguous elements that vectors and matrices share; for the sources of this library only.
 namespace Kernels
 {
+__extension__ typedef __int128 WideInteger;
+
 /// False for what is no floating-point number.
 template <class T> bool isNaN(const T& x)
 {
@@ -17,6 +19,24 @@ template <class T> bool isNaN(const T& x)
     return std::isnan(x);
   else
     return false;
+}
+
+/// Integers are added and multiplied in this type, so that they wrap around instead of overflowing.
+template <class T> using Wrapping = std::conditional_t<std::is_integral_v<T>, unsigned long, T>;
+
+template <class T> T sumOfTwo(T a, T b)
+{
+  return static_cast<T>(static_cast<Wrapping<T>>(a) + static_cast<Wrapping<T>>(b));
+}
+
+template <class T> T difference(T a, T b)
+{
+  return static_cast<T>(static_cast<Wrapping<T>>(a) - static_cast<Wrapping<T>>(b));
+}
+
+template <class T> T product(T a, T b)
+{
+  return static_cast<T>(static_cast<Wrapping<T>>(a) * static_cast<Wrapping<T>>(b));
 }
 
 /// The sum of term(i) for first <= i < last in type Sum: eight interleaved sums, which the compiler vectorises, added

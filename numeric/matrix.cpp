@@ -120,6 +120,9 @@ template <class T> void Matrix<T>::setSize(int rows, int columns)
 
 template <class T> void Matrix<T>::setBlock(int rows, int columns, T* block)
 {
+  if (rows < 0 || columns < 0)
+    throw SizeError("void Matrix<T>::setBlock(int, int, T*)", "There cannot be a matrix of " + std::to_string(rows) +
+                                                                  " rows and " + std::to_string(columns) + " columns");
   requireShape(rows, columns);
   release();
   _owner = false;

@@ -21,6 +21,8 @@ public:
   Matrix(int rows, int columns, bool owner = true);
   /// View of the rows * columns elements at block.
   Matrix(int rows, int columns, T* block) { setBlock(rows, columns, block); }
+  /// A pointer that is no T* would become the flag of the constructor above.
+  Matrix(int rows, int columns, const void* block) = delete;
   /// A 1 x n row matrix of v, or an n x 1 column matrix.
   Matrix(const Vector<T>& v, bool asRow);
   /// Rows of equal length. \throw SizeError  they are not
@@ -55,6 +57,7 @@ public:
   /// Makes room; the values are lost unless both sizes stay. \throw SizeError  a view, another size
   void setSize(int rows, int columns);
   /// Turns this matrix into a view of the rows * columns elements at block; an owned block is freed.
+  /// \throw SizeError  a negative size; this matrix stays as it was
   void setBlock(int rows, int columns, T* block);
   /// \throw SizeError  the sizes differ and one of the matrices is a view
   void swap(Matrix& other);

@@ -7,7 +7,8 @@
 #include <vector>
 
 /// Somebody who shows how far a long step has come: a progress bar, a terminal.
-/// Called by the thread that does the work; one that belongs to another thread passes the news on.
+/// Called by the thread that does the work; one that belongs to another thread passes the news on. Its functions must
+/// not throw: a step that an error ends still tells it so, from the destructor of ProgressStep.
 class ProgressObserver
 {
 public:

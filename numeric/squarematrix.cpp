@@ -1,6 +1,8 @@
 // Structure of square matrices.
 #include "numeric/squarematrix.h"
 
+#include "numeric/kernels.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -120,7 +122,7 @@ template <class T> bool SquareMatrix<T>::isAntiSymmetrical() const
 {
   for (int i = 0; i < this->getSize1(); ++i)
     for (int j = 0; j <= i; ++j)
-      if ((*this)(i, j) != static_cast<T>(-(*this)(j, i))) return false;
+      if ((*this)(i, j) != Kernels::difference(T(0), (*this)(j, i))) return false;
   return true;
 }
 

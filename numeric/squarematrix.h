@@ -5,8 +5,8 @@
 
 /// Matrix with as many columns as rows.
 ///
-/// For integers, setHilbert, luDecomp, luSolve, eigenJacobi, tridiagSolve and tridiagInverse, and what is computed with
-/// them, throw TypeError.
+/// For integers, setHilbert, luDecomp, luSolve, eigenJacobi, tridiagSolve and tridiagInverse throw TypeError, and so
+/// does what is computed with them (det, inverse, eigenValues, cyclicTridiagSolve), for all seven integer types alike.
 template <class T> class SquareMatrix : public Matrix<T>
 {
 public:
@@ -73,12 +73,12 @@ public:
 
   // Systems with non-zero elements on the three middle diagonals only; other elements are ignored.
   // Source: Golub and Van Loan, section 4.3 (elimination without pivoting).
-  /// \throw MathError  "Null pivoting element found."
+  /// \throw MathError  "Null pivoting element found.": one is zero, or nothing but rounding
   Vector<T> tridiagSolve(const Vector<T>& b) const;
   /// \throw MathError  "Null pivoting element found. Try another inversion method."
   SquareMatrix tridiagInverse() const;
-  /// Also takes the corners (0, n - 1) and (n - 1, 0) into account, by the Sherman-Morrison formula.
-  /// \throw MathError  "Singular cyclic tridiagonal matrix."
+  /// Also takes the corners (0, n - 1) and (n - 1, 0) into account and interchanges rows, so that every regular system
+  /// is solved, in linear time. \throw MathError  "Singular cyclic tridiagonal matrix."
   Vector<T> cyclicTridiagSolve(const Vector<T>& b) const;
 
   // Symmetric matrices; only the diagonal and the elements above it are read.

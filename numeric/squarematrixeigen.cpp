@@ -31,6 +31,14 @@ template <class T> bool areUpperElementsFinite(const SquareMatrix<T>& m)
   return true;
 }
 
+/// The exponent of the power of two that is close to the largest element.
+template <class T> int scaleExponent(const SquareMatrix<T>& m)
+{
+  T largest = 0;
+  for (std::size_t i = 0; i < m.getNumElements(); ++i) largest = std::max(largest, std::abs(m.data()[i]));
+  return largest > 0 ? std::ilogb(largest) : 0;
+}
+
 /// Whether element (p, q) is so small beside its diagonal elements, or beside the whole matrix, that rotating it to
 /// zero changes no eigenvalue's digits.
 template <class T> bool isNegligible(const SquareMatrix<T>& m, int p, int q, T norm)
@@ -95,18 +103,15 @@ template <class T> void SquareMatrix<T>::eigenJacobi(Vector<T>& values, SquareMa
     SquareMatrix work(*this), axes(this->getSize1());
     mirrorUpper(work);
     axes.setIdentity();
-    T norm = 0;
-    work.apply(
-        [&norm](T x)
-        {
-          norm = std::max(norm, std::abs(x));
-          return x;
-        });
+    const int exponent = scaleExponent(work);
+    work.apply([exponent](T x) { return std::scalbn(x, -exponent); });
+    const T norm = 1;             // to a factor of two
     constexpr int maxSweeps = 60; // six to ten are the rule
     int sweep = 0;
     while (jacobiSweep(work, axes, norm) > 0)
       if (++sweep == maxSweeps) throw MathError(where, "The Jacobi rotations do not converge");
     Vector<T> found = work.diagonal();
+    found.apply([exponent](T x) { return std::scalbn(x, exponent); });
     if (sort) eigenSort(found, axes);
     values = std::move(found);
     vectors = std::move(axes);

@@ -37,21 +37,28 @@ template <class T> void eliminateBelow(SquareMatrix<T>& m, int k)
   }
 }
 
-/// Elimination for a tridiagonal system; the vectors hold the diagonals. Returns false at a zero pivot.
-template <class T>
+/// Elimination for a tridiagonal system; the vectors hold the diagonals. Returns false at a pivot that is zero or
+/// nothing but rounding: the relative error of each pivot is bounded by that of the one before it, carried on to first
+/// order, and the rounding of its own two terms.
+template <std::floating_point T>
 bool solveTridiagonal(const Vector<T>& lower, const Vector<T>& diagonal, const Vector<T>& upper, Vector<T>& x)
 {
   const int n = diagonal.getSize();
   Vector<T> pivots(diagonal);
+  T relativeError = 0;
   for (int i = 0; i < n; ++i)
   {
+    T error = 0;
     if (i > 0)
     {
-      const T factor = static_cast<T>(lower[i - 1] / pivots[i - 1]);
-      pivots[i] -= factor * upper[i - 1];
+      const T factor = static_cast<T>(lower[i - 1] / pivots[i - 1]), change = factor * upper[i - 1];
+      pivots[i] -= change;
       x[i] -= factor * x[i - 1];
+      const T rounding = std::numeric_limits<T>::epsilon();
+      error = rounding * std::abs(diagonal[i]) + (relativeError + rounding) * std::abs(change);
     }
-    if (pivots[i] == 0) return false;
+    if (!(std::abs(pivots[i]) > error)) return false;
+    relativeError = error / std::abs(pivots[i]);
   }
   for (int i = n - 1; i >= 0; --i)
   {
@@ -61,31 +68,120 @@ bool solveTridiagonal(const Vector<T>& lower, const Vector<T>& diagonal, const V
   return true;
 }
 
-/// Solves (A + u v') x = b for a tridiagonal A, u = (gamma, 0 .. 0, bottom) and v = (1, 0 .. 0, top / gamma), where
-/// gamma is free: the corners are bottom (left) and top (right). Returns false where a pivot is zero or nothing but
-/// rounding is left of the divisor.
-/// Source: Sherman and Morrison, "Adjustment of an inverse matrix corresponding to a change in one element", 1950.
-template <std::floating_point T> bool solveCyclic(const SquareMatrix<T>& m, T gamma, Vector<T>& x)
+/// Elimination with partial pivoting for a cyclic tridiagonal system.
+///
+/// The ring of unknowns is folded flat, 0, n - 1, 1, n - 2, .., which places neighbours two apart at most: the system
+/// becomes a banded one. Row i of the band holds the columns i - 2 to i + 4, the last two for the row interchanges.
+/// Source: Golub and Van Loan, Matrix Computations, 2nd ed., section 4.3.3.
+template <std::floating_point T> class FoldedRing
 {
-  const int n = m.getSize1();
-  const T top = m(0, n - 1), bottom = m(n - 1, 0);
-  Vector<T> diagonal = m.diagonal();
-  diagonal[0] -= gamma;
-  diagonal[n - 1] -= bottom * top / gamma;
-  Vector<T> u(n);
-  u.setZeros();
-  u[0] = gamma;
-  u[n - 1] = bottom;
-  const Vector<T> lower = m.lowerDiagonal(), upper = m.upperDiagonal();
-  if (!solveTridiagonal(lower, diagonal, upper, x) || !solveTridiagonal(lower, diagonal, upper, u)) return false;
-  const T fromBottom = top / gamma * u[n - 1];
-  const T divisor = 1 + u[0] + fromBottom;
-  const T rounding =
-      static_cast<T>(n) * std::numeric_limits<T>::epsilon() * (1 + std::abs(u[0]) + std::abs(fromBottom));
-  if (!(std::abs(divisor) > rounding)) return false;
-  x -= u * ((x[0] + top / gamma * x[n - 1]) / divisor);
-  return true;
-}
+public:
+  FoldedRing(const SquareMatrix<T>& m, const Vector<T>& b) : _n(m.getSize1()), _band(_n, 7), _right(_n)
+  {
+    _band.setZeros();
+    for (int i = 0; i < _n; ++i)
+    {
+      for (int j : {i, (i + 1) % _n, (i + _n - 1) % _n}) at(place(i), place(j)) = m(i, j);
+      _right[place(i)] = b[i];
+    }
+  }
+
+  /// Whether the system is regular beyond rounding.
+  bool eliminate()
+  {
+    scaleRows();
+    const Vector<T> magnitudes = columnMagnitudes();
+    for (int k = 0; k < _n; ++k)
+    {
+      exchangePivot(k);
+      if (!(std::abs(at(k, k)) > 0)) return false;
+      for (int i = k + 1; i <= lastRow(k); ++i) subtractRow(k, i);
+    }
+    const T rounding = static_cast<T>(_n) * std::numeric_limits<T>::epsilon();
+    return conditionEstimate(magnitudes) * rounding < 1;
+  }
+
+  /// The unknowns, after the elimination.
+  Vector<T> substitute()
+  {
+    for (int i = _n - 1; i >= 0; --i)
+    {
+      for (int j = i + 1; j <= lastColumn(i); ++j) _right[i] -= at(i, j) * _right[j];
+      _right[i] /= at(i, i);
+    }
+    Vector<T> x(_n);
+    for (int i = 0; i < _n; ++i) x[i] = _right[place(i)];
+    return x;
+  }
+
+private:
+  int place(int i) const { return i < _n - i ? 2 * i : 2 * (_n - 1 - i) + 1; }
+  T& at(int i, int j) { return _band(i, j - i + 2); }
+  int lastRow(int column) const { return std::min(column + 2, _n - 1); }
+  int lastColumn(int row) const { return std::min(row + 4, _n - 1); }
+
+  /// Divides each equation by a power of two that brings its largest element close to 1.
+  void scaleRows()
+  {
+    for (int i = 0; i < _n; ++i)
+    {
+      T largest = 0;
+      for (T element : _band[i]) largest = std::max(largest, std::abs(element));
+      if (!(largest > 0)) continue;
+      const int exponent = -std::ilogb(largest);
+      _band[i].apply([exponent](T element) { return std::scalbn(element, exponent); });
+      _right[i] = std::scalbn(_right[i], exponent);
+    }
+  }
+
+  Vector<T> columnMagnitudes()
+  {
+    Vector<T> magnitudes(_n);
+    magnitudes.setZeros();
+    for (int i = 0; i < _n; ++i)
+      for (int j = std::max(i - 2, 0); j <= lastRow(i); ++j) // the band is as wide as it is high
+        magnitudes[j] = std::max(magnitudes[j], std::abs(at(i, j)));
+    return magnitudes;
+  }
+
+  /// The size that unknowns, each in units of its column's magnitude, can have for a right-hand side of ones and minus
+  /// ones in the eliminated system. Source: Cline, Moler, Stewart and Wilkinson, "An estimate for the condition number
+  /// of a matrix", 1979.
+  T conditionEstimate(const Vector<T>& magnitudes)
+  {
+    Vector<T> grown(_n);
+    T largest = 0;
+    for (int i = _n - 1; i >= 0; --i)
+    {
+      T sum = 0;
+      for (int j = i + 1; j <= lastColumn(i); ++j) sum += at(i, j) * grown[j];
+      grown[i] = -(sum + std::copysign(T(1), sum)) / at(i, i);
+      largest = std::max(largest, std::abs(grown[i]) * magnitudes[i]);
+    }
+    return largest;
+  }
+
+  void exchangePivot(int k)
+  {
+    int pivot = k;
+    for (int i = k + 1; i <= lastRow(k); ++i)
+      if (std::abs(at(i, k)) > std::abs(at(pivot, k))) pivot = i;
+    if (pivot == k) return;
+    for (int j = k; j <= lastColumn(k); ++j) std::swap(at(k, j), at(pivot, j));
+    std::swap(_right[k], _right[pivot]);
+  }
+
+  void subtractRow(int k, int i)
+  {
+    const T factor = at(i, k) / at(k, k);
+    for (int j = k + 1; j <= lastColumn(k); ++j) at(i, j) -= factor * at(k, j);
+    _right[i] -= factor * _right[k];
+  }
+
+  int _n;
+  Matrix<T> _band;
+  Vector<T> _right;
+};
 } // namespace
 
 template <class T> int SquareMatrix<T>::luDecomp(Vector<int>& permutation, T tolerance)
@@ -173,47 +269,49 @@ template <class T> Vector<T> SquareMatrix<T>::tridiagSolve(const Vector<T>& b) c
 {
   if constexpr (std::is_integral_v<T>)
     throw notAvailable<T>("Vector<T> SquareMatrix<T>::tridiagSolve(const Vector<T>&)");
-  const char* const where = "Vector<T> SquareMatrix<T>::tridiagSolve(const Vector<T>&) const";
-  requireUnknowns(b, where);
-  Vector<T> x(b);
-  if (!solveTridiagonal(lowerDiagonal(), diagonal(), upperDiagonal(), x))
-    throw MathError(where, "Null pivoting element found.");
-  return x;
+  else
+  {
+    const char* const where = "Vector<T> SquareMatrix<T>::tridiagSolve(const Vector<T>&) const";
+    requireUnknowns(b, where);
+    Vector<T> x(b);
+    if (!solveTridiagonal(lowerDiagonal(), diagonal(), upperDiagonal(), x))
+      throw MathError(where, "Null pivoting element found.");
+    return x;
+  }
 }
 
 template <class T> SquareMatrix<T> SquareMatrix<T>::tridiagInverse() const
 {
-  if constexpr (std::is_integral_v<T>) throw notAvailable<T>("SquareMatrix<T> SquareMatrix<T>::tridiagInverse()");
-  const int n = this->getSize1();
-  SquareMatrix inverted(n);
-  Vector<T> column(n);
-  for (int j = 0; j < n; ++j)
+  if constexpr (std::is_integral_v<T>)
+    throw notAvailable<T>("SquareMatrix<T> SquareMatrix<T>::tridiagInverse()");
+  else
   {
-    column.setCanonical(j);
-    if (!solveTridiagonal(lowerDiagonal(), diagonal(), upperDiagonal(), column))
-      throw MathError("SquareMatrix<T> SquareMatrix<T>::tridiagInverse() const",
-                      "Null pivoting element found. Try another inversion method.");
-    inverted.setColumn(j, column);
+    const int n = this->getSize1();
+    SquareMatrix inverted(n);
+    Vector<T> column(n);
+    for (int j = 0; j < n; ++j)
+    {
+      column.setCanonical(j);
+      if (!solveTridiagonal(lowerDiagonal(), diagonal(), upperDiagonal(), column))
+        throw MathError("SquareMatrix<T> SquareMatrix<T>::tridiagInverse() const",
+                        "Null pivoting element found. Try another inversion method.");
+      inverted.setColumn(j, column);
+    }
+    return inverted;
   }
-  return inverted;
 }
 
 template <class T> Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>& b) const
 {
-  if (this->getSize1() < 3) return tridiagSolve(b); // the corners are no further elements
   if constexpr (std::is_integral_v<T>)
     return tridiagSolve(b);
   else
   {
     const char* const where = "Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>&) const";
     requireUnknowns(b, where);
-    const T first = (*this)(0, 0) == 0 ? T(1) : (*this)(0, 0);
-    for (const T gamma : {-first, first / 2}) // a pivot may vanish for one of them
-    {
-      Vector<T> x(b);
-      if (solveCyclic(*this, gamma, x)) return x;
-    }
-    throw MathError(where, "Singular cyclic tridiagonal matrix.");
+    FoldedRing<T> ring(*this, b);
+    if (!ring.eliminate()) throw MathError(where, "Singular cyclic tridiagonal matrix.");
+    return ring.substitute();
   }
 }
 

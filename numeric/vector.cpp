@@ -283,7 +283,7 @@ template <class T> bool Vector<T>::isSymmetrical() const
 template <class T> bool Vector<T>::isAntiSymmetrical() const requires NumericElement<T>
 {
   for (int i = 0; i <= _size - 1 - i; ++i)
-    if (_data[i] != static_cast<T>(-_data[_size - 1 - i])) return false;
+    if (_data[i] != Kernels::difference(T(0), _data[_size - 1 - i])) return false;
   return true;
 }
 

@@ -18,7 +18,8 @@ class RandomGenerator;
 /// Statistics and algebra exist for the numeric element types, the rest also for text. Results have the element's type.
 /// Sums and products of integers are taken modulo 2^64 and then converted, those of float are accumulated in double.
 /// Operations without meaning for integers throw TypeError: mean, sse, var, std, mad, sem, norm, normalize, distance
-/// and householderVector. Comparisons pass over NaN where this is not stated otherwise.
+/// and householderVector; bool and long count as integers here. Comparisons pass over NaN where this is not stated
+/// otherwise.
 template <class T> class Vector
 {
 public:

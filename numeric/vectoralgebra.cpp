@@ -7,28 +7,10 @@
 
 namespace
 {
-/// Integers are added and multiplied in this type, so that they wrap around instead of overflowing.
-template <class T> using Wrapping = std::conditional_t<std::is_integral_v<T>, unsigned long, T>;
-
-template <class T> T sumOfTwo(T a, T b)
-{
-  return static_cast<T>(static_cast<Wrapping<T>>(a) + static_cast<Wrapping<T>>(b));
-}
-
-template <class T> T difference(T a, T b)
-{
-  return static_cast<T>(static_cast<Wrapping<T>>(a) - static_cast<Wrapping<T>>(b));
-}
-
-template <class T> T product(T a, T b)
-{
-  return static_cast<T>(static_cast<Wrapping<T>>(a) * static_cast<Wrapping<T>>(b));
-}
-
 template <class T> T quotient(T a, T b)
 {
   if constexpr (std::is_integral_v<T> && std::is_signed_v<T>)
-    if (b == -1) return difference<T>(0, a); // the lowest integer has no opposite: its division would trap
+    if (b == -1) return Kernels::difference<T>(0, a); // the lowest integer has no opposite: its division would trap
   return static_cast<T>(a / b);
 }
 
@@ -91,21 +73,21 @@ template <class T> void Vector<T>::requireSameSize(const Vector& v, const char* 
 template <class T> Vector<T>& Vector<T>::operator+=(const Vector& v) requires NumericElement<T>
 {
   requireSameSize(v, "Vector<T>& Vector<T>::operator+=(const Vector<T>&)");
-  combine(*this, v, sumOfTwo<T>);
+  combine(*this, v, Kernels::sumOfTwo<T>);
   return *this;
 }
 
 template <class T> Vector<T>& Vector<T>::operator-=(const Vector& v) requires NumericElement<T>
 {
   requireSameSize(v, "Vector<T>& Vector<T>::operator-=(const Vector<T>&)");
-  combine(*this, v, difference<T>);
+  combine(*this, v, Kernels::difference<T>);
   return *this;
 }
 
 template <class T> Vector<T>& Vector<T>::operator*=(const Vector& v) requires NumericElement<T>
 {
   requireSameSize(v, "Vector<T>& Vector<T>::operator*=(const Vector<T>&)");
-  combine(*this, v, product<T>);
+  combine(*this, v, Kernels::product<T>);
   return *this;
 }
 
@@ -120,19 +102,19 @@ template <class T> Vector<T>& Vector<T>::operator/=(const Vector& v) requires Nu
 
 template <class T> Vector<T>& Vector<T>::operator+=(T x) requires NumericElement<T>
 {
-  apply([x](T element) { return sumOfTwo(element, x); });
+  apply([x](T element) { return Kernels::sumOfTwo(element, x); });
   return *this;
 }
 
 template <class T> Vector<T>& Vector<T>::operator-=(T x) requires NumericElement<T>
 {
-  apply([x](T element) { return difference(element, x); });
+  apply([x](T element) { return Kernels::difference(element, x); });
   return *this;
 }
 
 template <class T> Vector<T>& Vector<T>::operator*=(T x) requires NumericElement<T>
 {
-  apply([x](T element) { return product(element, x); });
+  apply([x](T element) { return Kernels::product(element, x); });
   return *this;
 }
 
@@ -146,7 +128,8 @@ template <class T> Vector<T>& Vector<T>::operator/=(T x) requires NumericElement
 template <class T> Vector<T> Vector<T>::operator-() const requires NumericElement<T>
 {
   Vector opposite(_size);
-  std::transform(begin(), end(), opposite.begin(), [](T x) { return static_cast<T>(-static_cast<Wrapping<T>>(x)); });
+  std::transform(begin(), end(), opposite.begin(),
+                 [](T x) { return static_cast<T>(-static_cast<Kernels::Wrapping<T>>(x)); });
   return opposite;
 }
 
@@ -168,7 +151,7 @@ template <class T> Vector<T> Vector<T>::vectorProduct(const Vector& v) const req
     throw SizeError("Vector<T> Vector<T>::vectorProduct(const Vector<T>&) const",
                     "At least one vector have a size different from 3");
   const auto minor = [this, &v](int i, int j)
-  { return difference(product(_data[i], v._data[j]), product(_data[j], v._data[i])); };
+  { return Kernels::difference(Kernels::product(_data[i], v._data[j]), Kernels::product(_data[j], v._data[i])); };
   return Vector{minor(1, 2), minor(2, 0), minor(0, 1)};
 }
 

@@ -8,13 +8,11 @@
 
 namespace
 {
-__extension__ typedef __int128 WideInteger;
-
 /// Average of two numbers without overflow, truncated towards zero for integers.
 template <class T> T average(T a, T b)
 {
   if constexpr (std::is_integral_v<T>)
-    return static_cast<T>((static_cast<WideInteger>(a) + static_cast<WideInteger>(b)) / 2);
+    return static_cast<T>((static_cast<Kernels::WideInteger>(a) + static_cast<Kernels::WideInteger>(b)) / 2);
   else
     return std::midpoint(a, b);
 }
@@ -174,7 +172,7 @@ template <class T> Vector<T> Vector<T>::diff(int k) const requires NumericElemen
   if (_size <= k) throw SizeError(where, "This vector does not contain enough elements");
   Vector differences(_size);
   differences.setZeros();
-  for (int i = 0; i < _size - k; ++i) differences[i] = static_cast<T>(_data[i + k] - _data[i]);
+  for (int i = 0; i < _size - k; ++i) differences[i] = Kernels::difference(_data[i + k], _data[i]);
   return differences;
 }
 

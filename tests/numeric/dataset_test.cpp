@@ -112,16 +112,64 @@ TEST(DataSetText, ReadsBackTheFloatsItWrote)
   EXPECT_EQ(parsed("a\n-1e-300\n").getValue<float>("a", 0), 0);
 }
 
+TEST(DataSetText, WidensColumnsThatALaterFieldDoesNotFit)
+{
+  const struct
+  {
+    const char *first, *second, *type;
+  } cases[] = {{"1", "-2", "%d"},
+               {"3", "1099511627776", "%ld"},
+               {"1", "2.5", "%f"},
+               {"16777217", "2.5", "%lf"},                // float would round it
+               {"9007199254740993", "0.5", "type error"}, // double would, too
+               {"1.5", "16777217", "%f"},
+               {"1.5", "2", "%f"},
+               {"0.1", "1e300", "%lf"},
+               {"1e300", "1", "%lf"},
+               {"1", "-1e400", "type error"},
+               {"1.5", "x", "%s"},
+               {"007", "ab", "%s"},
+               {"1.50", "", "%s"},
+               {"1e5000", "2", "%s"},
+               {"99999999999999999999", "1", "%f"}};
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(::testing::Message() << c.first << ", " << c.second);
+    const DataSet d = parsed(std::string("a\n") + c.first + "\n" + c.second + "\n");
+    ASSERT_EQ(d.columnType(0), c.type);
+    if (c.type == std::string("%s"))
+    {
+      EXPECT_EQ(d.getValues<std::string>("a"), (Vector<std::string>{c.first, c.second}));
+    }
+    else if (c.type == std::string("%ld"))
+    {
+      EXPECT_EQ(d.getValues<long>("a"), (Vector<long>{3, 1L << 40}));
+    }
+    else if (c.type == std::string("%lf"))
+    {
+      EXPECT_EQ(d.getValue<double>("a", 0), std::strtod(c.first, nullptr));
+    }
+  }
+}
+
+TEST(DataSetText, ReadsBackEveryColumnItWrote)
+{
+  DataSet d(',');
+  d.setValues("double", Vector<double>{0.1, 1e300});
+  d.setValues("long", Vector<long>{3, 1L << 40});
+  d.setValues("text", Vector<std::string>{"12", "ab"});
+  const DataSet back = parsed(textOf(d));
+  EXPECT_EQ(back.getValues<double>("double"), d.getValues<double>("double"));
+  EXPECT_EQ(back.getValues<long>("long"), d.getValues<long>("long"));
+  EXPECT_EQ(back.getValues<std::string>("text"), d.getValues<std::string>("text"));
+}
+
 TEST(DataSetText, NamesTheLineOfAnError)
 {
-  const std::pair<const char*, const char*> cases[] = {
-      {"", "Line 1: there are no column names"},
-      {"a,a\n", "Line 1: two columns have the name 'a'"},
-      {"a,b\n1,2\n3\n", "Line 3: 1 fields for 2 columns"},
-      {"a\n1\n2.5\n", "Line 3: '2.5' does not fit column 'a' of format %d"},
-      {"a\n1\n4000000000\n", "Line 3: '4000000000' does not fit column 'a' of format %d"},
-      {"a\n1.5\nx\n", "Line 3: 'x' does not fit column 'a' of format %f"},
-      {"a\n-1e39\n", "Line 2: '-1e39' does not fit column 'a' of format %f"}};
+  const std::pair<const char*, const char*> cases[] = {{"", "Line 1: there are no column names"},
+                                                       {"a,a\n", "Line 1: two columns have the name 'a'"},
+                                                       {"a,b\n1,2\n3\n", "Line 3: 1 fields for 2 columns"},
+                                                       {"a,b\n1,2\n\n3,4,5\n", "Line 4: 3 fields for 2 columns"}};
   for (const auto& [text, what] : cases) expectError<FileFormatError>(what, [text = text] { parsed(text); });
 }
 

@@ -315,7 +315,8 @@ TYPED_TEST(EveryElementType, HandlesSquareMatrices)
   EXPECT_EQ(m.trace(), T(3));
   m.swapRows(0, 1);
   EXPECT_FALSE(m.isRHSystem());
-  m.setDiagonal(T(1));
+  m.setDiagonal(T(7));
+  EXPECT_EQ(m, rows3({7, 0, 0, 0, 7, 0, 0, 0, 7}));
   m.setDiagonal(of({1, 2, 3}));
   EXPECT_EQ(m, rows3({1, 0, 0, 0, 2, 0, 0, 0, 3}));
   m.setUpperBidiagonal(of({1, 2, 3}), of({4, 5}));
@@ -339,7 +340,17 @@ TYPED_TEST(EveryElementType, HandlesSquareMatrices)
   EXPECT_EQ(axes.isAntiSymmetrical(), isItsOwnOpposite<T>);
   m = rows3({1, 0, 0, 0, 1, 0, 0, 0, 1});
   m.jacobiRotate(0, 1, axes); // there is nothing to rotate away
-  EXPECT_EQ(m, axes);
+  EXPECT_EQ(m, rows3({1, 0, 0, 0, 1, 0, 0, 0, 1}));
+  EXPECT_EQ(axes, m);
+  m = rows3({1, 1, 0, 1, 1, 0, 0, 0, 1});
+  m.jacobiRotate(0, 1, axes); // by 45 degrees
+  EXPECT_EQ(m, rows3({0, 0, 0, 0, 2, 0, 0, 0, 1}));
+  if constexpr (std::is_floating_point_v<T>)
+  {
+    const T r = std::sqrt(T(0.5));
+    EXPECT_LT(largestDifference<T>(axes, {{r, r, 0}, {-r, r, 0}, {0, 0, 1}}), 4 * std::numeric_limits<T>::epsilon());
+  }
+  axes.setIdentity();
   Vector<T> values = of({0, 1, 0});
   SquareMatrix<T>::eigenSort(values, axes);
   EXPECT_EQ(values, of({1, 0, 0}));

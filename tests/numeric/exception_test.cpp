@@ -53,11 +53,11 @@ TEST(ExceptionFamily, RecordsTheCallsItPassesThrough)
   error.addWhere("void f()");
   error.addCall("void g()");
   EXPECT_EQ(error.getNumCalls(), 2);
-  EXPECT_EQ(error.callStack(), "[0] T Vector<T>::mean() const[1] void f()[2] void g()");
+  EXPECT_EQ(error.callStack(), "[0] T Vector<T>::mean() const [1] void f() [2] void g()");
   EXPECT_EQ(printed(error), "Exception raised:\n"
                             "  What: This vector is empty.\n"
                             "  Where: T Vector<T>::mean() const\n"
-                            "  Calls: [0] T Vector<T>::mean() const[1] void f()[2] void g()\n");
+                            "  Calls: [0] T Vector<T>::mean() const [1] void f() [2] void g()\n");
 }
 
 TEST(ExceptionFamily, FileErrorsPrintTheFilename)
@@ -76,6 +76,6 @@ TEST(ExceptionFamily, RowErrorsOfAMatrixNameBothPlaces)
   }
   catch (const SizeError& error)
   {
-    EXPECT_EQ(error.callStack(), "[0] T Vector<T>::max() const[1] Vector<T> Matrix<T>::max() const");
+    EXPECT_EQ(error.callStack(), "[0] T Vector<T>::max() const [1] Vector<T> Matrix<T>::max() const");
   }
 }

@@ -83,6 +83,39 @@ SquareMatrix<double> randomTridiagonal(int n, bool cyclic, RandomGenerator& gene
   m(n - 1, 0) = generator.uniformLF(-1, 1);
   return m;
 }
+
+Vector<double> integers(int n, RandomGenerator& generator)
+{
+  Vector<double> v(n);
+  v.apply([&generator](double) { return static_cast<double>(generator.uniformLL(-3, 3)); });
+  return v;
+}
+
+/// Small integers on three diagonals and in two corners.
+SquareMatrix<double> integerRing(int n, RandomGenerator& generator)
+{
+  SquareMatrix<double> m;
+  m.setTridiagonal(integers(n - 1, generator), integers(n, generator), integers(n - 1, generator));
+  m(0, n - 1) = static_cast<double>(generator.uniformLL(-3, 3));
+  m(n - 1, 0) = static_cast<double>(generator.uniformLL(-3, 3));
+  return m;
+}
+
+/// By the recurrence of the minors of a tridiagonal matrix, which is exact for small integers.
+bool hasZeroLeadingMinor(const SquareMatrix<double>& m)
+{
+  double before = 1, minor = m(0, 0);
+  for (int i = 1; i < m.getSize1() && minor != 0; ++i)
+    before = std::exchange(minor, m(i, i) * minor - m(i, i - 1) * m(i - 1, i) * before);
+  return minor == 0;
+}
+
+Vector<double> denseSolution(SquareMatrix<double> m, const Vector<double>& b)
+{
+  Vector<int> permutation;
+  m.luDecomp(permutation);
+  return m.luSolve(b, permutation);
+}
 } // namespace
 
 template <class T> class LinearAlgebra : public ::testing::Test
@@ -217,6 +250,21 @@ TYPED_TEST(LinearAlgebra, EigenvaluesOfTheSecondDifferenceFollowTheClosedForm)
     EXPECT_NEAR(values[k], 2 - 2 * std::cos(static_cast<T>(n - k) * pi / (n + 1)), 20 * epsilon<T>);
 }
 
+TYPED_TEST(LinearAlgebra, EigenvaluesNearTheEndsOfTheRangeKeepTheirDigits)
+{
+  using T = TypeParam;
+  for (const int exponent : {std::numeric_limits<T>::max_exponent - 5, std::numeric_limits<T>::min_exponent + 2})
+  {
+    SquareMatrix<T> m = matrixOf<T>(2, {10, 1, 1, -10}), vectors;
+    m.apply([exponent](T x) { return std::scalbn(x, exponent); });
+    Vector<T> values;
+    m.eigenJacobi(values, vectors, true);
+    values.apply([exponent](T x) { return std::scalbn(x, -exponent); });
+    EXPECT_LT(values.distance({std::sqrt(T(101)), -std::sqrt(T(101))}), 20 * epsilon<T>) << exponent;
+    EXPECT_NEAR(vectors(1, 0) / vectors(0, 0), std::sqrt(T(101)) - 10, 20 * epsilon<T>) << exponent;
+  }
+}
+
 TYPED_TEST(LinearAlgebra, NeitherIterationRunsForEver)
 {
   using T = TypeParam;
@@ -289,13 +337,72 @@ TEST(TridiagonalSystems, AgreeWithDenseOnes)
   EXPECT_LT(zeroStart.cyclicTridiagSolve({3, 5, 8}).distance({1, 1, 1}), 1e-14);
 }
 
+TEST(TridiagonalSystems, AreSolvedUnlessALeadingMinorIsZero)
+{
+  RandomGenerator generator(8);
+  int numRefused = 0;
+  for (int round = 0; round < 20000; ++round)
+  {
+    const int n = 1 + round % 9;
+    const SquareMatrix<double> m = integerRing(n, generator);
+    const Vector<double> b = integers(n, generator);
+    if (hasZeroLeadingMinor(m))
+    {
+      expectError<MathError>("Null pivoting element found.", [&] { m.tridiagSolve(b); });
+      ++numRefused;
+    }
+    else
+    {
+      const Vector<double> x = m.tridiagSolve(b);
+      SquareMatrix<double> middle;
+      middle.setTridiagonal(m.lowerDiagonal(), m.diagonal(), m.upperDiagonal());
+      ASSERT_LT(x.distance(denseSolution(middle, b)), 1e-9 * (1 + x.norm()))
+          << ::testing::PrintToString<Matrix<double>>(m);
+    }
+  }
+  EXPECT_GT(numRefused, 1000);
+}
+
+TEST(TridiagonalSystems, AreSolvedOnRingsUnlessTheDeterminantIsZero)
+{
+  RandomGenerator generator(9);
+  int numSingular = 0;
+  for (int round = 0; round < 20000; ++round)
+  {
+    const int n = 1 + round % 9;
+    SquareMatrix<double> m = integerRing(n, generator);
+    Vector<double> b = integers(n, generator);
+    const bool isSingular = std::round(m.det()) == 0;
+    const Vector<double> expected = isSingular ? b : denseSolution(m, b);
+    const double scale = std::ldexp(1.0, static_cast<int>(generator.uniformLL(-900, 900)));
+    m[n / 2] *= scale; // one equation in another unit
+    b[n / 2] *= scale;
+    if (isSingular)
+    {
+      expectError<MathError>("Singular cyclic tridiagonal matrix.", [&] { m.cyclicTridiagSolve(b); });
+      ++numSingular;
+    }
+    else
+    {
+      const Vector<double> x = m.cyclicTridiagSolve(b);
+      ASSERT_LT(x.distance(expected), 1e-10 * (1 + x.norm())) << ::testing::PrintToString<Matrix<double>>(m);
+    }
+  }
+  EXPECT_GT(numSingular, 1000);
+}
+
 TEST(TridiagonalSystems, ReportNullPivots)
 {
   const SquareMatrix<double> m = matrixOf<double>(3, {0, 1, 0, 1, 0, 0, 0, 0, 1}); // regular, but its first pivot is 0
   expectError<MathError>("Null pivoting element found.", [&] { m.tridiagSolve({1, 1, 1}); });
   expectError<MathError>("Null pivoting element found. Try another inversion method.", [&] { m.tridiagInverse(); });
   SquareMatrix<double> ring = matrixOf<double>(3, {2, -1, -1, -1, 2, -1, -1, -1, 2});
-  expectError<MathError>("Singular cyclic tridiagonal matrix.", [&] { ring.cyclicTridiagSolve({1, 0, -1}); });
+  expectError<MathError>(
+      "Singular cyclic tridiagonal matrix.",
+      [&] {
+        ring.cyclicTridiagSolve({1, 0, -1});
+      },
+      "Vector<T> SquareMatrix<T>::cyclicTridiagSolve(const Vector<T>&) const");
 }
 
 TEST(MatrixShapes, AreChecked)
@@ -350,6 +457,11 @@ TEST(MatrixStorage, IsOneBlockWhoseRowsAreViews)
   unbound.setBlock(3, 2, block);
   unbound.fill(4);
   EXPECT_EQ(block[0], 4);
+  static_assert(!std::is_constructible_v<Matrix<double>, int, int, const double*>);
+  static_assert(!std::is_constructible_v<Matrix<double>, int, int, float*>);
+  expectError<SizeError>("There cannot be a matrix of -1 rows and 3 columns", [] { Matrix<double>(-1, 3, false); });
+  expectError<SizeError>("There cannot be a matrix of 3 rows and -2 columns", [&] { unbound.setBlock(3, -2, block); });
+  EXPECT_EQ(unbound.data(), block);
   const Matrix<double> moved(std::move(unbound));
   EXPECT_EQ(moved[2].data(), block + 4);
   Matrix<int> large(37, 53);

@@ -1,3 +1,4 @@
+#include "numeric/squarematrix.h"
 #include "tests/numeric/support.h"
 
 #include <cfloat>
@@ -271,6 +272,39 @@ TEST(VectorAlgebra, SurvivesExtremeNumbers)
   zero.normalize();
   EXPECT_EQ(zero, (Vector<double>{0, 0}));
   EXPECT_EQ(zero.angle({1, 0}), 0);
+}
+
+template <class T> class SignedIntegers : public ::testing::Test
+{
+};
+using SignedTypes = ::testing::Types<short, int, long>;
+TYPED_TEST_SUITE(SignedIntegers, SignedTypes);
+
+TYPED_TEST(SignedIntegers, WrapAround)
+{
+  using T = TypeParam;
+  using V = Vector<T>;
+  const T low = std::numeric_limits<T>::min(), high = std::numeric_limits<T>::max();
+  const std::pair<V, V> cases[] = {{V{low, high}.diff(), {-1, 0}},
+                                   {V{high, low}.diff(), {1, 0}},
+                                   {V{high, 1, 1}.csum(), {high, low, static_cast<T>(low + 1)}},
+                                   {V{low, -1, high}.cprod(), {low, low, low}},
+                                   {V{0, 0, 5}.histogram(0, 1, 2, V{high, 1, low}), {low, low}},
+                                   {V{low, high} + V{-1, 1}, {high, low}},
+                                   {V{low, 0} - V{1, low}, {high, low}},
+                                   {V{low, high} * V{-1, 2}, {low, -2}},
+                                   {-V{low, high}, {low, static_cast<T>(-high)}},
+                                   {V{low} / V{-1}, {low}}};
+  for (const auto& [actual, expected] : cases) EXPECT_EQ(actual, expected) << &expected - &cases[0].second;
+  EXPECT_TRUE((V{low, 0, low}.isAntiSymmetrical())); // the lowest integer is its own opposite
+  EXPECT_FALSE((V{low, 0, high}.isAntiSymmetrical()));
+  EXPECT_EQ((V{low, low}.median()), low);
+  EXPECT_EQ((V{low, low, high}.histogram(low, high, 3)), (Vector<unsigned int>{2, 0, 1}));
+  if constexpr (MatrixElement<T>)
+  {
+    EXPECT_TRUE((SquareMatrix<T>{{0, low}, {low, 0}}.isAntiSymmetrical()));
+    EXPECT_EQ((SquareMatrix<T>{{high, 0}, {0, 1}}.trace()), low);
+  }
 }
 
 TEST(VectorAlgebra, MeasuresSmallAnglesExactly)
