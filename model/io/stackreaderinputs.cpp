@@ -36,6 +36,14 @@ template <class Enum> Enum known(Enum value)
   return value;
 }
 
+/// A mosaic of the given grid; callers loop over it, so that nobody's grid must be believed.
+ImageSourceFileMosaic checkedMosaic(int rows, int columns)
+{
+  constexpr int maxPerSide = 10000, maxTiles = 1000000;
+  if (rows > maxPerSide || columns > maxPerSide || rows * columns > maxTiles) throw StackReader::ArgValueError();
+  return ImageSourceFileMosaic(rows, columns);
+}
+
 bool isPositive(float length)
 {
   return std::isfinite(length) && length > 0;
@@ -153,7 +161,7 @@ void StackReader::inputSlice(const StackArguments& arguments)
 {
   const bool isMosaic = arguments.getNumTokens() == 3;
   if (isMosaic)
-    addSlice(arguments.name(0), ImageSourceFileMosaic(arguments.integerFrom(1, 1), arguments.integerFrom(2, 1)));
+    addSlice(arguments.name(0), checkedMosaic(arguments.integerFrom(1, 1), arguments.integerFrom(2, 1)));
   else
     addSlice(arguments.name(0), ImageSourceFile(_context.resolved(arguments.name(1))));
 }

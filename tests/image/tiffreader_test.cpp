@@ -209,6 +209,8 @@ TEST(TiffReader, TakesNoMemoryForALyingHeader)
       folder.write("huge.tif", handmadeTiff(size, size, compression, "some data", size));
       Image image;
       EXPECT_THROW(ImageReader::read(image, folder.file("huge.tif")), FileFormatError);
+      if (compression != COMPRESSION_NONE && size == 40000u) continue; // could be one colour
+      EXPECT_THROW(ImageSourceFile(folder.file("huge.tif")).getSize(), FileFormatError);
     }
 }
 

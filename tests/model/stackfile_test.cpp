@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -45,9 +46,15 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
       {"MODELITEMDATA 1,2 3", "Error on MODELITEMDATA: invalid argument."},
       {"MODELITEMDATA 1,2,3", "Error on MODELITEMDATA: invalid argument."},
       {"MODELITEMDATA 1,2;MODELITEMDATA ,", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA ,,,,,,,,", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA 1,2 3,4; MODELITEMDATA 1,23,4", "Error on MODELITEMDATA: invalid argument."},
       {"MODEL \"unended", "Error on MODEL: invalid argument."},
       {"MODEL \"a__NL__b\"", "Error on MODEL: invalid argument."},
       {"StackSlice \"p\" \"p.tif\" -1", "Error on StackSlice: invalid argument."},
+      {"SLICE \"h\" 2147483647 2147483647", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 10001 1", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 101 10000", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 100 10000; NONSENSE", "Error on NONSENSE: unknown keyword (ignored)."},
       {"LengthUnitScale 400", "Error on LengthUnitScale: invalid argument."},
   };
   for (const auto& c : cases)
@@ -57,6 +64,19 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
     EXPECT_EQ(read.reader.getNumFatalErrors(), 0);
     EXPECT_TRUE(read.reader.hasReadStack());
   }
+}
+
+TEST(StackFileLog, TakesNoMemoryForCommas)
+{
+  const ReadStack sound(smallStack + std::string("MODELITEMDATA 1,2 3,4;")); // whatever is allocated once
+  std::string text = smallStack + std::string("MODELITEMDATA ");
+  constexpr std::size_t numCommas = 10000000;
+  text.append(numCommas, ',') += ";";
+  rusage before = {}, after = {};
+  getrusage(RUSAGE_SELF, &before);
+  EXPECT_THAT(ReadStack(text).log(), ElementsAre("Error on MODELITEMDATA: invalid argument."));
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 200000); // kilobytes: the text and its copies take less
 }
 
 TEST(StackFileLog, NamesFilesThatCannotBeRead)
