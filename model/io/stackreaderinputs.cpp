@@ -52,7 +52,12 @@ bool isPositive(float length)
 
 void StackReader::inputFileFormatVersion(const StackArguments& arguments)
 {
-  setFileFormatVersion(arguments.real(0));
+  const float version = arguments.real(0);
+  const bool isNewer = !ensureFileFormatVersion(version); // than this program's, to which read() set it
+  setFileFormatVersion(version);
+  if (isNewer)
+    addToLog("Error on FileFormatVersion: the file has version " + std::string(arguments.getToken(0)) +
+             ", which is newer than this program; what it does not know is lost.");
 }
 
 // The stack.
@@ -147,6 +152,7 @@ void StackReader::inputPixelWidth(const StackArguments& arguments)
 
 void StackReader::addSlice(const std::string& name, const ImageSource& source)
 {
+  if (_context.findSlice(name)) logDuplicate("slice", name);
   auto slice = std::make_unique<StackSlice>();
   slice->setName(name);
   slice->setImageSource(source);
@@ -155,6 +161,12 @@ void StackReader::addSlice(const std::string& name, const ImageSource& source)
   slice->setPixelCalibration(calibration);
   slice->setThickness(_context.getStack()->getDefaultSliceThickness());
   _context.openSlice(_context.getStack()->addSlice(std::move(slice)));
+}
+
+void StackReader::logDuplicate(const char* kind, const std::string& name)
+{
+  if (isLogFull()) return addToLog("");
+  addToLog("There is already a " + std::string(kind) + " named \"" + name + "\": items may go to the wrong one.");
 }
 
 void StackReader::inputSlice(const StackArguments& arguments)
@@ -231,7 +243,9 @@ void StackReader::keepStatement(const StackArguments&)
 
 void StackReader::inputModel(const StackArguments& arguments)
 {
-  _context.openModel(_context.getStack()->addModel(std::make_unique<Model>(arguments.name(0))));
+  const std::string name = arguments.name(0);
+  if (_context.findModel(name)) logDuplicate("model", name);
+  _context.openModel(_context.getStack()->addModel(std::make_unique<Model>(name)));
 }
 
 void StackReader::inputBrilliancy(const StackArguments& arguments)

@@ -66,6 +66,50 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
   }
 }
 
+TEST(StackFileLog, ShowsNoControlCharacters)
+{
+  EXPECT_THAT(ReadStack("\x1B[2J\x7F\x01\xC3\xA4 1;").log(),
+              ElementsAre("Error on ?[2J??\xC3\xA4: unknown keyword (ignored)."));
+}
+
+TEST(StackFileLog, TellsOfANewerFormatAndOfDuplicates)
+{
+  ReadStack read("FileFormatVersion 9.5; STACK \"s\"; SLICE \"a\" \"\"; SLICE \"b\" \"\"; SLICE \"a\" \"\";"
+                 "MODEL \"a\"; MODEL \"a\";");
+  EXPECT_THAT(read.log(), ElementsAre(testing::HasSubstr("version 9.5"), testing::HasSubstr("slice named \"a\""),
+                                      testing::HasSubstr("model named \"a\"")));
+  EXPECT_EQ(read.reader.getNumFatalErrors(), 0);
+  EXPECT_EQ(read.stack.getNumSlices(), 3);
+  EXPECT_EQ(read.reader.getFileFormatVersion(), 9.5f);
+  read.reader.read(read.stack, read.folder.write("next.sdf", "STACK \"s\"; FileFormatVersion 1.05;"));
+  EXPECT_THAT(read.log(), IsEmpty());
+  EXPECT_EQ(read.reader.getFileFormatVersion(), 1.05f);
+}
+
+TEST(StackFileLog, CanBeCancelledInTheMidstOfGarbage)
+{
+  const TemporaryFolder folder;
+  for (const char* statement : {"x;", ";", "STACK;"})
+  {
+    std::string text;
+    while (text.size() < 1000000) text += statement;
+    Stack stack;
+    StackReader reader;
+    class Stopper : public ProgressObserver
+    {
+    public:
+      explicit Stopper(ProgressSubject& subject) : _subject(subject) { subject.addObserver(*this); }
+      void started(const std::string&) override {}
+      void progressed(double) override { _subject.cancel(); }
+      void finished() override {}
+
+    private:
+      ProgressSubject& _subject;
+    } stopper(reader);
+    EXPECT_THROW(reader.read(stack, folder.write("garbage.sdf", text)), Cancelled) << statement;
+  }
+}
+
 TEST(StackFileLog, TakesNoMemoryForCommas)
 {
   const ReadStack sound(smallStack + std::string("MODELITEMDATA 1,2 3,4;")); // whatever is allocated once
