@@ -21,11 +21,17 @@ void readCurrentImage(Image& image, TiffFile& file)
   image.swap(fresh);
 }
 
+const std::string& requireImage(const std::string& filename, const char* where)
+{
+  if (filename.empty()) throw FileReadError(where, "The slice has no image");
+  return filename;
+}
+
 /// An image of the mosaic's size that is like its first tile otherwise.
 Image emptyMosaic(const ImageSourceFileMosaic& source)
 {
   Image tile;
-  ImageReader::read(tile, source.getFilename(0, 0));
+  ImageReader::read(tile, source.requireFilename(0, 0));
   try
   {
     Image mosaic(source.getSize2(), source.getSize1(), tile.getDepth());
@@ -76,12 +82,13 @@ void ImageReader::read(Image& image, const ImageSource& source)
 
 void ImageReader::read(Image& image, const ImageSourceFile& source)
 {
-  read(image, source.getFilename());
+  read(image, requireImage(source.getFilename(), "void ImageReader::read(Image&, const ImageSourceFile&)"));
 }
 
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename(), source.getPlane());
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)";
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
   readCurrentImage(image, file);
 }
 
@@ -97,7 +104,7 @@ void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
     for (int column = 0; column < source.getCols(); ++column)
     {
       const int width = widths[static_cast<std::size_t>(column)];
-      pasteTile(mosaic, source.getFilename(row, column), x, y, width, height);
+      pasteTile(mosaic, source.requireFilename(row, column), x, y, width, height);
       x += width;
     }
     y += height;
@@ -117,8 +124,14 @@ void ImageReader::read(ImageHeader& header, const std::string& filename)
   readTiffHeader(header, file);
 }
 
+void ImageReader::read(ImageHeader& header, const ImageSourceFile& source)
+{
+  read(header, requireImage(source.getFilename(), "void ImageReader::read(ImageHeader&, const ImageSourceFile&)"));
+}
+
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
-  TiffFile file(source.getTiffStackFilename(), source.getPlane());
+  constexpr const char* where = "void ImageReader::read(ImageHeader&, const ImageSourceTiffStackPlane&)";
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
   readTiffHeader(header, file);
 }

@@ -27,5 +27,6 @@ public:
 
   /// Only the header.
   static void read(ImageHeader& header, const std::string& filename);
+  static void read(ImageHeader& header, const ImageSourceFile& source);
   static void read(ImageHeader& header, const ImageSourceTiffStackPlane& source);
 };

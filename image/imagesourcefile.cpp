@@ -11,6 +11,6 @@ void ImageSourceFile::setFilename(const std::string& filename)
 ImageHeader ImageSourceFile::readHeader() const
 {
   ImageHeader header;
-  ImageReader::read(header, _filename);
+  ImageReader::read(header, *this);
   return header;
 }

@@ -32,6 +32,15 @@ const std::string& ImageSourceFileMosaic::getFilename(int row, int column) const
   return tile == _filenames.end() ? none : tile->second;
 }
 
+const std::string& ImageSourceFileMosaic::requireFilename(int row, int column) const
+{
+  const std::string& filename = getFilename(row, column);
+  if (!filename.empty()) return filename;
+  throw FileReadError("const std::string& ImageSourceFileMosaic::requireFilename(int, int) const",
+                      "The mosaic has no image in row " + std::to_string(row + 1) + ", column " +
+                          std::to_string(column + 1));
+}
+
 void ImageSourceFileMosaic::setFilename(int row, int column, const std::string& filename)
 {
   if (row < 0 || row >= _rows || column < 0 || column >= _cols)
@@ -45,7 +54,7 @@ std::vector<int> ImageSourceFileMosaic::rowHeights() const
 {
   std::vector<int> heights;
   while (static_cast<int>(heights.size()) < _rows)
-    heights.push_back(tileHeader(getFilename(static_cast<int>(heights.size()), 0)).getHeight());
+    heights.push_back(tileHeader(requireFilename(static_cast<int>(heights.size()), 0)).getHeight());
   return heights;
 }
 
@@ -53,13 +62,13 @@ std::vector<int> ImageSourceFileMosaic::colWidths() const
 {
   std::vector<int> widths;
   while (static_cast<int>(widths.size()) < _cols)
-    widths.push_back(tileHeader(getFilename(0, static_cast<int>(widths.size()))).getWidth());
+    widths.push_back(tileHeader(requireFilename(0, static_cast<int>(widths.size()))).getWidth());
   return widths;
 }
 
 ImageHeader ImageSourceFileMosaic::readHeader() const
 {
-  ImageHeader header = tileHeader(getFilename(0, 0));
+  ImageHeader header = tileHeader(requireFilename(0, 0));
   header.setHeight(total(rowHeights()));
   header.setWidth(total(colWidths()));
   return header;

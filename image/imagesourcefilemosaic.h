@@ -20,6 +20,8 @@ public:
   int getCols() const { return _cols; }
   /// The tile's file name, empty when none was set.
   const std::string& getFilename(int row, int column) const;
+  /// The same. \throw FileReadError  none was set
+  const std::string& requireFilename(int row, int column) const;
   /// \throw RangeError  the place lies outside the grid
   void setFilename(int row, int column, const std::string& filename);
   /// The tiles that were set, row by row.

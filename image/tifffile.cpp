@@ -11,20 +11,31 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <mutex>
 #include <sys/stat.h>
 #include <system_error>
 #include <tiffio.h>
 #include <unistd.h>
+#include <unordered_set>
 
 namespace
 {
 constexpr std::uint64_t greatestBlock = 256 << 20; // that libtiff may take for itself, whatever the file's length
 constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&, int)";
 
+/// Whether a file was not warned of before. Its images are opened again and again; one line is enough.
+bool isFirstWarning(const std::string& filename)
+{
+  static std::mutex mutex;
+  static std::unordered_set<std::string> known;
+  const std::lock_guard lock(mutex);
+  return known.insert(filename).second;
+}
+
 /// One line of text from libtiff's format and arguments.
 std::string formatted(const char* format, va_list arguments)
 {
-  char text[512];
+  char text[4096 + 512]; // a path and what is said of it
   std::vsnprintf(text, sizeof text, format, arguments);
   std::string message = text;
   std::replace(message.begin(), message.end(), '\n', ' ');
@@ -133,7 +144,7 @@ TiffFile::~TiffFile()
   TIFFClose(_tiff);
   if (_descriptor >= 0) ::close(_descriptor);
   const std::string& message = _error.empty() ? _warning : _error;
-  if (!_hasFailed && !message.empty())
+  if (!_hasFailed && !message.empty() && isFirstWarning(_filename))
     std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
 }
 
@@ -189,7 +200,7 @@ void TiffFile::patchHeader(unsigned char* bytes, std::uint64_t count) const
 
 void TiffFile::noteError(const std::string& message)
 {
-  if (_error.empty()) _error = message;
+  if (_error.empty()) _error = withoutFilename(message);
 }
 
 void TiffFile::noteWarning(const std::string& message)
@@ -198,7 +209,14 @@ void TiffFile::noteWarning(const std::string& message)
   const char* const harmless[] = {"nknown field with tag", "ExtraSamples"};
   const bool isHarmless = std::any_of(std::begin(harmless), std::end(harmless),
                                       [&](const char* text) { return message.find(text) != std::string::npos; });
-  if (_warning.empty() && !isHarmless) _warning = message;
+  if (_warning.empty() && !isHarmless) _warning = withoutFilename(message);
+}
+
+/// libtiff begins some messages with the file's name, which is told elsewhere.
+std::string TiffFile::withoutFilename(std::string message) const
+{
+  const std::string prefix = _filename + ": ";
+  return message.starts_with(prefix) ? message.substr(prefix.size()) : message;
 }
 
 std::string TiffFile::withReason(const std::string& what)

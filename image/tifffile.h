@@ -8,7 +8,7 @@ struct tiff; // libtiff's handle, which it also calls TIFF
 /// A TIFF file that is closed on every path; it keeps what libtiff has to say about it.
 ///
 /// libtiff's message becomes part of the error that follows it. Warnings of a file that was read without error go to
-/// the error stream as one line when the file is closed.
+/// the error stream as one line when the file is closed for the first time.
 class TiffFile
 {
 public:
@@ -46,6 +46,7 @@ public:
 private:
   void selectPlane(int plane);
   void patchHeader(unsigned char* bytes, std::uint64_t count) const;
+  std::string withoutFilename(std::string message) const;
   std::string withReason(const std::string& what);
 
   std::string _filename;

@@ -114,7 +114,7 @@ void setPixelSize(PixelCalibration& calibration, float xResolution, float yResol
 }
 
 /// How many bytes of pixels a byte of the file can stand for, at the utmost.
-std::uint64_t greatestExpansion(std::uint16_t compression)
+double greatestExpansion(std::uint16_t compression)
 {
   switch (compression)
   {
@@ -131,12 +131,12 @@ std::uint64_t greatestExpansion(std::uint16_t compression)
   }
 }
 
-/// Refuses sizes that the file is too short for, before memory is taken for them.
-void checkSize(TiffFile& file, std::uint64_t numPixelBytes)
+/// Refuses sizes that the file is too short for, before anybody believes them.
+void checkSize(TiffFile& file, const char* where, double numBytes)
 {
   const auto compression = readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION);
-  if (numPixelBytes / greatestExpansion(compression) > file.getLength())
-    file.failReading(pixelsSignature, "The file is too short for its image size");
+  if (numBytes / greatestExpansion(compression) > static_cast<double>(file.getLength()))
+    file.failReading(where, "The file is too short for its image size");
 }
 
 void readStrips(Image& image, TiffFile& file)
@@ -174,7 +174,7 @@ void readTiles(Image& image, TiffFile& file)
   const std::uint64_t tileSize = TIFFTileSize64(file.get());
   if (tileSize == 0 || tileSize / tileWidth / tileHeight != static_cast<std::uint64_t>(image.bytesPerPixel()))
     file.failReading(pixelsSignature, "Cannot read TIFF with padded tiles");
-  checkSize(file, tileSize);
+  checkSize(file, pixelsSignature, static_cast<double>(tileSize));
   std::vector<unsigned char> tile(tileSize);
   const auto length = static_cast<tmsize_t>(tileSize);
   const auto width = static_cast<std::uint64_t>(image.getWidth()),
@@ -211,6 +211,7 @@ void readTiffHeader(ImageHeader& header, TiffFile& file)
   header.setNumPlanes(readTiffNumPlanes(file));
   header.setDepth(bitsPerSample * samplesPerPixel);
   header.setNumChannels(samplesPerPixel);
+  checkSize(file, headerSignature, double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8);
   header.setNewSubfileType(readTag<std::uint32_t>(file, TIFFTAG_SUBFILETYPE, 0));
   readTiffCalibration(header, file);
   if (photometric(file, samplesPerPixel) == PHOTOMETRIC_PALETTE) readTiffColormap(header, file);
@@ -267,9 +268,6 @@ void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file)
     file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
   if (header.getDepth() > 32)
     file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
-  const std::uint64_t numPixels =
-      static_cast<std::uint64_t>(header.getWidth()) * static_cast<std::uint64_t>(header.getHeight());
-  checkSize(file, numPixels * static_cast<std::uint64_t>(header.getDepth() / 8));
   try
   {
     image.init(header.getWidth(), header.getHeight(), header.getDepth());

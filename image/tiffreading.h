@@ -9,7 +9,7 @@ class TiffFile;
 /// The steps of reading the current directory of an open TIFF file. All throw FileFormatError with the file's name.
 /// @{
 
-/// Sizes, depth, number of planes, calibration and palette.
+/// Sizes, which the file must be long enough for, depth, number of planes, calibration and palette.
 void readTiffHeader(ImageHeader& header, TiffFile& file);
 /// Pixel size and unit from the resolution tags and, without a unit there, from the description.
 void readTiffCalibration(ImageHeader& header, TiffFile& file);

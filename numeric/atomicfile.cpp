@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -32,11 +33,34 @@ fs::path followLinks(fs::path path)
   return path;
 }
 
-std::string temporaryName(const fs::path& target)
+std::string temporaryName(int process, unsigned number)
+{
+  return ".mirelo-" + std::to_string(process) + "-" + std::to_string(number) + ".tmp";
+}
+
+std::string temporaryFor(const fs::path& target)
 {
   static std::atomic<unsigned> counter = 0;
-  const std::string name = ".mirelo-" + std::to_string(getpid()) + "-" + std::to_string(++counter) + ".tmp";
-  return (target.parent_path() / name).string();
+  return (target.parent_path() / temporaryName(getpid(), ++counter)).string();
+}
+
+/// Whether a name is that of a temporary file whose process no longer exists.
+bool isLeftBehind(const std::string& name)
+{
+  int process = 0;
+  unsigned number = 0;
+  if (std::sscanf(name.c_str(), ".mirelo-%d-%u.tmp", &process, &number) != 2 || process <= 0) return false;
+  const bool isOurs = name == temporaryName(process, number);
+  return isOurs && kill(process, 0) != 0 && errno == ESRCH;
+}
+
+/// Removes what processes that were killed while they saved left in a folder.
+void removeLeftBehind(const fs::path& folder)
+{
+  std::error_code error;
+  fs::directory_iterator entry(folder.empty() ? "." : folder, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+    if (isLeftBehind(entry->path().filename().string())) unlink(entry->path().c_str());
 }
 
 void flushFolder(const fs::path& folder)
@@ -81,7 +105,7 @@ void AtomicFile::createTemporary()
 {
   do
   {
-    _temporary = temporaryName(_target);
+    _temporary = temporaryFor(_target);
     _descriptor = open(_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   } while (_descriptor < 0 && errno == EEXIST); // left by a crashed process that had our number
   if (_descriptor >= 0) return;
@@ -112,7 +136,9 @@ void AtomicFile::commit(Durability durability, const std::function<void()>& befo
   if (beforeReplace) beforeReplace();
   if (std::rename(_temporary.c_str(), _target.c_str()) != 0) fail(where, cannotWrite, errno);
   _temporary.clear();
-  if (durability == Durability::FlushToDisk) flushFolder(fs::path(_target).parent_path());
+  if (durability == Durability::Rename) return; // many files may be written so
+  removeLeftBehind(fs::path(_target).parent_path());
+  flushFolder(fs::path(_target).parent_path());
 }
 
 void AtomicFile::fail(const char* where, const char* what, int error) const

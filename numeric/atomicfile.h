@@ -28,7 +28,7 @@ public:
   enum class Durability
   {
     Rename,     ///< old or new file after a crash of the program
-    FlushToDisk ///< old or new file after a crash of the machine
+    FlushToDisk ///< old or new file after a crash of the machine; removes what killed processes left beside it
   };
 
   /// Puts the written file in the target's place. `beforeReplace`, when given, runs once the file is complete beside

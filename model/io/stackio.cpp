@@ -2,6 +2,7 @@
 
 #include "model/storabletext.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <unordered_map>
@@ -83,6 +84,14 @@ const KeywordTable& keywordTable()
 }
 
 std::atomic<int> numInstances = 0;
+
+/// What stands in a file may not steer the terminal that shows the log.
+std::string printable(std::string text)
+{
+  const auto isControl = [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; };
+  std::replace_if(text.begin(), text.end(), isControl, '?');
+  return text;
+}
 } // namespace
 
 StackIO::StackIO()
@@ -138,10 +147,9 @@ void StackIO::clearLog()
 
 void StackIO::addToLog(const std::string& line)
 {
-  constexpr long maxLines = 10000; // nobody reads more, and a file of garbage must not fill the memory
   ++_numLines;
   if (_numLines <= maxLines)
-    _log.push_back(line);
+    _log.push_back(printable(line));
   else if (_numLines == maxLines + 1)
     _log.emplace_back("More messages were left out.");
 }

@@ -20,6 +20,9 @@ public:
   /// Whether the format is at least of the given version.
   bool ensureFileFormatVersion(float version) const;
 
+  /// The version that this program writes, and that files without a version have.
+  static constexpr float currentFileFormatVersion = 1.05f;
+
   /// Messages in the order of their statements.
   const std::vector<std::string>& getLog() const { return _log; }
   /// Failures after which the stack must not be used.
@@ -39,12 +42,16 @@ public:
 
 protected:
   void clearLog();
-  /// Adds a line; a log that has grown beyond use only counts on.
+  /// Adds a line, control characters shown as "?"; a log that has grown beyond use only counts on.
   void addToLog(const std::string& line);
+  /// Whether lines are only counted from now on.
+  bool isLogFull() const { return _numLines > maxLines; }
   void addFatalError(const std::string& line);
 
 private:
-  float _fileFormatVersion = 1.05f;
+  static constexpr long maxLines = 10000; // nobody reads more, and a file of garbage must not fill the memory
+
+  float _fileFormatVersion = currentFileFormatVersion;
   std::vector<std::string> _log;
   long _numLines = 0;
   int _numFatalErrors = 0;

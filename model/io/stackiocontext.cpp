@@ -5,9 +5,7 @@
 namespace fs = std::filesystem;
 
 StackIOContext::StackIOContext(const std::string& stackFileName)
-  : _stackFileName(stackFileName),
-    _stackDirectory(plainPath(stackFileName).parent_path()),
-    _imagesPath(_stackDirectory.string())
+  : _stackFileName(stackFileName), _stackDirectory(stackFolder(stackFileName)), _imagesPath(_stackDirectory.string())
 {
 }
 

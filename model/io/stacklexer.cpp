@@ -60,20 +60,17 @@ void StackLexer::dropComments()
 
 std::optional<StackLexer::Statement> StackLexer::readItemString()
 {
-  while (_position < _text.size())
-  {
-    const std::size_t end = _text.find(';', _position);
-    const bool isTerminated = end != std::string::npos;
-    const std::size_t length = (isTerminated ? end : _text.size()) - _position;
-    Statement statement = {trimmed(std::string_view(_text).substr(_position, length)), {}, {}, isTerminated};
-    _position += length + (isTerminated ? 1 : 0);
-    if (statement.text.empty()) continue;
-    statement.arguments = statement.text;
-    if (!takeToken(statement.arguments, statement.keyword)) std::swap(statement.keyword, statement.arguments);
-    statement.arguments = trimmedFront(statement.arguments);
-    return statement;
-  }
-  return std::nullopt;
+  if (_position >= _text.size()) return std::nullopt;
+  const std::size_t end = _text.find(';', _position);
+  const bool isTerminated = end != std::string::npos;
+  const std::size_t length = (isTerminated ? end : _text.size()) - _position;
+  Statement statement = {trimmed(std::string_view(_text).substr(_position, length)), {}, {}, isTerminated};
+  _position += length + (isTerminated ? 1 : 0);
+  if (statement.text.empty()) return statement;
+  statement.arguments = statement.text;
+  if (!takeToken(statement.arguments, statement.keyword)) std::swap(statement.keyword, statement.arguments);
+  statement.arguments = trimmedFront(statement.arguments);
+  return statement;
 }
 
 std::optional<std::vector<std::string_view>> StackLexer::splitItemString(std::string_view arguments)

@@ -23,7 +23,7 @@ public:
 
   explicit StackLexer(std::string text);
 
-  /// The next statement that is not empty; nothing at the end of the text.
+  /// The next statement, which may be empty; nothing at the end of the text.
   std::optional<Statement> readItemString();
   /// The tokens of a statement's arguments, at most maxTokens + 1 of them: a token that begins with a double quote
   /// goes on to the next one that ends a token, and loses both. Nothing when that one is missing.

@@ -170,6 +170,7 @@ void StackReader::read(Stack& stack, const std::string& fileName)
 {
   const std::string path = withSuffix(fileName);
   clearLog();
+  setFileFormatVersion(currentFileFormatVersion);
   _context = StackIOContext();
   try
   {
@@ -202,7 +203,7 @@ void StackReader::readStatements(Stack& stack)
   std::size_t nextReport = 0;
   while (const auto statement = _lexer.readItemString())
   {
-    readStatement(*statement);
+    if (!statement->text.empty()) readStatement(*statement);
     if (_lexer.getPosition() < nextReport) continue;
     throwIfCancelled(readSignature);
     progress(static_cast<long>(_lexer.getPosition()));
@@ -215,64 +216,49 @@ void StackReader::readStatement(const StackLexer::Statement& statement)
 {
   try
   {
-    if (!statement.isTerminated) throw ArgValueError();
     parseTokens(statement);
   }
-  catch (const Exception&)
+  catch (const Exception& error)
   {
-    if (const auto kind = openedKind(statement.keyword)) _context.failToOpen(*kind);
-    logFailure(statement);
+    fail(statement, error);
   }
 }
 
 void StackReader::parseTokens(const StackLexer::Statement& statement)
 {
+  // Nothing is thrown here: in a file of garbage every statement fails.
+  if (!statement.isTerminated) return fail(statement, ArgValueError());
   const auto keyword = getKeyword(statement.keyword);
-  if (!keyword) throw KeywordError();
+  if (!keyword) return fail(statement, KeywordError());
   const Rule& rule = ruleOf(*keyword);
   const bool readsTokens = rule.maxArguments <= static_cast<int>(StackLexer::maxTokens);
   const auto tokens =
       readsTokens ? _lexer.splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
-  if (!tokens) throw ArgValueError();
+  if (!tokens) return fail(statement, ArgValueError());
   const int numArguments = static_cast<int>(tokens->size());
-  if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments)) throw NumArgsError();
-  if (!_context.fulfils(rule.need)) throw ContextError();
+  if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments))
+    return fail(statement, NumArgsError());
+  if (!_context.fulfils(rule.need)) return fail(statement, ContextError());
   _statement = &statement;
   (this->*rule.input)(StackArguments(statement.arguments, *tokens));
 }
 
-/// Turns the exception that is being handled into a line of the log.
-void StackReader::logFailure(const StackLexer::Statement& statement)
+void StackReader::fail(const StackLexer::Statement& statement, const Exception& error)
 {
-  const std::string keyword = shown(statement.keyword);
-  try
-  {
-    throw;
-  }
-  catch (const NumArgsError&)
-  {
-    addToLog("Error on " + keyword + ": invalid number of arguments.");
-  }
-  catch (const ContextError&)
-  {
-    addToLog("Error: " + keyword + " is invalid in this context.");
-  }
-  catch (const ArgValueError&)
-  {
-    addToLog("Error on " + keyword + ": invalid argument.");
-  }
-  catch (const KeywordError&)
-  {
-    addToLog("Error on " + keyword + ": unknown keyword (ignored).");
-  }
-  catch (const FileError& error)
-  {
-    addFatalError("Error: " + error.getFilename() + ": " + error.getWhat());
-  }
-  catch (const Exception& error)
-  {
-    addToLog("Error on " + keyword + ": " + error.getWhat());
-  }
+  if (const auto kind = openedKind(statement.keyword)) _context.failToOpen(*kind);
+  if (const auto* fileError = dynamic_cast<const FileError*>(&error))
+    return addFatalError("Error: " + fileError->getFilename() + ": " + fileError->getWhat());
+  addToLog(isLogFull() ? "" : failureLine(shown(statement.keyword), error));
+}
+
+std::string StackReader::failureLine(const std::string& keyword, const Exception& error)
+{
+  if (dynamic_cast<const ContextError*>(&error)) return "Error: " + keyword + " is invalid in this context.";
+  const std::string start = "Error on " + keyword + ": ";
+  if (dynamic_cast<const NumArgsError*>(&error)) return start + "invalid number of arguments.";
+  if (dynamic_cast<const ArgValueError*>(&error)) return start + "invalid argument.";
+  if (dynamic_cast<const KeywordError*>(&error)) return start + "unknown keyword (ignored).";
+  return start + error.getWhat();
 }
 
 /// Slices opened before the length unit was stated have the same unit as the others.

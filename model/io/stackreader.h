@@ -45,7 +45,9 @@ private:
   void readStatements(Stack& stack);
   void readStatement(const StackLexer::Statement& statement);
   void parseTokens(const StackLexer::Statement& statement);
-  void logFailure(const StackLexer::Statement& statement);
+  /// Closes what the statement should have replaced and adds a line to the log.
+  void fail(const StackLexer::Statement& statement, const Exception& error);
+  static std::string failureLine(const std::string& keyword, const Exception& error);
   void shareLengthUnit() const;
 
   // One input routine per keyword, called with the right number of arguments in the right context.
@@ -100,6 +102,7 @@ private:
   /// Calibration curves, standard images and samples are kept as they stand.
   void keepStatement(const StackArguments& arguments);
 
+  void logDuplicate(const char* kind, const std::string& name);
   void addSlice(const std::string& name, const ImageSource& source);
   ModelProperties& modelProperties() { return _context.getModel()->getProperties(); }
   ModelItemProperties& itemProperties() { return *_context.getItemProperties(); }

@@ -36,6 +36,14 @@ template <class Enum> Enum known(Enum value)
   return value;
 }
 
+/// A mosaic of the given grid; callers loop over it, so that nobody's grid must be believed.
+ImageSourceFileMosaic checkedMosaic(int rows, int columns)
+{
+  constexpr int maxPerSide = 10000, maxTiles = 1000000;
+  if (rows > maxPerSide || columns > maxPerSide || rows * columns > maxTiles) throw StackReader::ArgValueError();
+  return ImageSourceFileMosaic(rows, columns);
+}
+
 bool isPositive(float length)
 {
   return std::isfinite(length) && length > 0;
@@ -44,7 +52,12 @@ bool isPositive(float length)
 
 void StackReader::inputFileFormatVersion(const StackArguments& arguments)
 {
-  setFileFormatVersion(arguments.real(0));
+  const float version = arguments.real(0);
+  const bool isNewer = !ensureFileFormatVersion(version); // than this program's, to which read() set it
+  setFileFormatVersion(version);
+  if (isNewer)
+    addToLog("Error on FileFormatVersion: the file has version " + std::string(arguments.getToken(0)) +
+             ", which is newer than this program; what it does not know is lost.");
 }
 
 // The stack.
@@ -139,6 +152,7 @@ void StackReader::inputPixelWidth(const StackArguments& arguments)
 
 void StackReader::addSlice(const std::string& name, const ImageSource& source)
 {
+  if (_context.findSlice(name)) logDuplicate("slice", name);
   auto slice = std::make_unique<StackSlice>();
   slice->setName(name);
   slice->setImageSource(source);
@@ -149,11 +163,17 @@ void StackReader::addSlice(const std::string& name, const ImageSource& source)
   _context.openSlice(_context.getStack()->addSlice(std::move(slice)));
 }
 
+void StackReader::logDuplicate(const char* kind, const std::string& name)
+{
+  if (isLogFull()) return addToLog("");
+  addToLog("There is already a " + std::string(kind) + " named \"" + name + "\": items may go to the wrong one.");
+}
+
 void StackReader::inputSlice(const StackArguments& arguments)
 {
   const bool isMosaic = arguments.getNumTokens() == 3;
   if (isMosaic)
-    addSlice(arguments.name(0), ImageSourceFileMosaic(arguments.integerFrom(1, 1), arguments.integerFrom(2, 1)));
+    addSlice(arguments.name(0), checkedMosaic(arguments.integerFrom(1, 1), arguments.integerFrom(2, 1)));
   else
     addSlice(arguments.name(0), ImageSourceFile(_context.resolved(arguments.name(1))));
 }
@@ -223,7 +243,9 @@ void StackReader::keepStatement(const StackArguments&)
 
 void StackReader::inputModel(const StackArguments& arguments)
 {
-  _context.openModel(_context.getStack()->addModel(std::make_unique<Model>(arguments.name(0))));
+  const std::string name = arguments.name(0);
+  if (_context.findModel(name)) logDuplicate("model", name);
+  _context.openModel(_context.getStack()->addModel(std::make_unique<Model>(name)));
 }
 
 void StackReader::inputBrilliancy(const StackArguments& arguments)

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -70,7 +71,8 @@ long numObjects(const Stack& stack)
 void StackWriter::write(const Stack& stack, const std::string& fileName)
 {
   clearLog();
-  _stackDirectory = plainPath(fileName).parent_path();
+  _namedDirectory = plainPath(fileName).parent_path();
+  _stackDirectory = stackFolder(fileName);
   _imagesPath = ".";
   _numWritten = 0;
   try
@@ -190,13 +192,22 @@ std::string StackWriter::enterDirectory(const Stack& stack, const std::string& i
   if (imageFileName.empty()) return "";
   const fs::path file = plainPath(fs::path(stack.getImagesPath()) / imageFileName);
   const fs::path parent = file.parent_path();
-  const std::string directory =
-      (stack.getAbsoluteImagesPathPolicy() ? parent : parent.lexically_relative(_stackDirectory)).string();
+  const std::string directory = (stack.getAbsoluteImagesPathPolicy() ? parent : relativeDirectory(parent)).string();
   requireStorableName(file.string(), writeSignature);
   if (!file.has_filename()) return file.string(); // the root
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();
+}
+
+fs::path StackWriter::relativeDirectory(const fs::path& directory) const
+{
+  const fs::path path = directory.lexically_relative(_stackDirectory);
+  if (_namedDirectory == _stackDirectory) return path;
+  const fs::path other = directory.lexically_relative(_namedDirectory);
+  const bool isShorter = std::distance(other.begin(), other.end()) < std::distance(path.begin(), path.end());
+  const bool isSame = isShorter && pathWithoutLinks(_stackDirectory / other) == pathWithoutLinks(directory);
+  return isSame ? other : path;
 }
 
 void StackWriter::writePosition(const Stack& stack, const StackSlice& slice)

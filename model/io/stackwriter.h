@@ -52,13 +52,17 @@ private:
   /// Writes the images path when the file lies in another directory than the last one.
   /// \return the file's name without its directory
   std::string enterDirectory(const Stack& stack, const std::string& imageFileName);
+  /// Path from the stack file's folder. When that is reached through links, the shorter of the paths as it is named and
+  /// as it is without links, so that folders that are moved together keep it.
+  std::filesystem::path relativeDirectory(const std::filesystem::path& directory) const;
   /// Counts an object that was written and reports it now and then.
   void step();
 
-  std::function<void()> _beforeReplace; // may be empty
-  StatementBuffer* _out = nullptr;      // while write() runs
-  std::filesystem::path _stackDirectory;
-  std::string _imagesPath; // as written last
+  std::function<void()> _beforeReplace;  // may be empty
+  StatementBuffer* _out = nullptr;       // while write() runs
+  std::filesystem::path _namedDirectory; // of the stack file as it was named
+  std::filesystem::path _stackDirectory; // without links
+  std::string _imagesPath;               // as written last
   long _numWritten = 0;
   std::vector<std::string> _warnings;
 };

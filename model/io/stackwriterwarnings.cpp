@@ -1,8 +1,10 @@
 #include "model/io/stackwriterwarnings.h"
 
+#include "model/io/stacklexer.h"
 #include "model/io/statementbuffer.h"
 #include "model/storabletext.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <unordered_set>
@@ -89,8 +91,11 @@ void checkSlice(const Stack& stack, const StackSlice& slice, std::vector<std::st
 
 void checkAnnotation(const std::string& owner, const std::string& annotation, std::vector<std::string>& warnings)
 {
-  if (importText(exportText(annotation)) != annotation)
-    warnings.push_back(owner + ": the annotation holds one of the escapes of stack files and will read differently.");
+  std::string written = exportText(annotation);
+  std::replace_if(written.begin(), written.end(), StackLexer::isBlank, ' '); // as the reader does
+  if (importText(written) != annotation)
+    warnings.push_back(owner + ": the annotation holds a tab, a carriage return or one of the escapes of stack files " +
+                       "and will read differently.");
 }
 
 /// Notes names that were seen before.

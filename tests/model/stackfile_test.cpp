@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -45,9 +46,15 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
       {"MODELITEMDATA 1,2 3", "Error on MODELITEMDATA: invalid argument."},
       {"MODELITEMDATA 1,2,3", "Error on MODELITEMDATA: invalid argument."},
       {"MODELITEMDATA 1,2;MODELITEMDATA ,", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA ,,,,,,,,", "Error on MODELITEMDATA: invalid argument."},
+      {"MODELITEMDATA 1,2 3,4; MODELITEMDATA 1,23,4", "Error on MODELITEMDATA: invalid argument."},
       {"MODEL \"unended", "Error on MODEL: invalid argument."},
       {"MODEL \"a__NL__b\"", "Error on MODEL: invalid argument."},
       {"StackSlice \"p\" \"p.tif\" -1", "Error on StackSlice: invalid argument."},
+      {"SLICE \"h\" 2147483647 2147483647", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 10001 1", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 101 10000", "Error on SLICE: invalid argument."},
+      {"SLICE \"h\" 100 10000; NONSENSE", "Error on NONSENSE: unknown keyword (ignored)."},
       {"LengthUnitScale 400", "Error on LengthUnitScale: invalid argument."},
   };
   for (const auto& c : cases)
@@ -57,6 +64,63 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
     EXPECT_EQ(read.reader.getNumFatalErrors(), 0);
     EXPECT_TRUE(read.reader.hasReadStack());
   }
+}
+
+TEST(StackFileLog, ShowsNoControlCharacters)
+{
+  EXPECT_THAT(ReadStack("\x1B[2J\x7F\x01\xC3\xA4 1;").log(),
+              ElementsAre("Error on ?[2J??\xC3\xA4: unknown keyword (ignored)."));
+}
+
+TEST(StackFileLog, TellsOfANewerFormatAndOfDuplicates)
+{
+  ReadStack read("FileFormatVersion 9.5; STACK \"s\"; SLICE \"a\" \"\"; SLICE \"b\" \"\"; SLICE \"a\" \"\";"
+                 "MODEL \"a\"; MODEL \"a\";");
+  EXPECT_THAT(read.log(), ElementsAre(testing::HasSubstr("version 9.5"), testing::HasSubstr("slice named \"a\""),
+                                      testing::HasSubstr("model named \"a\"")));
+  EXPECT_EQ(read.reader.getNumFatalErrors(), 0);
+  EXPECT_EQ(read.stack.getNumSlices(), 3);
+  EXPECT_EQ(read.reader.getFileFormatVersion(), 9.5f);
+  read.reader.read(read.stack, read.folder.write("next.sdf", "STACK \"s\"; FileFormatVersion 1.05;"));
+  EXPECT_THAT(read.log(), IsEmpty());
+  EXPECT_EQ(read.reader.getFileFormatVersion(), 1.05f);
+}
+
+TEST(StackFileLog, CanBeCancelledInTheMidstOfGarbage)
+{
+  const TemporaryFolder folder;
+  for (const char* statement : {"x;", ";", "STACK;"})
+  {
+    std::string text;
+    while (text.size() < 1000000) text += statement;
+    Stack stack;
+    StackReader reader;
+    class Stopper : public ProgressObserver
+    {
+    public:
+      explicit Stopper(ProgressSubject& subject) : _subject(subject) { subject.addObserver(*this); }
+      void started(const std::string&) override {}
+      void progressed(double) override { _subject.cancel(); }
+      void finished() override {}
+
+    private:
+      ProgressSubject& _subject;
+    } stopper(reader);
+    EXPECT_THROW(reader.read(stack, folder.write("garbage.sdf", text)), Cancelled) << statement;
+  }
+}
+
+TEST(StackFileLog, TakesNoMemoryForCommas)
+{
+  const ReadStack sound(smallStack + std::string("MODELITEMDATA 1,2 3,4;")); // whatever is allocated once
+  std::string text = smallStack + std::string("MODELITEMDATA ");
+  constexpr std::size_t numCommas = 10000000;
+  text.append(numCommas, ',') += ";";
+  rusage before = {}, after = {};
+  getrusage(RUSAGE_SELF, &before);
+  EXPECT_THAT(ReadStack(text).log(), ElementsAre("Error on MODELITEMDATA: invalid argument."));
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 200000); // kilobytes: the text and its copies take less
 }
 
 TEST(StackFileLog, NamesFilesThatCannotBeRead)

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using testing::ElementsAre;
@@ -187,6 +188,22 @@ TEST(StackSaving, RunsTheHookOnlyBetweenACompleteFileAndItsReplacement)
   EXPECT_EQ(folder.getNumFiles(), 1);
 }
 
+TEST(StackSaving, RemovesWhatKilledProcessesLeft)
+{
+  const TemporaryFolder folder;
+  const pid_t child = fork();
+  if (child == 0) _exit(0);
+  waitpid(child, nullptr, 0); // this process is gone
+  const std::string dead = ".mirelo-" + std::to_string(child), living = ".mirelo-" + std::to_string(getppid());
+  folder.write(dead + "-3.tmp", "half");
+  const std::string kept[] = {living + "-3.tmp", dead + "-x.tmp", dead + "-03.tmp",
+                              dead + "-3.tmp~",  "-1-3.tmp",      ".mirelo--1-3.tmp"};
+  for (const std::string& name : kept) folder.write(name, "other");
+  StackWriter().write(Stack(), folder.file("new.sdf"));
+  EXPECT_FALSE(std::filesystem::exists(folder.file(dead + "-3.tmp")));
+  for (const std::string& name : kept) EXPECT_TRUE(std::filesystem::exists(folder.file(name))) << name;
+}
+
 TEST(StackSaving, KeepsLinksAndPermissions)
 {
   const TemporaryFolder folder;
@@ -234,6 +251,12 @@ TEST(StackWarnings, NameWhatTwoDecimalsLose)
   addSlice(stack, "s", "b.tif").setAnnotation("__NL__");
   ModelItem loose(&stack.addModel(std::make_unique<Model>("m")));
   loose.attach();
+  stack.setAnnotation("a\nb; \"c\"");
+  for (const char* text : {"__NL__", "a\tb", "a\r\nb"})
+  {
+    stack.getSlice(1)->setAnnotation(text);
+    EXPECT_THAT(warnings(stack), testing::Contains(HasSubstr("annotation holds"))) << text;
+  }
   EXPECT_THAT(warnings(stack), ElementsAre(HasSubstr("annotation holds"), HasSubstr("several slices named \"s\""),
                                            HasSubstr("1 items lie on no slice")));
 }
