@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -54,13 +55,21 @@ bool isLeftBehind(const std::string& name)
   return isOurs && kill(process, 0) != 0 && errno == ESRCH;
 }
 
+/// Whether nobody can still be writing to a file; a folder may be shared with machines whose processes are not ours.
+bool isOld(const fs::directory_entry& entry)
+{
+  std::error_code error;
+  const auto written = entry.last_write_time(error);
+  return !error && fs::file_time_type::clock::now() - written > std::chrono::hours(24);
+}
+
 /// Removes what processes that were killed while they saved left in a folder.
 void removeLeftBehind(const fs::path& folder)
 {
   std::error_code error;
   fs::directory_iterator entry(folder.empty() ? "." : folder, error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-    if (isLeftBehind(entry->path().filename().string())) unlink(entry->path().c_str());
+    if (isLeftBehind(entry->path().filename().string()) && isOld(*entry)) unlink(entry->path().c_str());
 }
 
 void flushFolder(const fs::path& folder)

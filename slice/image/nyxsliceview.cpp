@@ -114,7 +114,8 @@ void NYXSliceView::loadImage()
   }
   catch (const FileError& error)
   {
-    _problem = QString::fromStdString(error.getFilename() + "\n" + error.getWhat());
+    const std::string file = error.getFilename().empty() ? "" : error.getFilename() + "\n";
+    _problem = QString::fromStdString(file + error.getWhat());
   }
   catch (const Exception& error)
   {

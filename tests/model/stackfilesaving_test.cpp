@@ -196,11 +196,16 @@ TEST(StackSaving, RemovesWhatKilledProcessesLeft)
   waitpid(child, nullptr, 0); // this process is gone
   const std::string dead = ".mirelo-" + std::to_string(child), living = ".mirelo-" + std::to_string(getppid());
   folder.write(dead + "-3.tmp", "half");
+  folder.write(dead + "-4.tmp", "written just now, perhaps by another machine");
+  const auto dayBeforeYesterday = std::filesystem::file_time_type::clock::now() - std::chrono::hours(48);
   const std::string kept[] = {living + "-3.tmp", dead + "-x.tmp", dead + "-03.tmp",
                               dead + "-3.tmp~",  "-1-3.tmp",      ".mirelo--1-3.tmp"};
   for (const std::string& name : kept) folder.write(name, "other");
+  for (const auto& entry : std::filesystem::directory_iterator(folder.file("")))
+    if (!entry.path().string().ends_with("-4.tmp")) std::filesystem::last_write_time(entry.path(), dayBeforeYesterday);
   StackWriter().write(Stack(), folder.file("new.sdf"));
   EXPECT_FALSE(std::filesystem::exists(folder.file(dead + "-3.tmp")));
+  EXPECT_TRUE(std::filesystem::exists(folder.file(dead + "-4.tmp")));
   for (const std::string& name : kept) EXPECT_TRUE(std::filesystem::exists(folder.file(name))) << name;
 }
 
