@@ -156,8 +156,12 @@ ModelItem& draw(Model& model, StackSlice& slice, const SliceFrame& frame, const 
 std::vector<Point> fibreLine(int fibre, double z)
 {
   std::vector<Point> points;
-  for (double x = -fibres::halfLength; x <= fibres::halfLength; x += 3)
+  constexpr int numSteps = 16;
+  for (int i = 0; i <= numSteps; ++i)
+  {
+    const double x = fibres::halfLength * (2.0 * i / numSteps - 1);
     points.push_back({x, fibres::y(fibre, x, z), z});
+  }
   return points;
 }
 
@@ -248,6 +252,7 @@ void make(const fs::path& folder)
   StackReconstruction<double> reconstruction(stack);
   reconstruction.computeMaps();
   std::vector<SliceFrame> frames;
+  frames.reserve(numSlices);
   for (int k = 0; k < numSlices; ++k) frames.emplace_back(reconstruction, k);
 
   const std::vector<Vesicle> allVesicles = vesicles();

@@ -17,7 +17,7 @@ template <class T> void multiplyRow(const Vector<T>& a, const Matrix<T>& b, std:
   std::fill(sums.begin(), sums.end(), Sum(0));
   for (int k = 0; k < a.getSize(); ++k)
   {
-    const Sum factor = static_cast<Sum>(a[k]);
+    const Sum factor = static_cast<Sum>(a[k]); // NOLINT(bugprone-signed-char-misuse): the sign is meant to extend
     const T* const bRow = b[k].data();
     for (std::size_t j = 0; j < sums.size(); ++j) sums[j] += factor * static_cast<Sum>(bRow[j]);
   }
