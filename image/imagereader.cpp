@@ -4,8 +4,12 @@
 #include "image/imagesourcefile.h"
 #include "image/imagesourcefilemosaic.h"
 #include "image/imagesourcetiffstackplane.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
+#include "image/imagesourcevoxelmatrixplane.h"
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
+#include "image/voxelmatrixfile.h"
+#include "image/voxelmatrixplanes.h"
 
 #include <new>
 
@@ -74,6 +78,10 @@ void ImageReader::read(Image& image, const ImageSource& source)
     return read(image, static_cast<const ImageSourceFileMosaic&>(source));
   case ImageSourceType::TiffStackPlane:
     return read(image, static_cast<const ImageSourceTiffStackPlane&>(source));
+  case ImageSourceType::VoxelMatrixFilePlane:
+    return read(image, static_cast<const ImageSourceVoxelMatrixFilePlane&>(source));
+  case ImageSourceType::VoxelMatrixPlane:
+    return read(image, static_cast<const ImageSourceVoxelMatrixPlane&>(source));
   default:
     static_cast<void>(source.getDepth()); // asks for the header, which throws the error that names the file
     throw FileReadError("void ImageReader::read(Image&, const ImageSource&)", "Images of this kind cannot be read yet");
@@ -110,6 +118,17 @@ void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
     y += height;
   }
   image.swap(mosaic);
+}
+
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixFilePlane& source)
+{
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceVoxelMatrixFilePlane&)";
+  readPlane(image, VoxelMatrixFile(requireImage(source.getVoxelMatrixFilename(), where)), source.getPlane());
+}
+
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source)
+{
+  source.readImage(image);
 }
 
 void ImageReader::read(Image& image, const std::string& filename)

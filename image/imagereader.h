@@ -8,6 +8,8 @@ class ImageSource;
 class ImageSourceFile;
 class ImageSourceFileMosaic;
 class ImageSourceTiffStackPlane;
+class ImageSourceVoxelMatrixFilePlane;
+class ImageSourceVoxelMatrixPlane;
 
 /// Reads the image that a source names.
 ///
@@ -22,6 +24,10 @@ public:
   /// The tiles pasted side by side. \throw FileFormatError  they differ in depth, colormap or sizes of rows and columns
   static void read(Image& image, const ImageSourceFileMosaic& source);
   static void read(Image& image, const ImageSourceTiffStackPlane& source);
+  /// See readPlane() for how voxels become grey levels.
+  static void read(Image& image, const ImageSourceVoxelMatrixFilePlane& source);
+  /// \throw RangeError  the source is not defined
+  static void read(Image& image, const ImageSourceVoxelMatrixPlane& source);
   /// The first image of a TIFF file.
   static void read(Image& image, const std::string& filename);
 
