@@ -106,7 +106,7 @@ void ImageWriter::write(const Image& image, const std::string& filename, bool ov
   if (image.getSize() == 0) throw FileWriteError(writeSignature, "An image without pixels cannot be written", filename);
   AtomicFile target(filename);
   {
-    TiffFile file(target.getDescriptor(), filename);
+    TiffFile file(target.getDescriptor(), filename, image.dataLength());
     writeTIFF(image, file);
   }
   target.commit();
