@@ -6,9 +6,13 @@
 #include "image/imagesourcefilemosaic.h"
 #include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
+#include "image/imagesourcevoxelmatrixplane.h"
 #include "image/lsmreading.h"
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
+#include "image/voxelmatrixfile.h"
+#include "image/voxelmatrixplanes.h"
 
 #include <atomic>
 #include <iostream>
@@ -80,9 +84,10 @@ void ImageReader::read(Image& image, const ImageSource& source)
     return read(image, static_cast<const ImageSourceTiffStackPlane&>(source));
   case ImageSourceType::LSMStackPlane:
     return read(image, static_cast<const ImageSourceLSMStackPlane&>(source));
-  default:
-    static_cast<void>(source.getDepth()); // asks for the header, which throws the error that names the file
-    throw FileReadError("void ImageReader::read(Image&, const ImageSource&)", "Images of this kind cannot be read yet");
+  case ImageSourceType::VoxelMatrixFilePlane:
+    return read(image, static_cast<const ImageSourceVoxelMatrixFilePlane&>(source));
+  case ImageSourceType::VoxelMatrixPlane:
+    return read(image, static_cast<const ImageSourceVoxelMatrixPlane&>(source));
   }
 }
 
@@ -127,6 +132,17 @@ void ImageReader::read(Image& image, const ImageSourceLSMStackPlane& source)
 {
   constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceLSMStackPlane&)";
   readLSMImage(image, requireImage(source.getLSMStackFilename(), where), source.getPlane());
+}
+
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixFilePlane& source)
+{
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceVoxelMatrixFilePlane&)";
+  readPlane(image, VoxelMatrixFile(requireImage(source.getVoxelMatrixFilename(), where)), source.getPlane());
+}
+
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source)
+{
+  source.readImage(image);
 }
 
 void ImageReader::read(Image& image, const std::string& filename)

@@ -11,6 +11,8 @@ class ImageSourceFile;
 class ImageSourceFileMosaic;
 class ImageSourceLSMStackPlane;
 class ImageSourceTiffStackPlane;
+class ImageSourceVoxelMatrixFilePlane;
+class ImageSourceVoxelMatrixPlane;
 
 /// Reads the image that a source names.
 ///
@@ -27,6 +29,10 @@ public:
   static void read(Image& image, const ImageMosaic& mosaic);
   static void read(Image& image, const ImageSourceTiffStackPlane& source);
   static void read(Image& image, const ImageSourceLSMStackPlane& source);
+  /// See readPlane() for how voxels become grey levels.
+  static void read(Image& image, const ImageSourceVoxelMatrixFilePlane& source);
+  /// \throw RangeError  the source is not defined
+  static void read(Image& image, const ImageSourceVoxelMatrixPlane& source);
   /// The first image of a TIFF or LSM file.
   static void read(Image& image, const std::string& filename);
 

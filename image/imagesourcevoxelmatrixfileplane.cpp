@@ -1,6 +1,7 @@
 #include "image/imagesourcevoxelmatrixfileplane.h"
 
-#include "numeric/exception.h"
+#include "image/voxelmatrixfile.h"
+#include "image/voxelmatrixplanes.h"
 
 void ImageSourceVoxelMatrixFilePlane::setVoxelMatrixFilename(const std::string& filename)
 {
@@ -10,6 +11,5 @@ void ImageSourceVoxelMatrixFilePlane::setVoxelMatrixFilename(const std::string& 
 
 ImageHeader ImageSourceVoxelMatrixFilePlane::readHeader() const
 {
-  throw FileReadError("ImageHeader ImageSourceVoxelMatrixFilePlane::readHeader() const",
-                      "Voxel-matrix files cannot be read yet", _filename);
+  return planeHeader(VoxelMatrixFile(_filename));
 }

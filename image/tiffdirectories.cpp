@@ -1,10 +1,9 @@
 #include "image/tiffdirectories.h"
 
+#include "image/filecache.h"
+
 #include <algorithm>
 #include <array>
-#include <deque>
-#include <mutex>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_set>
 
@@ -80,48 +79,10 @@ private:
   bool _isBigEndian = false;
   std::uint64_t _version = 0;
 };
-
-/// What tells one state of a file from another.
-struct FileState
-{
-  dev_t device;
-  ino_t inode;
-  off_t size;
-  time_t seconds;
-  long nanoseconds;
-
-  explicit FileState(int descriptor)
-  {
-    struct stat status = {};
-    fstat(descriptor, &status);
-    device = status.st_dev;
-    inode = status.st_ino;
-    size = status.st_size;
-    seconds = status.st_mtim.tv_sec;
-    nanoseconds = status.st_mtim.tv_nsec;
-  }
-
-  bool operator==(const FileState& other) const = default;
-};
-
-struct KnownFile
-{
-  FileState state;
-  std::shared_ptr<const Directories> directories;
-};
 } // namespace
 
 std::shared_ptr<const std::vector<TiffDirectory>> tiffDirectories(int descriptor)
 {
-  static std::mutex mutex;
-  static std::deque<KnownFile> known; // the newest last
-  constexpr std::size_t maxKnown = 8;
-  const FileState state(descriptor);
-  const std::lock_guard lock(mutex);
-  const auto found =
-      std::find_if(known.begin(), known.end(), [&](const KnownFile& each) { return each.state == state; });
-  if (found != known.end()) return found->directories;
-  known.push_back({state, std::make_shared<const Directories>(DirectoryWalk(descriptor).walk())});
-  if (known.size() > maxKnown) known.pop_front();
-  return known.back().directories;
+  static FileCache<Directories> cache;
+  return cache.get(descriptor, [descriptor] { return DirectoryWalk(descriptor).walk(); });
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "image/imageheader.h"
+#include "image/voxelmatrix.h"
+
+class Image;
+class VoxelMatrixFile;
+
+/// Planes of voxel matrices as images: unsigned char becomes an 8-bit image, unsigned short a 16-bit one, every other
+/// type 8 bits by a linear map of the whole volume's range.
+/// @{
+
+/// Sizes, depth and calibration of any plane's image.
+template <class T> ImageHeader planeHeader(const VoxelMatrix<T>& matrix);
+ImageHeader planeHeader(const VoxelMatrixFile& file);
+
+/// \throw RangeError  there is no such plane
+template <class T> void readPlane(Image& image, const VoxelMatrix<T>& matrix, int plane);
+/// \throw FileFormatError  there is no such plane   \throw FileReadError  the disk fails
+void readPlane(Image& image, const VoxelMatrixFile& file, int plane);
+/// @}
