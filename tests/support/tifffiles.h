@@ -21,8 +21,9 @@ struct TiffRecipe
   std::optional<int> resolutionUnit = std::nullopt;
   std::optional<float> xResolution = std::nullopt, yResolution = std::nullopt;
   std::optional<std::string> description = std::nullopt;
-  const char* mode = "w"; // "wb" big-endian, "w8" BigTIFF
-  bool isSmooth = false;  // no jumps, which JPEG would blur
+  const char* mode = "w";     // "wb" big-endian, "w8" BigTIFF
+  bool isSmooth = false;      // no jumps, which JPEG would blur
+  bool hasThumbnails = false; // a small image behind each plane
 
   /// Sample s of pixel (x, y) on plane p.
   std::uint16_t sample(int x, int y, int s, int p) const
@@ -45,11 +46,21 @@ struct TiffRecipe
         for (int y = 0, index = 0; y < height; y += rowsPerStrip, ++index)
           writeBlock(tiff, index, 0, y, width, std::min(rowsPerStrip, height - y), p);
       TIFFWriteDirectory(tiff);
+      if (hasThumbnails) writeThumbnail(tiff);
     }
     TIFFClose(tiff);
   }
 
 private:
+  static void writeThumbnail(TIFF* tiff)
+  {
+    TiffRecipe{.width = 1, .height = 1}.writeTags(tiff);
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_REDUCEDIMAGE);
+    unsigned char pixel = 9;
+    TIFFWriteEncodedStrip(tiff, 0, &pixel, 1);
+    TIFFWriteDirectory(tiff);
+  }
+
   void writeTags(TIFF* tiff) const
   {
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
