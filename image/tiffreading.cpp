@@ -196,7 +196,7 @@ void readTiffColormap(ImageHeader& header, TiffFile& file)
   const auto isByte = [](std::uint16_t level) { return level < 256; };
   const bool hasBytes = std::all_of(red, red + numColors, isByte) && std::all_of(green, green + numColors, isByte) &&
                         std::all_of(blue, blue + numColors, isByte); // written by programs that ignored the 16 bits
-  const int divisor = hasBytes ? 1 : 257;
+  const int divisor = hasBytes ? 1 : 256; // level x 257 as well as level x 256, which some programs write
   Colormap colormap(numColors);
   const auto level = [divisor](std::uint16_t value) { return static_cast<unsigned char>(value / divisor); };
   for (int i = 0; i < numColors; ++i) colormap.setColor(i, {level(red[i]), level(green[i]), level(blue[i])});

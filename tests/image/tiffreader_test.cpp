@@ -55,6 +55,8 @@ TEST(TiffReader, ReadsWhatOtherProgramsWrite)
       {"24 bits", {.samples = 3, .photometric = PHOTOMETRIC_RGB}},
       {"32 bits", {.samples = 4, .photometric = PHOTOMETRIC_RGB}},
       {"palette", {.photometric = PHOTOMETRIC_PALETTE}},
+      {"palette without low bytes", {.photometric = PHOTOMETRIC_PALETTE, .paletteScale = 256}},
+      {"palette of 8 bits", {.photometric = PHOTOMETRIC_PALETTE, .paletteScale = 1}},
       {"min is white", {.photometric = PHOTOMETRIC_MINISWHITE}},
       {"min is white, 16 bits", {.bits = 16, .photometric = PHOTOMETRIC_MINISWHITE}},
       {"one pixel", {.width = 1, .height = 1, .rowsPerStrip = 1}},

@@ -23,6 +23,7 @@ struct TiffRecipe
   std::optional<std::string> description = std::nullopt;
   const char* mode = "w";     // "wb" big-endian, "w8" BigTIFF
   bool isSmooth = false;      // no jumps, which JPEG would blur
+  int paletteScale = 257;     // from 8 bits to those of the palette
   bool hasThumbnails = false; // a small image behind each plane
 
   /// Sample s of pixel (x, y) on plane p.
@@ -87,13 +88,15 @@ private:
   }
 
   /// Entry i is (i, 255 - i, 7).
-  static void writePalette(TIFF* tiff)
+  void writePalette(TIFF* tiff) const
   {
-    std::vector<std::uint16_t> red(256), green(256), blue(256, 7 * 257);
+    std::vector<std::uint16_t> red(256), green(256), blue(256);
     for (std::size_t i = 0; i < 256; ++i)
     {
-      red[i] = static_cast<std::uint16_t>(i * 257);
-      green[i] = static_cast<std::uint16_t>((255 - i) * 257);
+      const auto scale = static_cast<std::size_t>(paletteScale);
+      red[i] = static_cast<std::uint16_t>(i * scale);
+      green[i] = static_cast<std::uint16_t>((255 - i) * scale);
+      blue[i] = static_cast<std::uint16_t>(7 * scale);
     }
     TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
   }
