@@ -147,14 +147,14 @@ void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source)
 
 void ImageReader::read(Image& image, const std::string& filename)
 {
-  TiffFile file(filename);
+  TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
   if (isLSM(file)) return readLSMImage(image, filename, 0);
   readCurrentImage(image, file);
 }
 
 void ImageReader::read(ImageHeader& header, const std::string& filename)
 {
-  TiffFile file(filename);
+  TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
   if (isLSM(file)) return readLSMImageHeader(header, filename, 0);
   readTiffHeader(header, file);
 }

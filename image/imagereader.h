@@ -33,7 +33,7 @@ public:
   static void read(Image& image, const ImageSourceVoxelMatrixFilePlane& source);
   /// \throw RangeError  the source is not defined
   static void read(Image& image, const ImageSourceVoxelMatrixPlane& source);
-  /// The first image of a TIFF or LSM file.
+  /// The first image of a TIFF or LSM file that is no thumbnail.
   static void read(Image& image, const std::string& filename);
 
   /// Only the header.

@@ -115,6 +115,16 @@ std::uint64_t numImagesOfDescription(std::string_view description)
   return number;
 }
 
+/// Refuses pixels that an image cannot hold.
+void checkPixels(const ImageHeader& header, TiffFile& file)
+{
+  if (header.getNumChannels() > 1 &&
+      readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
+    file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
+  if (header.getDepth() > 32)
+    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
+}
+
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
 MIRELO_TARGET_CLONES void invert(unsigned char* pixels, std::size_t numBytes)
 {
@@ -203,18 +213,9 @@ void readTiffColormap(ImageHeader& header, TiffFile& file)
   header.setColormap(colormap);
 }
 
-void checkTiffPixels(const ImageHeader& header, TiffFile& file)
-{
-  if (header.getNumChannels() > 1 &&
-      readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
-    file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
-  if (header.getDepth() > 32)
-    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
-}
-
 void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file)
 {
-  checkTiffPixels(header, file);
+  checkPixels(header, file);
   const TiffRaster raster = rasterOf(header, file);
   readTiffRaster(pixels, raster, file, pixelsSignature);
   turnMinIsWhite(pixels, raster.dataLength(), file);
@@ -222,7 +223,7 @@ void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& 
 
 void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file)
 {
-  checkTiffPixels(header, file);
+  checkPixels(header, file);
   initImage(image, header, file);
   readTiffPixels(image.getData(), header, file);
 }

@@ -61,6 +61,7 @@ TEST(TiffReader, ReadsWhatOtherProgramsWrite)
       {"min is white, 16 bits", {.bits = 16, .photometric = PHOTOMETRIC_MINISWHITE}},
       {"one pixel", {.width = 1, .height = 1, .rowsPerStrip = 1}},
       {"one strip", {.rowsPerStrip = 23}},
+      {"behind a thumbnail", {.hasThumbnails = true}},
       {"LZW", {.bits = 16, .compression = COMPRESSION_LZW}},
       {"Deflate", {.samples = 3, .photometric = PHOTOMETRIC_RGB, .compression = COMPRESSION_ADOBE_DEFLATE}},
       {"PackBits", {.compression = COMPRESSION_PACKBITS}},

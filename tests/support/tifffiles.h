@@ -24,7 +24,7 @@ struct TiffRecipe
   const char* mode = "w";     // "wb" big-endian, "w8" BigTIFF
   bool isSmooth = false;      // no jumps, which JPEG would blur
   int paletteScale = 257;     // from 8 bits to those of the palette
-  bool hasThumbnails = false; // a small image behind each plane
+  bool hasThumbnails = false; // a small image before each plane
 
   /// Sample s of pixel (x, y) on plane p.
   std::uint16_t sample(int x, int y, int s, int p) const
@@ -39,6 +39,7 @@ struct TiffRecipe
     TIFF* const tiff = TIFFOpen(path.c_str(), mode);
     for (int p = 0; p < planes; ++p)
     {
+      if (hasThumbnails) writeThumbnail(tiff);
       writeTags(tiff);
       if (tileSize > 0)
         for (int y = 0, index = 0; y < height; y += tileSize)
@@ -47,7 +48,6 @@ struct TiffRecipe
         for (int y = 0, index = 0; y < height; y += rowsPerStrip, ++index)
           writeBlock(tiff, index, 0, y, width, std::min(rowsPerStrip, height - y), p);
       TIFFWriteDirectory(tiff);
-      if (hasThumbnails) writeThumbnail(tiff);
     }
     TIFFClose(tiff);
   }
