@@ -1,4 +1,5 @@
 #include "batch/commands.h"
+#include "image/imagereader.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,12 +37,14 @@ ExitStatus parseAndRun(int argc, char** argv)
   app.set_version_flag("--version", "mirelo-batch " MIRELO_VERSION, "print the version and exit");
   app.set_help_flag("--help", "print this text and exit");
   app.require_subcommand(1);
+  ImageReader::setMagicNumberStream(std::cerr); // nothing but results goes to standard output
   Run run;
   addInfoCommand(app, run);
   addCheckCommand(app, run);
   addConvertCommand(app, run);
   addExportCommand(app, run);
   addMeasureCommand(app, run);
+  addImageCommand(app, run);
   try
   {
     app.parse(argc, argv);
