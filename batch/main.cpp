@@ -45,6 +45,8 @@ ExitStatus parseAndRun(int argc, char** argv)
   addExportCommand(app, run);
   addMeasureCommand(app, run);
   addImageCommand(app, run);
+  addThresholdCommand(app, run);
+  addLabelCommand(app, run);
   try
   {
     app.parse(argc, argv);

@@ -1,11 +1,11 @@
 #include "batch/commands.h"
-#include "batch/json.h"
 #include "batch/volumefile.h"
 #include "image/segmentation/isodatathresholding.h"
 #include "image/segmentation/otsuthresholding.h"
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <iostream>
 #include <limits>
@@ -66,6 +66,13 @@ template <class T> VoxelMatrix<unsigned char> maskAbove(const VoxelMatrix<T>& vo
     return Thresholding<T>::levelSetMask(volume, threshold);
 }
 
+/// The shortest decimals that give the number back.
+template <class R> std::string shortest(R number)
+{
+  char text[64];
+  return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
+}
+
 ExitStatus threshold(const Arguments& arguments)
 {
   if ((arguments.method == "fixed") != arguments.level.has_value())
@@ -77,7 +84,7 @@ ExitStatus threshold(const Arguments& arguments)
       {
         const auto level = chooseThreshold(matrix, arguments);
         writeVolume(maskAbove(matrix, level), arguments.out);
-        std::cout << Json(static_cast<double>(level)) << "\n"; // the shortest decimals that give the number back
+        std::cout << shortest(level) << "\n";
       },
       volume);
   return Done;
