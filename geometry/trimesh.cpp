@@ -3,6 +3,7 @@
 #include "geometry/vectors3d.h"
 
 #include <algorithm>
+#include <limits>
 #include <numbers>
 
 namespace
@@ -24,6 +25,21 @@ template <class T> Real<T> twiceTriangleArea(const T* a, const T* b, const T* c,
 template <class T> TriMesh<T>::TriMesh(int space, int numVertices, int numTriangles)
   : Vertices<T>(space, numVertices), _indexes(3 * static_cast<std::size_t>(std::max(numTriangles, 0)), -1)
 {
+}
+
+template <class T> TriMesh<T>::TriMesh(int space, BufferVector<T>&& coordinates, BufferVector<int>&& indexes)
+  : Vertices<T>(space, std::move(coordinates))
+{
+  const char* const where = "TriMesh<T>::TriMesh(int, BufferVector<T>&&, BufferVector<int>&&)";
+  if (indexes.size() % 3 != 0) throw SizeError(where, "A triangle has three vertices");
+  if (indexes.size() / 3 > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    throw SizeError(where, "There are too many triangles");
+  const unsigned size = static_cast<unsigned>(this->getSize());
+  unsigned largest = 0; // negative indexes become the largest ones
+  for (const int index : indexes) largest = std::max(largest, static_cast<unsigned>(index));
+  if (!indexes.empty() && largest >= size) throw RangeError(where, "A triangle names a vertex that does not exist");
+  _indexes = std::move(indexes);
+  _numTriangles = static_cast<int>(_indexes.size() / 3);
 }
 
 template <class T> Vector<int> TriMesh<T>::getTriangleIndexes(int i) const
