@@ -1,5 +1,7 @@
 #pragma once
 
+#include "numeric/exception.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -25,3 +27,15 @@ public:
 private:
   int _descriptor;
 };
+
+/// What a reader throws is fine as long as it belongs to the family of errors.
+template <class Action> void attempt(Action action)
+{
+  try
+  {
+    action();
+  }
+  catch (const Exception&)
+  {
+  }
+}

@@ -9,21 +9,6 @@
 #include <omp.h>
 #include <ostream>
 
-namespace
-{
-/// What a reader throws is fine as long as it belongs to the family of errors.
-template <class Action> void attempt(Action action)
-{
-  try
-  {
-    action();
-  }
-  catch (const Exception&)
-  {
-  }
-}
-} // namespace
-
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
   static std::ostream nowhere(nullptr);
