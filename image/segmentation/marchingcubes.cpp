@@ -15,8 +15,9 @@ namespace
 constexpr const char* buildMeshSignature =
     "TriMesh<float> MarchingCubes<T>::buildMesh(const VoxelMatrix<T>&, Level, bool)";
 
-/// Corner values: exact differences of voxel and level where double holds them, never an overflow of integers.
-template <class T> using Value = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
+/// Corner values: wide enough for the differences of integers, and for products of the smallest and largest values.
+template <class T> using Value =
+    std::conditional_t<std::is_integral_v<T> || std::is_same_v<T, float>, double, long double>;
 
 using Word = SignRow::Word;
 
