@@ -122,10 +122,11 @@ TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
     // Strips as they are in the file ("c"), through the procedures below ("m").
     _tiff = TIFFClientOpenExt(filename.c_str(), "rmc", this, readProcedure, refuseToWrite, seekProcedure,
                               closeProcedure, sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
-    if (!_tiff) failReading(openSignature, "Cannot read TIFF file");
+    if (!_tiff || _planes.empty()) failReading(openSignature, "Cannot read TIFF file");
   }
   catch (...)
   {
+    if (_tiff) TIFFClose(_tiff);
     ::close(_descriptor);
     throw;
   }
@@ -133,7 +134,7 @@ TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
 
 TiffFile::TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes) : _filename(filename)
 {
-  constexpr std::uint64_t greatestTiff = 4'000'000'000; // offsets have 32 bits; some are left for the directories
+  constexpr std::uint64_t greatestTiff = 4'000'000'000; // offsets have 32 bits
   const int duplicate = dup(descriptor);                // libtiff closes its descriptor
   // Little-endian everywhere: the same image gives the same bytes.
   const char* const mode = numBytes > greatestTiff ? "wl8" : "wl";
@@ -247,7 +248,7 @@ void TiffFile::noteWarning(const std::string& message)
 }
 
 /// libtiff begins some messages with the file's name, which is told elsewhere.
-std::string TiffFile::withoutFilename(std::string message) const
+std::string TiffFile::withoutFilename(const std::string& message) const
 {
   const std::string prefix = _filename + ": ";
   return message.starts_with(prefix) ? message.substr(prefix.size()) : message;

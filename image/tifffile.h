@@ -26,7 +26,7 @@ public:
   /// \throw FileReadError    it cannot be opened
   /// \throw FileFormatError  it is no TIFF file or has no such plane
   explicit TiffFile(const std::string& filename, int plane = 0, TiffPlanes planes = TiffPlanes::All);
-  /// Writes to an open descriptor, which stays the caller's; about numBytes, which decide between TIFF and BigTIFF.
+  /// Writes to an open descriptor, which stays the caller's: a BigTIFF file when numBytes would not fit another.
   /// \throw FileWriteError  libtiff cannot write to it
   TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes);
   TiffFile(const TiffFile&) = delete;
@@ -66,7 +66,7 @@ private:
   [[noreturn]] void failAtPlane();
   std::size_t readPiece(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
   void patchHeader(unsigned char* bytes, std::uint64_t count) const;
-  std::string withoutFilename(std::string message) const;
+  std::string withoutFilename(const std::string& message) const;
   std::string withReason(const std::string& what);
 
   std::string _filename;
