@@ -7,6 +7,7 @@
 #include <exception>
 #include <iostream>
 #include <locale>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,13 @@ std::string describeArguments(const CLI::App& app, const std::vector<std::string
   const auto isNamed = [&](const CLI::App* command) { return command->check_name(arguments.front()); };
   const bool isUnknown = isCommand && app.get_subcommands(isNamed).empty();
   return (isUnknown ? "unknown command " + arguments.front() : std::string(error.what())) + "; see mirelo-batch --help";
+}
+
+ExitStatus finish(ExitStatus status)
+{
+  std::cout.flush();
+  if (!std::cout) throw BatchError("standard output: not everything could be written");
+  return status;
 }
 
 ExitStatus parseAndRun(int argc, char** argv)
@@ -41,16 +49,13 @@ ExitStatus parseAndRun(int argc, char** argv)
   catch (const CLI::Success& request)
   {
     app.exit(request);
-    return Done;
+    return finish(Done);
   }
   catch (const CLI::ParseError& error)
   {
     throw BatchError(describeArguments(app, {argv + 1, argv + argc}, error));
   }
-  const ExitStatus status = run();
-  std::cout.flush();
-  if (!std::cout) throw BatchError("standard output: not everything could be written");
-  return status;
+  return finish(run());
 }
 } // namespace
 
@@ -66,6 +71,10 @@ int main(int argc, char** argv)
   catch (const Exception& error)
   {
     warn(describe(error));
+  }
+  catch (const std::bad_alloc&)
+  {
+    warn("there is not enough memory for: " + CLI::detail::join(std::vector<std::string>(argv + 1, argv + argc), " "));
   }
   catch (const std::exception& error)
   {
