@@ -1,6 +1,5 @@
 #include "image/tifffile.h"
 
-#include "image/tiffdirectories.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -112,17 +111,17 @@ Options optionsFor(TiffFile& file)
 } // namespace
 
 TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
-  : _filename(filename), _length(lengthOf(filename)), _plane(plane)
+  : _filename(filename), _length(lengthOf(filename)), _countedPlanes(planes), _plane(plane)
 {
   _descriptor = ::open(filename.c_str(), O_RDONLY | O_CLOEXEC);
   if (_descriptor < 0) failOpening(filename, errno);
   try
   {
-    findDirectories(planes);
+    findDirectories();
     // Strips as they are in the file ("c"), through the procedures below ("m").
     _tiff = TIFFClientOpenExt(filename.c_str(), "rmc", this, readProcedure, refuseToWrite, seekProcedure,
                               closeProcedure, sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
-    if (!_tiff || _planes.empty()) failReading(openSignature, "Cannot read TIFF file");
+    if (!_tiff || getNumPlanes() == 0) failReading(openSignature, "Cannot read TIFF file");
   }
   catch (...)
   {
@@ -153,18 +152,14 @@ TiffFile::~TiffFile()
     std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
 }
 
-/// Notes the planes' directories and lets libtiff begin at the chosen one.
-void TiffFile::findDirectories(TiffPlanes planes)
+/// Lets libtiff begin at the chosen plane.
+void TiffFile::findDirectories()
 {
-  const auto directories = tiffDirectories(_descriptor);
-  if (directories->empty()) return; // libtiff knows why
-  const bool takesAll = planes == TiffPlanes::All || std::ranges::all_of(*directories, &TiffDirectory::isThumbnail);
-  for (const TiffDirectory& directory : *directories)
-    if (takesAll || !directory.isThumbnail) _planes.push_back(directory.offset);
-  _numDirectories = static_cast<int>(directories->size());
+  _directories = tiffDirectories(_descriptor);
+  if (getNumPlanes() == 0) return; // libtiff knows why
   const bool isListed = _plane >= 0 && _plane < getNumPlanes();
   if (!isListed && (_plane < 0 || getNumDirectories() > 1)) failAtPlane();
-  _firstDirectory = _planes[isListed ? static_cast<std::size_t>(_plane) : 0];
+  _firstDirectory = planes()[isListed ? static_cast<std::size_t>(_plane) : 0];
 }
 
 void TiffFile::selectNextPlane()
@@ -172,7 +167,7 @@ void TiffFile::selectNextPlane()
   ++_plane;
   if (getNumDirectories() == 1) return;
   if (_plane >= getNumPlanes()) failAtPlane();
-  const std::uint64_t directory = _planes[static_cast<std::size_t>(_plane)];
+  const std::uint64_t directory = planes()[static_cast<std::size_t>(_plane)];
   while (TIFFCurrentDirOffset(_tiff) != directory)
     if (TIFFReadDirectory(_tiff) != 1) failReading("void TiffFile::selectNextPlane()", "Cannot read TIFF directory");
 }

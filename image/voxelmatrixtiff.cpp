@@ -50,13 +50,15 @@ template <class T> void readPlanes(VoxelMatrix<T>& matrix, const std::string& fi
   }
 }
 
-/// Each thread reads a run of planes; of several errors, that of the first planes counts.
+/// Threads read runs of planes, none so long that libtiff's search among the directories it has seen takes time. Of
+/// several errors, that of the first planes counts.
 template <class T> void readPlanes(VoxelMatrix<T>& matrix, const std::string& filename)
 {
-  const int numRuns = std::clamp(omp_get_max_threads(), 1, matrix.getSize3());
+  constexpr int longestRun = 1024;
+  const int numRuns = std::clamp(omp_get_max_threads(), 1 + (matrix.getSize3() - 1) / longestRun, matrix.getSize3());
   const auto start = [&](int run) { return static_cast<int>(std::int64_t{matrix.getSize3()} * run / numRuns); };
   std::vector<std::exception_ptr> errors(static_cast<std::size_t>(numRuns));
-#pragma omp parallel for num_threads(numRuns)
+#pragma omp parallel for schedule(dynamic)
   for (int run = 0; run < numRuns; ++run)
   {
     try
