@@ -95,6 +95,8 @@ void uncross(ImageHeader& header, TiffFile& file)
   header.setNumPlanes(file.getNumPlanes());
   header.setNewSubfileType(readTag<std::uint32_t>(file, TIFFTAG_SUBFILETYPE, 0));
   setPixelSize(header, header.getVoxelSizeX(), header.getVoxelSizeY());
+  header.deleteColormap();
+  readLSMColormap(header, file);
   checkTiffLength(double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8, file, headerSignature);
 }
 

@@ -9,8 +9,6 @@
 
 namespace
 {
-using Directories = std::vector<TiffDirectory>;
-
 /// Reads numbers of a file in the file's byte order; a TIFF file has 4-byte offsets, a BigTIFF file 8-byte ones.
 class DirectoryWalk
 {
@@ -21,17 +19,19 @@ public:
     _version = number(2, 2);
   }
 
-  Directories walk() const
+  TiffDirectories walk() const
   {
-    Directories directories;
+    TiffDirectories directories;
     if (_version != tiffVersion && _version != bigTiffVersion) return directories;
     std::unordered_set<std::uint64_t> seen;
     std::uint64_t offset = isBigTiff() ? number(8, 8) : number(4, 4);
     while (offset != 0 && seen.insert(offset).second)
     {
-      directories.push_back({offset, isThumbnail(offset)});
+      directories.all.push_back(offset);
+      if (!isThumbnail(offset)) directories.withoutThumbnails.push_back(offset);
       offset = next(offset);
     }
+    if (directories.withoutThumbnails.empty()) directories.withoutThumbnails = directories.all;
     return directories;
   }
 
@@ -81,8 +81,8 @@ private:
 };
 } // namespace
 
-std::shared_ptr<const std::vector<TiffDirectory>> tiffDirectories(int descriptor)
+std::shared_ptr<const TiffDirectories> tiffDirectories(int descriptor)
 {
-  static FileCache<Directories> cache;
+  static FileCache<TiffDirectories> cache;
   return cache.get(descriptor, [descriptor] { return DirectoryWalk(descriptor).walk(); });
 }

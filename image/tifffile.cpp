@@ -1,6 +1,5 @@
 #include "image/tifffile.h"
 
-#include "image/tiffdirectories.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -112,20 +111,21 @@ Options optionsFor(TiffFile& file)
 } // namespace
 
 TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
-  : _filename(filename), _length(lengthOf(filename)), _plane(plane)
+  : _filename(filename), _length(lengthOf(filename)), _countedPlanes(planes), _plane(plane)
 {
   _descriptor = ::open(filename.c_str(), O_RDONLY | O_CLOEXEC);
   if (_descriptor < 0) failOpening(filename, errno);
   try
   {
-    findDirectories(planes);
+    findDirectories();
     // Strips as they are in the file ("c"), through the procedures below ("m").
     _tiff = TIFFClientOpenExt(filename.c_str(), "rmc", this, readProcedure, refuseToWrite, seekProcedure,
                               closeProcedure, sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
-    if (!_tiff) failReading(openSignature, "Cannot read TIFF file");
+    if (!_tiff || getNumPlanes() == 0) failReading(openSignature, "Cannot read TIFF file");
   }
   catch (...)
   {
+    if (_tiff) TIFFClose(_tiff);
     ::close(_descriptor);
     throw;
   }
@@ -133,7 +133,7 @@ TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
 
 TiffFile::TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes) : _filename(filename)
 {
-  constexpr std::uint64_t greatestTiff = 4'000'000'000; // offsets have 32 bits; some are left for the directories
+  constexpr std::uint64_t greatestTiff = 4'000'000'000; // offsets have 32 bits
   const int duplicate = dup(descriptor);                // libtiff closes its descriptor
   // Little-endian everywhere: the same image gives the same bytes.
   const char* const mode = numBytes > greatestTiff ? "wl8" : "wl";
@@ -152,18 +152,14 @@ TiffFile::~TiffFile()
     std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
 }
 
-/// Notes the planes' directories and lets libtiff begin at the chosen one.
-void TiffFile::findDirectories(TiffPlanes planes)
+/// Lets libtiff begin at the chosen plane.
+void TiffFile::findDirectories()
 {
-  const auto directories = tiffDirectories(_descriptor);
-  if (directories->empty()) return; // libtiff knows why
-  const bool takesAll = planes == TiffPlanes::All || std::ranges::all_of(*directories, &TiffDirectory::isThumbnail);
-  for (const TiffDirectory& directory : *directories)
-    if (takesAll || !directory.isThumbnail) _planes.push_back(directory.offset);
-  _numDirectories = static_cast<int>(directories->size());
+  _directories = tiffDirectories(_descriptor);
+  if (getNumPlanes() == 0) return; // libtiff knows why
   const bool isListed = _plane >= 0 && _plane < getNumPlanes();
   if (!isListed && (_plane < 0 || getNumDirectories() > 1)) failAtPlane();
-  _firstDirectory = _planes[isListed ? static_cast<std::size_t>(_plane) : 0];
+  _firstDirectory = planes()[isListed ? static_cast<std::size_t>(_plane) : 0];
 }
 
 void TiffFile::selectNextPlane()
@@ -171,7 +167,7 @@ void TiffFile::selectNextPlane()
   ++_plane;
   if (getNumDirectories() == 1) return;
   if (_plane >= getNumPlanes()) failAtPlane();
-  const std::uint64_t directory = _planes[static_cast<std::size_t>(_plane)];
+  const std::uint64_t directory = planes()[static_cast<std::size_t>(_plane)];
   while (TIFFCurrentDirOffset(_tiff) != directory)
     if (TIFFReadDirectory(_tiff) != 1) failReading("void TiffFile::selectNextPlane()", "Cannot read TIFF directory");
 }
@@ -247,7 +243,7 @@ void TiffFile::noteWarning(const std::string& message)
 }
 
 /// libtiff begins some messages with the file's name, which is told elsewhere.
-std::string TiffFile::withoutFilename(std::string message) const
+std::string TiffFile::withoutFilename(const std::string& message) const
 {
   const std::string prefix = _filename + ": ";
   return message.starts_with(prefix) ? message.substr(prefix.size()) : message;

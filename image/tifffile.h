@@ -1,7 +1,10 @@
 #pragma once
 
+#include "image/tiffdirectories.h"
+
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,7 +29,7 @@ public:
   /// \throw FileReadError    it cannot be opened
   /// \throw FileFormatError  it is no TIFF file or has no such plane
   explicit TiffFile(const std::string& filename, int plane = 0, TiffPlanes planes = TiffPlanes::All);
-  /// Writes to an open descriptor, which stays the caller's; about numBytes, which decide between TIFF and BigTIFF.
+  /// Writes to an open descriptor, which stays the caller's: a BigTIFF file when numBytes would not fit another.
   /// \throw FileWriteError  libtiff cannot write to it
   TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes);
   TiffFile(const TiffFile&) = delete;
@@ -40,9 +43,9 @@ public:
   /// Length in bytes of a file opened for reading.
   std::uint64_t getLength() const { return _length; }
   int getPlane() const { return _plane; }
-  int getNumDirectories() const { return _numDirectories; }
+  int getNumDirectories() const { return static_cast<int>(_directories->all.size()); }
   /// Number of directories that count as planes.
-  int getNumPlanes() const { return static_cast<int>(_planes.size()); }
+  int getNumPlanes() const { return static_cast<int>(planes().size()); }
   /// Goes on to the next plane. \throw FileFormatError  there is none, or its directory cannot be read
   void selectNextPlane();
   /// Bytes at a place of the file, from any thread; false when there are fewer.
@@ -62,11 +65,16 @@ public:
   std::int64_t read(unsigned char* bytes, std::int64_t count);
 
 private:
-  void findDirectories(TiffPlanes planes);
+  /// Offsets of the directories that count as planes.
+  const std::vector<std::uint64_t>& planes() const
+  {
+    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
+  }
+  void findDirectories();
   [[noreturn]] void failAtPlane();
   std::size_t readPiece(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
   void patchHeader(unsigned char* bytes, std::uint64_t count) const;
-  std::string withoutFilename(std::string message) const;
+  std::string withoutFilename(const std::string& message) const;
   std::string withReason(const std::string& what);
 
   std::string _filename;
@@ -74,8 +82,8 @@ private:
   int _descriptor = -1; // for reading
   std::uint64_t _length = 0;
   std::uint64_t _position = 0;
-  std::vector<std::uint64_t> _planes; // offsets of their directories
-  int _numDirectories = 0;
+  std::shared_ptr<const TiffDirectories> _directories; // of a file opened for reading
+  TiffPlanes _countedPlanes = TiffPlanes::All;
   int _plane = 0;
   std::uint64_t _firstDirectory = 0; // that libtiff gets to see; 0: the file's
   std::string _error;                // the first one

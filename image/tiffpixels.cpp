@@ -147,14 +147,16 @@ void decodeTiles(unsigned char* pixels, const TiffRaster& raster, TiffFile& file
   std::vector<unsigned char> tile(tileSize);
   std::uint32_t index = TIFFComputeTile(file.get(), 0, 0, 0, raster.sample);
   const auto width = static_cast<std::uint64_t>(raster.width), height = static_cast<std::uint64_t>(raster.height);
+  const auto length = static_cast<tmsize_t>(tileSize);
   for (std::uint64_t y = 0; y < height; y += tileHeight)
+  {
     for (std::uint64_t x = 0; x < width; x += tileWidth)
     {
-      const auto length = static_cast<tmsize_t>(tileSize);
       if (TIFFReadEncodedTile(file.get(), index++, tile.data(), length) != length)
         file.failReading(where, "Cannot read the pixels");
       pasteTile(pixels, raster, tile, tileWidth * raster.bytesPerPixel, x, y);
     }
+  }
 }
 } // namespace
 

@@ -50,14 +50,18 @@ template <class T> void readPlanes(VoxelMatrix<T>& matrix, const std::string& fi
   }
 }
 
-/// Each thread reads a run of planes; of several errors, that of the first planes counts.
+/// Threads read runs of planes, none so long that libtiff's search among the directories it has seen takes time. Of
+/// several errors, that of the first planes counts.
 template <class T> void readPlanes(VoxelMatrix<T>& matrix, const std::string& filename)
 {
-  const int numRuns = std::clamp(omp_get_max_threads(), 1, matrix.getSize3());
+  constexpr int longestRun = 1024;
+  const int numRuns = std::clamp(omp_get_max_threads(), 1 + (matrix.getSize3() - 1) / longestRun, matrix.getSize3());
   const auto start = [&](int run) { return static_cast<int>(std::int64_t{matrix.getSize3()} * run / numRuns); };
   std::vector<std::exception_ptr> errors(static_cast<std::size_t>(numRuns));
-#pragma omp parallel for num_threads(numRuns)
-  for (int run = 0; run < numRuns; ++run) try
+#pragma omp parallel for schedule(dynamic)
+  for (int run = 0; run < numRuns; ++run)
+  {
+    try
     {
       readPlanes(matrix, filename, start(run), start(run + 1));
     }
@@ -65,6 +69,7 @@ template <class T> void readPlanes(VoxelMatrix<T>& matrix, const std::string& fi
     {
       errors[static_cast<std::size_t>(run)] = std::current_exception();
     }
+  }
   for (const std::exception_ptr& error : errors)
     if (error) std::rethrow_exception(error);
 }
@@ -133,7 +138,8 @@ template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, 
     refuse("Only whole numbers of 0 to 255 can be written as TIFF");
   AtomicFile target(filename);
   {
-    TiffFile file(target.getDescriptor(), filename, getNumVoxels());
+    constexpr std::size_t directorySize = 1024; // at the most
+    TiffFile file(target.getDescriptor(), filename, getNumVoxels() + _planes.size() * directorySize);
     std::vector<unsigned char> buffer;
     for (const PixelMatrix<T>& plane : _planes)
     {

@@ -217,6 +217,7 @@ TEST(TiffReader, WarnsOfAFileOnce)
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
   EXPECT_EQ(told.find("counts.tif"), told.rfind("counts.tif")) << told;
+  EXPECT_EQ(told.find("KOVA Image Lib: "), 0u) << told;
 }
 
 TEST(TiffReader, TakesNoMemoryForALyingHeader)

@@ -70,6 +70,7 @@ TEST(TiffStack, IsLoadedWhateverItsEncoding)
       {"min is white", {.planes = 2, .bits = 16, .photometric = PHOTOMETRIC_MINISWHITE}},
       {"colours", {.planes = 2, .samples = 3, .photometric = PHOTOMETRIC_RGB}},
       {"thumbnails", {.planes = 3, .hasThumbnails = true}},
+      {"many planes", {.width = 1, .height = 1, .planes = 2500}},
       {"one pixel", {.width = 1, .height = 1, .rowsPerStrip = 1}},
   };
   const TemporaryFolder folder;
