@@ -47,6 +47,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   addImageCommand(app, run);
   addThresholdCommand(app, run);
   addLabelCommand(app, run);
+  addFilterCommand(app, run);
   try
   {
     app.parse(argc, argv);
