@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr int blockSize = 256;
+constexpr int blockSize = 1024;
 
 /// A number of vectors in 3D, coordinate by coordinate.
 template <class T> struct VectorBlock
@@ -115,37 +115,65 @@ GEOMETRY_DEFINE_NORMAL_KERNELS(float)
 GEOMETRY_DEFINE_NORMAL_KERNELS(double)
 GEOMETRY_DEFINE_NORMAL_KERNELS(long double)
 
-/// Adds the normals of triangles to the sums of their corners, weighted by the angles there.
-template <class T> class NormalSums
+/// Some triangles of a mesh, given by three vertex indexes each, negative where there is none.
+template <class T> class Facets
 {
 public:
-  NormalSums(const T* points, T* sums) : _points(points), _sums(sums) {}
-
-  /// The corners are three vertex indexes per triangle, negative where there is none.
-  void add(const int* corners, int count)
+  void compute(const int* corners, int count, const T* points)
   {
+    _corners = corners;
+    _count = count;
     for (int n = 0; n < count; ++n)
-      for (int k = 0; k < 3; ++k) _block.corners[k].set(n, _points + offset(corners[3 * n + k]));
+      for (int k = 0; k < 3; ++k) _block.corners[k].set(n, points + offset(n, k));
     computeBlock(_block);
-    for (int n = 0; n < count; ++n)
-      if (corners[3 * n] >= 0)
-        for (int k = 0; k < 3; ++k) addNormal(n, k, _sums + offset(corners[3 * n + k]));
+  }
+
+  /// Adds the normals to the sums at the corners, weighted by the angles there.
+  void addNormals(T* sums) const
+  {
+    for (int n = 0; n < _count; ++n)
+    {
+      if (_corners[3 * n] < 0) continue;
+      for (int k = 0; k < 3; ++k)
+      {
+        T* const sum = sums + offset(n, k);
+        const T angle = _block.angles[k][n];
+        sum[0] += angle * _block.normals.x[n];
+        sum[1] += angle * _block.normals.y[n];
+        sum[2] += angle * _block.normals.z[n];
+      }
+    }
   }
 
 private:
-  static std::ptrdiff_t offset(int vertex) { return 3 * static_cast<std::ptrdiff_t>(std::max(vertex, 0)); }
-  void addNormal(int n, int corner, T* sum) const
+  std::ptrdiff_t offset(int n, int k) const
   {
-    const T angle = _block.angles[corner][n];
-    sum[0] += angle * _block.normals.x[n];
-    sum[1] += angle * _block.normals.y[n];
-    sum[2] += angle * _block.normals.z[n];
+    return 3 * static_cast<std::ptrdiff_t>(std::max(_corners[3 * n + k], 0));
   }
 
-  const T* _points;
-  T* _sums;
+  const int* _corners = nullptr;
+  int _count = 0;
   TriangleBlock<T> _block = {};
 };
+
+/// Sums at the corners in the order of the triangles, so that they do not depend on the number of threads.
+template <class T> void addWeightedNormals(const int* corners, int numTriangles, const T* points, T* sums)
+{
+  const int numBlocks = (numTriangles + blockSize - 1) / blockSize;
+#pragma omp parallel if (numBlocks > 8)
+  {
+    Facets<T> facets;
+#pragma omp for ordered schedule(static, 1)
+    for (int block = 0; block < numBlocks; ++block)
+    {
+      const int first = block * blockSize;
+      facets.compute(corners + 3 * static_cast<std::ptrdiff_t>(first), std::min(blockSize, numTriangles - first),
+                     points);
+#pragma omp ordered
+      facets.addNormals(sums);
+    }
+  }
+}
 
 } // namespace
 
@@ -159,9 +187,8 @@ template <class T> void TriMesh<T>::computeNormals()
   {
     requireConsistency(where);
     Vertices<T> normals(3, this->getSize());
-    NormalSums<T> sums(std::as_const(*this).data(), normals.data());
-    for (int first = 0; first < getNumTriangleSlots(); first += blockSize)
-      sums.add(corners(first), std::min(blockSize, getNumTriangleSlots() - first));
+    if (_numTriangles > 0)
+      addWeightedNormals(corners(0), getNumTriangleSlots(), std::as_const(*this).data(), normals.data());
     normalizeAll(normals.data(), normals.getSize());
     _normals = normals;
   }
