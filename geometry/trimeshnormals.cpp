@@ -2,14 +2,18 @@
 #include "numeric/targetclones.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <numbers>
+#include <omp.h>
 #include <utility>
+#include <vector>
 
 namespace
 {
-constexpr int blockSize = 1024;
+constexpr int blockSize = 256;
 
 /// A number of vectors in 3D, coordinate by coordinate.
 template <class T> struct VectorBlock
@@ -115,65 +119,143 @@ GEOMETRY_DEFINE_NORMAL_KERNELS(float)
 GEOMETRY_DEFINE_NORMAL_KERNELS(double)
 GEOMETRY_DEFINE_NORMAL_KERNELS(long double)
 
-/// Some triangles of a mesh, given by three vertex indexes each, negative where there is none.
-template <class T> class Facets
+/// One bit per vertex.
+class VertexSet
 {
 public:
-  void compute(const int* corners, int count, const T* points)
-  {
-    _corners = corners;
-    _count = count;
-    for (int n = 0; n < count; ++n)
-      for (int k = 0; k < 3; ++k) _block.corners[k].set(n, points + offset(n, k));
-    computeBlock(_block);
-  }
+  explicit VertexSet(int numVertices = 0) : _words((static_cast<std::size_t>(numVertices) + 63) / 64) {}
 
-  /// Adds the normals to the sums at the corners, weighted by the angles there.
-  void addNormals(T* sums) const
+  bool contains(int vertex) const { return _words[wordOf(vertex)] >> (vertex & 63) & 1; }
+  void insert(int vertex) { _words[wordOf(vertex)] |= std::uint64_t(1) << (vertex & 63); }
+  /// Adds the vertices of another set and returns how many of them were there before.
+  int unite(const VertexSet& other)
   {
-    for (int n = 0; n < _count; ++n)
+    int numShared = 0;
+    for (std::size_t w = 0; w < _words.size(); ++w)
     {
-      if (_corners[3 * n] < 0) continue;
-      for (int k = 0; k < 3; ++k)
-      {
-        T* const sum = sums + offset(n, k);
-        const T angle = _block.angles[k][n];
-        sum[0] += angle * _block.normals.x[n];
-        sum[1] += angle * _block.normals.y[n];
-        sum[2] += angle * _block.normals.z[n];
-      }
+      numShared += std::popcount(_words[w] & other._words[w]);
+      _words[w] |= other._words[w];
     }
+    return numShared;
   }
 
 private:
-  std::ptrdiff_t offset(int n, int k) const
-  {
-    return 3 * static_cast<std::ptrdiff_t>(std::max(_corners[3 * n + k], 0));
-  }
-
-  const int* _corners = nullptr;
-  int _count = 0;
-  TriangleBlock<T> _block = {};
+  static std::size_t wordOf(int vertex) { return static_cast<std::size_t>(vertex) / 64; }
+  std::vector<std::uint64_t> _words;
 };
 
-/// Sums at the corners in the order of the triangles, so that they do not depend on the number of threads.
-template <class T> void addWeightedNormals(const int* corners, int numTriangles, const T* points, T* sums)
+/// Sums of the normals of triangles at their corners, weighted by the angles there.
+///
+/// Several threads take a part of the triangles each. What a part adds to a vertex of an earlier part waits until that
+/// one is done, so that each sum is formed in the order of the triangles, as by one thread.
+template <class T> class NormalSums
 {
-  const int numBlocks = (numTriangles + blockSize - 1) / blockSize;
-#pragma omp parallel if (numBlocks > 8)
+public:
+  /// The corners are three vertex indexes per triangle, negative where there is none.
+  NormalSums(const int* corners, int numTriangles, const T* points, Vertices<T>& sums)
+    : _corners(corners), _numTriangles(numTriangles), _points(points), _sums(sums.data()), _numVertices(sums.getSize())
   {
-    Facets<T> facets;
-#pragma omp for ordered schedule(static, 1)
-    for (int block = 0; block < numBlocks; ++block)
+  }
+
+  void compute()
+  {
+    constexpr int smallestPart = 1 << 15;
+    splitInto(std::clamp(_numTriangles / smallestPart, 1, omp_get_max_threads()));
+    const int numParts = static_cast<int>(_parts.size());
+#pragma omp parallel for schedule(static, 1) if (numParts > 1)
+    for (int p = 0; p < numParts; ++p) addPart(_parts[static_cast<std::size_t>(p)]);
+    for (const Part& part : _parts)
+      for (const Addend& addend : part.deferred) add(addend);
+  }
+
+private:
+  struct Addend
+  {
+    int vertex;
+    T normal[3];
+  };
+  struct Part
+  {
+    int first, last;
+    VertexSet earlier; // vertices of the parts before
+    std::vector<Addend> deferred;
+  };
+
+  void splitInto(int numParts)
+  {
+    _parts.clear();
+    for (int p = 0; p < numParts; ++p)
+      _parts.push_back({boundary(p, numParts), boundary(p + 1, numParts), VertexSet(_numVertices), {}});
+    if (numParts > 1 && findSharedVertices() > _numVertices / 16) splitInto(1);
+  }
+  int boundary(int p, int numParts) const
+  {
+    return static_cast<int>(static_cast<std::int64_t>(_numTriangles) * p / numParts);
+  }
+  int findSharedVertices()
+  {
+    const int numParts = static_cast<int>(_parts.size());
+#pragma omp parallel for schedule(static, 1)
+    for (int p = 0; p < numParts; ++p)
     {
-      const int first = block * blockSize;
-      facets.compute(corners + 3 * static_cast<std::ptrdiff_t>(first), std::min(blockSize, numTriangles - first),
-                     points);
-#pragma omp ordered
-      facets.addNormals(sums);
+      Part& part = _parts[static_cast<std::size_t>(p)];
+      for (std::ptrdiff_t n = 3L * part.first; n < 3L * part.last; ++n)
+        if (_corners[n] >= 0) part.earlier.insert(_corners[n]);
+    }
+    int numShared = 0;
+    VertexSet all(_numVertices);
+    for (Part& part : _parts)
+    {
+      VertexSet before = all;
+      numShared += all.unite(part.earlier);
+      std::swap(part.earlier, before);
+    }
+    return numShared;
+  }
+
+  void addPart(Part& part)
+  {
+    TriangleBlock<T> block = {};
+    for (int first = part.first; first < part.last; first += blockSize)
+    {
+      const int* const corners = _corners + 3 * static_cast<std::ptrdiff_t>(first);
+      const int count = std::min(blockSize, part.last - first);
+      for (int n = 0; n < count; ++n)
+        for (int k = 0; k < 3; ++k) block.corners[k].set(n, _points + offset(corners[3 * n + k]));
+      computeBlock(block);
+      for (int n = 0; n < count; ++n)
+        for (int k = 0; k < 3 && corners[3 * n] >= 0; ++k) addOrDefer(part, weighted(block, n, k, corners[3 * n + k]));
     }
   }
-}
+  static Addend weighted(const TriangleBlock<T>& block, int n, int k, int vertex)
+  {
+    const T angle = block.angles[k][n];
+    return {vertex, {angle * block.normals.x[n], angle * block.normals.y[n], angle * block.normals.z[n]}};
+  }
+  void addOrDefer(Part& part, const Addend& addend)
+  {
+    if (part.first > 0 && part.earlier.contains(addend.vertex))
+      part.deferred.push_back(addend);
+    else
+      add(addend);
+  }
+  void add(const Addend& addend)
+  {
+    T* const sum = _sums + offset(addend.vertex);
+    for (int axis = 0; axis < 3; ++axis) sum[axis] += addend.normal[axis];
+  }
+  static std::ptrdiff_t offset(int vertex)
+  {
+    return 3 * static_cast<std::ptrdiff_t>(std::max(vertex, 0));
+  }
+
+  const int* _corners;
+  int _numTriangles;
+  const T* _points;
+  T* _sums;
+  int _numVertices;
+  std::vector<Part> _parts;
+};
 
 } // namespace
 
@@ -188,7 +270,7 @@ template <class T> void TriMesh<T>::computeNormals()
     requireConsistency(where);
     Vertices<T> normals(3, this->getSize());
     if (_numTriangles > 0)
-      addWeightedNormals(corners(0), getNumTriangleSlots(), std::as_const(*this).data(), normals.data());
+      NormalSums<T>(corners(0), getNumTriangleSlots(), std::as_const(*this).data(), normals).compute();
     normalizeAll(normals.data(), normals.getSize());
     _normals = normals;
   }
