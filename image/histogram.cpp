@@ -77,27 +77,6 @@ template <class T> Vector<long> binLevels(const Counts& counts, Real<T> origin, 
   return binned;
 }
 
-/// Calls addBlock(first, size, counts) for all blocks of the n elements, each thread with counts of its own, and
-/// returns their sum.
-template <class AddBlock> Counts countBlocks(std::size_t n, std::size_t numCounts, const AddBlock& addBlock)
-{
-  Counts total(numCounts, 0);
-  const auto numBlocks = static_cast<long>((n + blockSize - 1) / blockSize);
-#pragma omp parallel if (numBlocks > 1)
-  {
-    Counts counts(numCounts, 0);
-#pragma omp for schedule(static) nowait
-    for (long block = 0; block < numBlocks; ++block)
-    {
-      const std::size_t first = static_cast<std::size_t>(block) * blockSize;
-      addBlock(first, std::min(blockSize, n - first), counts);
-    }
-#pragma omp critical(histogram)
-    std::transform(counts.begin(), counts.end(), total.begin(), total.begin(), std::plus<>());
-  }
-  return total;
-}
-
 /// Elements of an array, or those of them whose mask element is not 0, block by block.
 template <class T> class Blocks
 {

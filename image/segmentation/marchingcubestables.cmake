@@ -3,6 +3,7 @@
 
 file(STRINGS "${TABLES}" lines)
 set(text "// Generated from marchingcubestables.txt, which explains the tables and names their sources.\n#pragma once\n\n")
+string(APPEND text "#pragma GCC diagnostic ignored \"-Wmissing-braces\" // rows of two dimensions stand in one pair\n\n")
 string(APPEND text "namespace MarchingCubesTables\n{\n")
 set(end "")
 foreach(line IN LISTS lines)
