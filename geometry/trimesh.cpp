@@ -34,10 +34,10 @@ template <class T> TriMesh<T>::TriMesh(int space, BufferVector<T>&& coordinates,
   if (indexes.size() % 3 != 0) throw SizeError(where, "A triangle has three vertices");
   if (indexes.size() / 3 > static_cast<std::size_t>(std::numeric_limits<int>::max()))
     throw SizeError(where, "There are too many triangles");
-  const unsigned size = static_cast<unsigned>(this->getSize());
-  unsigned largest = 0; // negative indexes become the largest ones
-  for (const int index : indexes) largest = std::max(largest, static_cast<unsigned>(index));
-  if (!indexes.empty() && largest >= size) throw RangeError(where, "A triangle names a vertex that does not exist");
+  const int last = this->getSize() - 1;
+  int excess = 0; // negative when an index is, or is beyond the last vertex
+  for (const int index : indexes) excess |= index | (last - std::max(index, 0));
+  if (excess < 0) throw RangeError(where, "A triangle names a vertex that does not exist");
   _indexes = std::move(indexes);
   _numTriangles = static_cast<int>(_indexes.size() / 3);
 }
@@ -252,9 +252,10 @@ template <class T> void TriMesh<T>::requireSpace3(const char* where) const
 // Vertices can be taken away without regard to the triangles.
 template <class T> void TriMesh<T>::requireConsistency(const char* where) const
 {
-  const auto largest = std::max_element(_indexes.begin(), _indexes.end());
-  if (largest != _indexes.end() && *largest >= this->getSize())
-    throw SizeError(where, "A triangle names a vertex that does not exist");
+  const int last = this->getSize() - 1;
+  int excess = 0; // negative when an index is beyond the last vertex
+  for (const int index : _indexes) excess |= last - std::max(index, -1);
+  if (excess < 0) throw SizeError(where, "A triangle names a vertex that does not exist");
 }
 
 GEOMETRY_INSTANTIATE(TriMesh)

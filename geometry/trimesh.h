@@ -94,6 +94,12 @@ public:
 
   /// Writes the text of an ASCII STL file, degenerate triangles with the normal 0. \throw SizeError  not in 3D
   void export2AsciiSTL(std::ostream& stream) const;
+  /// Writes a binary STL file: float coordinates, the name in the header. \throw SizeError  not in 3D
+  void export2BinarySTL(std::ostream& stream) const;
+  /// Writes a binary PLY file with name, normals and colours. \throw SizeError  not in 3D
+  void export2PLY(std::ostream& stream) const;
+  /// Writes the text of an OBJ file with name, normals, and colours behind the coordinates. \throw SizeError  not in 3D
+  void export2OBJ(std::ostream& stream) const;
 
   void read(std::istream& stream) override;
   void write(std::ostream& stream) const override;

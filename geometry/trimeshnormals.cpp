@@ -2,10 +2,14 @@
 #include "numeric/targetclones.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <numbers>
+#include <omp.h>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -115,36 +119,142 @@ GEOMETRY_DEFINE_NORMAL_KERNELS(float)
 GEOMETRY_DEFINE_NORMAL_KERNELS(double)
 GEOMETRY_DEFINE_NORMAL_KERNELS(long double)
 
-/// Adds the normals of triangles to the sums of their corners, weighted by the angles there.
-template <class T> class NormalSums
+/// One bit per vertex.
+class VertexSet
 {
 public:
-  NormalSums(const T* points, T* sums) : _points(points), _sums(sums) {}
+  explicit VertexSet(int numVertices = 0) : _words((static_cast<std::size_t>(numVertices) + 63) / 64) {}
 
-  /// The corners are three vertex indexes per triangle, negative where there is none.
-  void add(const int* corners, int count)
+  bool contains(int vertex) const { return _words[wordOf(vertex)] >> (vertex & 63) & 1; }
+  void insert(int vertex) { _words[wordOf(vertex)] |= std::uint64_t(1) << (vertex & 63); }
+  /// Adds the vertices of another set and returns how many of them were there before.
+  int unite(const VertexSet& other)
   {
-    for (int n = 0; n < count; ++n)
-      for (int k = 0; k < 3; ++k) _block.corners[k].set(n, _points + offset(corners[3 * n + k]));
-    computeBlock(_block);
-    for (int n = 0; n < count; ++n)
-      if (corners[3 * n] >= 0)
-        for (int k = 0; k < 3; ++k) addNormal(n, k, _sums + offset(corners[3 * n + k]));
+    int numShared = 0;
+    for (std::size_t w = 0; w < _words.size(); ++w)
+    {
+      numShared += std::popcount(_words[w] & other._words[w]);
+      _words[w] |= other._words[w];
+    }
+    return numShared;
   }
 
 private:
-  static std::ptrdiff_t offset(int vertex) { return 3 * static_cast<std::ptrdiff_t>(std::max(vertex, 0)); }
-  void addNormal(int n, int corner, T* sum) const
+  static std::size_t wordOf(int vertex) { return static_cast<std::size_t>(vertex) / 64; }
+  std::vector<std::uint64_t> _words;
+};
+
+/// Sums of the normals of triangles at their corners, weighted by the angles there.
+///
+/// Several threads take a part of the triangles each. What a part adds to a vertex of an earlier part waits until that
+/// one is done, so that each sum is formed in the order of the triangles, as by one thread.
+template <class T> class NormalSums
+{
+public:
+  /// The corners are three vertex indexes per triangle, negative where there is none.
+  NormalSums(const int* corners, int numTriangles, const T* points, Vertices<T>& sums)
+    : _corners(corners), _numTriangles(numTriangles), _points(points), _sums(sums.data()), _numVertices(sums.getSize())
   {
-    const T angle = _block.angles[corner][n];
-    sum[0] += angle * _block.normals.x[n];
-    sum[1] += angle * _block.normals.y[n];
-    sum[2] += angle * _block.normals.z[n];
   }
 
+  void compute()
+  {
+    constexpr int smallestPart = 1 << 15;
+    splitInto(std::clamp(_numTriangles / smallestPart, 1, omp_get_max_threads()));
+    const int numParts = static_cast<int>(_parts.size());
+#pragma omp parallel for schedule(static, 1) if (numParts > 1)
+    for (int p = 0; p < numParts; ++p) addPart(_parts[static_cast<std::size_t>(p)]);
+    for (const Part& part : _parts)
+      for (const Addend& addend : part.deferred) add(addend);
+  }
+
+private:
+  struct Addend
+  {
+    int vertex;
+    T normal[3];
+  };
+  struct Part
+  {
+    int first, last;
+    VertexSet earlier; // vertices of the parts before
+    std::vector<Addend> deferred;
+  };
+
+  void splitInto(int numParts)
+  {
+    _parts.clear();
+    for (int p = 0; p < numParts; ++p)
+      _parts.push_back({boundary(p, numParts), boundary(p + 1, numParts), VertexSet(_numVertices), {}});
+    if (numParts > 1 && findSharedVertices() > _numVertices / 16) splitInto(1);
+  }
+  int boundary(int p, int numParts) const
+  {
+    return static_cast<int>(static_cast<std::int64_t>(_numTriangles) * p / numParts);
+  }
+  int findSharedVertices()
+  {
+    const int numParts = static_cast<int>(_parts.size());
+#pragma omp parallel for schedule(static, 1)
+    for (int p = 0; p < numParts; ++p)
+    {
+      Part& part = _parts[static_cast<std::size_t>(p)];
+      for (std::ptrdiff_t n = 3L * part.first; n < 3L * part.last; ++n)
+        if (_corners[n] >= 0) part.earlier.insert(_corners[n]);
+    }
+    int numShared = 0;
+    VertexSet all(_numVertices);
+    for (Part& part : _parts)
+    {
+      VertexSet before = all;
+      numShared += all.unite(part.earlier);
+      std::swap(part.earlier, before);
+    }
+    return numShared;
+  }
+
+  void addPart(Part& part)
+  {
+    TriangleBlock<T> block = {};
+    for (int first = part.first; first < part.last; first += blockSize)
+    {
+      const int* const corners = _corners + 3 * static_cast<std::ptrdiff_t>(first);
+      const int count = std::min(blockSize, part.last - first);
+      for (int n = 0; n < count; ++n)
+        for (int k = 0; k < 3; ++k) block.corners[k].set(n, _points + offset(corners[3 * n + k]));
+      computeBlock(block);
+      for (int n = 0; n < count; ++n)
+        for (int k = 0; k < 3 && corners[3 * n] >= 0; ++k) addOrDefer(part, weighted(block, n, k, corners[3 * n + k]));
+    }
+  }
+  static Addend weighted(const TriangleBlock<T>& block, int n, int k, int vertex)
+  {
+    const T angle = block.angles[k][n];
+    return {vertex, {angle * block.normals.x[n], angle * block.normals.y[n], angle * block.normals.z[n]}};
+  }
+  void addOrDefer(Part& part, const Addend& addend)
+  {
+    if (part.first > 0 && part.earlier.contains(addend.vertex))
+      part.deferred.push_back(addend);
+    else
+      add(addend);
+  }
+  void add(const Addend& addend)
+  {
+    T* const sum = _sums + offset(addend.vertex);
+    for (int axis = 0; axis < 3; ++axis) sum[axis] += addend.normal[axis];
+  }
+  static std::ptrdiff_t offset(int vertex)
+  {
+    return 3 * static_cast<std::ptrdiff_t>(std::max(vertex, 0));
+  }
+
+  const int* _corners;
+  int _numTriangles;
   const T* _points;
   T* _sums;
-  TriangleBlock<T> _block = {};
+  int _numVertices;
+  std::vector<Part> _parts;
 };
 
 } // namespace
@@ -159,9 +269,8 @@ template <class T> void TriMesh<T>::computeNormals()
   {
     requireConsistency(where);
     Vertices<T> normals(3, this->getSize());
-    NormalSums<T> sums(std::as_const(*this).data(), normals.data());
-    for (int first = 0; first < getNumTriangleSlots(); first += blockSize)
-      sums.add(corners(first), std::min(blockSize, getNumTriangleSlots() - first));
+    if (_numTriangles > 0)
+      NormalSums<T>(corners(0), getNumTriangleSlots(), std::as_const(*this).data(), normals).compute();
     normalizeAll(normals.data(), normals.getSize());
     _normals = normals;
   }

@@ -49,14 +49,14 @@ template <class T>
 IMAGE_FOR_EACH_TYPE(IMAGE_DEFINE_SIGN_BITS)
 } // namespace
 
-int SignRow::countChanges() const
+MIRELO_TARGET_CLONES int SignRow::countChanges() const
 {
   int count = 0;
   for (int w = 0; w < getNumWords(); ++w) count += std::popcount(changes(w));
   return count;
 }
 
-int SignRow::countChanges(const SignRow& other) const
+MIRELO_TARGET_CLONES int SignRow::countChanges(const SignRow& other) const
 {
   int count = 0;
   for (int w = 0; w < getNumWords(); ++w) count += std::popcount(_words[w] ^ other._words[w]);
