@@ -110,12 +110,13 @@ private:
   void filterAcross(int slice, PreparedSlices<A>& prepared)
   {
     const int radius = _filters.acrossLines.radius(), numLines = _image.numLines(), width = _image.width();
-    for (int begin = 0; begin < width; begin += sweepTileWidth)
+    const int tileWidth = tileWidthFor<A>(4L * radius + _filters.acrossLines.period() + 1);
+    for (int begin = 0; begin < width; begin += tileWidth)
     {
       for (int k = 0; k < numLines + 2 * radius; ++k)
         _from[static_cast<std::size_t>(k)] = _lines[std::clamp(k - radius, 0, numLines - 1)].data() + begin;
       for (int k = 0; k < numLines; ++k) _to[static_cast<std::size_t>(k)] = prepared.line(slice, k) + begin;
-      _filters.acrossLines.across(_from.data(), numLines, std::min(sweepTileWidth, width - begin), _to.data());
+      _filters.acrossLines.across(_from.data(), numLines, std::min(tileWidth, width - begin), _to.data());
     }
   }
 
@@ -136,7 +137,7 @@ public:
     : _image(image),
       _filter(filter),
       _scale(scale),
-      _results(batch, spreadSize<A>(sweepTileWidth)),
+      _results(batch, spreadSize<A>(largestTileWidth)),
       _from(static_cast<std::size_t>(batch) + 2 * static_cast<std::size_t>(filter.radius()))
   {
     for (int k = 0; k < batch; ++k) _to.push_back(_results[k].data());
@@ -161,6 +162,15 @@ private:
   std::vector<A*> _to;
 };
 
+/// Leaves room for the neighbours beyond both ends of each axis.
+template <class T> void requireSmallSides(const SliceView<T>& image)
+{
+  constexpr int largestSize = std::numeric_limits<int>::max() - 2 * largestRadius - 2 * largestTileWidth;
+  if (std::max({image.width(), image.numLines(), image.numSlices()}) > largestSize)
+    throw SizeError("void filterSeparably(const SliceView<T>&, const LineFilters<A>&, Real<A>, ProgressSubject&)",
+                    "The image is too long to be filtered");
+}
+
 /// Slices that are made at once: enough for all threads, and a multiple of the filter's period.
 template <class T, class A> int batchSize(const SliceView<T>& image, const LineFilter<A>& filter)
 {
@@ -175,6 +185,7 @@ template <class T, class A> int batchSize(const SliceView<T>& image, const LineF
 template <class T, class A>
 void filterSeparably(const SliceView<T>& image, const LineFilters<A>& filters, Real<A> scale, ProgressSubject& subject)
 {
+  requireSmallSides(image);
   const int batch = batchSize(image, filters.acrossSlices), numThreads = omp_get_max_threads();
   std::vector<SlicePreparation<T, A>> preparations;
   std::vector<SliceCombination<T, A>> combinations;

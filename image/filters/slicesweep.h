@@ -35,8 +35,16 @@ private:
   int _numSlices;
 };
 
-/// Columns that are combined at a time, so that the lines of all slices around them stay in the cache.
-constexpr int sweepTileWidth = 512;
+constexpr int largestTileWidth = 512;
+
+/// Number of columns to work on at a time, so that as many lines of them stay in the cache.
+template <class A> int tileWidthFor(long numLines)
+{
+  constexpr long cacheSize = 40'000, smallestTileWidth = 64;
+  const long fitting = cacheSize / (static_cast<long>(sizeof(A)) * numLines);
+  return static_cast<int>(
+      std::clamp<long>(fitting / smallestTileWidth * smallestTileWidth, smallestTileWidth, largestTileWidth));
+}
 
 /// Replaces an image slice by slice, on all OpenMP threads, by values that depend on slices up to `radius` apart.
 ///
@@ -49,7 +57,8 @@ template <class A, class T, class Prepare, class Combine>
 void sweepSlices(const SliceView<T>& image, int radius, int batch, ProgressSubject& subject, const Prepare& prepare,
                  const Combine& combine)
 {
-  const int numSlices = image.numSlices(), numTiles = (image.width() + sweepTileWidth - 1) / sweepTileWidth;
+  const int tileWidth = tileWidthFor<A>(2L * batch + 2L * radius);
+  const int numSlices = image.numSlices(), numTiles = (image.width() + tileWidth - 1) / tileWidth;
   const auto capacity = static_cast<int>(std::min<long>(numSlices, batch + 2L * radius));
   PreparedSlices<A> prepared(numSlices, image.numLines(), image.width(), capacity);
   const ProgressStep step(subject, "Filtering", numSlices);
@@ -66,8 +75,8 @@ void sweepSlices(const SliceView<T>& image, int radius, int batch, ProgressSubje
 #pragma omp for schedule(dynamic, 4) collapse(2)
       for (int line = 0; line < image.numLines(); ++line)
         for (int tile = 0; tile < numTiles; ++tile)
-          combine(first, count, line, tile * sweepTileWidth, std::min(image.width(), (tile + 1) * sweepTileWidth),
-                  thread, prepared);
+          combine(first, count, line, tile * tileWidth, std::min(image.width(), (tile + 1) * tileWidth), thread,
+                  prepared);
     }
     numPrepared = lastNeeded;
     subject.progress(first + count);
