@@ -48,6 +48,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   addThresholdCommand(app, run);
   addLabelCommand(app, run);
   addFilterCommand(app, run);
+  addIsosurfaceCommand(app, run);
   try
   {
     app.parse(argc, argv);
