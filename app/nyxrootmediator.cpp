@@ -200,6 +200,8 @@ void NYXRootMediator::initPluginsMenu(QMenu& menu)
   menu.setToolTipsVisible(true);
   menu.addAction(_refreshPlugins);
   _pluginsMenu = &menu;
+  // Another window may have looked for plug-ins since.
+  connect(&menu, &QMenu::aboutToShow, this, &NYXRootMediator::updatePluginActions);
 }
 
 void NYXRootMediator::initialize()
@@ -309,9 +311,9 @@ void NYXRootMediator::updatePluginActions()
   NYXPluginServer& server = NYXPluginServer::server();
   for (int i = 0; i < server.getNumPlugins(); ++i)
   {
-    const QString name = server.getPlugin(i).name();
-    _pluginActions.append(
-        createAction(name, tr("Run the plug-in on the current stack"), {}, [this, i] { pluginActionTriggered(i); }));
+    NYXPlugin* plugin = &server.getPlugin(i); // lives until the program ends, found again or not
+    _pluginActions.append(createAction(plugin->name(), tr("Run the plug-in on the current stack"), {},
+                                       [this, plugin] { pluginActionTriggered(*plugin); }));
   }
   _pluginsMenu->insertActions(_refreshPlugins, _pluginActions);
   updateActions();
@@ -323,20 +325,23 @@ void NYXRootMediator::showPluginError(const QString& name, const std::string& re
                        plainText(tr("%1 failed: %2").arg(name, QString::fromStdString(reason))));
 }
 
-void NYXRootMediator::pluginActionTriggered(int plugin)
+void NYXRootMediator::pluginActionTriggered(NYXPlugin& plugin)
 {
-  NYXPlugin& chosen = NYXPluginServer::server().getPlugin(plugin);
   try
   {
-    chosen.run(*currentStack());
+    plugin.run(*currentStack());
   }
   catch (const Exception& error)
   {
-    showPluginError(chosen.name(), error.getWhat());
+    showPluginError(plugin.name(), error.getWhat());
   }
   catch (const std::exception& error)
   {
-    showPluginError(chosen.name(), error.what());
+    showPluginError(plugin.name(), error.what());
+  }
+  catch (...)
+  {
+    showPluginError(plugin.name(), "No details available");
   }
 }
 

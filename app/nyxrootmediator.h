@@ -8,6 +8,7 @@
 
 #include <string>
 
+class NYXPlugin;
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -78,7 +79,7 @@ private:
   void enableActions(bool flag);
   void updateRecentFilesMenu();
   void updatePluginActions();
-  void pluginActionTriggered(int plugin);
+  void pluginActionTriggered(NYXPlugin& plugin);
   void showPluginError(const QString& name, const std::string& reason);
 
   NYXRootWindow* _window = nullptr;

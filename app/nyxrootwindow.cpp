@@ -1,6 +1,7 @@
 #include "app/nyxrootwindow.h"
 
 #include "app/nyxaboutdialog.h"
+#include "app/nyxplaintext.h"
 #include "app/nyxrootbrowser.h"
 #include "app/nyxrootmediator.h"
 #include "app/nyxrootsliceeditwidget.h"
@@ -15,12 +16,15 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QSettings>
 #include <QToolBar>
 #include <QUrl>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 int NYXRootWindow::__numRootWindows = 0;
 bool NYXRootWindow::__uponQuitting = false;
@@ -151,7 +155,10 @@ void NYXRootWindow::restoreGeometryFromSettings()
   const QSize desktop = QGuiApplication::primaryScreen()->size();
   const QSize twoThirds(qRound(desktop.width() * 2 / 3.0), qRound(desktop.height() * 2 / 3.0));
   const QSize size = store.value("rootWindow/size", twoThirds).toSize();
-  if (store.contains("rootWindow/pos")) move(store.value("rootWindow/pos").toPoint());
+  const QPoint position = store.value("rootWindow/pos").toPoint();
+  const auto isOn = [&](const QScreen* screen) { return screen->geometry().intersects({position, size}); };
+  const bool isOnScreen = std::ranges::any_of(QGuiApplication::screens(), isOn); // it may have been unplugged since
+  if (store.contains("rootWindow/pos") && isOnScreen) move(position);
   resize(size);
 }
 
@@ -267,5 +274,12 @@ void NYXRootWindow::dragEnterEvent(QDragEnterEvent* event)
 void NYXRootWindow::dropEvent(QDropEvent* event)
 {
   event->acceptProposedAction();
-  for (const QUrl& url : event->mimeData()->urls()) startupOpenStack(url.toLocalFile());
+  for (const QUrl& url : event->mimeData()->urls())
+  {
+    if (url.isLocalFile())
+      startupOpenStack(url.toLocalFile());
+    else
+      QMessageBox::warning(this, tr("Error"),
+                           plainText(tr("Error: %1 is not a file of this machine.").arg(url.toString())));
+  }
 }

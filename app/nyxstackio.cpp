@@ -50,7 +50,7 @@ int warn(QWidget* parent, const Message& message)
 
 QString withStackSuffix(const QString& filename)
 {
-  return QFileInfo(filename).suffix() == "sdf" ? filename : filename + ".sdf";
+  return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
 }
 } // namespace
 
@@ -82,6 +82,11 @@ void NYXStackIO::openStack()
 
 void NYXStackIO::openStack(const QString& filename)
 {
+  if (filename.isEmpty())
+  {
+    warn(_parent, {tr("Error"), tr("Error: a stack file needs a name."), {}});
+    return;
+  }
   const QString file = QFileInfo(withStackSuffix(filename)).absoluteFilePath();
   auto stack = std::make_unique<NYXStack>();
   stack->setFilename(file);

@@ -18,3 +18,8 @@ void addCheckCommand(CLI::App& app, Run& run);
 void addConvertCommand(CLI::App& app, Run& run);
 void addExportCommand(CLI::App& app, Run& run);
 void addMeasureCommand(CLI::App& app, Run& run);
+void addImageCommand(CLI::App& app, Run& run);
+void addThresholdCommand(CLI::App& app, Run& run);
+void addLabelCommand(CLI::App& app, Run& run);
+void addFilterCommand(CLI::App& app, Run& run);
+void addIsosurfaceCommand(CLI::App& app, Run& run);

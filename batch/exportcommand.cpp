@@ -9,6 +9,8 @@
 
 namespace
 {
+namespace fs = std::filesystem;
+
 struct Arguments
 {
   std::string stack;
@@ -33,14 +35,18 @@ SurfaceCaps surfaceCaps(const std::vector<std::string>& names)
   return caps;
 }
 
-/// The folder that the surfaces go to, made when it is missing and taken away again unless it is kept.
+/// The folder that the surfaces go to, made with those around it when it is missing, and taken away again with them
+/// unless it is kept.
 class OutputFolder
 {
 public:
-  explicit OutputFolder(const std::string& name) : _name(name)
+  explicit OutputFolder(const std::string& name)
   {
+    fs::path folder = fs::absolute(name).lexically_normal();
+    if (!folder.has_filename()) folder = folder.parent_path();
+    for (; !fs::exists(folder) && folder.has_relative_path(); folder = folder.parent_path()) _made.push_back(folder);
     std::error_code error;
-    _isNew = std::filesystem::create_directories(name, error);
+    fs::create_directories(name, error);
     if (error) throw BatchError(name + ": cannot create the folder: " + error.message());
   }
   OutputFolder(const OutputFolder&) = delete;
@@ -48,14 +54,13 @@ public:
   ~OutputFolder()
   {
     std::error_code notEmpty; // what was written stays
-    if (_isNew) std::filesystem::remove(_name, notEmpty);
+    for (const fs::path& folder : _made) fs::remove(folder, notEmpty);
   }
 
-  void keep() { _isNew = false; }
+  void keep() { _made.clear(); }
 
 private:
-  std::string _name;
-  bool _isNew;
+  std::vector<fs::path> _made; // innermost first
 };
 
 ExitStatus exportSurfaces(const Arguments& arguments)

@@ -1,6 +1,8 @@
 #include "batch/commands.h"
+#include "batch/imageinfo.h"
 #include "batch/stackfile.h"
 #include "batch/stackjson.h"
+#include "batch/volumefile.h"
 #include "model/stack.h"
 
 #include <CLI/CLI.hpp>
@@ -82,11 +84,16 @@ void printText(const StackFile& file)
 
 ExitStatus info(const Arguments& arguments)
 {
+  if (volumeFormat(arguments.file) != VolumeFormat::Unknown)
+  {
+    std::cout << (arguments.json ? toText(imageInfo(arguments.file)) : imageText(arguments.file));
+    return Done;
+  }
   const StackFile file = requireStackFile(arguments.file);
   if (!arguments.json)
     printText(file);
   else
-    std::cout << toText(toJson(file, fs::absolute(arguments.file).lexically_normal().parent_path()));
+    std::cout << toText(toJson(file, fs::weakly_canonical(arguments.file).parent_path()));
   return Done;
 }
 } // namespace
@@ -94,9 +101,9 @@ ExitStatus info(const Arguments& arguments)
 void addInfoCommand(CLI::App& app, Run& run)
 {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* command =
-      app.add_subcommand("info", "Print what a stack holds: slices, calibration, registration, models, items");
-  command->add_option("stack", arguments->file, "stack file")->required();
+  CLI::App* command = app.add_subcommand(
+      "info", "Print what a stack holds (slices, calibration, registration, models, items) or what an image is");
+  command->add_option("file", arguments->file, "stack file, or image file (.tif, .tiff, .lsm, .vm)")->required();
   command->add_flag("--json", arguments->json, "print JSON");
   command->callback([=, &run] { run = [=] { return info(*arguments); }; });
 }

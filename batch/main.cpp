@@ -1,4 +1,5 @@
 #include "batch/commands.h"
+#include "image/imagereader.h"
 
 #include <CLI/CLI.hpp>
 
@@ -7,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <locale>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -22,18 +24,30 @@ std::string describeArguments(const CLI::App& app, const std::vector<std::string
   return (isUnknown ? "unknown command " + arguments.front() : std::string(error.what())) + "; see mirelo-batch --help";
 }
 
+ExitStatus finish(ExitStatus status)
+{
+  std::cout.flush();
+  if (!std::cout) throw BatchError("standard output: not everything could be written");
+  return status;
+}
+
 ExitStatus parseAndRun(int argc, char** argv)
 {
   CLI::App app("Works on stacks of slice images without a window.", "mirelo-batch");
   app.set_version_flag("--version", "mirelo-batch " MIRELO_VERSION, "print the version and exit");
   app.set_help_flag("--help", "print this text and exit");
   app.require_subcommand(1);
+  ImageReader::setMagicNumberStream(std::cerr); // nothing but results goes to standard output
   Run run;
   addInfoCommand(app, run);
   addCheckCommand(app, run);
   addConvertCommand(app, run);
   addExportCommand(app, run);
   addMeasureCommand(app, run);
+  addImageCommand(app, run);
+  addThresholdCommand(app, run);
+  addLabelCommand(app, run);
+  addFilterCommand(app, run);
   try
   {
     app.parse(argc, argv);
@@ -41,16 +55,13 @@ ExitStatus parseAndRun(int argc, char** argv)
   catch (const CLI::Success& request)
   {
     app.exit(request);
-    return Done;
+    return finish(Done);
   }
   catch (const CLI::ParseError& error)
   {
     throw BatchError(describeArguments(app, {argv + 1, argv + argc}, error));
   }
-  const ExitStatus status = run();
-  std::cout.flush();
-  if (!std::cout) throw BatchError("standard output: not everything could be written");
-  return status;
+  return finish(run());
 }
 } // namespace
 
@@ -66,6 +77,10 @@ int main(int argc, char** argv)
   catch (const Exception& error)
   {
     warn(describe(error));
+  }
+  catch (const std::bad_alloc&)
+  {
+    warn("there is not enough memory for: " + CLI::detail::join(std::vector<std::string>(argv + 1, argv + argc), " "));
   }
   catch (const std::exception& error)
   {

@@ -15,9 +15,12 @@ namespace
 {
 namespace fs = std::filesystem;
 
+/// The name relative to the folder when it lies below it, links resolved on both sides.
 std::string relativeName(const std::string& filename, const fs::path& folder)
 {
-  const fs::path relative = fs::absolute(filename).lexically_normal().lexically_relative(folder);
+  const fs::path file(filename);
+  const fs::path relative =
+      (fs::weakly_canonical(fs::absolute(file).parent_path()) / file.filename()).lexically_relative(folder);
   const bool isBelow = !relative.empty() && *relative.begin() != "..";
   return isBelow ? relative.string() : filename;
 }

@@ -55,18 +55,10 @@ endfunction()
 # mirelo_add_benchmark(numeric_bench SOURCES ... LIBRARIES ...): one Google Benchmark program.
 function(mirelo_add_benchmark name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
-  add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE mirelo::options ${ARG_LIBRARIES} benchmark::benchmark_main)
+  add_executable(${name} ${ARG_SOURCES} "${PROJECT_SOURCE_DIR}/bench/main.cpp")
+  target_link_libraries(${name} PRIVATE mirelo::options ${ARG_LIBRARIES} benchmark::benchmark)
 endfunction()
 
 # check-format: fails when a file is not laid out as .clang-format says; format: lays all of them out.
-find_program(MIRELO_CLANG_FORMAT NAMES clang-format-14 clang-format)
-if(MIRELO_CLANG_FORMAT)
-  set(MIRELO_SOURCE_FILES git -C "${PROJECT_SOURCE_DIR}" ls-files --cached --others --exclude-standard *.cpp *.h)
-  add_custom_target(check-format
-    COMMAND ${MIRELO_SOURCE_FILES} | xargs ${MIRELO_CLANG_FORMAT} --dry-run --Werror
-    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}" VERBATIM)
-  add_custom_target(format
-    COMMAND ${MIRELO_SOURCE_FILES} | xargs ${MIRELO_CLANG_FORMAT} -i
-    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}" VERBATIM)
-endif()
+add_custom_target(check-format COMMAND "${PROJECT_SOURCE_DIR}/scripts/format.sh" --check VERBATIM)
+add_custom_target(format COMMAND "${PROJECT_SOURCE_DIR}/scripts/format.sh" VERBATIM)

@@ -1,4 +1,4 @@
-// The libraries without the programs: reads the example and writes its surfaces to the current folder.
+// The libraries without the programs: reads a stack and writes its surfaces to the current folder.
 #include "geometry/reconstruction/stackexporter.h"
 #include "model/io/stackreader.h"
 #include "model/stack.h"
@@ -6,12 +6,18 @@
 
 #include <iostream>
 
-int main()
+int main(int argc, char** argv)
 {
+  if (argc != 2 || argv[1][0] == '-')
+  {
+    std::cout << "export_surfaces " MIRELO_VERSION "\nusage: export_surfaces STACK.sdf\n";
+    return argc == 2 ? 0 : 2;
+  }
   Stack stack;
   StackReader reader;
-  reader.read(stack, "examples/specimen/specimen.sdf");
-  if (reader.getNumFatalErrors() > 0) return 1;
+  reader.read(stack, argv[1]);
+  for (const std::string& line : reader.getLog()) std::cerr << line << "\n";
+  if (!reader.hasReadStack()) return 2;
   try
   {
     StackExporter().export2AsciiSTL(stack, "", true);

@@ -2,7 +2,13 @@
 
 #include "numeric/buffer.h"
 
-/// Lets a std::vector keep its elements in a numeric buffer, on huge pages when it is large.
+#include <new>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+/// Lets a std::vector keep its elements in a numeric buffer, on huge pages when it is large. Numbers that are not given
+/// a value stay uninitialised.
 template <class T> struct BufferAllocator
 {
   using value_type = T;
@@ -17,5 +23,16 @@ template <class T> struct BufferAllocator
   }
   void deallocate(T* elements, std::size_t) noexcept { freeBuffer(elements); }
 
+  template <class U> void construct(U* element) noexcept(std::is_nothrow_default_constructible_v<U>)
+  {
+    ::new (static_cast<void*>(element)) U;
+  }
+  template <class U, class... Arguments> void construct(U* element, Arguments&&... arguments)
+  {
+    ::new (static_cast<void*>(element)) U(std::forward<Arguments>(arguments)...);
+  }
+
   bool operator==(const BufferAllocator&) const = default;
 };
+
+template <class T> using BufferVector = std::vector<T, BufferAllocator<T>>;

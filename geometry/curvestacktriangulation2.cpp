@@ -167,7 +167,7 @@ std::vector<typename CurveStackTriangulation2<T>::Level> CurveStackTriangulation
 {
   const char* const where = "void CurveStackTriangulation2<T>::apply(const CurveStack<T>&)";
   if (stack.getSpace() != 3) throw SizeError(where, "The curves are not in three dimensions");
-  if (!_tags.empty() && static_cast<int>(_tags.size()) != stack.getNumCurves())
+  if (!_tags.isEmpty() && _tags.getSize() != stack.getNumCurves())
     throw SizeError(where, "The number of contour tags is not that of the curves");
   _ignoredCurves.clear();
   std::vector<Level> stackLevels;
@@ -180,7 +180,7 @@ std::vector<typename CurveStackTriangulation2<T>::Level> CurveStackTriangulation
       continue;
     }
     if (stackLevels.empty() || curve.data()[2] != stackLevels.back()[0].curve->data()[2]) stackLevels.emplace_back();
-    stackLevels.back().push_back({&curve, 0, _tags.empty() ? Tag::None : _tags[i]});
+    stackLevels.back().push_back({&curve, 0, _tags.isEmpty() ? Tag::None : _tags[i]});
   }
   return stackLevels;
 }

@@ -32,7 +32,7 @@ public:
   /// End caps on all curves of the last level.
   void setTriangulateLastCaps(bool caps) { _lastCaps = caps; }
   /// One tag per curve, in stack order; without tags every curve counts as None.
-  void setContourTags(const std::vector<CurveStackTriangulationContourTag>& tags) { _tags = tags; }
+  void setContourTags(const Vector<CurveStackTriangulationContourTag>& tags) { _tags = tags; }
 
   /// Builds the mesh; the curves' vertices are added to it in the order in which the curves are met.
   ///
@@ -93,7 +93,7 @@ private:
   bool _firstCaps = false;
   bool _lastCaps = false;
   bool _descending = false; // the last level lies below the first
-  std::vector<CurveStackTriangulationContourTag> _tags;
+  Vector<CurveStackTriangulationContourTag> _tags;
   TriMesh<T> _mesh;
   std::vector<int> _ignoredCurves;
 };

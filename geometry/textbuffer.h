@@ -29,13 +29,19 @@ private:
   std::string _text;
 };
 
-/// Numbers separated by single spaces, and the end of the line.
-template <class Number> void writeLine(TextBuffer& text, const Number* numbers, int count)
+/// Numbers separated by single spaces.
+template <class Number> void addNumbers(TextBuffer& text, const Number* numbers, int count)
 {
   for (int i = 0; i < count; ++i)
   {
     if (i > 0) text << ' ';
     text << numbers[i];
   }
+}
+
+/// Numbers separated by single spaces, and the end of the line.
+template <class Number> void writeLine(TextBuffer& text, const Number* numbers, int count)
+{
+  addNumbers(text, numbers, count);
   text << '\n';
 }

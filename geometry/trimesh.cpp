@@ -3,6 +3,7 @@
 #include "geometry/vectors3d.h"
 
 #include <algorithm>
+#include <limits>
 #include <numbers>
 
 namespace
@@ -24,6 +25,21 @@ template <class T> Real<T> twiceTriangleArea(const T* a, const T* b, const T* c,
 template <class T> TriMesh<T>::TriMesh(int space, int numVertices, int numTriangles)
   : Vertices<T>(space, numVertices), _indexes(3 * static_cast<std::size_t>(std::max(numTriangles, 0)), -1)
 {
+}
+
+template <class T> TriMesh<T>::TriMesh(int space, BufferVector<T>&& coordinates, BufferVector<int>&& indexes)
+  : Vertices<T>(space, std::move(coordinates))
+{
+  const char* const where = "TriMesh<T>::TriMesh(int, BufferVector<T>&&, BufferVector<int>&&)";
+  if (indexes.size() % 3 != 0) throw SizeError(where, "A triangle has three vertices");
+  if (indexes.size() / 3 > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    throw SizeError(where, "There are too many triangles");
+  const int last = this->getSize() - 1;
+  int excess = 0; // negative when an index is, or is beyond the last vertex
+  for (const int index : indexes) excess |= index | (last - std::max(index, 0));
+  if (excess < 0) throw RangeError(where, "A triangle names a vertex that does not exist");
+  _indexes = std::move(indexes);
+  _numTriangles = static_cast<int>(_indexes.size() / 3);
 }
 
 template <class T> Vector<int> TriMesh<T>::getTriangleIndexes(int i) const
@@ -236,9 +252,10 @@ template <class T> void TriMesh<T>::requireSpace3(const char* where) const
 // Vertices can be taken away without regard to the triangles.
 template <class T> void TriMesh<T>::requireConsistency(const char* where) const
 {
-  const auto largest = std::max_element(_indexes.begin(), _indexes.end());
-  if (largest != _indexes.end() && *largest >= this->getSize())
-    throw SizeError(where, "A triangle names a vertex that does not exist");
+  const int last = this->getSize() - 1;
+  int excess = 0; // negative when an index is beyond the last vertex
+  for (const int index : _indexes) excess |= last - std::max(index, -1);
+  if (excess < 0) throw SizeError(where, "A triangle names a vertex that does not exist");
 }
 
 GEOMETRY_INSTANTIATE(TriMesh)

@@ -20,6 +20,10 @@ public:
   /// Vertices at the origin and empty triangle slots.
   TriMesh(int space, int numVertices, int numTriangles);
 
+  /// Takes over the coordinates of the vertices and three vertex indexes per triangle.
+  /// \throw SizeError  they do not make up vertices and triangles \throw RangeError  there is no such vertex
+  TriMesh(int space, BufferVector<T>&& coordinates, BufferVector<int>&& indexes);
+
   TriMesh<T>* clone() const override { return new TriMesh<T>(*this); }
   ShapeType getShapeType() const override { return TriMeshShape; }
 
@@ -90,6 +94,12 @@ public:
 
   /// Writes the text of an ASCII STL file, degenerate triangles with the normal 0. \throw SizeError  not in 3D
   void export2AsciiSTL(std::ostream& stream) const;
+  /// Writes a binary STL file: float coordinates, the name in the header. \throw SizeError  not in 3D
+  void export2BinarySTL(std::ostream& stream) const;
+  /// Writes a binary PLY file with name, normals and colours. \throw SizeError  not in 3D
+  void export2PLY(std::ostream& stream) const;
+  /// Writes the text of an OBJ file with name, normals, and colours behind the coordinates. \throw SizeError  not in 3D
+  void export2OBJ(std::ostream& stream) const;
 
   void read(std::istream& stream) override;
   void write(std::ostream& stream) const override;
@@ -110,7 +120,7 @@ private:
   void requireSpace3(const char* where) const;
   void requireConsistency(const char* where) const;
 
-  std::vector<int, BufferAllocator<int>> _indexes; // three per slot, negative in empty ones
+  BufferVector<int> _indexes; // three per slot, negative in empty ones
   int _numTriangles = 0;
   Vertices<T> _normals = Vertices<T>(this->getSpace());
   std::shared_ptr<const TriMesh<int>> _colors;

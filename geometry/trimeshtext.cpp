@@ -1,45 +1,6 @@
 #include "geometry/shapereader.h"
 #include "geometry/textbuffer.h"
 #include "geometry/trimesh.h"
-#include "geometry/vectors3d.h"
-
-namespace
-{
-
-/// Products of float coordinates neither overflow nor vanish in double.
-template <class T> using Wide = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
-
-template <class Number> void addThree(TextBuffer& text, std::string_view label, const Number* numbers)
-{
-  text << label;
-  for (int k = 0; k < 3; ++k) (text << ' ').addSixDigits(numbers[k]);
-  text << '\n';
-}
-
-/// The facet lines of one triangle.
-template <class T> void addFacet(TextBuffer& text, const T* a, const T* b, const T* c)
-{
-  using R = Wide<T>;
-  const Vector3d<R> normal = normalized(crossProduct(difference<R>(b, a), difference<R>(c, a)));
-  addThree(text, "  facet normal", normal.data());
-  text << "    outer loop\n";
-  for (const T* corner : {a, b, c}) addThree(text, "      vertex", corner);
-  text << "    endloop\n  endfacet\n";
-}
-
-} // namespace
-
-template <class T> void TriMesh<T>::export2AsciiSTL(std::ostream& stream) const
-{
-  const char* const where = "void TriMesh<T>::export2AsciiSTL(std::ostream&) const";
-  requireSpace3(where);
-  requireConsistency(where);
-  TextBuffer text(stream);
-  text << "solid " << this->getName() << '\n';
-  forEachTriangle([&text](const T* a, const T* b, const T* c) { addFacet(text, a, b, c); });
-  text << "endsolid " << this->getName() << '\n';
-  text.flush();
-}
 
 template <class T> void TriMesh<T>::write(std::ostream& stream) const
 {

@@ -1,7 +1,15 @@
 #include "geometry/vertexclient.h"
 
+#include <utility>
+
 template <class T> VertexClient<T>::VertexClient(int space, int size, int capacity, int growth)
   : _server(new VertexServer<T>(space, size, capacity, growth))
+{
+  _server->ref();
+}
+
+template <class T> VertexClient<T>::VertexClient(int space, BufferVector<T>&& coordinates)
+  : _server(new VertexServer<T>(space, std::move(coordinates)))
 {
   _server->ref();
 }

@@ -10,6 +10,7 @@ template <class T> class VertexClient
 public:
   /// A client with a new server of its own; see VertexServer for the arguments.
   VertexClient(int space, int size, int capacity, int growth);
+  VertexClient(int space, BufferVector<T>&& coordinates);
   VertexClient(const VertexClient<T>& client);
   VertexClient<T>& operator=(const VertexClient<T>& client);
   virtual ~VertexClient();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 
 namespace
 {
@@ -26,6 +27,18 @@ template <class T> VertexServer<T>::VertexServer(int space, int size, int capaci
   setSize(size);
 }
 
+template <class T> VertexServer<T>::VertexServer(int space, BufferVector<T>&& coordinates) : _space(space), _growth(0)
+{
+  const char* const where = "VertexServer<T>::VertexServer(int, BufferVector<T>&&)";
+  if (space < 1 || coordinates.size() % static_cast<std::size_t>(space) != 0)
+    throw SizeError(where, "Invalid vertex space or number of coordinates");
+  const std::size_t size = coordinates.size() / static_cast<std::size_t>(space);
+  if (size > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    throw SizeError(where, "There are too many vertices");
+  _coordinates = std::move(coordinates);
+  _size = _capacity = _growth = static_cast<int>(size);
+}
+
 template <class T> VertexServer<T>::VertexServer(const VertexServer<T>& server)
   : VertexServer(server._space, server._size, server.getCapacity(), server._growth)
 {
@@ -37,9 +50,11 @@ template <class T> VertexServer<T>& VertexServer<T>::operator=(const VertexServe
   if (this == &server) return *this;
   VertexServer<T> copy(server);
   _coordinates.swap(copy._coordinates);
-  _vertices.swap(copy._vertices);
+  _vertices.clear();
+  _hasViews = false;
   _space = copy._space;
   _size = copy._size;
+  _capacity = copy._capacity;
   _growth = copy._growth;
   return *this;
 }
@@ -64,15 +79,32 @@ template <class T> void VertexServer<T>::allocate(int capacity)
   if (!_coordinates.empty() && offset(capacity) > _coordinates.capacity())
     _coordinates.reserve(std::max(offset(capacity), 2 * _coordinates.capacity()));
   _coordinates.resize(offset(capacity));
+  _capacity = capacity;
+  if (!_hasViews) return;
+  if (_coordinates.data() != oldBlock || static_cast<std::size_t>(capacity) < _vertices.size()) _vertices.clear();
+  addViews();
+}
 
-  const std::size_t numSlots = static_cast<std::size_t>(capacity);
-  if (_coordinates.data() != oldBlock || numSlots < _vertices.size()) _vertices.clear();
+template <class T> void VertexServer<T>::buildViews() const
+{
+  static std::mutex mutex; // constant vertices may be read by several threads
+  const std::lock_guard lock(mutex);
+  if (_hasViews) return;
+  addViews();
+  _hasViews.store(true, std::memory_order_release);
+}
+
+template <class T> void VertexServer<T>::addViews() const
+{
+  const std::size_t numSlots = static_cast<std::size_t>(_capacity);
   if (numSlots > _vertices.capacity())
   {
     _vertices.clear();
     _vertices.reserve(std::max(numSlots, _coordinates.capacity() / static_cast<std::size_t>(_space)));
   }
-  for (int i = getCapacity(); i < capacity; ++i) _vertices.emplace_back(_space, data(i));
+  T* const coordinates = const_cast<T*>(data());
+  for (std::size_t i = _vertices.size(); i < numSlots; ++i)
+    _vertices.emplace_back(_space, coordinates + offset(static_cast<int>(i)));
 }
 
 template <class T> void VertexServer<T>::insertSlots(int i, int count)

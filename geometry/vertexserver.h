@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <vector>
 
 /// Reference-counted storage of vertices, shared by vertex clients.
 ///
@@ -18,6 +17,9 @@ public:
   /// Storage for `size` vertices of `space` coordinates, all 0. A capacity or growth below 1 is replaced by the size.
   /// \throw SizeError  the space is below 1 or the size negative
   VertexServer(int space, int size, int capacity, int growth);
+  /// Takes over a block of coordinates, vertex after vertex.
+  /// \throw SizeError  the space is below 1, there are no whole vertices, or too many
+  VertexServer(int space, BufferVector<T>&& coordinates);
   /// A deep copy, with a reference count of 0.
   VertexServer(const VertexServer<T>& server);
   VertexServer<T>& operator=(const VertexServer<T>& server);
@@ -25,13 +27,21 @@ public:
 
   int getSpace() const { return _space; }
   int getSize() const { return _size; }
-  int getCapacity() const { return static_cast<int>(_vertices.size()); }
+  int getCapacity() const { return _capacity; }
   int getGrowth() const { return _growth; }
   int getNumReferences() const { return _numReferences; }
 
   /// Vertex i. Unchecked: the caller guarantees 0 <= i < getSize().
-  Vector<T>& operator[](int i) { return _vertices[i]; }
-  const Vector<T>& operator[](int i) const { return _vertices[i]; }
+  Vector<T>& operator[](int i)
+  {
+    requireViews();
+    return _vertices[i];
+  }
+  const Vector<T>& operator[](int i) const
+  {
+    requireViews();
+    return _vertices[i];
+  }
 
   /// The coordinate block: getSize() x getSpace() values, vertex after vertex.
   T* data() { return _coordinates.data(); }
@@ -61,13 +71,22 @@ public:
 private:
   std::size_t offset(int i) const { return static_cast<std::size_t>(i) * static_cast<std::size_t>(_space); }
   void allocate(int capacity);
+  /// Builds the vectors when the first of them is asked for: big meshes often do with the coordinates.
+  void requireViews() const
+  {
+    if (!_hasViews.load(std::memory_order_acquire)) buildViews();
+  }
+  void buildViews() const;
+  void addViews() const;
   /// The size with `count` vertices more. \throw SizeError  beyond the range of int
   int sizeWith(int count) const;
 
-  std::vector<T, BufferAllocator<T>> _coordinates;              // getCapacity() x _space
-  std::vector<Vector<T>, BufferAllocator<Vector<T>>> _vertices; // one shallow vector per slot
+  BufferVector<T> _coordinates;              // _capacity x _space
+  mutable BufferVector<Vector<T>> _vertices; // one shallow vector per slot, or none yet
+  mutable std::atomic<bool> _hasViews = false;
   int _space;
   int _size = 0;
+  int _capacity = 0;
   int _growth;
   std::atomic<int> _numReferences = 0;
 };

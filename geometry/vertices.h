@@ -2,6 +2,8 @@
 
 #include "geometry/shape.h"
 
+#include <utility>
+
 class ShapeReader;
 
 /// Ordered set of vertices in one contiguous block.
@@ -15,6 +17,9 @@ public:
     : Shape<T>(space, size, capacity, growth)
   {
   }
+
+  /// Takes over a block of coordinates, vertex after vertex. \throw SizeError  they do not make up vertices
+  Vertices(int space, BufferVector<T>&& coordinates) : Shape<T>(space, std::move(coordinates)) {}
 
   Vertices<T>* clone() const override { return new Vertices<T>(*this); }
   ShapeType getShapeType() const override { return VerticesShape; }

@@ -2,6 +2,7 @@
 
 #include "image/imagereader.h"
 #include "image/imagewriter.h"
+#include "image/pixelmatrix.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -247,6 +248,27 @@ void Image::replacePixels(Image& converted)
   converted.setDescription(_header);
   converted.deleteColormap();
   swap(converted);
+}
+
+PixelMatrix<unsigned char> Image::channel(ImageChannel channel) const
+{
+  if (getDepth() == 16)
+    throw DepthError("PixelMatrix<unsigned char> Image::channel(ImageChannel) const",
+                     "An image of 16 bits has no color channels");
+  PixelMatrix<unsigned char> matrix;
+  matrix.convertFromImage(*this, channel);
+  return matrix;
+}
+
+void Image::setChannel(ImageChannel channel, const PixelMatrix<unsigned char>& matrix)
+{
+  constexpr const char* where = "void Image::setChannel(ImageChannel, const PixelMatrix<unsigned char>&)";
+  const auto byte = static_cast<std::size_t>(channel), step = static_cast<std::size_t>(bytesPerPixel());
+  if (step < 3 || byte >= step) throw DepthError(where, "The image has no such channel");
+  if (matrix.getSize1() != getHeight() || matrix.getSize2() != getWidth())
+    throw SizeError(where, "This image and pixelMatrix have different sizes");
+  const unsigned char* const levels = matrix.data();
+  for (std::size_t i = 0; i < getSize(); ++i) _data[i * step + byte] = levels[i];
 }
 
 void Image::paste(const Image& image, int x, int y)

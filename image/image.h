@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/boundingbox.h"
+#include "image/imagechannel.h"
 #include "image/imageheader.h"
 #include "numeric/buffer.h"
 #include "numeric/exception.h"
@@ -10,6 +11,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+template <class T> class PixelMatrix;
 
 /// A depth that an image or an operation cannot take.
 class DepthError : public ValueError
@@ -113,6 +116,13 @@ public:
   void make24bits();
   /// From 8 or 24 bits, the fourth byte being 255. \throw DepthError  the image has 16 bits
   void make32bits();
+
+  /// One colour channel: of colours their byte (the palette's, when indexed), of 8 bits of gray the level.
+  /// \throw DepthError  the image has 16 bits, or less than 32 for the fourth channel
+  PixelMatrix<unsigned char> channel(ImageChannel channel) const;
+  /// \throw DepthError  the image has no such channel: less than 24 bits, or 32 for the fourth
+  /// \throw SizeError   the matrix has another size than the image
+  void setChannel(ImageChannel channel, const PixelMatrix<unsigned char>& matrix);
 
   /// Copies `image` so that its first pixel lies at (x, y).
   /// \throw DepthError  the depths differ

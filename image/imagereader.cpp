@@ -1,20 +1,27 @@
 #include "image/imagereader.h"
 
 #include "image/image.h"
+#include "image/imagemosaic.h"
 #include "image/imagesourcefile.h"
 #include "image/imagesourcefilemosaic.h"
+#include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
 #include "image/imagesourcevoxelmatrixplane.h"
+#include "image/lsmreading.h"
 #include "image/tifffile.h"
 #include "image/tiffreading.h"
 #include "image/voxelmatrixfile.h"
 #include "image/voxelmatrixplanes.h"
 
+#include <atomic>
+#include <iostream>
 #include <new>
 
 namespace
 {
+std::atomic<std::ostream*> magicNumberStream = &std::cout;
+
 /// The image of the current directory; the given image changes only when all went well.
 void readCurrentImage(Image& image, TiffFile& file)
 {
@@ -57,14 +64,11 @@ void pasteTile(Image& mosaic, const std::string& filename, int x, int y, int wid
   ImageReader::read(tile, filename);
   if (tile.getWidth() != width || tile.getHeight() != height)
     throw FileFormatError(where, "Incompatible image dimensions", filename);
-  try
-  {
-    mosaic.paste(tile, x, y);
-  }
-  catch (const ValueError& error)
-  {
-    throw FileFormatError(where, error.getWhat(), filename);
-  }
+  if (tile.getDepth() != mosaic.getDepth()) throw FileFormatError(where, "Incompatible image depths", filename);
+  const bool sameColormaps =
+      tile.hasColormap() == mosaic.hasColormap() && (!tile.hasColormap() || tile.getColormap() == mosaic.getColormap());
+  if (!sameColormaps) throw FileFormatError(where, "Incompatible colormaps", filename);
+  mosaic.paste(tile, x, y);
 }
 } // namespace
 
@@ -78,13 +82,12 @@ void ImageReader::read(Image& image, const ImageSource& source)
     return read(image, static_cast<const ImageSourceFileMosaic&>(source));
   case ImageSourceType::TiffStackPlane:
     return read(image, static_cast<const ImageSourceTiffStackPlane&>(source));
+  case ImageSourceType::LSMStackPlane:
+    return read(image, static_cast<const ImageSourceLSMStackPlane&>(source));
   case ImageSourceType::VoxelMatrixFilePlane:
     return read(image, static_cast<const ImageSourceVoxelMatrixFilePlane&>(source));
   case ImageSourceType::VoxelMatrixPlane:
     return read(image, static_cast<const ImageSourceVoxelMatrixPlane&>(source));
-  default:
-    static_cast<void>(source.getDepth()); // asks for the header, which throws the error that names the file
-    throw FileReadError("void ImageReader::read(Image&, const ImageSource&)", "Images of this kind cannot be read yet");
   }
 }
 
@@ -120,6 +123,17 @@ void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
   image.swap(mosaic);
 }
 
+void ImageReader::read(Image& image, const ImageMosaic& mosaic)
+{
+  read(image, mosaic.getSource());
+}
+
+void ImageReader::read(Image& image, const ImageSourceLSMStackPlane& source)
+{
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceLSMStackPlane&)";
+  readLSMImage(image, requireImage(source.getLSMStackFilename(), where), source.getPlane());
+}
+
 void ImageReader::read(Image& image, const ImageSourceVoxelMatrixFilePlane& source)
 {
   constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceVoxelMatrixFilePlane&)";
@@ -133,13 +147,15 @@ void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source)
 
 void ImageReader::read(Image& image, const std::string& filename)
 {
-  TiffFile file(filename);
+  TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
+  if (isLSM(file)) return readLSMImage(image, filename, 0);
   readCurrentImage(image, file);
 }
 
 void ImageReader::read(ImageHeader& header, const std::string& filename)
 {
-  TiffFile file(filename);
+  TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
+  if (isLSM(file)) return readLSMImageHeader(header, filename, 0);
   readTiffHeader(header, file);
 }
 
@@ -153,4 +169,20 @@ void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& sou
   constexpr const char* where = "void ImageReader::read(ImageHeader&, const ImageSourceTiffStackPlane&)";
   TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
   readTiffHeader(header, file);
+}
+
+void ImageReader::read(ImageHeader& header, const ImageSourceLSMStackPlane& source)
+{
+  constexpr const char* where = "void ImageReader::read(ImageHeader&, const ImageSourceLSMStackPlane&)";
+  readLSMImageHeader(header, requireImage(source.getLSMStackFilename(), where), source.getPlane());
+}
+
+void ImageReader::setMagicNumberStream(std::ostream& stream)
+{
+  magicNumberStream = &stream;
+}
+
+std::ostream& ImageReader::getMagicNumberStream()
+{
+  return *magicNumberStream;
 }

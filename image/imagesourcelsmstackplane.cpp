@@ -1,6 +1,6 @@
 #include "image/imagesourcelsmstackplane.h"
 
-#include "numeric/exception.h"
+#include "image/imagereader.h"
 
 void ImageSourceLSMStackPlane::setLSMStackFilename(const std::string& filename)
 {
@@ -16,6 +16,7 @@ void ImageSourceLSMStackPlane::setPlane(int plane)
 
 ImageHeader ImageSourceLSMStackPlane::readHeader() const
 {
-  throw FileReadError("ImageHeader ImageSourceLSMStackPlane::readHeader() const", "LSM files cannot be read yet",
-                      _filename);
+  ImageHeader header;
+  ImageReader::read(header, *this);
+  return header;
 }

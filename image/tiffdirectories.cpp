@@ -1,17 +1,14 @@
 #include "image/tiffdirectories.h"
 
+#include "image/filecache.h"
+
 #include <algorithm>
 #include <array>
-#include <deque>
-#include <mutex>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_set>
 
 namespace
 {
-using Offsets = std::vector<std::uint64_t>;
-
 /// Reads numbers of a file in the file's byte order; a TIFF file has 4-byte offsets, a BigTIFF file 8-byte ones.
 class DirectoryWalk
 {
@@ -22,33 +19,46 @@ public:
     _version = number(2, 2);
   }
 
-  Offsets walk() const
+  TiffDirectories walk() const
   {
-    Offsets offsets;
-    if (_version != tiffVersion && _version != bigTiffVersion) return offsets;
+    TiffDirectories directories;
+    if (_version != tiffVersion && _version != bigTiffVersion) return directories;
     std::unordered_set<std::uint64_t> seen;
     std::uint64_t offset = isBigTiff() ? number(8, 8) : number(4, 4);
     while (offset != 0 && seen.insert(offset).second)
     {
-      offsets.push_back(offset);
+      directories.all.push_back(offset);
+      if (!isThumbnail(offset)) directories.withoutThumbnails.push_back(offset);
       offset = next(offset);
     }
-    return offsets;
+    if (directories.withoutThumbnails.empty()) directories.withoutThumbnails = directories.all;
+    return directories;
   }
 
 private:
   static constexpr std::uint64_t tiffVersion = 42, bigTiffVersion = 43;
 
   bool isBigTiff() const { return _version == bigTiffVersion; }
+  std::uint64_t countSize() const { return isBigTiff() ? 8 : 2; }
+
+  /// What NewSubfileType says; it has the least number of all tags and thus comes first.
+  bool isThumbnail(std::uint64_t directory) const
+  {
+    constexpr std::uint64_t newSubfileType = 254, shortType = 3;
+    const std::uint64_t entry = directory + countSize();
+    if (number(entry, 2) != newSubfileType) return false;
+    const std::uint64_t value = number(entry + (isBigTiff() ? 12 : 8), number(entry + 2, 2) == shortType ? 2 : 4);
+    return (value & 1) != 0;
+  }
 
   /// Offset of the directory behind the given one; 0 behind the last.
   std::uint64_t next(std::uint64_t directory) const
   {
-    const std::uint64_t countSize = isBigTiff() ? 8 : 2, entrySize = isBigTiff() ? 20 : 12;
-    const std::uint64_t numEntries = number(directory, countSize);
+    const std::uint64_t entrySize = isBigTiff() ? 20 : 12;
+    const std::uint64_t numEntries = number(directory, countSize());
     constexpr std::uint64_t maxEntries = 65535; // of a sound directory, even in a BigTIFF file
     if (numEntries == 0 || numEntries > maxEntries) return 0;
-    return number(directory + countSize + numEntries * entrySize, isBigTiff() ? 8 : 4);
+    return number(directory + countSize() + numEntries * entrySize, isBigTiff() ? 8 : 4);
   }
 
   /// The number of `size` bytes at an offset; 0 behind the end of the file.
@@ -69,48 +79,10 @@ private:
   bool _isBigEndian = false;
   std::uint64_t _version = 0;
 };
-
-/// What tells one state of a file from another.
-struct FileState
-{
-  dev_t device;
-  ino_t inode;
-  off_t size;
-  time_t seconds;
-  long nanoseconds;
-
-  explicit FileState(int descriptor)
-  {
-    struct stat status = {};
-    fstat(descriptor, &status);
-    device = status.st_dev;
-    inode = status.st_ino;
-    size = status.st_size;
-    seconds = status.st_mtim.tv_sec;
-    nanoseconds = status.st_mtim.tv_nsec;
-  }
-
-  bool operator==(const FileState& other) const = default;
-};
-
-struct KnownFile
-{
-  FileState state;
-  std::shared_ptr<const Offsets> offsets;
-};
 } // namespace
 
-std::shared_ptr<const std::vector<std::uint64_t>> tiffDirectories(int descriptor)
+std::shared_ptr<const TiffDirectories> tiffDirectories(int descriptor)
 {
-  static std::mutex mutex;
-  static std::deque<KnownFile> known; // the newest last
-  constexpr std::size_t maxKnown = 8;
-  const FileState state(descriptor);
-  const std::lock_guard lock(mutex);
-  const auto found =
-      std::find_if(known.begin(), known.end(), [&](const KnownFile& each) { return each.state == state; });
-  if (found != known.end()) return found->offsets;
-  known.push_back({state, std::make_shared<const Offsets>(DirectoryWalk(descriptor).walk())});
-  if (known.size() > maxKnown) known.pop_front();
-  return known.back().offsets;
+  static FileCache<TiffDirectories> cache;
+  return cache.get(descriptor, [descriptor] { return DirectoryWalk(descriptor).walk(); });
 }

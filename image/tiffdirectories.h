@@ -4,7 +4,14 @@
 #include <memory>
 #include <vector>
 
-/// Offsets of the directories of a TIFF file in their order, found by walking along them once per file: reading plane
+/// Offsets of the directories of a TIFF file in their order.
+struct TiffDirectories
+{
+  std::vector<std::uint64_t> all;
+  std::vector<std::uint64_t> withoutThumbnails; ///< all, when there is nothing but reduced versions of other images
+};
+
+/// The directories of a TIFF file, found by walking along them once per file: reading plane
 /// k later does not walk k directories. The files asked for last are remembered until they change; safe to call from
 /// any thread. A chain that is broken or leads back to itself ends there; there are none in what is no TIFF file.
-std::shared_ptr<const std::vector<std::uint64_t>> tiffDirectories(int descriptor);
+std::shared_ptr<const TiffDirectories> tiffDirectories(int descriptor);

@@ -1,6 +1,5 @@
 #include "image/tifffile.h"
 
-#include "image/tiffdirectories.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -21,7 +20,7 @@
 namespace
 {
 constexpr std::uint64_t greatestBlock = 256 << 20; // that libtiff may take for itself, whatever the file's length
-constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&, int)";
+constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&, int, TiffPlanes)";
 
 /// Whether a file was not warned of before. Its images are opened again and again; one line is enough.
 bool isFirstWarning(const std::string& filename)
@@ -111,32 +110,37 @@ Options optionsFor(TiffFile& file)
 }
 } // namespace
 
-TiffFile::TiffFile(const std::string& filename, int plane) : _filename(filename), _length(lengthOf(filename))
+TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
+  : _filename(filename), _length(lengthOf(filename)), _countedPlanes(planes), _plane(plane)
 {
   _descriptor = ::open(filename.c_str(), O_RDONLY | O_CLOEXEC);
   if (_descriptor < 0) failOpening(filename, errno);
   try
   {
-    if (plane != 0) selectPlane(plane);
-    _tiff = TIFFClientOpenExt(filename.c_str(), "rm", this, readProcedure, refuseToWrite, seekProcedure, closeProcedure,
-                              sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
-    if (!_tiff) failReading(openSignature, "Cannot read TIFF file");
+    findDirectories();
+    // Strips as they are in the file ("c"), through the procedures below ("m").
+    _tiff = TIFFClientOpenExt(filename.c_str(), "rmc", this, readProcedure, refuseToWrite, seekProcedure,
+                              closeProcedure, sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
+    if (!_tiff || getNumPlanes() == 0) failReading(openSignature, "Cannot read TIFF file");
   }
   catch (...)
   {
+    if (_tiff) TIFFClose(_tiff);
     ::close(_descriptor);
     throw;
   }
 }
 
-TiffFile::TiffFile(int descriptor, const std::string& filename) : _filename(filename)
+TiffFile::TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes) : _filename(filename)
 {
-  const int duplicate = dup(descriptor); // libtiff closes its descriptor
+  constexpr std::uint64_t greatestTiff = 4'000'000'000; // offsets have 32 bits
+  const int duplicate = dup(descriptor);                // libtiff closes its descriptor
   // Little-endian everywhere: the same image gives the same bytes.
-  _tiff = TIFFFdOpenExt(duplicate, filename.c_str(), "wl", optionsFor(*this).get());
+  const char* const mode = numBytes > greatestTiff ? "wl8" : "wl";
+  _tiff = TIFFFdOpenExt(duplicate, filename.c_str(), mode, optionsFor(*this).get());
   if (_tiff) return;
   if (duplicate >= 0) ::close(duplicate);
-  failWriting("TiffFile::TiffFile(int, const std::string&)", "Cannot open file for writing");
+  failWriting("TiffFile::TiffFile(int, const std::string&, std::uint64_t)", "Cannot open file for writing");
 }
 
 TiffFile::~TiffFile()
@@ -148,13 +152,29 @@ TiffFile::~TiffFile()
     std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
 }
 
-void TiffFile::selectPlane(int plane)
+/// Lets libtiff begin at the chosen plane.
+void TiffFile::findDirectories()
 {
-  const auto directories = tiffDirectories(_descriptor);
-  if (directories->empty()) return; // libtiff knows why
-  if (plane < 0 || static_cast<std::size_t>(plane) >= directories->size())
-    failReading(openSignature, "There is no plane " + std::to_string(plane));
-  _directory = (*directories)[static_cast<std::size_t>(plane)];
+  _directories = tiffDirectories(_descriptor);
+  if (getNumPlanes() == 0) return; // libtiff knows why
+  const bool isListed = _plane >= 0 && _plane < getNumPlanes();
+  if (!isListed && (_plane < 0 || getNumDirectories() > 1)) failAtPlane();
+  _firstDirectory = planes()[isListed ? static_cast<std::size_t>(_plane) : 0];
+}
+
+void TiffFile::selectNextPlane()
+{
+  ++_plane;
+  if (getNumDirectories() == 1) return;
+  if (_plane >= getNumPlanes()) failAtPlane();
+  const std::uint64_t directory = planes()[static_cast<std::size_t>(_plane)];
+  while (TIFFCurrentDirOffset(_tiff) != directory)
+    if (TIFFReadDirectory(_tiff) != 1) failReading("void TiffFile::selectNextPlane()", "Cannot read TIFF directory");
+}
+
+void TiffFile::failAtPlane()
+{
+  failReading(openSignature, "There is no plane " + std::to_string(_plane));
 }
 
 std::uint64_t TiffFile::seek(std::int64_t offset, int origin)
@@ -166,18 +186,28 @@ std::uint64_t TiffFile::seek(std::int64_t offset, int origin)
 
 std::int64_t TiffFile::read(unsigned char* bytes, std::int64_t count)
 {
-  std::int64_t numRead = 0;
+  const std::size_t numRead = readPiece(_position, bytes, static_cast<std::size_t>(count));
+  if (_firstDirectory != 0) patchHeader(bytes, numRead);
+  _position += numRead;
+  return static_cast<std::int64_t>(numRead);
+}
+
+bool TiffFile::readAt(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
+{
+  return readPiece(offset, bytes, count) == count;
+}
+
+/// Number of bytes read, fewer than asked for at the end of the file or of a disk that fails.
+std::size_t TiffFile::readPiece(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
+{
+  std::size_t numRead = 0;
   while (numRead < count)
   {
-    const ssize_t piece = pread(_descriptor, bytes + numRead, static_cast<std::size_t>(count - numRead),
-                                static_cast<off_t>(_position) + numRead);
+    const ssize_t piece = pread(_descriptor, bytes + numRead, count - numRead, static_cast<off_t>(offset + numRead));
     if (piece < 0 && errno == EINTR) continue;
-    if (piece < 0) return -1;
-    if (piece == 0) break;
-    numRead += piece;
+    if (piece <= 0) break;
+    numRead += static_cast<std::size_t>(piece);
   }
-  if (_directory != 0) patchHeader(bytes, static_cast<std::uint64_t>(numRead));
-  _position += static_cast<std::uint64_t>(numRead);
   return numRead;
 }
 
@@ -194,7 +224,7 @@ void TiffFile::patchHeader(unsigned char* bytes, std::uint64_t count) const
   {
     const std::uint64_t shift = 8 * (isBigEndian ? size - 1 - i : i);
     if (start + i >= _position && start + i < _position + count)
-      bytes[start + i - _position] = static_cast<unsigned char>(_directory >> shift);
+      bytes[start + i - _position] = static_cast<unsigned char>(_firstDirectory >> shift);
   }
 }
 
@@ -213,7 +243,7 @@ void TiffFile::noteWarning(const std::string& message)
 }
 
 /// libtiff begins some messages with the file's name, which is told elsewhere.
-std::string TiffFile::withoutFilename(std::string message) const
+std::string TiffFile::withoutFilename(const std::string& message) const
 {
   const std::string prefix = _filename + ": ";
   return message.starts_with(prefix) ? message.substr(prefix.size()) : message;

@@ -1,9 +1,21 @@
 #pragma once
 
+#include "image/tiffdirectories.h"
+
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
 struct tiff; // libtiff's handle, which it also calls TIFF
+
+/// Which directories of a TIFF file count as its planes.
+enum class TiffPlanes
+{
+  All,
+  WithoutThumbnails ///< unless there is nothing else
+};
 
 /// A TIFF file that is closed on every path; it keeps what libtiff has to say about it.
 ///
@@ -12,13 +24,14 @@ struct tiff; // libtiff's handle, which it also calls TIFF
 class TiffFile
 {
 public:
-  /// Opens a file for reading at one of its planes, 0-based.
+  /// Opens a file for reading at one of its planes, 0-based. A file of one directory is opened there, since further
+  /// planes may follow without directories of their own.
   /// \throw FileReadError    it cannot be opened
   /// \throw FileFormatError  it is no TIFF file or has no such plane
-  explicit TiffFile(const std::string& filename, int plane = 0);
-  /// Writes to an open descriptor, which stays the caller's.
+  explicit TiffFile(const std::string& filename, int plane = 0, TiffPlanes planes = TiffPlanes::All);
+  /// Writes to an open descriptor, which stays the caller's: a BigTIFF file when numBytes would not fit another.
   /// \throw FileWriteError  libtiff cannot write to it
-  TiffFile(int descriptor, const std::string& filename);
+  TiffFile(int descriptor, const std::string& filename, std::uint64_t numBytes);
   TiffFile(const TiffFile&) = delete;
   TiffFile& operator=(const TiffFile&) = delete;
   ~TiffFile();
@@ -29,6 +42,14 @@ public:
   int getDescriptor() const { return _descriptor; }
   /// Length in bytes of a file opened for reading.
   std::uint64_t getLength() const { return _length; }
+  int getPlane() const { return _plane; }
+  int getNumDirectories() const { return static_cast<int>(_directories->all.size()); }
+  /// Number of directories that count as planes.
+  int getNumPlanes() const { return static_cast<int>(planes().size()); }
+  /// Goes on to the next plane. \throw FileFormatError  there is none, or its directory cannot be read
+  void selectNextPlane();
+  /// Bytes at a place of the file, from any thread; false when there are fewer.
+  bool readAt(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
 
   /// \throw FileFormatError  always: `what`, then libtiff's reason in brackets when it gave one
   [[noreturn]] void failReading(const std::string& where, const std::string& what);
@@ -44,9 +65,16 @@ public:
   std::int64_t read(unsigned char* bytes, std::int64_t count);
 
 private:
-  void selectPlane(int plane);
+  /// Offsets of the directories that count as planes.
+  const std::vector<std::uint64_t>& planes() const
+  {
+    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
+  }
+  void findDirectories();
+  [[noreturn]] void failAtPlane();
+  std::size_t readPiece(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
   void patchHeader(unsigned char* bytes, std::uint64_t count) const;
-  std::string withoutFilename(std::string message) const;
+  std::string withoutFilename(const std::string& message) const;
   std::string withReason(const std::string& what);
 
   std::string _filename;
@@ -54,8 +82,11 @@ private:
   int _descriptor = -1; // for reading
   std::uint64_t _length = 0;
   std::uint64_t _position = 0;
-  std::uint64_t _directory = 0; // of the chosen plane; 0: the file's first one
-  std::string _error;           // the first one
-  std::string _warning;         // the first one
-  bool _hasFailed = false;      // the error was told by an exception
+  std::shared_ptr<const TiffDirectories> _directories; // of a file opened for reading
+  TiffPlanes _countedPlanes = TiffPlanes::All;
+  int _plane = 0;
+  std::uint64_t _firstDirectory = 0; // that libtiff gets to see; 0: the file's
+  std::string _error;                // the first one
+  std::string _warning;              // the first one
+  bool _hasFailed = false;           // the error was told by an exception
 };

@@ -1,37 +1,21 @@
 #include "image/tiffreading.h"
 
 #include "image/image.h"
-#include "image/tiffdirectories.h"
-#include "image/tifffile.h"
+#include "image/tiffpixels.h"
+#include "image/tifftags.h"
+#include "numeric/targetclones.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <string_view>
-#include <tiffio.h>
-#include <vector>
 
 namespace
 {
 constexpr const char* headerSignature = "void ImageReader::readTiffHeader(ImageHeader&, TIFF*)";
 constexpr const char* pixelsSignature = "void Image::readTiffPixels(Image&, TIFF*)";
-
-/// A tag of one number; `absent` when the directory does not have it.
-template <class T> T readTag(const TiffFile& file, std::uint32_t tag, T absent)
-{
-  T value = absent;
-  return TIFFGetField(file.get(), tag, &value) == 1 ? value : absent;
-}
-
-template <class T> T readTagOrDefault(const TiffFile& file, std::uint32_t tag)
-{
-  T value = 0;
-  TIFFGetFieldDefaulted(file.get(), tag, &value);
-  return value;
-}
 
 /// Turns compressed YCbCr into red, green, blue while reading; to be called before anything asks for line sizes.
 void askForColors(const TiffFile& file)
@@ -62,13 +46,6 @@ std::uint16_t checkSamples(TiffFile& file, std::uint16_t bitsPerSample)
       (colors == PHOTOMETRIC_YCBCR && readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION) == COMPRESSION_JPEG);
   if (!isKnown) refuse("photometric interpretation " + std::to_string(colors));
   return samples;
-}
-
-int checkLength(TiffFile& file, std::uint32_t length)
-{
-  if (length == 0 || length > static_cast<std::uint32_t>(std::numeric_limits<int>::max()))
-    file.failReading(headerSignature, "Invalid image size");
-  return static_cast<int>(length);
 }
 
 /// The scale named after "unit=" in the description of programs without a resolution unit of their own.
@@ -113,89 +90,45 @@ void setPixelSize(PixelCalibration& calibration, float xResolution, float yResol
   calibration.setPixelHeight(factor / yResolution);
 }
 
-/// How many bytes of pixels a byte of the file can stand for, at the utmost.
-double greatestExpansion(std::uint16_t compression)
+/// How the pixels lie in the file once the header is known.
+TiffRaster rasterOf(const ImageHeader& header, const TiffFile& file)
 {
-  switch (compression)
-  {
-  case COMPRESSION_NONE:
-    return 1;
-  case COMPRESSION_PACKBITS:
-    return 64; // 128 equal bytes take two
-  case COMPRESSION_LZW:
-  case COMPRESSION_DEFLATE:
-  case COMPRESSION_ADOBE_DEFLATE:
-    return 4096;
-  default:
-    return 65536; // block codecs write whole blocks in a few bytes
-  }
+  TiffRaster raster;
+  raster.width = header.getWidth();
+  raster.height = header.getHeight();
+  raster.bytesPerPixel = static_cast<std::size_t>(header.getDepth() / 8);
+  if (file.getNumDirectories() == 1)
+    raster.pixelsBehind = static_cast<std::uint64_t>(file.getPlane()) * static_cast<std::uint64_t>(header.getWidth()) *
+                          static_cast<std::uint64_t>(header.getHeight());
+  return raster;
 }
 
-/// Refuses sizes that the file is too short for, before anybody believes them.
-void checkSize(TiffFile& file, const char* where, double numBytes)
+/// The number after "images=" in an ImageJ description; 0 when there is none.
+std::uint64_t numImagesOfDescription(std::string_view description)
 {
-  const auto compression = readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION);
-  if (numBytes / greatestExpansion(compression) > static_cast<double>(file.getLength()))
-    file.failReading(where, "The file is too short for its image size");
+  constexpr std::string_view name = "images=";
+  const std::size_t start = description.find(name);
+  if (!description.starts_with("ImageJ=") || start == std::string_view::npos) return 0;
+  const std::string_view piece = description.substr(start + name.size());
+  std::uint64_t number = 0;
+  std::from_chars(piece.data(), piece.data() + piece.size(), number);
+  return number;
 }
 
-void readStrips(Image& image, TiffFile& file)
+/// Refuses pixels that an image cannot hold.
+void checkPixels(const ImageHeader& header, TiffFile& file)
 {
-  const auto height = static_cast<std::uint32_t>(image.getHeight());
-  const auto rowsPerStrip =
-      std::clamp(readTagOrDefault<std::uint32_t>(file, TIFFTAG_ROWSPERSTRIP), std::uint32_t{1}, height);
-  if (TIFFScanlineSize64(file.get()) != image.bytesPerLine())
-    file.failReading(pixelsSignature, "Cannot read TIFF with padded lines");
-  for (std::uint32_t row = 0, strip = 0; row < height; row += rowsPerStrip, ++strip)
-  {
-    const std::size_t numBytes = std::min(rowsPerStrip, height - row) * image.bytesPerLine();
-    const auto length = static_cast<tmsize_t>(numBytes);
-    if (TIFFReadEncodedStrip(file.get(), strip, image.getLine(static_cast<int>(row)), length) != length)
-      file.failReading(pixelsSignature, "Cannot read the pixels");
-  }
-}
-
-/// The tile whose first pixel lies at (x, y), as far as it lies inside the image.
-void pasteTile(Image& image, const std::vector<unsigned char>& tile, std::uint32_t tileWidth, std::uint32_t x,
-               std::uint32_t y)
-{
-  const auto pixelSize = static_cast<std::size_t>(image.bytesPerPixel());
-  const std::size_t tileLine = tileWidth * pixelSize;
-  const std::size_t numBytes = std::min(tileLine, image.bytesPerLine() - x * pixelSize);
-  const std::size_t numLines = std::min(tile.size() / tileLine, static_cast<std::size_t>(image.getHeight()) - y);
-  for (std::size_t i = 0; i < numLines; ++i)
-    std::memcpy(image.getLine(static_cast<int>(y + i)) + x * pixelSize, tile.data() + i * tileLine, numBytes);
-}
-
-void readTiles(Image& image, TiffFile& file)
-{
-  const auto tileWidth = readTagOrDefault<std::uint32_t>(file, TIFFTAG_TILEWIDTH);
-  const auto tileHeight = readTagOrDefault<std::uint32_t>(file, TIFFTAG_TILELENGTH);
-  const std::uint64_t tileSize = TIFFTileSize64(file.get());
-  if (tileSize == 0 || tileSize / tileWidth / tileHeight != static_cast<std::uint64_t>(image.bytesPerPixel()))
-    file.failReading(pixelsSignature, "Cannot read TIFF with padded tiles");
-  checkSize(file, pixelsSignature, static_cast<double>(tileSize));
-  std::vector<unsigned char> tile(tileSize);
-  const auto length = static_cast<tmsize_t>(tileSize);
-  const auto width = static_cast<std::uint64_t>(image.getWidth()),
-             height = static_cast<std::uint64_t>(image.getHeight());
-  std::uint32_t index = 0;
-  for (std::uint64_t y = 0; y < height; y += tileHeight)
-  {
-    for (std::uint64_t x = 0; x < width; x += tileWidth)
-    {
-      if (TIFFReadEncodedTile(file.get(), index++, tile.data(), length) != length)
-        file.failReading(pixelsSignature, "Cannot read the pixels");
-      pasteTile(image, tile, tileWidth, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y));
-    }
-  }
+  if (header.getNumChannels() > 1 &&
+      readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
+    file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
+  if (header.getDepth() > 32)
+    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
 }
 
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
-void invert(Image& image)
+MIRELO_TARGET_CLONES void invert(unsigned char* pixels, std::size_t numBytes)
 {
-  unsigned char* const data = image.getData();
-  for (std::size_t i = 0, length = image.dataLength(); i < length; ++i) data[i] = static_cast<unsigned char>(~data[i]);
+  for (std::size_t i = 0; i < numBytes; ++i) pixels[i] = static_cast<unsigned char>(~pixels[i]);
 }
 } // namespace
 
@@ -206,20 +139,39 @@ void readTiffHeader(ImageHeader& header, TiffFile& file)
   const std::uint16_t samplesPerPixel = checkSamples(file, bitsPerSample);
   header = ImageHeader();
   header.setFormat(ImageFormat::Tiff);
-  header.setHeight(checkLength(file, readTag<std::uint32_t>(file, TIFFTAG_IMAGELENGTH, 0)));
-  header.setWidth(checkLength(file, readTag<std::uint32_t>(file, TIFFTAG_IMAGEWIDTH, 0)));
-  header.setNumPlanes(readTiffNumPlanes(file));
+  readTiffSize(header, file, headerSignature);
   header.setDepth(bitsPerSample * samplesPerPixel);
   header.setNumChannels(samplesPerPixel);
-  checkSize(file, headerSignature, double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8);
+  checkTiffLength(double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8, file, headerSignature);
+  readTiffNumPlanes(header, file);
   header.setNewSubfileType(readTag<std::uint32_t>(file, TIFFTAG_SUBFILETYPE, 0));
   readTiffCalibration(header, file);
   if (photometric(file, samplesPerPixel) == PHOTOMETRIC_PALETTE) readTiffColormap(header, file);
 }
 
-int readTiffNumPlanes(TiffFile& file)
+void readTiffSize(ImageHeader& header, TiffFile& file, const char* where)
 {
-  return static_cast<int>(tiffDirectories(file.getDescriptor())->size());
+  const auto height = readTag<std::uint32_t>(file, TIFFTAG_IMAGELENGTH, 0);
+  const auto width = readTag<std::uint32_t>(file, TIFFTAG_IMAGEWIDTH, 0);
+  constexpr auto greatest = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
+  if (height == 0 || height > greatest || width == 0 || width > greatest) file.failReading(where, "Invalid image size");
+  header.setHeight(static_cast<int>(height));
+  header.setWidth(static_cast<int>(width));
+}
+
+void readTiffNumPlanes(ImageHeader& header, TiffFile& file)
+{
+  header.setNumPlanes(file.getNumDirectories());
+  if (file.getNumDirectories() > 1) return;
+  const char* const description = readTag<const char*>(file, TIFFTAG_IMAGEDESCRIPTION, nullptr);
+  const std::uint64_t numImages = description ? numImagesOfDescription(description) : 0;
+  TiffRaster first = rasterOf(header, file);
+  first.pixelsBehind = 0;
+  const bool isStack =
+      numImages > 1 && numImages <= std::numeric_limits<int>::max() && numImages <= countContiguousRasters(first, file);
+  if (isStack) header.setNumPlanes(static_cast<int>(numImages));
+  if (file.getPlane() >= header.getNumPlanes())
+    file.failReading(headerSignature, "There is no plane " + std::to_string(file.getPlane()));
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)
@@ -254,20 +206,30 @@ void readTiffColormap(ImageHeader& header, TiffFile& file)
   const auto isByte = [](std::uint16_t level) { return level < 256; };
   const bool hasBytes = std::all_of(red, red + numColors, isByte) && std::all_of(green, green + numColors, isByte) &&
                         std::all_of(blue, blue + numColors, isByte); // written by programs that ignored the 16 bits
-  const int divisor = hasBytes ? 1 : 257;
+  const int divisor = hasBytes ? 1 : 256; // level x 257 as well as level x 256, which some programs write
   Colormap colormap(numColors);
   const auto level = [divisor](std::uint16_t value) { return static_cast<unsigned char>(value / divisor); };
   for (int i = 0; i < numColors; ++i) colormap.setColor(i, {level(red[i]), level(green[i]), level(blue[i])});
   header.setColormap(colormap);
 }
 
+void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file)
+{
+  checkPixels(header, file);
+  const TiffRaster raster = rasterOf(header, file);
+  readTiffRaster(pixels, raster, file, pixelsSignature);
+  turnMinIsWhite(pixels, raster.dataLength(), file);
+}
+
 void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file)
 {
-  const auto samplesPerPixel = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
-  if (samplesPerPixel > 1 && readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
-    file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
-  if (header.getDepth() > 32)
-    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
+  checkPixels(header, file);
+  initImage(image, header, file);
+  readTiffPixels(image.getData(), header, file);
+}
+
+void initImage(Image& image, const ImageHeader& header, TiffFile& file)
+{
   try
   {
     image.init(header.getWidth(), header.getHeight(), header.getDepth());
@@ -276,10 +238,11 @@ void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file)
   {
     file.failReading(pixelsSignature, "There is not enough memory for the image");
   }
-  if (TIFFIsTiled(file.get()))
-    readTiles(image, file);
-  else
-    readStrips(image, file);
-  if (photometric(file, samplesPerPixel) == PHOTOMETRIC_MINISWHITE && samplesPerPixel == 1) invert(image);
   image.setDescription(header);
+}
+
+void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file)
+{
+  const auto samplesPerPixel = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
+  if (samplesPerPixel == 1 && photometric(file, samplesPerPixel) == PHOTOMETRIC_MINISWHITE) invert(pixels, numBytes);
 }

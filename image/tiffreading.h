@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 
 class Image;
 class ImageHeader;
@@ -11,11 +11,21 @@ class TiffFile;
 
 /// Sizes, which the file must be long enough for, depth, number of planes, calibration and palette.
 void readTiffHeader(ImageHeader& header, TiffFile& file);
+/// Height and width, with the where-text of the caller.
+void readTiffSize(ImageHeader& header, TiffFile& file, const char* where);
+/// Number of directories or, in a file of one directory, of the images that an ImageJ description counts, when as many
+/// lie one after another in the file. Asks for width, height and depth.
+void readTiffNumPlanes(ImageHeader& header, TiffFile& file);
 /// Pixel size and unit from the resolution tags and, without a unit there, from the description.
 void readTiffCalibration(ImageHeader& header, TiffFile& file);
 void readTiffColormap(ImageHeader& header, TiffFile& file);
-/// Number of directories in the file.
-int readTiffNumPlanes(TiffFile& file);
 /// Sizes the image as the header says and fills it.
 void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file);
+/// The same into memory for height lines of width x depth / 8 bytes.
+void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file);
+
+/// Sizes and describes the image as the header says.
+void initImage(Image& image, const ImageHeader& header, TiffFile& file);
+/// Turns min-is-white, when the file says so, into min-is-black: the complement of every level.
+void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file);
 /// @}

@@ -134,9 +134,14 @@ public:
   /// Only the header of a voxel-matrix file. \throw FileReadError, FileFormatError
   static VoxelMatrixHeader loadHeader(const std::string& filename);
 
-  /// Reads all planes of a TIFF file. The first two components of the voxel size are crossed: the height is the pixel
-  /// width, the width the pixel height. \throw FileError  \throw RangeError  a grey level does not fit T
+  /// Reads all planes of a TIFF file but thumbnails. The first two components of the voxel size are crossed: the height
+  /// is the pixel width, the width the pixel height. On an error the matrix stays.
+  /// \throw FileError  also for planes of different sizes   \throw RangeError  a grey level does not fit T
   void loadTiffStackFile(const std::string& filename);
+  /// Writes a TIFF file of 8-bit planes that loadTiffStackFile() reads back, crossing the voxel size again. The
+  /// distance of planes is read back when there are several. \throw FileWriteError  the file exists and must not be
+  /// overwritten, cannot be written, or the voxels are not all whole numbers of 0 to 255
+  void saveAsTiff(const std::string& filename, bool overwrite) const;
 
   /// Readable text, for debugging.
   void print(std::ostream& stream) const;

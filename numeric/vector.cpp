@@ -1,19 +1,15 @@
-// Storage, pieces and order of vectors.
+// Pieces and order of vectors.
 #include "numeric/vector.h"
 
 #include "numeric/kernels.h"
 #include "numeric/randomgenerator.h"
+#include "numeric/vectorstorage.h"
 
 #include <algorithm>
 #include <numeric>
 
 namespace
 {
-SizeError cannotBeResized(const char* where)
-{
-  return SizeError(where, "This is a shallow vector, cannot be resized without data");
-}
-
 template <class T> void requirePiece(const Vector<T>& v, int first, long count, const char* where)
 {
   if (first < 0 || count < 0 || first + count > v.getSize())
@@ -42,94 +38,11 @@ template <class T> void requirePermutation(const Vector<int>& permutation, const
 }
 } // namespace
 
-template <class T> Vector<T>::Vector(int n) : _size(std::max(n, 0)), _data(allocateElements<T>(_size)) {}
-
-template <class T> Vector<T>::Vector(std::initializer_list<T> values)
-  : _size(static_cast<int>(values.size())), _data(duplicateElements(values.begin(), values.size()))
-{
-}
-
-template <class T> Vector<T>::Vector(const std::vector<T>& values) : Vector(static_cast<int>(values.size()))
-{
-  std::copy(values.begin(), values.end(), _data);
-}
-
-template <class T> Vector<T>::Vector(const Vector& other)
-  : _size(other._size), _data(duplicateElements(other._data, other._size))
-{
-}
-
-template <class T> Vector<T>::Vector(Vector&& other) noexcept
-  : _size(std::exchange(other._size, 0)),
-    _data(std::exchange(other._data, nullptr)),
-    _shallow(std::exchange(other._shallow, false))
-{
-}
-
-template <class T> Vector<T>& Vector<T>::operator=(const Vector& other)
-{
-  if (this == &other) return *this;
-  if (_shallow && _size != other._size) throw cannotBeResized("Vector<T>& Vector<T>::operator=(const Vector<T>&)");
-  setSize(other._size);
-  std::copy(other.begin(), other.end(), _data);
-  return *this;
-}
-
-template <class T> Vector<T>& Vector<T>::operator=(Vector&& other)
-{
-  if (_shallow || other._shallow) return *this = static_cast<const Vector&>(other);
-  std::swap(_size, other._size);
-  std::swap(_data, other._data);
-  return *this;
-}
-
-template <class T> void Vector<T>::setSize(int n)
-{
-  n = std::max(n, 0);
-  if (n == _size) return;
-  if (_shallow) throw cannotBeResized("void Vector<T>::setSize(int)");
-  T* data = allocateElements<T>(n);
-  freeElements(_data, _size);
-  _data = data;
-  _size = n;
-}
-
-template <class T> void Vector<T>::setShallow(int n, T* buffer)
-{
-  if (!_shallow) freeElements(_data, _size);
-  _size = n;
-  _data = buffer;
-  _shallow = true;
-}
-
-template <class T> void Vector<T>::swap(Vector& other)
-{
-  if (_shallow || other._shallow)
-  {
-    if (_size != other._size)
-      throw SizeError("void Vector<T>::swap(Vector<T>&)", "Vector size differ and at least one of them is shallow");
-    std::swap_ranges(begin(), end(), other.begin());
-    return;
-  }
-  std::swap(_size, other._size);
-  std::swap(_data, other._data);
-}
-
-template <class T> bool Vector<T>::operator==(const Vector& other) const
-{
-  return std::equal(begin(), end(), other.begin(), other.end());
-}
-
 template <class T> template <class U> Vector<U> Vector<T>::toType() const requires ConvertibleElement<T, U>
 {
   Vector<U> converted(_size);
   std::transform(begin(), end(), converted.begin(), [](T x) { return static_cast<U>(x); });
   return converted;
-}
-
-template <class T> void Vector<T>::fill(const T& value)
-{
-  std::fill(begin(), end(), T(value)); // a copy, since the value may be an element of this vector
 }
 
 template <class T> void Vector<T>::setZeros() requires NumericElement<T>
@@ -200,20 +113,20 @@ template <class T> void Vector<T>::paste(int at, const Vector& v)
 template <class T> void Vector<T>::append(const Vector& v)
 {
   if (v.isEmpty()) return;
-  if (_shallow) throw cannotBeResized("void Vector<T>::append(const Vector<T>&)");
+  if (_shallow) throw VectorStorage::cannotBeResized("void Vector<T>::append(const Vector<T>&)");
   *this = concatenation(*this, v);
 }
 
 template <class T> void Vector<T>::append(const T& x)
 {
-  if (_shallow) throw cannotBeResized("void Vector<T>::append(const T&)");
+  if (_shallow) throw VectorStorage::cannotBeResized("void Vector<T>::append(const T&)");
   *this = concatenation(*this, Vector{x});
 }
 
 template <class T> void Vector<T>::prepend(const Vector& v)
 {
   if (v.isEmpty()) return;
-  if (_shallow) throw cannotBeResized("void Vector<T>::prepend(const Vector<T>&)");
+  if (_shallow) throw VectorStorage::cannotBeResized("void Vector<T>::prepend(const Vector<T>&)");
   *this = concatenation(v, *this);
 }
 
@@ -299,18 +212,7 @@ NUMERIC_INSTANTIATE_VECTORS
 NUMERIC_FOR_EACH_CONVERSION(NUMERIC_INSTANTIATE_CONVERSION)
 
 // Vectors of text have the members above that need no arithmetic.
-template Vector<std::string>::Vector(int);
-template Vector<std::string>::Vector(std::initializer_list<std::string>);
-template Vector<std::string>::Vector(const std::vector<std::string>&);
-template Vector<std::string>::Vector(const Vector<std::string>&);
-template Vector<std::string>::Vector(Vector<std::string>&&) noexcept;
-template Vector<std::string>& Vector<std::string>::operator=(const Vector<std::string>&);
-template Vector<std::string>& Vector<std::string>::operator=(Vector<std::string>&&);
-template void Vector<std::string>::setSize(int);
-template void Vector<std::string>::setShallow(int, std::string*);
-template void Vector<std::string>::swap(Vector<std::string>&);
-template bool Vector<std::string>::operator==(const Vector<std::string>&) const;
-template void Vector<std::string>::fill(const std::string&);
+NUMERIC_INSTANTIATE_VECTOR_STORAGE(std::string)
 template Vector<std::string> Vector<std::string>::copy(int, int) const;
 template Vector<std::string> Vector<std::string>::copyFrom(int) const;
 template Vector<std::string> Vector<std::string>::copyUntil(int) const;

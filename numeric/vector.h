@@ -230,6 +230,22 @@ private:
   bool _shallow = false;
 };
 
+/// Instantiates, in a source that includes vectorstorage.h, what a vector of an element type without arithmetic needs
+/// to be filled, copied and compared: an enumeration, say.
+#define NUMERIC_INSTANTIATE_VECTOR_STORAGE(T)                                                                          \
+  template Vector<T>::Vector(int);                                                                                     \
+  template Vector<T>::Vector(std::initializer_list<T>);                                                                \
+  template Vector<T>::Vector(const std::vector<T>&);                                                                   \
+  template Vector<T>::Vector(const Vector<T>&);                                                                        \
+  template Vector<T>::Vector(Vector<T>&&) noexcept;                                                                    \
+  template Vector<T>& Vector<T>::operator=(const Vector<T>&);                                                          \
+  template Vector<T>& Vector<T>::operator=(Vector<T>&&);                                                               \
+  template void Vector<T>::setSize(int);                                                                               \
+  template void Vector<T>::setShallow(int, T*);                                                                        \
+  template void Vector<T>::swap(Vector<T>&);                                                                           \
+  template bool Vector<T>::operator==(const Vector<T>&) const;                                                         \
+  template void Vector<T>::fill(const T&);
+
 #define NUMERIC_EXTERN_VECTOR(T) extern template class Vector<T>;
 NUMERIC_FOR_EACH_TYPE(NUMERIC_EXTERN_VECTOR)
 NUMERIC_EXTERN_VECTOR(long)

@@ -12,17 +12,29 @@ QColor NYXPreferences::_imageCanvasBackgroundColor(Qt::darkGray);
 QColor NYXPreferences::_selectionColor(85, 170, 255, 255);
 int NYXPreferences::_percentMemoryUsage = 50;
 
+namespace
+{
+/// A stored number of 0 or more; what is none keeps the current value.
+int readNumber(const QSettings& store, const QString& key, int current)
+{
+  bool isNumber = false;
+  const int number = store.value(key, current).toInt(&isNumber);
+  return isNumber && number >= 0 ? number : current;
+}
+} // namespace
+
 void NYXPreferences::load()
 {
   QSettings store;
   store.beginGroup("preferences");
-  _maxNumBackups = store.value("maxNumBackups", _maxNumBackups).toInt();
+  _maxNumBackups = readNumber(store, "maxNumBackups", _maxNumBackups);
   _autoDecimation = store.value("autoDecimation", _autoDecimation).toBool();
   _highlightSelectedItems = store.value("highlightSelectedItems", _highlightSelectedItems).toBool();
   _enablePanoramaLabels = store.value("enablePanoramaLabels", _enablePanoramaLabels).toBool();
-  _clickTolerance = store.value("clickTolerance", _clickTolerance).toInt();
-  _regionBrushSize = store.value("regionBrushSize", _regionBrushSize).toInt();
-  _imageCanvasBackgroundColor = store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
+  _clickTolerance = readNumber(store, "clickTolerance", _clickTolerance);
+  _regionBrushSize = readNumber(store, "regionBrushSize", _regionBrushSize);
+  const auto background = store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
+  if (background.isValid()) _imageCanvasBackgroundColor = background;
 }
 
 void NYXPreferences::save()

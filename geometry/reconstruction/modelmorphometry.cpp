@@ -25,20 +25,65 @@ const Stack* stackOf(const Model& model)
   return nullptr;
 }
 
-/// The model's vertices in 3D, level by level; regions by their positions.
-std::unique_ptr<VertexStack<double>> reconstructed(const StackReconstruction<double>& reconstruction,
-                                                   const Model& model)
+/// A run of a region in 3D: `count` positions in equal steps around their middle.
+struct Run
 {
-  if (model.getGeometry() != MPrimitive::Region)
-    return std::unique_ptr<VertexStack<double>>(static_cast<VertexStack<double>*>(reconstruction.apply(model)));
-  auto stack = std::make_unique<VertexStack<double>>(space);
-  Vertices<double> vertices(space);
-  for (const ModelItem* item : reconstruction.itemsInStackOrder(model))
+  double count;
+  Vector<double> middle;
+  Vector<double> step;
+};
+
+/// The runs of a model's regions: positions are summed run by run, since a region may have millions of them.
+std::vector<Run> runsOf(const StackReconstruction<double>& reconstruction, const std::vector<const ModelItem*>& items)
+{
+  std::vector<Run> runs;
+  for (const ModelItem* item : items)
   {
-    reconstruction.map(vertices, *item);
-    stack->append(vertices);
+    const int slice = item->getSlice()->getIndex();
+    const Vector<double>& map = reconstruction.getMap(slice);
+    const double z = reconstruction.getZMap()[slice];
+    for (const RLEItem& run : item->getRLEItemSet().getItems())
+    {
+      const double u = run.getOriginX(), v = (double{1} * run.begin() + run.end()) / 2;
+      runs.push_back({double{1} * run.getLength(),
+                      {map[0] * u + map[1] * v + map[2], map[3] * u + map[4] * v + map[5], z},
+                      {map[1], map[4], 0.}});
+    }
   }
-  return stack;
+  return runs;
+}
+
+double numPositions(const std::vector<Run>& runs)
+{
+  double count = 0;
+  for (const Run& run : runs) count += run.count;
+  return count;
+}
+
+Vector<double> cogOf(const std::vector<Run>& runs)
+{
+  Vector<double> center;
+  center.setZeros(space);
+  for (const Run& run : runs) center += run.middle * run.count;
+  return center /= numPositions(runs);
+}
+
+/// Mean squared deviations from the centre: those of the runs' middles and, within a run of n positions, (n^2 - 1) / 12
+/// squared steps.
+SquareMatrix<double> inertiaOf(const std::vector<Run>& runs, const Vector<double>& center)
+{
+  SquareMatrix<double> moments(space);
+  moments.setZeros();
+  for (const Run& run : runs)
+  {
+    const double within = (run.count * run.count - 1) / 12;
+    for (int i = 0; i < space; ++i)
+      for (int j = 0; j < space; ++j)
+        moments(i, j) += run.count * ((run.middle[i] - center[i]) * (run.middle[j] - center[j]) +
+                                      within * run.step[i] * run.step[j]);
+  }
+  moments /= numPositions(runs);
+  return moments;
 }
 
 CurveStack<double> withoutDegenerateCurves(const CurveStack<double>& curves)
@@ -87,10 +132,11 @@ void ModelMorphometry::run()
   const Stack* const stack = stackOf(*_model);
   const StackReconstruction<double> reconstruction =
       stack ? StackReconstruction<double>(*stack) : StackReconstruction<double>();
-  const std::unique_ptr<VertexStack<double>> vertices = reconstructed(reconstruction, *_model);
+  if (_model->getGeometry() == MPrimitive::Region) return measureRegions(reconstruction);
+  const std::unique_ptr<VertexStack<double>> vertices(static_cast<VertexStack<double>*>(reconstruction.apply(*_model)));
   _numContours = vertices->getNumLevels();
   _numVertices = vertices->getNumVertices();
-  if (_numVertices > 0) measureVertices(*vertices);
+  if (_numVertices > 0) setMoments(vertices->cog(), vertices->inertia());
 
   const auto* const curves = dynamic_cast<const CurveStack<double>*>(vertices.get());
   if (!curves) return;
@@ -100,11 +146,22 @@ void ModelMorphometry::run()
   _equivRadius = std::cbrt(3 * _volume / 12.566370614359172);
 }
 
-void ModelMorphometry::measureVertices(const VertexStack<double>& vertices)
+void ModelMorphometry::measureRegions(const StackReconstruction<double>& reconstruction)
 {
-  _isobarycenter = vertices.cog();
+  const std::vector<const ModelItem*> items = reconstruction.itemsInStackOrder(*_model);
+  const std::vector<Run> runs = runsOf(reconstruction, items);
+  _numContours = static_cast<int>(items.size());
+  _numVertices = static_cast<long>(numPositions(runs));
+  if (runs.empty()) return;
+  const Vector<double> center = cogOf(runs);
+  setMoments(center, inertiaOf(runs, center));
+}
+
+void ModelMorphometry::setMoments(const Vector<double>& center, const SquareMatrix<double>& moments)
+{
+  _isobarycenter = center;
   Vector<double> variances;
-  vertices.inertia().eigenJacobi(variances, _mainAxes, true);
+  moments.eigenJacobi(variances, _mainAxes, true);
   orientAxes(_mainAxes);
   for (int i = 0; i < space; ++i)
   {

@@ -23,7 +23,7 @@ public:
   void clear();
 
   /// Number of vertices of all items; of regions, of their positions.
-  int getNumVertices() const { return _numVertices; }
+  long getNumVertices() const { return _numVertices; }
   /// Number of items.
   int getNumContours() const { return _numContours; }
   /// Area of the surface without caps; -1 when the contours branch. NaN for points and regions.
@@ -48,12 +48,13 @@ public:
   bool simpleCurveStack(const CurveStack<double>& stack) const { return !stack.isBranching(); }
 
 private:
-  void measureVertices(const VertexStack<double>& vertices);
+  void measureRegions(const StackReconstruction<double>& reconstruction);
+  void setMoments(const Vector<double>& center, const SquareMatrix<double>& moments);
   double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves);
   double slabVolume(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
 
   const Model* _model = nullptr;
-  int _numVertices = 0;
+  long _numVertices = 0;
   int _numContours = 0;
   double _area = 0;
   double _volume = 0;

@@ -5,6 +5,7 @@
 #include "model/stack.h"
 #include "model/stackslice.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <memory>
@@ -165,10 +166,11 @@ template <class T> Shape<T>* StackReconstruction<T>::apply(const Model& model) c
 }
 
 template <class T>
-std::vector<CurveStackTriangulationContourTag> StackReconstruction<T>::contourTags(const Model& model) const
+Vector<CurveStackTriangulationContourTag> StackReconstruction<T>::contourTags(const Model& model) const
 {
-  std::vector<CurveStackTriangulationContourTag> tags;
-  for (const ModelItem* item : itemsInStackOrder(model)) tags.push_back(item->getTriangulationTag());
+  const std::vector<const ModelItem*> items = itemsInStackOrder(model);
+  Vector<CurveStackTriangulationContourTag> tags(static_cast<int>(items.size()));
+  std::ranges::transform(items, tags.begin(), &ModelItem::getTriangulationTag);
   return tags;
 }
 

@@ -41,7 +41,7 @@ public:
   /// The caller owns the result. \throw UsageError  the model's items are regions
   Shape<T>* apply(const Model& model) const;
   /// The tag of each item, in the order of apply(Model).
-  std::vector<CurveStackTriangulationContourTag> contourTags(const Model& model) const;
+  Vector<CurveStackTriangulationContourTag> contourTags(const Model& model) const;
   /// The model's items in the order of apply(Model), without those on slices outside the stack.
   std::vector<const ModelItem*> itemsInStackOrder(const Model& model) const;
 

@@ -128,5 +128,7 @@ RLEItemSet StackArguments::runs() const
     if (values[2] < 1 || last > std::numeric_limits<int>::max()) refuse();
     runs.emplace_back(values[0], values[1], values[2]);
   }
-  return RLEItemSet(std::move(runs));
+  RLEItemSet set(std::move(runs));
+  if (set.numVertices() > std::numeric_limits<int>::max()) refuse(); // more than vertices can be counted
+  return set;
 }

@@ -16,11 +16,6 @@ namespace
 {
 constexpr const char* readSignature = "void StackReader::read(Stack&, const std::string&)";
 
-std::string withSuffix(const std::string& fileName)
-{
-  return std::filesystem::path(fileName).extension() == ".sdf" ? fileName : fileName + ".sdf";
-}
-
 [[noreturn]] void failOpening(const std::string& fileName, const std::string& reason)
 {
   throw FileReadError(readSignature, "Cannot open file for reading (" + reason + ")", fileName);
@@ -164,6 +159,11 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
       {K::VertexSymbol, 1, 1, Need::ItemProperties, &R::inputVertexSymbol},
   };
   return rules[static_cast<std::size_t>(keyword)];
+}
+
+std::string StackReader::withSuffix(const std::string& fileName)
+{
+  return std::filesystem::path(fileName).extension() == ".sdf" ? fileName : fileName + ".sdf";
 }
 
 void StackReader::read(Stack& stack, const std::string& fileName)

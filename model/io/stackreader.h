@@ -34,6 +34,8 @@ public:
   /// cannot be read leaves the stack as it was, one line in the log and a fatal error.
   /// \throw Cancelled  the user stopped it; the stack is empty then
   void read(Stack& stack, const std::string& fileName);
+  /// The name of a stack file: ".sdf" is appended to one without this suffix.
+  static std::string withSuffix(const std::string& fileName);
 
   /// Whether the file held a "STACK" statement; without one it is no stack file.
   bool hasReadStack() const { return _context.getStack() != nullptr; }

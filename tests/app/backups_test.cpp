@@ -1,4 +1,5 @@
 #include "app/nyxbackups.h"
+#include "tests/support/errors.h"
 
 #include <gtest/gtest.h>
 
@@ -54,5 +55,14 @@ TEST(Backups, RotateUpToTheLimit)
     makeBackups(folder.filePath("f"), c.limit);
     EXPECT_EQ(listing(QDir(folder.path())), c.after);
   }
+}
+
+TEST(Backups, StayWhenNoneCanBeMade)
+{
+  const QTemporaryDir folder;
+  for (const char* name : {"f", "f~1", "f~2"}) write(folder.filePath(name), name);
+  ASSERT_TRUE(QDir(folder.path()).mkpath("f~0/taken")); // where the new copy would be made
+  expectError<FileWriteError>("Cannot make a backup", [&] { makeBackups(folder.filePath("f"), 2); });
+  EXPECT_EQ(listing(QDir(folder.path())), "f=f f~1=f~1 f~2=f~2");
 }
 } // namespace

@@ -203,6 +203,8 @@ TEST_F(Batch, ExportWritesSurfacesOnce)
   EXPECT_EQ(again.status, 2);
   EXPECT_THAT(again.errors, HasSubstr("surfaces/specimen-nucleus.stl : file exists"));
   EXPECT_EQ(run(arguments + " --overwrite").status, 0);
+  EXPECT_EQ(run("export " + example + " --out new/deep/er --model vessel").status, 2); // it branches
+  EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
 TEST_F(Batch, MeasuresAreTheSameInBothForms)

@@ -64,7 +64,7 @@ struct TagCase
 {
   const char* name;
   std::vector<Curve<double>> curves;
-  std::vector<Tag> tags;
+  Vector<Tag> tags;
   bool caps, firstCaps, lastCaps;
   double volume;   // signed, of the closed parts
   int numBoundary; // edges

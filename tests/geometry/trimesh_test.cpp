@@ -3,6 +3,7 @@
 #include "tests/support/manifold.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <sstream>
 
 namespace
@@ -116,6 +117,50 @@ TEST(TriMeshNormals, PointOutAndWeighByAngle)
   expectError<UsageError>("no normals", [] { rightTriangle().getNormal(0); });
 }
 
+TEST(TriMeshNormals, AreThoseOfATriangleOfAnySizeAndAngle)
+{
+  for (const double size : {1e-30, 1e-12, 1., 1e15})
+    for (const double degrees : {0.01, 1., 30., 45., 60., 90., 120., 179.9})
+    {
+      SCOPED_TRACE(testing::Message() << size << ", " << degrees);
+      // A fan of two triangles at vertex 0: its normal leans to the wider one.
+      const double angle = degrees * std::numbers::pi / 180;
+      TriMesh<double> mesh(static_cast<const Vertices<double>&>(curveThrough<double>(
+          {{0, 0, 0}, {size, 0, 0}, {size * std::cos(angle), size * std::sin(angle), 0}, {0, 0, size}})));
+      mesh.addTriangle(0, 1, 2);
+      mesh.addTriangle(0, 3, 1);
+      TriMesh<float> rounded(3, 4, 0);
+      for (int i = 0; i < 12; ++i) rounded.data()[i] = static_cast<float>(mesh.data()[i]);
+      rounded.addTriangle(0, 1, 2);
+      rounded.addTriangle(0, 3, 1);
+      mesh.computeNormals();
+      rounded.computeNormals();
+      const double length = std::hypot(angle, std::numbers::pi / 2);
+      EXPECT_NEAR(mesh.getNormal(0)[1], std::numbers::pi / 2 / length, 1e-14);
+      EXPECT_NEAR(mesh.getNormal(0)[2], angle / length, 1e-14);
+      EXPECT_NEAR(rounded.getNormal(0)[1], std::numbers::pi / 2 / length, 1e-6);
+      EXPECT_NEAR(rounded.getNormal(0)[2], angle / length, 1e-6);
+    }
+}
+
+TEST(TriMeshBlocks, AreTakenOver)
+{
+  const BufferVector<float> points = {0, 0, 0, 3, 0, 0, 0, 4, 0};
+  const TriMesh<float> mesh(3, BufferVector<float>(points), {0, 1, 2});
+  EXPECT_EQ(pointsOf(mesh), pointsOf(rightTriangle<float>()));
+  EXPECT_EQ(mesh.area(), 6);
+  TriMesh<float> longer = mesh; // the vectors are there before vertices are added, and after
+  longer.append(mesh);
+  EXPECT_EQ(longer[4], (Vector<float>{3, 0, 0}));
+  longer.append(Vector<float>{7, 8, 9});
+  EXPECT_EQ(longer[6], (Vector<float>{7, 8, 9}));
+  EXPECT_EQ(mesh.getSize(), 3);
+  for (const int wrong : {-1, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+    expectError<RangeError>("does not exist", [&] { TriMesh<float>(3, BufferVector<float>(points), {0, 1, wrong}); });
+  expectError<SizeError>("three vertices", [&] { TriMesh<float>(3, BufferVector<float>(points), {0, 1}); });
+  expectError<SizeError>("number of coordinates", [&] { TriMesh<float>(2, BufferVector<float>(points), {}); });
+}
+
 TEST(TriMeshText, IsReadBackAsItWasWritten)
 {
   TriMesh<float> mesh = rightTriangle<float>();
@@ -205,6 +250,74 @@ TEST(TriMeshStl, HasTheNormalsOfItsTrianglesAndSixDigits)
                         "    endloop\n"
                         "  endfacet\n"
                         "endsolid cell 1\n");
+}
+
+namespace
+{
+/// Two triangles, one of them removed, with normals and colours.
+TriMesh<float> paintedTriangle()
+{
+  TriMesh<float> mesh = rightTriangle<float>();
+  mesh[1][0] = 0.1f;
+  mesh.addTriangle(2, 1, 0);
+  mesh.removeTriangle(0);
+  mesh.computeNormals();
+  TriMesh<int> colors(3, 3, 0);
+  colors[0] = Vector<int>{255, 0, 51};
+  colors[2] = Vector<int>{-1, 300, 102};
+  mesh.setVertexColors(colors);
+  mesh.setName("solid\nbody");
+  return mesh;
+}
+
+std::string bytesOf(std::initializer_list<float> numbers)
+{
+  std::string bytes;
+  for (const float number : numbers) bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  return bytes;
+}
+
+std::string bytesOf(std::initializer_list<int> numbers)
+{
+  std::string bytes;
+  for (const int number : numbers) bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  return bytes;
+}
+} // namespace
+
+TEST(TriMeshExport, WritesBinaryStl)
+{
+  std::ostringstream file;
+  paintedTriangle().export2BinarySTL(file);
+  EXPECT_EQ(file.str(), "Mirelo solid body" + std::string(63, ' ') + bytesOf({1}) +
+                            bytesOf({0.f, 0.f, -1.f, 0.f, 4.f, 0.f, 0.1f, 0.f, 0.f, 0.f, 0.f, 0.f}) +
+                            std::string(2, '\0'));
+}
+
+TEST(TriMeshExport, WritesPly)
+{
+  std::ostringstream file;
+  paintedTriangle().export2PLY(file);
+  const std::string normal = bytesOf({0.f, 0.f, -1.f});
+  EXPECT_EQ(file.str(), "ply\nformat binary_little_endian 1.0\ncomment solid body\nelement vertex 3\n"
+                        "property float x\nproperty float y\nproperty float z\n"
+                        "property float nx\nproperty float ny\nproperty float nz\n"
+                        "property uchar red\nproperty uchar green\nproperty uchar blue\n"
+                        "element face 1\nproperty list uchar int vertex_indices\nend_header\n" +
+                            bytesOf({0.f, 0.f, 0.f}) + normal + std::string("\xff\0\x33", 3) +
+                            bytesOf({0.1f, 0.f, 0.f}) + normal + std::string(3, '\0') + bytesOf({0.f, 4.f, 0.f}) +
+                            normal + std::string("\0\xff\x66", 3) + '\3' + bytesOf({2, 1, 0}));
+}
+
+TEST(TriMeshExport, WritesObj)
+{
+  std::ostringstream painted, bare;
+  paintedTriangle().export2OBJ(painted);
+  EXPECT_EQ(painted.str(), "o solid body\nv 0 0 0 1 0 0.2\nv 0.1 0 0 0 0 0\nv 0 4 0 0 1 0.4\n"
+                           "vn 0 0 -1\nvn 0 0 -1\nvn 0 0 -1\nf 3//3 2//2 1//1\n");
+  rightTriangle().export2OBJ(bare);
+  EXPECT_EQ(bare.str(), "v 0 0 0\nv 3 0 0\nv 0 4 0\nf 1 2 3\n");
+  expectError<SizeError>("three dimensions", [&] { TriMesh<float>(2).export2OBJ(bare); });
 }
 
 TEST(TriMeshStl, FormatsNumbersAsStreamsDo)

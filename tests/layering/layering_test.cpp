@@ -51,8 +51,11 @@ std::optional<std::string> violation(const Room& from, const std::string& includ
 {
   static const std::regex qtHeader("Qt?[A-Z][A-Za-z0-9/]*|q[a-z]+\\.h");
   if (!from.mayUseQt && std::regex_match(included, qtHeader)) return "a library without windows includes " + included;
+  if (included.find("..") != std::string::npos) return "the include " + included + " does not begin at the root";
   const Room* to = roomOf(included);
-  if (to == nullptr || to == &from || to->floor < from.floor) return std::nullopt;
+  if (to == nullptr || to == &from) return std::nullopt;
+  if (!from.mayUseQt && to->mayUseQt) return from.folder + " has no windows and includes " + included;
+  if (to->floor < from.floor) return std::nullopt;
   return from.folder + " reaches up to " + included;
 }
 
@@ -99,12 +102,16 @@ TEST(Layering, FindsEachKindOfViolation)
   write(root / "geometry/b.cpp", "# include \"geometry/reconstruction/stackreconstruction.h\"\n");
   write(root / "viewer/c.h", "#include \"slice/image/canvas.h\"\n#include \"slice/editor.h\"\n#include <QWidget>\n");
   write(root / "model/io/d.cpp", "#include <QtCore/QString>\n#include <queue>\n");
+  write(root / "image/e.cpp", "#include \"../model/stack.h\"\n");
+  write(root / "batch/f.cpp", "#include \"app/core/nyxsettings.h\"\n#include \"model/stack.h\"\n");
   EXPECT_THAT(violations(root),
               testing::UnorderedElementsAre(
                   "image/a.h: image reaches up to model/stack.h",
                   "geometry/b.cpp: geometry reaches up to geometry/reconstruction/stackreconstruction.h",
                   "viewer/c.h: viewer reaches up to slice/editor.h",
-                  "model/io/d.cpp: a library without windows includes QtCore/QString"));
+                  "model/io/d.cpp: a library without windows includes QtCore/QString",
+                  "image/e.cpp: the include ../model/stack.h does not begin at the root",
+                  "batch/f.cpp: batch has no windows and includes app/core/nyxsettings.h"));
   fs::remove_all(root);
 }
 } // namespace

@@ -56,6 +56,8 @@ TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
       {"SLICE \"h\" 101 10000", "Error on SLICE: invalid argument."},
       {"SLICE \"h\" 100 10000; NONSENSE", "Error on NONSENSE: unknown keyword (ignored)."},
       {"LengthUnitScale 400", "Error on LengthUnitScale: invalid argument."},
+      {"MODEL \"r\"; PRIMITIVE Region; MODELITEM \"r\" \"a\"; MODELITEMDATA 0,0,2147483647 1,0,2147483647",
+       "Error on MODELITEMDATA: invalid argument."}, // more positions than can be counted
   };
   for (const auto& c : cases)
   {

@@ -104,6 +104,27 @@ TEST_F(ModelMorphometryTest, AreaOfBranchingContoursIsMinusOne)
   EXPECT_EQ(measured(cell).getArea(), -1);
 }
 
+TEST_F(ModelMorphometryTest, RegionsAreMeasuredAsTheirPositions)
+{
+  _stack.getSlice(0)->setRegistration(Registration(3, -2, 30));
+  Model& region = model(MPrimitive::Region);
+  Model& points = model(MPrimitive::Polypoint);
+  const std::vector<RLEItem> runs = {RLEItem(4, 10, 5), RLEItem(5, -3, 1), RLEItem(9, 2, 8)};
+  for (int i = 0; i < 2; ++i)
+  {
+    ModelItem::create(region, *_stack.getSlice(i)).setRLEItemSet(RLEItemSet(runs));
+    for (const RLEItem& run : runs)
+      for (int y = run.begin(); y <= run.end(); ++y) addItem(points, *_stack.getSlice(i), {{run.getOriginX(), y}});
+  }
+  const ModelMorphometry ofRegion = measured(region), ofPoints = measured(points);
+  EXPECT_EQ(ofRegion.getNumVertices(), 28);
+  for (int k = 0; k < 3; ++k)
+  {
+    EXPECT_NEAR(ofRegion.getIsobarycenter()[k], ofPoints.getIsobarycenter()[k], 1e-12);
+    EXPECT_NEAR(ofRegion.getMainAxesLengths()[k], ofPoints.getMainAxesLengths()[k], 1e-12);
+  }
+}
+
 TEST_F(ModelMorphometryTest, MeasuresOnlyWhatAGeometryHas)
 {
   Model& fibre = model(MPrimitive::Polyline);

@@ -109,7 +109,7 @@ TEST(StackReconstruction, OrdersItemsBySliceAndThenAsListed)
   EXPECT_EQ(pointsOf(curves[2]), (std::vector<std::vector<double>>{{20, 0, 2}}));
   EXPECT_TRUE(curves.isClosed() && curves[2].isClosed());
   using Tag = CurveStackTriangulationContourTag;
-  EXPECT_EQ(StackReconstruction<double>(stack).contourTags(model), (std::vector<Tag>{Tag::None, Tag::Begin, Tag::End}));
+  EXPECT_EQ(StackReconstruction<double>(stack).contourTags(model), (Vector<Tag>{Tag::None, Tag::Begin, Tag::End}));
   EXPECT_TRUE(dynamic_cast<const CurveStack<double>&>(*reconstructed<double>(stack, other)).isOpen());
 }
 

@@ -21,8 +21,10 @@ struct TiffRecipe
   std::optional<int> resolutionUnit = std::nullopt;
   std::optional<float> xResolution = std::nullopt, yResolution = std::nullopt;
   std::optional<std::string> description = std::nullopt;
-  const char* mode = "w"; // "wb" big-endian, "w8" BigTIFF
-  bool isSmooth = false;  // no jumps, which JPEG would blur
+  const char* mode = "w";     // "wb" big-endian, "w8" BigTIFF
+  bool isSmooth = false;      // no jumps, which JPEG would blur
+  int paletteScale = 257;     // from 8 bits to those of the palette
+  bool hasThumbnails = false; // a small image before each plane
 
   /// Sample s of pixel (x, y) on plane p.
   std::uint16_t sample(int x, int y, int s, int p) const
@@ -37,6 +39,7 @@ struct TiffRecipe
     TIFF* const tiff = TIFFOpen(path.c_str(), mode);
     for (int p = 0; p < planes; ++p)
     {
+      if (hasThumbnails) writeThumbnail(tiff);
       writeTags(tiff);
       if (tileSize > 0)
         for (int y = 0, index = 0; y < height; y += tileSize)
@@ -50,6 +53,15 @@ struct TiffRecipe
   }
 
 private:
+  static void writeThumbnail(TIFF* tiff)
+  {
+    TiffRecipe{.width = 1, .height = 1}.writeTags(tiff);
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_REDUCEDIMAGE);
+    unsigned char pixel = 9;
+    TIFFWriteEncodedStrip(tiff, 0, &pixel, 1);
+    TIFFWriteDirectory(tiff);
+  }
+
   void writeTags(TIFF* tiff) const
   {
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
@@ -76,13 +88,15 @@ private:
   }
 
   /// Entry i is (i, 255 - i, 7).
-  static void writePalette(TIFF* tiff)
+  void writePalette(TIFF* tiff) const
   {
-    std::vector<std::uint16_t> red(256), green(256), blue(256, 7 * 257);
+    std::vector<std::uint16_t> red(256), green(256), blue(256);
     for (std::size_t i = 0; i < 256; ++i)
     {
-      red[i] = static_cast<std::uint16_t>(i * 257);
-      green[i] = static_cast<std::uint16_t>((255 - i) * 257);
+      const auto scale = static_cast<std::size_t>(paletteScale);
+      red[i] = static_cast<std::uint16_t>(i * scale);
+      green[i] = static_cast<std::uint16_t>((255 - i) * scale);
+      blue[i] = static_cast<std::uint16_t>(7 * scale);
     }
     TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
   }

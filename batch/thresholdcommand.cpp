@@ -1,0 +1,107 @@
+#include "batch/commands.h"
+#include "batch/volumefile.h"
+#include "image/segmentation/isodatathresholding.h"
+#include "image/segmentation/otsuthresholding.h"
+
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace
+{
+struct Arguments
+{
+  std::string in;
+  std::string out;
+  std::string method;
+  std::optional<double> level;
+  bool overwrite = false;
+};
+
+/// One bin per grey level where the range of the voxels has few enough of them, otherwise bins of equal width over it.
+template <class T> void setBins(HistogramThresholding<T>& step, const VoxelMatrix<T>& volume)
+{
+  constexpr int maxNumLevels = 65536, numBins = 256;
+  const Vector<T> range = volume.range();
+  const auto low = static_cast<Real<T>>(range[0]), high = static_cast<Real<T>>(range[1]);
+  if (std::is_integral_v<T> && high - low < maxNumLevels)
+    step.setBins(low - Real<T>(0.5), 1, static_cast<int>(high - low) + 1);
+  else if (high > low)
+    step.setBins(low, (high - low) / numBins, numBins);
+  else
+    step.setBins(low, 1, 1);
+}
+
+template <class T> Real<T> chooseThreshold(const VoxelMatrix<T>& volume, const Arguments& arguments)
+{
+  if (arguments.method == "fixed") return static_cast<Real<T>>(*arguments.level);
+  std::unique_ptr<HistogramThresholding<T>> step;
+  if (arguments.method == "otsu")
+    step = std::make_unique<OtsuThresholding<T>>();
+  else
+    step = std::make_unique<IsodataThresholding<T>>();
+  if constexpr (!std::is_same_v<T, unsigned char>) setBins(*step, volume);
+  return step->computeThreshold(volume);
+}
+
+/// 255 where voxels are not below the threshold, 0 elsewhere.
+template <class T> VoxelMatrix<unsigned char> maskAbove(const VoxelMatrix<T>& volume, Real<T> threshold)
+{
+  if constexpr (std::is_integral_v<T>)
+  {
+    constexpr Real<T> lowest = std::numeric_limits<T>::lowest(), highest = std::numeric_limits<T>::max();
+    const Real<T> level = std::max(std::ceil(threshold), lowest);
+    if (level <= highest) return Thresholding<T>::levelSetMask(volume, static_cast<T>(level));
+    VoxelMatrix<unsigned char> mask(volume.getSize1(), volume.getSize2(), volume.getSize3());
+    mask.setZeros();
+    mask.setVoxelCalibration(volume.getVoxelCalibration());
+    return mask;
+  }
+  else
+    return Thresholding<T>::levelSetMask(volume, threshold);
+}
+
+/// The shortest decimals that give the number back.
+template <class R> std::string shortest(R number)
+{
+  char text[64];
+  return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
+}
+
+ExitStatus threshold(const Arguments& arguments)
+{
+  if ((arguments.method == "fixed") != arguments.level.has_value())
+    throw BatchError("--level belongs to --method fixed, which needs it");
+  requireVolumeOutput(arguments.out, arguments.overwrite);
+  const AnyVolume volume = readVolume(arguments.in);
+  std::visit(
+      [&](const auto& matrix)
+      {
+        const auto level = chooseThreshold(matrix, arguments);
+        writeVolume(maskAbove(matrix, level), arguments.out);
+        std::cout << shortest(level) << "\n";
+      },
+      volume);
+  return Done;
+}
+} // namespace
+
+void addThresholdCommand(CLI::App& app, Run& run)
+{
+  auto arguments = std::make_shared<Arguments>();
+  CLI::App* command = app.add_subcommand(
+      "threshold", "Make a mask: 255 where voxels are not below a threshold, 0 elsewhere; print the threshold");
+  command->add_option("in", arguments->in, "image file to read: .tif, .tiff, .lsm or .vm")->required();
+  command->add_option("--method", arguments->method, "how the threshold is chosen")
+      ->required()
+      ->check(CLI::IsMember({"otsu", "isodata", "fixed"}));
+  command->add_option("--level", arguments->level, "the threshold of the method fixed");
+  command->add_option("--out", arguments->out, "mask to write: .tif, .tiff or .vm")->required();
+  command->add_flag("--overwrite", arguments->overwrite, "replace an existing file");
+  command->callback([=, &run] { run = [=] { return threshold(*arguments); }; });
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "image/voxelmatrix.h"
+
+#include <string>
+#include <variant>
+
+/// A volume of any of the element types that files have.
+using AnyVolume =
+    std::variant<VoxelMatrix<unsigned char>, VoxelMatrix<unsigned short>, VoxelMatrix<int>, VoxelMatrix<unsigned int>,
+                 VoxelMatrix<float>, VoxelMatrix<double>, VoxelMatrix<long double>>;
+
+/// How an image file is read, by its suffix in any case.
+enum class VolumeFormat
+{
+  Tiff,        ///< .tif, .tiff: one page or many
+  Lsm,         ///< .lsm: a confocal stack
+  VoxelMatrix, ///< .vm
+  Unknown
+};
+VolumeFormat volumeFormat(const std::string& filename);
+
+/// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
+/// their places whatever the file's format. Of a confocal stack, one channel.
+/// \throw BatchError  the file is no image file, or larger than the memory   \throw Exception  it cannot be read
+AnyVolume readVolume(const std::string& filename, int channel = 0);
+
+/// \throw BatchError  a volume cannot be written to a file of this name, or the file exists and must not be overwritten
+void requireVolumeOutput(const std::string& filename, bool overwrite);
+
+/// Writes a voxel-matrix file or, going by the suffix, a TIFF file with a page per plane.
+/// \throw BatchError  a TIFF file cannot hold these voxels   \throw FileWriteError  the file cannot be written
+template <class T> void writeVolume(VoxelMatrix<T> volume, const std::string& filename);

@@ -1,0 +1,23 @@
+# cmake -DTABLES=marchingcubestables.txt -DHEADER=marchingcubestables.h -P marchingcubestables.cmake
+# Turns each table (a line with its name and dimensions, then its integers) into a constant array of a C++ header.
+
+file(STRINGS "${TABLES}" lines)
+set(text "// Generated from marchingcubestables.txt, which explains the tables and names their sources.\n#pragma once\n\n")
+string(APPEND text "#pragma GCC diagnostic ignored \"-Wmissing-braces\" // rows of two dimensions stand in one pair\n\n")
+string(APPEND text "namespace MarchingCubesTables\n{\n")
+set(end "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^#")
+    continue()
+  elseif(line MATCHES "^([A-Z][A-Z0-9_]*) (.+)$")
+    set(name "${CMAKE_MATCH_1}")
+    string(REPLACE " " "][" dimensions "${CMAKE_MATCH_2}")
+    string(APPEND text "${end}inline constexpr signed char ${name}[${dimensions}] = {\n")
+    set(end "};\n")
+  else()
+    string(REGEX REPLACE " +" ", " row "${line}")
+    string(APPEND text "${row},\n")
+  endif()
+endforeach()
+string(APPEND text "${end}} // namespace MarchingCubesTables\n")
+file(WRITE "${HEADER}" "${text}")

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+class TiffFile;
+
+/// The pixels of a directory of an open TIFF file: lines without padding, one after another.
+struct TiffRaster
+{
+  int width = 0;
+  int height = 0;
+  std::size_t bytesPerPixel = 0;  ///< of all samples or, where they lie in separate planes, of one
+  std::uint16_t sample = 0;       ///< which of the separate planes
+  std::uint64_t pixelsBehind = 0; ///< pixels to be skipped, for images that follow without a directory of their own
+
+  std::size_t bytesPerLine() const { return static_cast<std::size_t>(width) * bytesPerPixel; }
+  std::size_t dataLength() const { return static_cast<std::size_t>(height) * bytesPerLine(); }
+};
+
+/// Fills the dataLength() bytes at `pixels`; 16-bit samples get the machine's byte order. Pixels that need no decoding
+/// come straight from the file, large ones by several threads.
+/// \throw FileFormatError  with the where-text of the caller
+void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where);
+
+/// Number of images of this size from the directory's own to the file's end, when its pixels lie in one block that
+/// needs no decoding; otherwise 0.
+std::uint64_t countContiguousRasters(const TiffRaster& raster, const TiffFile& file);
+
+/// Refuses a number of bytes that the file's length and compression cannot hold, before anybody believes it.
+/// \throw FileFormatError  with the where-text of the caller
+void checkTiffLength(double numBytes, TiffFile& file, const char* where);
