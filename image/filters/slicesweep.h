@@ -40,7 +40,7 @@ constexpr int largestTileWidth = 512;
 /// Number of columns to work on at a time, so that as many lines of them stay in the cache.
 template <class A> int tileWidthFor(long numLines)
 {
-  constexpr long cacheSize = 40'000, smallestTileWidth = 64;
+  constexpr long cacheSize = 80'000, smallestTileWidth = 64;
   const long fitting = cacheSize / (static_cast<long>(sizeof(A)) * numLines);
   return static_cast<int>(
       std::clamp<long>(fitting / smallestTileWidth * smallestTileWidth, smallestTileWidth, largestTileWidth));
