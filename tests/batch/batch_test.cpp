@@ -1,12 +1,12 @@
 // The program as scripts see it: exit status, standard output, error stream, files.
+#include "batch_fixture.h"
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace
@@ -15,46 +15,6 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-std::string contents(const fs::path& file)
-{
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void write(const fs::path& file, const std::string& text)
-{
-  std::ofstream(file, std::ios::binary) << text;
-}
-
-struct Result
-{
-  int status;
-  std::string output;
-  std::string errors;
-};
-
-/// A folder of its own for each test, and the program run in it.
-class Batch : public testing::Test
-{
-protected:
-  Batch() : folder(fs::path(testing::TempDir()) / ("mirelo-batch-" + std::to_string(getpid())))
-  {
-    fs::remove_all(folder);
-    fs::create_directories(folder);
-  }
-  ~Batch() override { fs::remove_all(folder); }
-
-  Result run(const std::string& arguments, const std::string& before = "") const
-  {
-    const std::string command =
-        "cd " + folder.string() + "; " + before + " " MIRELO_BATCH " " + arguments + " >out 2>err";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(folder / "out"), contents(folder / "err")};
-  }
-
-  fs::path folder;
-};
 
 const std::string example = MIRELO_EXAMPLE;
 
@@ -82,7 +42,7 @@ TEST_F(Batch, BadArgumentsAndInputGiveOneLine)
   } cases[] = {
       {"", "--help"},
       {"nonsense", "nonsense"},
-      {"info", "stack"},
+      {"info", "file is required"},
       {"info missing.sdf", "missing.sdf"},
       {"info missing", "missing.sdf"}, // the suffix is added
       {"info empty.sdf", "empty.sdf"},
