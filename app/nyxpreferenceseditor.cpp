@@ -12,8 +12,8 @@ NYXPreferencesEditor::NYXPreferencesEditor(QWidget* parent) : QWidget(parent)
   setObjectName("preferencesEditor");
   setLayout(new QFormLayout);
   _maxNumBackups = addSpinBox("maxNumBackups", tr("Maximum number of backup files"),
-                              tr("Copies of older versions kept beside a saved stack; 0 keeps none"), 0, 99,
-                              NYXPreferences::getMaxNumBackups());
+                              tr("Copies of older versions kept beside a saved stack; 0 keeps none"), 0,
+                              NYXPreferences::largestNumBackups, NYXPreferences::getMaxNumBackups());
   _autoDecimation = addCheckBox("autoDecimation", tr("Automatic contour decimation"),
                                 tr("Vertices that hardly change a contour are removed when it is finished"),
                                 NYXPreferences::autoDecimationEnabled());
@@ -26,11 +26,11 @@ NYXPreferencesEditor::NYXPreferencesEditor(QWidget* parent) : QWidget(parent)
                                 NYXPreferences::isPanoramaLabelEnabled());
   _clickTolerance =
       addSpinBox("clickTolerance", tr("Mouse click tolerance"), tr("How far from an item a click still selects it"), 0,
-                 100, NYXPreferences::getClickTolerance());
+                 NYXPreferences::largestClickTolerance, NYXPreferences::getClickTolerance());
   _clickTolerance->setSuffix(tr(" px"));
   _regionBrushSize = addSpinBox("regionBrushSize", tr("Region brush size"),
-                                tr("Radius of the brush that paints regions, in pixels of the image"), 0, 1000,
-                                NYXPreferences::getRegionBrushSize());
+                                tr("Radius of the brush that paints regions, in pixels of the image"), 0,
+                                NYXPreferences::largestRegionBrushSize, NYXPreferences::getRegionBrushSize());
   _regionBrushSize->setSuffix(tr(" px"));
   _backgroundColor =
       addColorButton("imageCanvasBackgroundColor", tr("Background color"),

@@ -154,7 +154,8 @@ void NYXRootWindow::restoreGeometryFromSettings()
   const QSettings store;
   const QSize desktop = QGuiApplication::primaryScreen()->size();
   const QSize twoThirds(qRound(desktop.width() * 2 / 3.0), qRound(desktop.height() * 2 / 3.0));
-  const QSize size = store.value("rootWindow/size", twoThirds).toSize();
+  const QSize stored = store.value("rootWindow/size").toSize();
+  const QSize size = stored.isEmpty() ? twoThirds : stored;
   const QPoint position = store.value("rootWindow/pos").toPoint();
   const auto isOn = [&](const QScreen* screen) { return screen->geometry().intersects({position, size}); };
   const bool isOnScreen = std::ranges::any_of(QGuiApplication::screens(), isOn); // it may have been unplugged since

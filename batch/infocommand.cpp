@@ -93,7 +93,7 @@ ExitStatus info(const Arguments& arguments)
   if (!arguments.json)
     printText(file);
   else
-    std::cout << toText(toJson(file, fs::weakly_canonical(arguments.file).parent_path()));
+    std::cout << toText(toJson(file, fs::weakly_canonical(fs::absolute(arguments.file).parent_path())));
   return Done;
 }
 } // namespace

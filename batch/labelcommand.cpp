@@ -26,7 +26,7 @@ public:
   }
 
   /// Labels of the fewest bits that hold their number.
-  void write(const std::string& filename) const
+  void write(const std::string& filename)
   {
     if (fits<unsigned char>())
       writeAs<unsigned char>(filename);
@@ -41,7 +41,7 @@ public:
 private:
   template <class Label> bool fits() const { return getNumLabels() <= std::numeric_limits<Label>::max(); }
 
-  template <class Label> void writeAs(const std::string& filename) const
+  template <class Label> void writeAs(const std::string& filename)
   {
     VoxelMatrix<Label> labels(_mask.getSize1(), _mask.getSize2(), _mask.getSize3());
     labels.setVoxelCalibration(_mask.getVoxelCalibration());
@@ -64,7 +64,7 @@ ExitStatus label(const Arguments& arguments)
   std::visit(
       [&](const auto& mask)
       {
-        const Labelling labelling(mask, subject);
+        Labelling labelling(mask, subject);
         labelling.write(arguments.out);
         std::cout << labelling.getNumLabels() << "\n";
       },

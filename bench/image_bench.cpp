@@ -75,7 +75,7 @@ static void labelling(benchmark::State& state)
   ProgressSubject subject;
   for (auto _ : state)
   {
-    const ConnectedComponents components(objects, subject);
+    ConnectedComponents components(objects, subject);
     VoxelMatrix<int> labels(side, side, side);
     components.writeLabels(labels, subject);
     benchmark::DoNotOptimize(labels.data());

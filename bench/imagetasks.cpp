@@ -88,7 +88,7 @@ TimedTask labelTask(const std::string& task, const std::string& input)
     {
       ProgressSubject subject;
       *labels = VoxelMatrix<int>();
-      const ConnectedComponents components(*mask, subject);
+      ConnectedComponents components(*mask, subject);
       labels->setSize(mask->getSize1(), mask->getSize2(), mask->getSize3());
       components.writeLabels(*labels, subject);
       *numLabels = components.getNumLabels();

@@ -6,10 +6,12 @@
 int main(int argc, char** argv)
 {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (arguments.size() == 1 && arguments[0] == "--version")
-  {
+  const std::string first = arguments.empty() ? "" : arguments[0];
+  if (first == "--version")
     std::cout << "mirelo-bench " MIRELO_VERSION "\n";
-    return 0;
-  }
-  return runTimedTasks(arguments, imageTasks());
+  else if (first == "--help")
+    std::cout << timedTasksUsage;
+  else
+    return runTimedTasks(arguments, imageTasks());
+  return 0;
 }

@@ -109,7 +109,7 @@ const TimedTask* find(const std::vector<TimedTask>& tasks, const std::string& ta
 
 int usage()
 {
-  std::cerr << "usage: mirelo-bench --list | --one TASK INPUT PEER THREADS --data DIR [--runs N] [--budget SECONDS]\n";
+  std::cerr << timedTasksUsage;
   return 2;
 }
 } // namespace

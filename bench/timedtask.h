@@ -23,6 +23,9 @@ struct TimedTask
   std::function<TimedWork(const std::string& folder, const std::string& input)> prepare;
 };
 
+inline constexpr const char* timedTasksUsage =
+    "usage: mirelo-bench --list | --one TASK INPUT PEER THREADS --data DIR [--runs N] [--budget SECONDS]\n";
+
 /// Image files, segmentation, filters and surfaces.
 std::vector<TimedTask> imageTasks();
 

@@ -1,5 +1,6 @@
 #include "numeric/buffer.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <sys/mman.h>
 
@@ -40,4 +41,12 @@ void* allocateBuffer(std::size_t numBytes)
 void freeBuffer(void* buffer) noexcept
 {
   std::free(buffer);
+}
+
+void discardPages(void* begin, void* end) noexcept
+{
+  constexpr std::uintptr_t page = 4096;
+  const std::uintptr_t first = (reinterpret_cast<std::uintptr_t>(begin) + page - 1) / page * page;
+  const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(end) / page * page;
+  if (first < last) madvise(reinterpret_cast<void*>(first), last - first, MADV_DONTNEED);
 }

@@ -11,6 +11,8 @@
 /// \throw std::bad_alloc  there is no such memory
 void* allocateBuffer(std::size_t numBytes);
 void freeBuffer(void* buffer) noexcept;
+/// Gives the memory pages that lie whole between two places of a block back to the system; what they held is lost.
+void discardPages(void* begin, void* end) noexcept;
 
 /// `count` elements, left uninitialised when T is a number, constructed otherwise. Freed by freeElements().
 template <class T> T* allocateElements(std::size_t count)

@@ -3,6 +3,7 @@
 #include "numeric/kernels.h"
 
 #include <algorithm>
+#include <mutex>
 #include <numeric>
 
 namespace
@@ -56,11 +57,10 @@ template <class T> Matrix<T>::Matrix(const Matrix& other)
 template <class T> Matrix<T>::Matrix(Matrix&& other) noexcept
   : _size1(std::exchange(other._size1, 0)),
     _size2(std::exchange(other._size2, 0)),
-    _rows(std::move(other._rows)),
     _block(std::exchange(other._block, nullptr)),
-    _owner(std::exchange(other._owner, true))
+    _owner(std::exchange(other._owner, true)),
+    _rows(other._rows.exchange(nullptr))
 {
-  other._rows.clear();
 }
 
 template <class T> Matrix<T>::~Matrix()
@@ -86,21 +86,26 @@ template <class T> Matrix<T>& Matrix<T>::operator=(Matrix&& other)
   std::swap(_size1, taken._size1);
   std::swap(_size2, taken._size2);
   std::swap(_block, taken._block);
-  _rows.swap(taken._rows);
+  _rows = taken._rows.exchange(_rows);
   return *this;
 }
 
 template <class T> void Matrix<T>::release()
 {
+  delete[] _rows.exchange(nullptr);
   if (_owner) freeElements(_block, getNumElements());
   _block = nullptr;
 }
 
-template <class T> void Matrix<T>::bindRows()
+template <class T> Vector<T>* Matrix<T>::makeRowViews() const
 {
-  _rows.clear();
-  _rows.reserve(_size1);
-  for (int i = 0; i < _size1; ++i) _rows.emplace_back(_size2, _block + static_cast<std::size_t>(i) * _size2);
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  if (Vector<T>* const known = _rows.load(std::memory_order_acquire)) return known; // another thread was faster
+  auto* const made = new Vector<T>[static_cast<std::size_t>(_size1)];
+  for (int i = 0; i < _size1; ++i) made[i].setShallow(_size2, _block + static_cast<std::size_t>(i) * _size2);
+  _rows.store(made, std::memory_order_release);
+  return made;
 }
 
 template <class T> void Matrix<T>::setSize(int rows, int columns)
@@ -115,7 +120,6 @@ template <class T> void Matrix<T>::setSize(int rows, int columns)
   _block = block;
   _size1 = rows;
   _size2 = columns;
-  bindRows();
 }
 
 template <class T> void Matrix<T>::setBlock(int rows, int columns, T* block)
@@ -129,7 +133,6 @@ template <class T> void Matrix<T>::setBlock(int rows, int columns, T* block)
   _block = block;
   _size1 = rows;
   _size2 = columns;
-  bindRows();
 }
 
 template <class T> void Matrix<T>::swap(Matrix& other)
@@ -145,7 +148,7 @@ template <class T> void Matrix<T>::swap(Matrix& other)
   std::swap(_size1, other._size1);
   std::swap(_size2, other._size2);
   std::swap(_block, other._block);
-  _rows.swap(other._rows);
+  _rows = other._rows.exchange(_rows);
 }
 
 template <class T> bool Matrix<T>::operator==(const Matrix& other) const
@@ -190,7 +193,7 @@ template <class T> void Matrix<T>::requireElements(const char* where) const
 template <class T> Vector<T> Matrix<T>::getRow(int i) const
 {
   requireIndex(i, _size1, "Vector<T> Matrix<T>::getRow(int) const");
-  return Vector<T>(_rows[i]);
+  return Vector<T>(rowViews()[i]);
 }
 
 template <class T> Vector<T> Matrix<T>::getColumn(int j) const
@@ -206,7 +209,7 @@ template <class T> void Matrix<T>::setRow(int i, const Vector<T>& v)
   const char* const where = "void Matrix<T>::setRow(int, const Vector<T>&)";
   requireIndex(i, _size1, where);
   if (v.getSize() != _size2) throw SizeError(where, "Incompatible matrix row and vector dimensions");
-  _rows[i] = v;
+  rowViews()[i] = v;
 }
 
 template <class T> void Matrix<T>::setColumn(int j, const Vector<T>& v)
@@ -221,14 +224,14 @@ template <class T> void Matrix<T>::paste(int i, int j, const Matrix& block)
 {
   requireBlock(*this, i, j, block._size1, block._size2, "void Matrix<T>::paste(int, int, const Matrix<T>&)");
   for (int k = 0; k < block._size1; ++k)
-    std::copy(block._rows[k].begin(), block._rows[k].end(), _rows[i + k].begin() + j);
+    std::copy(block.rowViews()[k].begin(), block.rowViews()[k].end(), rowViews()[i + k].begin() + j);
 }
 
 template <class T> Matrix<T> Matrix<T>::copy(int i, int j, int rows, int columns) const
 {
   requireBlock(*this, i, j, rows, columns, "Matrix<T> Matrix<T>::copy(int, int, int, int) const");
   Matrix block(rows, columns);
-  for (int k = 0; k < rows; ++k) std::copy_n(_rows[i + k].begin() + j, columns, block._rows[k].begin());
+  for (int k = 0; k < rows; ++k) std::copy_n(rowViews()[i + k].begin() + j, columns, block.rowViews()[k].begin());
   return block;
 }
 
@@ -257,7 +260,7 @@ template <class T> void Matrix<T>::swapRows(int i, int k)
   const char* const where = "void Matrix<T>::swapRows(int, int)";
   requireIndex(i, _size1, where);
   requireIndex(k, _size1, where);
-  if (i != k) _rows[i].swap(_rows[k]);
+  if (i != k) rowViews()[i].swap(rowViews()[k]);
 }
 
 template <class T> void Matrix<T>::sortRows(int column)
@@ -281,7 +284,7 @@ template <class T> void Matrix<T>::sortRows(int column, int firstRow, int lastRo
                      return x < y || (Kernels::isNaN(y) && !Kernels::isNaN(x)); // NaN after all numbers
                    });
   const Matrix unsorted = copy(firstRow, 0, static_cast<int>(order.size()), _size2);
-  for (int i = 0; i < unsorted._size1; ++i) _rows[firstRow + i] = unsorted._rows[order[i] - firstRow];
+  for (int i = 0; i < unsorted._size1; ++i) rowViews()[firstRow + i] = unsorted.rowViews()[order[i] - firstRow];
 }
 
 NUMERIC_INSTANTIATE_MATRICES

@@ -2,8 +2,8 @@
 
 #include "numeric/vector.h"
 
+#include <atomic>
 #include <cstddef>
-#include <vector>
 
 /// Rows of equal length, row by row in one contiguous block; element (i, j) is column j of row i, both 0-based.
 ///
@@ -39,8 +39,8 @@ public:
   T& operator()(int i, int j) { return _block[static_cast<std::size_t>(i) * _size2 + j]; }
   const T& operator()(int i, int j) const { return _block[static_cast<std::size_t>(i) * _size2 + j]; }
   /// Row i, a shallow vector.
-  Vector<T>& operator[](int i) { return _rows[i]; }
-  const Vector<T>& operator[](int i) const { return _rows[i]; }
+  Vector<T>& operator[](int i) { return rowViews()[i]; }
+  const Vector<T>& operator[](int i) const { return rowViews()[i]; }
   /// The block of all elements, row after row.
   T* data() { return _block; }
   const T* data() const { return _block; }
@@ -175,7 +175,13 @@ protected:
   virtual void requireShape(int /*rows*/, int /*columns*/) const {}
 
 private:
-  void bindRows();
+  /// The rows, made when one is asked for first, by any thread: many matrices are only ever used as a block.
+  Vector<T>* rowViews() const
+  {
+    Vector<T>* const known = _rows.load(std::memory_order_acquire);
+    return known ? known : makeRowViews();
+  }
+  Vector<T>* makeRowViews() const;
   void release();
   void requireSameSize(const Matrix& m, const char* where) const;
   void requireElements(const char* where) const;
@@ -183,9 +189,9 @@ private:
 
   int _size1 = 0;
   int _size2 = 0;
-  std::vector<Vector<T>> _rows; // shallow, into the block
   T* _block = nullptr;
   bool _owner = true;
+  mutable std::atomic<Vector<T>*> _rows = nullptr; // shallow, into the block
 };
 
 #define NUMERIC_EXTERN_MATRIX(T) extern template class Matrix<T>;

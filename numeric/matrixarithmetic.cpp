@@ -33,14 +33,14 @@ template <class T> void Matrix<T>::requireSameSize(const Matrix& m, const char* 
 template <class T> Matrix<T>& Matrix<T>::operator+=(const Matrix& m)
 {
   requireSameSize(m, "Matrix<T>& Matrix<T>::operator+=(const Matrix<T>&)");
-  for (int i = 0; i < _size1; ++i) _rows[i] += m._rows[i];
+  for (int i = 0; i < _size1; ++i) rowViews()[i] += m.rowViews()[i];
   return *this;
 }
 
 template <class T> Matrix<T>& Matrix<T>::operator-=(const Matrix& m)
 {
   requireSameSize(m, "Matrix<T>& Matrix<T>::operator-=(const Matrix<T>&)");
-  for (int i = 0; i < _size1; ++i) _rows[i] -= m._rows[i];
+  for (int i = 0; i < _size1; ++i) rowViews()[i] -= m.rowViews()[i];
   return *this;
 }
 
@@ -53,38 +53,38 @@ template <class T> Matrix<T>& Matrix<T>::operator/=(const Matrix& m)
 {
   requireSameSize(m, "Matrix<T>& Matrix<T>::operator/=(const Matrix<T>&)");
   Matrix quotient(*this); // an integer division by zero leaves this matrix as it was
-  for (int i = 0; i < _size1; ++i) quotient._rows[i] /= m._rows[i];
+  for (int i = 0; i < _size1; ++i) quotient.rowViews()[i] /= m.rowViews()[i];
   return *this = std::move(quotient);
 }
 
 template <class T> Matrix<T>& Matrix<T>::operator+=(T x)
 {
-  for (Vector<T>& row : _rows) row += x;
+  for (int i = 0; i < _size1; ++i) rowViews()[i] += x;
   return *this;
 }
 
 template <class T> Matrix<T>& Matrix<T>::operator-=(T x)
 {
-  for (Vector<T>& row : _rows) row -= x;
+  for (int i = 0; i < _size1; ++i) rowViews()[i] -= x;
   return *this;
 }
 
 template <class T> Matrix<T>& Matrix<T>::operator*=(T x)
 {
-  for (Vector<T>& row : _rows) row *= x;
+  for (int i = 0; i < _size1; ++i) rowViews()[i] *= x;
   return *this;
 }
 
 template <class T> Matrix<T>& Matrix<T>::operator/=(T x)
 {
-  for (Vector<T>& row : _rows) row /= x;
+  for (int i = 0; i < _size1; ++i) rowViews()[i] /= x;
   return *this;
 }
 
 template <class T> Matrix<T> Matrix<T>::operator-() const
 {
   Matrix opposite(_size1, _size2);
-  for (int i = 0; i < _size1; ++i) opposite._rows[i] = -_rows[i];
+  for (int i = 0; i < _size1; ++i) opposite.rowViews()[i] = -rowViews()[i];
   return opposite;
 }
 
@@ -92,7 +92,7 @@ template <class T> Matrix<T> Matrix<T>::pointwiseProduct(const Matrix& m) const
 {
   requireSameSize(m, "Matrix<T> Matrix<T>::pointwiseProduct(const Matrix<T>&) const");
   Matrix product(*this);
-  for (int i = 0; i < _size1; ++i) product._rows[i] *= m._rows[i];
+  for (int i = 0; i < _size1; ++i) product.rowViews()[i] *= m.rowViews()[i];
   return product;
 }
 
@@ -102,7 +102,7 @@ template <class T> Matrix<T> Matrix<T>::operator*(const Matrix& m) const
     throw SizeError("Matrix<T> Matrix<T>::operator*(const Matrix<T>&) const", "Incompatible matrix dimensions");
   Matrix product(_size1, m._size2);
   std::vector<Accumulator<T>> sums(m._size2);
-  for (int i = 0; i < _size1; ++i) multiplyRow(_rows[i], m, sums, product._rows[i].data());
+  for (int i = 0; i < _size1; ++i) multiplyRow(rowViews()[i], m, sums, product.rowViews()[i].data());
   return product;
 }
 
@@ -112,7 +112,7 @@ template <class T> Vector<T> Matrix<T>::operator*(const Vector<T>& v) const
     throw SizeError("Vector<T> Matrix<T>::operator*(const Vector<T>&) const",
                     "Incompatible matrix and vector dimensions");
   Vector<T> product(_size1);
-  for (int i = 0; i < _size1; ++i) product[i] = _rows[i].scalarProduct(v);
+  for (int i = 0; i < _size1; ++i) product[i] = rowViews()[i].scalarProduct(v);
   return product;
 }
 
@@ -121,7 +121,7 @@ template <class T> template <class Function> Vector<T> Matrix<T>::forEachRow(Fun
   try
   {
     Vector<T> values(_size1);
-    for (int i = 0; i < _size1; ++i) values[i] = f(_rows[i]);
+    for (int i = 0; i < _size1; ++i) values[i] = f(rowViews()[i]);
     return values;
   }
   catch (Exception& exception)

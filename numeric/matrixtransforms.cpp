@@ -65,7 +65,7 @@ template <class T> void Matrix<T>::rightHouseholderTransform(const Vector<T>& v,
   const auto factor = householderFactor(v);
   for (int i = row; i < _size1; ++i)
   {
-    T* const elements = _rows[i].data() + column;
+    T* const elements = rowViews()[i].data() + column;
     const auto product = [&v, elements](std::size_t j)
     { return static_cast<Wide>(v.data()[j]) * static_cast<Wide>(elements[j]); };
     const Wide scaled = factor * Kernels::sumOf<Wide>(0, v.getSize(), product);

@@ -27,7 +27,7 @@ public:
   /// n uninitialised elements; empty when n <= 0.
   explicit Vector(int n);
   /// Shallow view of the n elements at buffer.
-  Vector(int n, T* buffer) : _size(n), _data(buffer), _shallow(true) {}
+  Vector(int n, T* buffer) : _size(n), _shallow(true), _data(buffer) {}
   Vector(std::initializer_list<T> values);
   explicit Vector(const std::vector<T>& values);
   Vector(const Vector& other);
@@ -226,8 +226,8 @@ private:
   void requireSameSize(const Vector& v, const char* where) const;
 
   int _size = 0;
+  bool _shallow = false; // beside the size: matrices have a vector per row
   T* _data = nullptr;
-  bool _shallow = false;
 };
 
 /// Instantiates, in a source that includes vectorstorage.h, what a vector of an element type without arithmetic needs

@@ -33,8 +33,8 @@ template <class T> Vector<T>::Vector(const Vector& other)
 
 template <class T> Vector<T>::Vector(Vector&& other) noexcept
   : _size(std::exchange(other._size, 0)),
-    _data(std::exchange(other._data, nullptr)),
-    _shallow(std::exchange(other._shallow, false))
+    _shallow(std::exchange(other._shallow, false)),
+    _data(std::exchange(other._data, nullptr))
 {
 }
 

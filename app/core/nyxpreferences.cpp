@@ -14,12 +14,12 @@ int NYXPreferences::_percentMemoryUsage = 50;
 
 namespace
 {
-/// A stored number of 0 or more; what is none keeps the current value.
-int readNumber(const QSettings& store, const QString& key, int current)
+/// A stored number from 0 to `largest`; what is none keeps the current value.
+int readNumber(const QSettings& store, const QString& key, int current, int largest)
 {
   bool isNumber = false;
   const int number = store.value(key, current).toInt(&isNumber);
-  return isNumber && number >= 0 ? number : current;
+  return isNumber && number >= 0 && number <= largest ? number : current;
 }
 } // namespace
 
@@ -27,12 +27,12 @@ void NYXPreferences::load()
 {
   QSettings store;
   store.beginGroup("preferences");
-  _maxNumBackups = readNumber(store, "maxNumBackups", _maxNumBackups);
+  _maxNumBackups = readNumber(store, "maxNumBackups", _maxNumBackups, largestNumBackups);
   _autoDecimation = store.value("autoDecimation", _autoDecimation).toBool();
   _highlightSelectedItems = store.value("highlightSelectedItems", _highlightSelectedItems).toBool();
   _enablePanoramaLabels = store.value("enablePanoramaLabels", _enablePanoramaLabels).toBool();
-  _clickTolerance = readNumber(store, "clickTolerance", _clickTolerance);
-  _regionBrushSize = readNumber(store, "regionBrushSize", _regionBrushSize);
+  _clickTolerance = readNumber(store, "clickTolerance", _clickTolerance, largestClickTolerance);
+  _regionBrushSize = readNumber(store, "regionBrushSize", _regionBrushSize, largestRegionBrushSize);
   const auto background = store.value("imageCanvasBackgroundColor", _imageCanvasBackgroundColor).value<QColor>();
   if (background.isValid()) _imageCanvasBackgroundColor = background;
 }

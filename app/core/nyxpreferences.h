@@ -8,7 +8,12 @@
 class NYXPreferences
 {
 public:
-  /// Reads each key of the settings store; a missing key keeps the value in memory.
+  /// The largest values that the numbers can have; the smallest is 0.
+  static constexpr int largestNumBackups = 99;
+  static constexpr int largestClickTolerance = 100;
+  static constexpr int largestRegionBrushSize = 1000;
+
+  /// Reads each key of the settings store; a missing key, or one without a possible value, keeps that in memory.
   static void load();
   static void save();
 

@@ -19,7 +19,7 @@ template <class T> template <class Matrix> void ComponentLabelling<T>::label(Mat
   const ProgressStep step(*this, "Labelling objects", numPhases);
   try
   {
-    const ConnectedComponents components(matrix, *this);
+    ConnectedComponents components(matrix, *this);
     components.writeLabels(matrix, *this);
     _numLabels = components.getNumLabels();
   }

@@ -246,26 +246,26 @@ void ConnectedComponents::numberComponents()
   _numLabels = numComponents;
 }
 
-template <class T> void ConnectedComponents::writeLabels(PixelMatrix<T>& labels, ProgressSubject& subject) const
+template <class T> void ConnectedComponents::writeLabels(PixelMatrix<T>& labels, ProgressSubject& subject)
 {
   if (labels.getSize1() != _rowsPerPlane || labels.getSize2() != _columns || _planes != 1)
-    throw SizeError("void ConnectedComponents::writeLabels(PixelMatrix<T>&, ProgressSubject&) const",
+    throw SizeError("void ConnectedComponents::writeLabels(PixelMatrix<T>&, ProgressSubject&)",
                     "The matrix has not the mask's size");
   write(labels.data(), subject);
 }
 
-template <class T> void ConnectedComponents::writeLabels(VoxelMatrix<T>& labels, ProgressSubject& subject) const
+template <class T> void ConnectedComponents::writeLabels(VoxelMatrix<T>& labels, ProgressSubject& subject)
 {
   if (labels.getSize1() != _rowsPerPlane || labels.getSize2() != _columns || labels.getSize3() != _planes)
-    throw SizeError("void ConnectedComponents::writeLabels(VoxelMatrix<T>&, ProgressSubject&) const",
+    throw SizeError("void ConnectedComponents::writeLabels(VoxelMatrix<T>&, ProgressSubject&)",
                     "The matrix has not the mask's size");
   write(labels.data(), subject);
 }
 
-template <class T> void ConnectedComponents::write(T* labels, ProgressSubject& subject) const
+template <class T> void ConnectedComponents::write(T* labels, ProgressSubject& subject)
 {
   if (_numLabels > largestLabel<T>())
-    throw RangeError("void ConnectedComponents::write(T*, ProgressSubject&) const",
+    throw RangeError("void ConnectedComponents::write(T*, ProgressSubject&)",
                      "There are " + std::to_string(_numLabels) + " objects, more than " + typeName<T>() +
                          " can number");
   const ProgressStep step(subject, "Writing labels", numRows());
@@ -275,12 +275,14 @@ template <class T> void ConnectedComponents::write(T* labels, ProgressSubject& s
                  for (long row = first; row < last; ++row)
                    writeRow(bits(row), _columns, _nodes.data() + _firstRun[static_cast<std::size_t>(row)],
                             labels + row * _columns);
+                 discardPages(_nodes.data() + _firstRun[static_cast<std::size_t>(first)],
+                              _nodes.data() + _firstRun[static_cast<std::size_t>(last)]);
                });
 }
 
 #define IMAGE_INSTANTIATE_COMPONENTS(T)                                                                                \
   template ConnectedComponents::ConnectedComponents(const PixelMatrix<T>&, ProgressSubject&);                          \
   template ConnectedComponents::ConnectedComponents(const VoxelMatrix<T>&, ProgressSubject&);                          \
-  template void ConnectedComponents::writeLabels(PixelMatrix<T>&, ProgressSubject&) const;                             \
-  template void ConnectedComponents::writeLabels(VoxelMatrix<T>&, ProgressSubject&) const;
+  template void ConnectedComponents::writeLabels(PixelMatrix<T>&, ProgressSubject&);                                   \
+  template void ConnectedComponents::writeLabels(VoxelMatrix<T>&, ProgressSubject&);
 IMAGE_FOR_EACH_TYPE(IMAGE_INSTANTIATE_COMPONENTS)

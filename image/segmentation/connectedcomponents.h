@@ -28,10 +28,11 @@ public:
   long getNumLabels() const { return _numLabels; }
 
   /// Replaces the elements of a matrix of the mask's size, which may be the mask: 0 for the background, the number of
-  /// its component for the foreground. Cancelled, it leaves the planes as far as it came.
+  /// its component for the foreground. Cancelled, it leaves the planes as far as it came. To be called once: memory
+  /// is given back on the way, so that labels never take much more than themselves.
   /// \throw SizeError  another size   \throw RangeError  T cannot hold the numbers; the matrix stays
-  template <class T> void writeLabels(PixelMatrix<T>& labels, ProgressSubject& subject) const;
-  template <class T> void writeLabels(VoxelMatrix<T>& labels, ProgressSubject& subject) const;
+  template <class T> void writeLabels(PixelMatrix<T>& labels, ProgressSubject& subject);
+  template <class T> void writeLabels(VoxelMatrix<T>& labels, ProgressSubject& subject);
 
 private:
   using Word = std::uint64_t;
@@ -40,7 +41,7 @@ private:
 
   ConnectedComponents(long rowsPerPlane, long columns, long planes);
   template <class T> void find(const T* mask, ProgressSubject& subject);
-  template <class T> void write(T* labels, ProgressSubject& subject) const;
+  template <class T> void write(T* labels, ProgressSubject& subject);
   void numberRuns();
   void joinRows(ProgressSubject& subject);
   void joinWithRowsBefore(long row, long firstRow, long lastRow);

@@ -60,9 +60,9 @@ TEST(Backups, RotateUpToTheLimit)
 TEST(Backups, StayWhenNoneCanBeMade)
 {
   const QTemporaryDir folder;
-  for (const char* name : {"f", "f~1", "f~2"}) write(folder.filePath(name), name);
-  ASSERT_TRUE(QDir(folder.path()).mkpath("f~0/taken")); // where the new copy would be made
-  expectError<FileWriteError>("Cannot make a backup", [&] { makeBackups(folder.filePath("f"), 2); });
-  EXPECT_EQ(listing(QDir(folder.path())), "f=f f~1=f~1 f~2=f~2");
+  for (const char* name : {"f", "f~0", "f~1", "f~2"}) write(folder.filePath(name), name);
+  ASSERT_TRUE(QDir(folder.path()).mkpath("f~3/taken")); // which no backup can replace
+  expectError<FileWriteError>("Cannot make a backup", [&] { makeBackups(folder.filePath("f"), 3); });
+  EXPECT_EQ(listing(QDir(folder.path())), "f=f f~0=f~0 f~1=f~1 f~2=f~2");
 }
 } // namespace

@@ -126,7 +126,7 @@ TEST(Labelling, LabelsAPlaneOfAnyType)
   EXPECT_EQ(volume.toType<int>(), expected);
 
   ProgressSubject subject;
-  const ConnectedComponents components(mask[0], subject);
+  ConnectedComponents components(mask[0], subject);
   PixelMatrix<unsigned short> labels(200, 130), other(130, 200);
   components.writeLabels(labels, subject);
   EXPECT_EQ(static_cast<int>(labels.max().max()), expected.max());

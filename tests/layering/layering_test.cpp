@@ -75,7 +75,12 @@ std::vector<std::string> violations(const fs::path& root)
       for (std::string line; std::getline(file, line);)
       {
         if (!std::regex_match(line, match, includeLine)) continue;
-        if (const auto text = violation(room, match[1])) found.push_back(path + ": " + *text);
+        const std::string included = match[1];
+        const bool isRelative = fs::exists(entry.path().parent_path() / included) && !fs::exists(root / included);
+        if (isRelative && included.find('/') != std::string::npos)
+          found.push_back(path + ": the include " + included + " does not begin at the root");
+        else if (const auto text = violation(room, included))
+          found.push_back(path + ": " + *text);
       }
     }
   }
@@ -103,6 +108,8 @@ TEST(Layering, FindsEachKindOfViolation)
   write(root / "viewer/c.h", "#include \"slice/image/canvas.h\"\n#include \"slice/editor.h\"\n#include <QWidget>\n");
   write(root / "model/io/d.cpp", "#include <QtCore/QString>\n#include <queue>\n");
   write(root / "image/e.cpp", "#include \"../model/stack.h\"\n");
+  write(root / "geometry/reconstruction/stackreconstruction.h", "");
+  write(root / "geometry/g.cpp", "#include \"reconstruction/stackreconstruction.h\"\n");
   write(root / "batch/f.cpp", "#include \"app/core/nyxsettings.h\"\n#include \"model/stack.h\"\n");
   EXPECT_THAT(violations(root),
               testing::UnorderedElementsAre(
@@ -110,6 +117,7 @@ TEST(Layering, FindsEachKindOfViolation)
                   "geometry/b.cpp: geometry reaches up to geometry/reconstruction/stackreconstruction.h",
                   "viewer/c.h: viewer reaches up to slice/editor.h",
                   "model/io/d.cpp: a library without windows includes QtCore/QString",
+                  "geometry/g.cpp: the include reconstruction/stackreconstruction.h does not begin at the root",
                   "image/e.cpp: the include ../model/stack.h does not begin at the root",
                   "batch/f.cpp: batch has no windows and includes app/core/nyxsettings.h"));
   fs::remove_all(root);
