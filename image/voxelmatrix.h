@@ -21,7 +21,7 @@ public:
   using Sum = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
 
   VoxelMatrix() = default;
-  /// Uninitialised voxels. \throw SizeError  a negative size
+  /// Uninitialised voxels. \throw SizeError  as setSize()
   VoxelMatrix(int size1, int size2, int size3) { setSize(size1, size2, size3); }
   /// See load().
   explicit VoxelMatrix(const std::string& filename) { load(filename); }
@@ -63,7 +63,7 @@ public:
   }
 
   /// Makes room: unchanged sizes keep the values, otherwise they are unspecified.
-  /// \throw SizeError  a negative size
+  /// \throw SizeError  a negative size, more bytes than can be counted, or more than 65536 planes without voxels
   void setSize(int size1, int size2, int size3);
   void swap(VoxelMatrix& other) noexcept;
 

@@ -93,6 +93,7 @@ TYPED_TEST(VoxelMatrixOf, ComputesVoxelByVoxel)
     b(1, 0, 1) = T(0);
     EXPECT_THROW(a /= b, MathError);
     EXPECT_EQ(a, before);
+    EXPECT_THROW(a /= b.copy(1, 0, 1, 1, 0, 1), SizeError); // a zero of another size
   }
 }
 
