@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -79,6 +80,12 @@ template <class T, class Level> void makeImage(const PixelMatrix<T>& matrix, Ima
 }
 } // namespace
 
+template <class T> PixelMatrix<T>::PixelMatrix(PixelMatrix&& other)
+  : Matrix<T>(other.isOwner() ? Matrix<T>(static_cast<Matrix<T>&&>(other)) : Matrix<T>(other)),
+    _pixelCalibration(other._pixelCalibration)
+{
+}
+
 template <class T> PixelMatrix<T>& PixelMatrix<T>::operator=(const PixelMatrix& other)
 {
   Matrix<T>::operator=(other);
@@ -92,6 +99,13 @@ template <class T> PixelMatrix<T>& PixelMatrix<T>::operator=(PixelMatrix&& other
   Matrix<T>::operator=(std::move(other));
   if (this->isOwner()) _pixelCalibration = calibration;
   return *this;
+}
+
+template <class T> void PixelMatrix<T>::swap(PixelMatrix& other)
+{
+  const bool areOwners = this->isOwner() && other.isOwner();
+  Matrix<T>::swap(other);
+  if (areOwners) std::swap(_pixelCalibration, other._pixelCalibration);
 }
 
 template <class T> void PixelMatrix<T>::fillBorder(int width, T value)

@@ -71,6 +71,38 @@ TYPED_TEST(VoxelMatrixOf, LiesInOneBlockPlaneAfterPlane)
   expectError<RangeError>("not inside", [&] { matrix.copy(0, 0, 0, 2, 0, 0); });
 }
 
+TYPED_TEST(VoxelMatrixOf, KeepsItsPlanesWhenTheyAreMovedOrSwapped)
+{
+  using T = TypeParam;
+  VoxelMatrix<T> matrix = sequence<T>(2, 3, 2);
+  const PixelMatrix<T> first = matrix[0], second = matrix[1];
+  std::swap(matrix[0], matrix[1]); // the general one
+  EXPECT_EQ(matrix.copy(0, 0, 0, 1, 2, 0)[0], second);
+  EXPECT_EQ(matrix.copy(0, 0, 1, 1, 2, 1)[0], first);
+  using std::swap;
+  swap(matrix[0], matrix[1]);
+  PixelMatrix<T> taken = std::move(matrix[0]);
+  EXPECT_EQ(taken, first);
+  taken.setZeros();
+  EXPECT_EQ(matrix, (sequence<T>(2, 3, 2)));
+  for (int k = 0; k < 2; ++k) EXPECT_EQ(matrix[k].data(), matrix.data() + 6 * k);
+  const T* const block = taken.data();
+  EXPECT_EQ(PixelMatrix<T>(std::move(taken)).data(), block); // an owner gives its block away
+}
+
+TYPED_TEST(VoxelMatrixOf, RefusesSizesBeyondCounting)
+{
+  using T = TypeParam;
+  constexpr int huge = std::numeric_limits<int>::max();
+  VoxelMatrix<T> matrix = sequence<T>(2, 3, 2);
+  for (const auto& [i, j, k] :
+       {std::tuple(huge, huge, huge), {huge, 1 << 30, 8}, {0, 3, huge}, {0, 0, 1 << 17}, {1, 1, -1}})
+    EXPECT_THROW(matrix.setSize(i, j, k), SizeError) << i << " " << j << " " << k;
+  EXPECT_EQ(matrix, (sequence<T>(2, 3, 2)));
+  matrix.setSize(0, 3, 5);
+  EXPECT_EQ(matrix[4].getSize2(), 3);
+}
+
 TYPED_TEST(VoxelMatrixOf, ComputesVoxelByVoxel)
 {
   using T = TypeParam;
