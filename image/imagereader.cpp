@@ -30,6 +30,7 @@ void readCurrentImage(Image& image, TiffFile& file)
   Image fresh;
   readTiffPixels(fresh, header, file);
   image.swap(fresh);
+  file.tellWarning();
 }
 
 const std::string& requireImage(const std::string& filename, const char* where)

@@ -21,7 +21,6 @@ class ImageSourceVoxelMatrixPlane;
 class ImageReader
 {
 public:
-  /// \throw FileError  also for sources of a kind that cannot be read yet
   static void read(Image& image, const ImageSource& source);
   static void read(Image& image, const ImageSourceFile& source);
   /// The tiles pasted side by side. \throw FileFormatError  they differ in depth, colormap or sizes of rows and columns

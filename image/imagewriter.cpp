@@ -1,5 +1,6 @@
 #include "image/imagewriter.h"
 
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/tifffile.h"
 #include "image/tiffwriting.h"
@@ -31,4 +32,5 @@ void ImageWriter::write(const Image& image, const std::string& filename, bool ov
     writeTIFF(image, file);
   }
   target.commit();
+  tellWarning(filename);
 }

@@ -1,5 +1,7 @@
 #include "image/lsmreading.h"
 
+#include "image/filecache.h"
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/imagereader.h"
 #include "image/tiffpixels.h"
@@ -206,4 +208,5 @@ void readLSMImage(Image& image, const std::string& filename, int index)
   Image fresh;
   LSMImageFile(filename, index).readImage(fresh);
   image.swap(fresh);
+  tellWarning(filename);
 }

@@ -1,4 +1,5 @@
 // Voxel matrices as multi-page TIFF files.
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/tifffile.h"
 #include "image/tiffpixels.h"
@@ -127,6 +128,7 @@ template <class T> void VoxelMatrix<T>::loadTiffStackFile(const std::string& fil
   VoxelMatrix fresh = matrixFor<T>(filename);
   readPlanes(fresh, filename);
   swap(fresh);
+  tellWarning(filename);
 }
 
 template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, bool overwrite) const
@@ -149,6 +151,7 @@ template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, 
     }
   }
   target.commit();
+  tellWarning(filename);
 }
 
 IMAGE_INSTANTIATE(VoxelMatrix)
