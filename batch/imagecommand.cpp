@@ -77,18 +77,22 @@ bool hasColors(const ImageHeader& header)
   return header.getDepth() > 16 || (header.hasColormap() && !header.getColormap().isGrayscale());
 }
 
+[[noreturn]] void refuseColors(const std::string& filename)
+{
+  Image image;
+  ImageReader::read(image, filename); // what cannot be read at all is refused as such
+  throw BatchError(filename + ": colours can only be kept in a TIFF file of one page; --grey8 takes grey levels");
+}
+
 ExitStatus convert(const Arguments& arguments)
 {
   requireVolumeOutput(arguments.out, arguments.overwrite);
   if (volumeFormat(arguments.in) == VolumeFormat::Tiff)
   {
-    ImageHeader header;
-    ImageReader::read(header, arguments.in);
+    const ImageHeader header = imageHeader(arguments.in);
     const bool toTiff = volumeFormat(arguments.out) == VolumeFormat::Tiff;
     if (toTiff && header.getNumPlanes() == 1) return convertImage(arguments), Done;
-    if (hasColors(header) && !arguments.grey8)
-      throw BatchError(arguments.in +
-                       ": colours can only be kept in a TIFF file of one page; --grey8 takes grey levels");
+    if (hasColors(header) && !arguments.grey8) refuseColors(arguments.in);
   }
   AnyVolume volume = readVolume(arguments.in, arguments.channel);
   std::visit([&](auto& matrix) { convertVolume(matrix, arguments); }, volume);

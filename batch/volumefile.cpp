@@ -57,8 +57,7 @@ AnyVolume readVoxelMatrix(const std::string& filename)
 
 AnyVolume readTiff(const std::string& filename)
 {
-  ImageHeader header;
-  ImageReader::read(header, filename);
+  const ImageHeader header = imageHeader(filename);
   const bool isWide = header.getDepth() == 16;
   requireMemory(filename, numVoxels(header) * (isWide ? 2 : 1));
   AnyVolume volume = isWide ? load<unsigned short>(filename) : load<unsigned char>(filename);
@@ -105,6 +104,16 @@ VolumeFormat volumeFormat(const std::string& filename)
   if (suffix == ".tif" || suffix == ".tiff") return VolumeFormat::Tiff;
   if (suffix == ".lsm") return VolumeFormat::Lsm;
   return suffix == ".vm" ? VolumeFormat::VoxelMatrix : VolumeFormat::Unknown;
+}
+
+ImageHeader imageHeader(const std::string& filename)
+{
+  ImageHeader header;
+  if (volumeFormat(filename) == VolumeFormat::Lsm)
+    ImageReader::read(header, ImageSourceLSMStackPlane(filename));
+  else
+    ImageReader::read(header, ImageSourceTiffStackPlane(filename));
+  return header;
 }
 
 AnyVolume readVolume(const std::string& filename, int channel)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "image/imageheader.h"
 #include "image/voxelmatrix.h"
 
 #include <string>
@@ -19,6 +20,10 @@ enum class VolumeFormat
   Unknown
 };
 VolumeFormat volumeFormat(const std::string& filename);
+
+/// What a TIFF file or a confocal stack says of its images; thumbnails are not counted.
+/// \throw FileError  it cannot be read
+ImageHeader imageHeader(const std::string& filename);
 
 /// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
 /// their places whatever the file's format. Of a confocal stack, one channel.

@@ -100,7 +100,7 @@ void ImageReader::read(Image& image, const ImageSourceFile& source)
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
   constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)";
-  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane(), TiffPlanes::WithoutThumbnails);
   readCurrentImage(image, file);
 }
 
@@ -168,8 +168,9 @@ void ImageReader::read(ImageHeader& header, const ImageSourceFile& source)
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
   constexpr const char* where = "void ImageReader::read(ImageHeader&, const ImageSourceTiffStackPlane&)";
-  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane(), TiffPlanes::WithoutThumbnails);
   readTiffHeader(header, file);
+  header.setNumPlanes(numTiffPlanes(header, file));
 }
 
 void ImageReader::read(ImageHeader& header, const ImageSourceLSMStackPlane& source)

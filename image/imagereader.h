@@ -35,7 +35,7 @@ public:
   /// The first image of a TIFF or LSM file that is no thumbnail.
   static void read(Image& image, const std::string& filename);
 
-  /// Only the header.
+  /// Only the header. Its planes are all directories of the file, those of a stack do not include thumbnails.
   static void read(ImageHeader& header, const std::string& filename);
   static void read(ImageHeader& header, const ImageSourceFile& source);
   static void read(ImageHeader& header, const ImageSourceTiffStackPlane& source);

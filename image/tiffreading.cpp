@@ -121,8 +121,7 @@ void checkPixels(const ImageHeader& header, TiffFile& file)
   if (header.getNumChannels() > 1 &&
       readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
     file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
-  if (header.getDepth() > 32)
-    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
+  if (header.getDepth() > 32) file.failReading(pixelsSignature, "Invalid depth value");
 }
 
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
@@ -172,6 +171,11 @@ void readTiffNumPlanes(ImageHeader& header, TiffFile& file)
   if (isStack) header.setNumPlanes(static_cast<int>(numImages));
   if (file.getPlane() >= header.getNumPlanes())
     file.failReading(headerSignature, "There is no plane " + std::to_string(file.getPlane()));
+}
+
+int numTiffPlanes(const ImageHeader& header, const TiffFile& file)
+{
+  return file.getNumDirectories() == 1 ? header.getNumPlanes() : file.getNumPlanes();
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)

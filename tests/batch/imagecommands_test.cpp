@@ -120,7 +120,13 @@ TEST_F(BatchImages, ScalesToGreyLevels)
   Image image;
   ImageReader::read(image, path("copy.tif"));
   EXPECT_EQ(image.getDepth(), 24);
-  EXPECT_EQ(run("image color.tif --out color.vm").status, 2);
+  TiffRecipe{.samples = 3, .photometric = PHOTOMETRIC_RGB, .hasThumbnails = true}.write(path("thumbnail.tif"));
+  EXPECT_EQ(info("thumbnail.tif")["planes"], 1);
+  ASSERT_EQ(run("image thumbnail.tif --out thumbnail2.tif").status, 0);
+  EXPECT_EQ(contents(folder / "thumbnail2.tif"), contents(folder / "copy.tif"));
+  EXPECT_THAT(run("image color.tif --out color.vm").errors, HasSubstr("--grey8 takes grey levels"));
+  TiffRecipe{.bits = 16, .samples = 3, .photometric = PHOTOMETRIC_RGB}.write(path("deep.tif"));
+  EXPECT_EQ(run("image deep.tif --out deep.vm").errors, "mirelo-batch: deep.tif: Invalid depth value\n");
   EXPECT_EQ(run("image color.tif --out color.vm --grey8").status, 0);
 }
 

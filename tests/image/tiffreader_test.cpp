@@ -103,10 +103,14 @@ TEST(TiffReader, ReadsAnyPlaneOfAStack)
 {
   const TemporaryFolder folder;
   ImageSourceTiffStackPlane source(folder.file("stack.tif"));
-  for (const char* mode : {"w", "wb", "w8", "w8b"})
+  for (const char* mode : {"w", "wb", "w8", "w8b", "with thumbnails"})
   {
-    const TiffRecipe recipe = {.planes = 10, .compression = COMPRESSION_LZW, .mode = mode};
+    const TiffRecipe recipe = {
+        .planes = 10, .compression = COMPRESSION_LZW, .mode = mode, .hasThumbnails = mode[1] == 'i'};
     recipe.write(folder.file("stack.tif"));
+    ImageHeader header;
+    ImageReader::read(header, folder.file("stack.tif"));
+    EXPECT_EQ(header.getNumPlanes(), recipe.hasThumbnails ? 20 : 10); // all directories
     for (const int plane : {9, 0, 4})
     {
       source.setPlane(plane);
