@@ -161,7 +161,7 @@ void TiffFile::findDirectories()
   if (getNumPlanes() == 0) return; // libtiff knows why
   const bool isListed = _plane >= 0 && _plane < getNumPlanes();
   if (!isListed && (_plane < 0 || getNumDirectories() > 1)) failAtPlane();
-  _firstDirectory = planes()[isListed ? static_cast<std::size_t>(_plane) : 0];
+  _firstDirectory = getPlanes()[isListed ? static_cast<std::size_t>(_plane) : 0].offset;
 }
 
 void TiffFile::selectNextPlane()
@@ -169,7 +169,7 @@ void TiffFile::selectNextPlane()
   ++_plane;
   if (getNumDirectories() == 1) return;
   if (_plane >= getNumPlanes()) failAtPlane();
-  const std::uint64_t directory = planes()[static_cast<std::size_t>(_plane)];
+  const std::uint64_t directory = getPlanes()[static_cast<std::size_t>(_plane)].offset;
   while (TIFFCurrentDirOffset(_tiff) != directory)
     if (TIFFReadDirectory(_tiff) != 1) failReading("void TiffFile::selectNextPlane()", "Cannot read TIFF directory");
   forgetError();

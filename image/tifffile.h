@@ -44,8 +44,12 @@ public:
   std::uint64_t getLength() const { return _length; }
   int getPlane() const { return _plane; }
   int getNumDirectories() const { return static_cast<int>(_directories->all.size()); }
-  /// Number of directories that count as planes.
-  int getNumPlanes() const { return static_cast<int>(planes().size()); }
+  /// The directories that count as planes.
+  const std::vector<TiffDirectory>& getPlanes() const
+  {
+    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
+  }
+  int getNumPlanes() const { return static_cast<int>(getPlanes().size()); }
   /// Goes on to the next plane. \throw FileFormatError  there is none, or its directory cannot be read
   void selectNextPlane();
   /// Bytes at a place of the file, from any thread; false when there are fewer.
@@ -68,11 +72,6 @@ public:
   std::int64_t read(unsigned char* bytes, std::int64_t count);
 
 private:
-  /// Offsets of the directories that count as planes.
-  const std::vector<std::uint64_t>& planes() const
-  {
-    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
-  }
   void findDirectories();
   void forgetError();
   void holdWarning();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace
@@ -186,4 +187,13 @@ void checkTiffLength(double numBytes, TiffFile& file, const char* where)
   const auto compression = readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION);
   if (numBytes / greatestExpansion(compression) > static_cast<double>(file.getLength()))
     file.failReading(where, "The file is too short for its image size");
+}
+
+void checkTiffStackLength(double numBytesPerPlane, TiffFile& file, const char* where)
+{
+  std::map<std::uint16_t, int> numPlanes; // by compression
+  for (const TiffDirectory& plane : file.getPlanes()) ++numPlanes[plane.compression];
+  for (const auto& [compression, number] : numPlanes)
+    if (number * numBytesPerPlane / greatestExpansion(compression) > static_cast<double>(file.getLength()))
+      file.failReading(where, "The file is too short for its " + std::to_string(file.getNumPlanes()) + " planes");
 }

@@ -30,3 +30,6 @@ std::uint64_t countContiguousRasters(const TiffRaster& raster, const TiffFile& f
 /// Refuses a number of bytes that the file's length and compression cannot hold, before anybody believes it.
 /// \throw FileFormatError  with the where-text of the caller
 void checkTiffLength(double numBytes, TiffFile& file, const char* where);
+
+/// The same for all planes of a file with a directory for each: those of each compression must fit.
+void checkTiffStackLength(double numBytesPerPlane, TiffFile& file, const char* where);

@@ -81,9 +81,10 @@ template <class T> VoxelMatrix<T> matrixFor(const std::string& filename)
   TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
   ImageHeader header;
   readTiffHeader(header, file);
-  const int numPlanes = file.getNumDirectories() == 1 ? header.getNumPlanes() : file.getNumPlanes();
-  const double numVoxels = double{1} * header.getWidth() * header.getHeight() * numPlanes;
-  checkTiffLength(numVoxels * header.getDepth() / 8, file, loadSignature);
+  const int numPlanes = numTiffPlanes(header, file);
+  if (file.getNumPlanes() > 1)
+    checkTiffStackLength(double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8, file,
+                         loadSignature);
   const PixelCalibration& pixels = header.getPixelCalibration();
   VoxelCalibration calibration;
   calibration.setVoxelSize({pixels.getPixelWidth(), pixels.getPixelHeight(), header.getVoxelSizeZ()}); // crossed
