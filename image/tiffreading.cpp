@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string_view>
 
 namespace
@@ -115,6 +116,22 @@ std::uint64_t numImagesOfDescription(std::string_view description)
   return number;
 }
 
+/// Number of planes of a file of one directory whose description counts several images: as many, when they are there,
+/// or one, when it is a single page with the description of a stack.
+int numStackedPlanes(std::uint64_t numImages, const ImageHeader& header, TiffFile& file)
+{
+  TiffRaster first = rasterOf(header, file);
+  first.pixelsBehind = 0;
+  const std::optional<TiffRasterRun> run = findRasterRun(first, file);
+  const std::uint64_t numFound = run ? std::min<std::uint64_t>(run->numRasters, std::numeric_limits<int>::max()) : 1;
+  if (numImages <= numFound) return static_cast<int>(numImages);
+  const std::string told = std::to_string(numImages) + " images of its description";
+  if (run && !(numFound == 1 && run->isWhole))
+    file.failReading(headerSignature, "The file is too short for the " + told);
+  file.noteWarning("The file has one plane only, not the " + told);
+  return 1;
+}
+
 /// Refuses pixels that an image cannot hold.
 void checkPixels(const ImageHeader& header, TiffFile& file)
 {
@@ -164,11 +181,7 @@ void readTiffNumPlanes(ImageHeader& header, TiffFile& file)
   if (file.getNumDirectories() > 1) return;
   const char* const description = readTag<const char*>(file, TIFFTAG_IMAGEDESCRIPTION, nullptr);
   const std::uint64_t numImages = description ? numImagesOfDescription(description) : 0;
-  TiffRaster first = rasterOf(header, file);
-  first.pixelsBehind = 0;
-  const bool isStack =
-      numImages > 1 && numImages <= std::numeric_limits<int>::max() && numImages <= countContiguousRasters(first, file);
-  if (isStack) header.setNumPlanes(static_cast<int>(numImages));
+  if (numImages > 1) header.setNumPlanes(numStackedPlanes(numImages, header, file));
   if (file.getPlane() >= header.getNumPlanes())
     file.failReading(headerSignature, "There is no plane " + std::to_string(file.getPlane()));
 }
