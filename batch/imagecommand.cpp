@@ -4,6 +4,7 @@
 #include "image/image.h"
 #include "image/imagereader.h"
 #include "image/imagewriter.h"
+#include "image/voxelmatrixplanes.h"
 
 #include <CLI/CLI.hpp>
 
@@ -38,15 +39,15 @@ VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<unsigned short>& volume)
   return levels;
 }
 
-/// A linear map of the volume's range.
+/// A linear map of the range of the volume's finite voxels.
 template <class T> VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<T>& volume)
 {
-  const Vector<T> range = volume.range();
+  const auto [low, high] = finiteRange(volume);
   VoxelMatrix<unsigned char> levels(volume.getSize1(), volume.getSize2(), volume.getSize3());
   Image image;
   for (int k = 0; k < volume.getSize3(); ++k)
   {
-    volume[k].convertToImage(image, range[0], range[1]);
+    volume[k].convertToImage(image, low, high);
     std::memcpy(levels[k].data(), image.getData(), image.dataLength());
   }
   return levels;

@@ -66,8 +66,8 @@ public:
 
   /// An 8-bit image of the values, rounded. \throw RangeError  a value outside 0..255, or NaN
   void convertToImage(Image& image) const;
-  /// An 8-bit image in which `low` (and below) is 0 and `high` (and above) 255, with a linear map between them;
-  /// all 0 when high <= low, as are NaN.
+  /// An 8-bit image in which `low` (and below) is 0 and `high` (and above) 255, with a linear map between them; NaN is
+  /// 0. When high <= low, all but infinity is 0.
   void convertToImage(Image& image, T low, T high) const;
   /// Writes the 8-bit image of convertToImage() as a TIFF file.
   /// \throw FileWriteError  as ImageWriter::write()   \throw RangeError  as convertToImage()

@@ -1,6 +1,8 @@
 #include "image/voxelmatrixfile.h"
 
 #include "image/filecache.h"
+#include "image/filewarnings.h"
+#include "image/finiterange.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -41,33 +43,19 @@ std::size_t sizeOfType(int typeId)
   }
 }
 
-/// Range of n voxels joined with another one; NaN is passed over.
-template <class T> void extendRange(const T* voxels, std::size_t n, std::pair<long double, long double>& range)
-{
-  T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
-  for (std::size_t i = 0; i < n; ++i)
-  {
-    low = voxels[i] < low ? voxels[i] : low;
-    high = voxels[i] > high ? voxels[i] : high;
-  }
-  range.first = std::min<long double>(range.first, low);
-  range.second = std::max<long double>(range.second, high);
-}
-
 template <class T> std::pair<long double, long double> rangeOf(const VoxelMatrixFile& file)
 {
   constexpr std::size_t blockSize = std::size_t{1} << 20;
   const std::size_t numVoxels = file.getHeader().numVoxels();
-  std::pair<long double, long double> range(std::numeric_limits<long double>::infinity(),
-                                            -std::numeric_limits<long double>::infinity());
+  FiniteRange<T> range;
   std::vector<T> block(std::min(blockSize, numVoxels));
   for (std::size_t first = 0; first < numVoxels; first += block.size())
   {
     const std::size_t count = std::min(block.size(), numVoxels - first);
     file.read(block.data(), first, count);
-    extendRange(block.data(), count, range);
+    range.extend(block.data(), count);
   }
-  return range;
+  return {range.low, range.high};
 }
 } // namespace
 

@@ -28,8 +28,9 @@ public:
   /// Copies `count` voxels from voxel `first` on. \throw FileReadError  the disk fails
   void read(void* voxels, std::size_t first, std::size_t count) const;
 
-  /// Smallest and largest voxel of the file, NaN passed over, from one pass over it; files asked for last are
-  /// remembered until they change. Safe to call from any thread. \throw FileReadError  the disk fails
+  /// Smallest and largest finite voxel of the file (the first is the larger one when there is none), from one pass over
+  /// it; files asked for last are remembered until they change. Safe to call from any thread. \throw FileReadError  the
+  /// disk fails
   std::pair<long double, long double> getRange() const;
 
 private:

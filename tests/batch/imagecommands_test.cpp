@@ -128,6 +128,12 @@ TEST_F(BatchImages, ScalesToGreyLevels)
   TiffRecipe{.bits = 16, .samples = 3, .photometric = PHOTOMETRIC_RGB}.write(path("deep.tif"));
   EXPECT_EQ(run("image deep.tif --out deep.vm").errors, "mirelo-batch: deep.tif: Invalid depth value\n");
   EXPECT_EQ(run("image color.tif --out color.vm --grey8").status, 0);
+
+  VoxelMatrix<float> values(1, 4, 1);
+  values[0][0] = Vector<float>{0, 1, 2, INFINITY};
+  values.save(path("infinite.vm"), true);
+  ASSERT_EQ(run("image infinite.vm --out levels.vm --grey8").status, 0);
+  EXPECT_EQ(VoxelMatrix<unsigned char>(path("levels.vm")).cat(), (Vector<unsigned char>{0, 128, 255, 255}));
 }
 
 TEST_F(BatchImages, SegmentsVolumes)

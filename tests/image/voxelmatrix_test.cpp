@@ -246,6 +246,24 @@ TEST(VoxelMatrixPlanes, BecomeImages)
   values[1][0] = Vector<float>{0, 1, std::nanf("")};
   EXPECT_THAT(bytesOf(imagesOf(values, 0)), testing::Each(0));
   EXPECT_THAT(bytesOf(imagesOf(values, 1)), testing::ElementsAre(128, 255, 0)); // the range is -1 to 1
+  constexpr double infinity = std::numeric_limits<double>::infinity(), greatest = std::numeric_limits<double>::max();
+  const struct
+  {
+    Vector<double> voxels;
+    std::vector<unsigned char> levels;
+  } cases[] = {
+      {{0, 1, 2, infinity, -infinity}, {0, 128, 255, 255, 0}},
+      {{-greatest, 0, greatest, infinity, NAN}, {0, 128, 255, 255, 0}},
+      {{0, 1e-306, 2e-306, 1.5e-306, 0}, {0, 128, 255, 191, 0}},
+      {{7, 7, infinity, -infinity, NAN}, {0, 0, 255, 0, 0}},
+      {{infinity, -infinity, NAN, NAN, infinity}, {255, 0, 0, 0, 255}},
+  };
+  for (const auto& c : cases)
+  {
+    VoxelMatrix<double> matrix(1, 5, 1);
+    matrix[0][0] = c.voxels;
+    EXPECT_EQ(bytesOf(imagesOf(matrix, 0)), c.levels);
+  }
   Image image;
   expectError<FileFormatError>("no plane 2", [&]
                                { ImageReader::read(image, ImageSourceVoxelMatrixFilePlane(folder.file("a.vm"), 2)); });
