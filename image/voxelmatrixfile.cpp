@@ -123,9 +123,24 @@ void VoxelMatrixFile::readFormat1()
   _header.size1 = fields.size1;
   _header.size2 = fields.size2;
   _header.size3 = fields.size3;
+  constexpr int greatestScale = 24; // yotta, yocto
+  if (std::abs(std::int64_t{fields.unitScale}) > greatestScale)
+    fail("Invalid length unit scale " + std::to_string(fields.unitScale));
   _header.calibration.setLengthUnit(LengthUnit(fields.unitScale));
-  _header.calibration.setVoxelSize({fields.voxelHeight, fields.voxelWidth, fields.voxelDepth});
+  _header.calibration.setVoxelSize(knownSizes({fields.voxelHeight, fields.voxelWidth, fields.voxelDepth}));
   _header.dataOffset = format1Length;
+}
+
+/// Puts 1, the size of what is not calibrated, in the place of sizes that are no number.
+Vector<float> VoxelMatrixFile::knownSizes(Vector<float> sizes) const
+{
+  for (float& size : sizes)
+  {
+    if (std::isfinite(size)) continue;
+    size = 1;
+    holdWarning(_filename, "A voxel size is no finite number; it is taken as 1");
+  }
+  return sizes;
 }
 
 /// Refuses sizes that the file's length does not fit, and finds the element size where the type does not tell it.

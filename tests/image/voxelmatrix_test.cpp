@@ -212,6 +212,8 @@ TEST(VoxelMatrixFile, LyingFilesAreRefused)
       {"truncated", format1(5, 1, 1, 2, 7), "too short"},
       {"too long", format1(5, 1, 1, 2, 9), "does not fit"},
       {"three bytes each", format1(0, 1, 1, 2, 6), "does not fit"},
+      {"unit", packed(0, 0, 0, 1, 5, 1, 1, 1, 25, 1.f, 1.f, 1.f, 0.f), "Invalid length unit scale 25"},
+      {"least unit", packed(0, 0, 0, 1, 5, 1, 1, 1, -2147483647 - 1, 1.f, 1.f, 1.f, 0.f), "Invalid length unit"},
       {"text", "This is no voxel matrix at all, but text.", "too short"},
   };
   VoxelMatrix<float> matrix = sequence<float>(1, 1, 3);
@@ -224,6 +226,21 @@ TEST(VoxelMatrixFile, LyingFilesAreRefused)
   }
   expectError<FileReadError>("Cannot open file for reading", [&] { matrix.load(folder.file("none.vm")); });
   expectError<FileReadError>("Cannot open file for reading", [&] { matrix.load(folder.getPath()); });
+}
+
+TEST(VoxelMatrixFile, SizesThatAreNoNumberCountAsOne)
+{
+  const TemporaryFolder folder;
+  const std::string header = packed(0, 0, 0, 1, 0, 1, 1, 1, -24, 2.f, std::nanf(""), -INFINITY);
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 2; ++i)
+  {
+    const VoxelMatrix<char> matrix(folder.write("a.vm", header + "a"));
+    EXPECT_EQ(matrix.getVoxelCalibration().getVoxelSize(), (Vector<float>{2, 1, 1}));
+  }
+  EXPECT_THROW(VoxelMatrix<char>(folder.write("b.vm", header + "abc")), FileFormatError);
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(told, "KOVA Image Lib: " + folder.file("a.vm") + ": A voxel size is no finite number; it is taken as 1\n");
 }
 
 TEST(VoxelMatrixPlanes, BecomeImages)
