@@ -16,7 +16,7 @@ void writeTIFF(const Image& image, TiffFile& file)
 {
   writeTIFFHeader(image.getWidth(), image.getHeight(), image.getDepth(), image.isIndexed(), file);
   if (image.isIndexed()) writeTIFFColormap(image.getColormap(), file);
-  writeTiffCalibration(image.getPixelCalibration(), file);
+  writeTiffCalibration(image.getPixelCalibration(), file, writeSignature);
   writeTIFFPixels(image.getData(), image.getHeight(), image.bytesPerLine(), file, writeSignature);
 }
 } // namespace

@@ -140,7 +140,8 @@ public:
   void loadTiffStackFile(const std::string& filename);
   /// Writes a TIFF file of 8-bit planes that loadTiffStackFile() reads back, crossing the voxel size again. The
   /// distance of planes is read back when there are several. \throw FileWriteError  the file exists and must not be
-  /// overwritten, cannot be written, or the voxels are not all whole numbers of 0 to 255
+  /// overwritten, cannot be written, the voxels are not all whole numbers of 0 to 255, or no resolution can be that of
+  /// the voxel size
   void saveAsTiff(const std::string& filename, bool overwrite) const;
 
   /// Readable text, for debugging.

@@ -147,7 +147,7 @@ template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, 
     for (const PixelMatrix<T>& plane : _planes)
     {
       writeTIFFHeader(_size2, _size1, 8, false, file);
-      writeTiffCalibration(_voxelCalibration, file);
+      writeTiffCalibration(_voxelCalibration, file, saveSignature);
       writeTIFFPixels(levelsOf(plane, buffer), _size1, static_cast<std::size_t>(_size2), file, saveSignature);
     }
   }
