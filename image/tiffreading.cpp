@@ -56,15 +56,24 @@ int scaleOfDescription(std::string_view description)
   {
     const char* text;
     int scale;
-  } units[] = {{"unit=cm", -2},       {"unit=mm", -3},
-               {"unit=micron", -6},   {"unit=\xC2\xB5m", -6}, // micro sign in UTF-8
-               {"unit=\xB5m", -6},                            // in Latin-1
-               {"unit=\\u00B5m", -6},                         // escaped
-               {"unit=um", -6},       {"unit=nm", -9}};
+  } units[] = {{"unit=cm", -2},        {"unit=mm", -3},
+               {"unit=micron", -6},    {"unit=\xC2\xB5m", -6}, // micro sign in UTF-8
+               {"unit=\xCE\xBCm", -6},                         // the Greek letter
+               {"unit=\xB5m", -6},                             // micro sign in Latin-1
+               {"unit=\\u00B5m", -6},                          // escaped
+               {"unit=um", -6},        {"unit=nm", -9}};
   int scale = 0;
   for (const auto& unit : units)
     if (description.find(unit.text) != std::string_view::npos) scale = unit.scale; // a later match overrides
   return scale;
+}
+
+/// What numbers may begin with and std::from_chars() does not know: blanks and one plus sign.
+std::string_view withoutBlanksAndPlus(std::string_view text)
+{
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  const bool hasPlus = text.starts_with('+') && !text.starts_with("+-");
+  return text.substr(hasPlus ? 1 : 0);
 }
 
 /// Distance between planes, from the text after "spacing="; nothing changes when there is none.
@@ -74,7 +83,7 @@ void readSpacing(ImageHeader& header, std::string_view description)
   const std::size_t start = description.find("spacing");
   if (start == std::string_view::npos || start + nameLength > description.size()) return;
   std::string_view piece = description.substr(start + nameLength);
-  piece = piece.substr(0, piece.find("loop="));
+  piece = withoutBlanksAndPlus(piece.substr(0, piece.find("loop=")));
   float spacing = 0;
   const auto parsed = std::from_chars(piece.data(), piece.data() + piece.size(), spacing);
   if (parsed.ec == std::errc() && std::isfinite(spacing)) header.setVoxelSizeZ(spacing);
