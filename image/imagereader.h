@@ -41,8 +41,8 @@ public:
   static void read(ImageHeader& header, const ImageSourceTiffStackPlane& source);
   static void read(ImageHeader& header, const ImageSourceLSMStackPlane& source);
 
-  /// Where each reading of an LSM file's private block writes the line "S32MagicNumber :" and the number; by default
-  /// the standard output. To be set before anything is read; the stream must live as long.
+  /// Where the line "S32MagicNumber :" and the number in an LSM file's private block are written, once per file whose
+  /// images are read; by default the standard output. To be set before anything is read; the stream must live as long.
   static void setMagicNumberStream(std::ostream& stream);
   static std::ostream& getMagicNumberStream();
 };

@@ -97,6 +97,7 @@ TEST_F(BatchImages, ConvertsBackAndForth)
   ASSERT_EQ(run("image confocal.lsm --channel 2 --out channel.vm").status, 0);
   EXPECT_EQ(VoxelMatrix<unsigned char>(path("channel.vm"))(3, 4, 1), lsm.sample(4, 3, 2, 1));
   EXPECT_EQ(run("image confocal.lsm --channel 3 --out none.vm").status, 2);
+  EXPECT_EQ(run("image confocal.lsm --channel 1 --out again.vm --overwrite").errors, "S32MagicNumber :67127628\n");
 }
 
 TEST_F(BatchImages, ScalesToGreyLevels)
