@@ -79,12 +79,18 @@ private:
   /// The number of `size` bytes at an offset; 0 behind the end of the file.
   std::uint64_t number(std::uint64_t offset, std::size_t size)
   {
-    if (offset < _start || offset - _start + size > _numBytes) readPiece(offset);
-    if (offset - _start + size > _numBytes) return 0;
+    if (!isInPiece(offset, size)) readPiece(offset);
+    if (!isInPiece(offset, size)) return 0;
     const unsigned char* const bytes = _bytes.data() + (offset - _start);
     std::uint64_t value = 0;
     for (std::size_t i = 0; i < size; ++i) value = value << 8 | bytes[_isBigEndian ? i : size - 1 - i];
     return value;
+  }
+
+  /// Without sums, which offsets near the greatest number would overflow.
+  bool isInPiece(std::uint64_t offset, std::size_t size) const
+  {
+    return offset >= _start && offset - _start <= _numBytes && size <= _numBytes - (offset - _start);
   }
 
   /// Most directories fit one piece.

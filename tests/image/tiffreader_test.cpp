@@ -136,6 +136,17 @@ TEST(TiffReader, EndsAChainOfDirectoriesThatLeadsBack)
   EXPECT_EQ(source.getNumImages(), 1);
 }
 
+TEST(TiffReader, RefusesDirectoriesBeyondAllOffsets)
+{
+  const TemporaryFolder folder;
+  for (const char last : {'\xff', '\xfe', '\xf8'}) // with the size of a number they overflow, which asan finds
+  {
+    const std::string offset = last + std::string(7, '\xff');
+    const std::string file = folder.write("a.tif", std::string("II+\0\10\0\0\0", 8) + offset + std::string(600, '\1'));
+    EXPECT_THROW(ImageSourceTiffStackPlane(file).getNumImages(), FileFormatError);
+  }
+}
+
 TEST(TiffReader, RefusesWhatAnImageCannotHold)
 {
   const struct
