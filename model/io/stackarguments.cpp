@@ -105,14 +105,12 @@ Vertices<int> StackArguments::vertices() const
   constexpr std::size_t leastLength = 4; // of "x,y "; the last one needs no blank
   const auto numCommas = static_cast<std::size_t>(std::count(_text.begin(), _text.end(), ','));
   if (numCommas > (_text.size() + 1) / leastLength || numCommas > std::numeric_limits<int>::max() / 2) refuse();
-  std::vector<int> coordinates(2 * numCommas);
+  BufferVector<int> coordinates(2 * numCommas);
   const char* text = _text.data();
   const char* const end = text + _text.size();
   for (std::size_t i = 0; i < numCommas; ++i) text = takeIntegers(text, end, &coordinates[2 * i], 2);
   if (text != end) refuse();
-  Vertices<int> vertices(2, static_cast<int>(numCommas)); // much larger than the numbers, which are sound now
-  if (numCommas > 0) std::copy(coordinates.begin(), coordinates.end(), vertices.data());
-  return vertices;
+  return numCommas == 0 ? Vertices<int>() : Vertices<int>(2, std::move(coordinates));
 }
 
 RLEItemSet StackArguments::runs() const

@@ -26,48 +26,6 @@ constexpr const char* readSignature = "void StackReader::read(Stack&, const std:
   failOpening(fileName, std::generic_category().message(error));
 }
 
-/// The descriptor of a regular file that is closed on every path.
-class OpenFile
-{
-public:
-  explicit OpenFile(const std::string& fileName) : _fileName(fileName)
-  {
-    struct stat status = {};
-    if (stat(fileName.c_str(), &status) != 0) failOpening(fileName, errno);
-    if (S_ISDIR(status.st_mode)) failOpening(fileName, EISDIR);
-    if (!S_ISREG(status.st_mode)) failOpening(fileName, "Not a regular file");
-    _length = static_cast<std::size_t>(status.st_size);
-    _descriptor = open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
-    if (_descriptor < 0) failOpening(fileName, errno);
-  }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-  ~OpenFile() { close(_descriptor); }
-
-  std::string readAll() const
-  {
-    std::string text(_length, '\0');
-    std::size_t size = 0;
-    while (size < text.size())
-    {
-      const ssize_t count = ::read(_descriptor, text.data() + size, text.size() - size);
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0)
-        throw FileReadError(readSignature, "Cannot read file (" + std::generic_category().message(errno) + ")",
-                            _fileName);
-      if (count == 0) break; // shorter than it was a moment ago
-      size += static_cast<std::size_t>(count);
-    }
-    text.resize(size);
-    return text;
-  }
-
-private:
-  std::string _fileName;
-  std::size_t _length = 0;
-  int _descriptor = -1;
-};
-
 /// A keyword as it is shown in the log; garbage is cut short.
 std::string shown(std::string_view keyword)
 {
@@ -85,6 +43,53 @@ std::optional<StackIOContext::Kind> openedKind(std::string_view spelling)
   return std::nullopt;
 }
 } // namespace
+
+/// The descriptor of a regular file that is closed on every path.
+class StackReader::OpenFile
+{
+public:
+  explicit OpenFile(const std::string& fileName) : _fileName(fileName)
+  {
+    struct stat status = {};
+    if (stat(fileName.c_str(), &status) != 0) failOpening(fileName, errno);
+    if (S_ISDIR(status.st_mode)) failOpening(fileName, EISDIR);
+    if (!S_ISREG(status.st_mode)) failOpening(fileName, "Not a regular file");
+    _length = static_cast<std::size_t>(status.st_size);
+    _descriptor = open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    if (_descriptor < 0) failOpening(fileName, errno);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() { close(_descriptor); }
+
+  const std::string& getName() const { return _fileName; }
+  std::size_t getLength() const { return _length; }
+
+  /// Fills a buffer with what comes next, up to the length that the file had when it was opened. \return how much it is
+  std::size_t read(char* buffer, std::size_t size)
+  {
+    const std::size_t wanted = std::min(size, _length - _position);
+    std::size_t count = 0;
+    while (count < wanted)
+    {
+      const ssize_t result = ::read(_descriptor, buffer + count, wanted - count);
+      if (result < 0 && errno == EINTR) continue;
+      if (result < 0)
+        throw FileReadError(readSignature, "Cannot read file (" + std::generic_category().message(errno) + ")",
+                            _fileName);
+      if (result == 0) break; // shorter than it was a moment ago
+      count += static_cast<std::size_t>(result);
+    }
+    _position += count;
+    return count;
+  }
+
+private:
+  std::string _fileName;
+  std::size_t _length = 0;
+  std::size_t _position = 0;
+  int _descriptor = -1;
+};
 
 /// What a keyword takes, where it is valid, and who executes it.
 struct StackReader::Rule
@@ -174,40 +179,51 @@ void StackReader::read(Stack& stack, const std::string& fileName)
   _context = StackIOContext();
   try
   {
-    _lexer = StackLexer(OpenFile(path).readAll());
+    OpenFile file(path);
+    readFile(stack, file);
   }
   catch (const FileError& error)
   {
     addFatalError("Error: " + error.getFilename() + ": " + error.getWhat());
-    return;
   }
-  _context = StackIOContext(path);
+}
+
+void StackReader::readFile(Stack& stack, OpenFile& file)
+{
+  _context = StackIOContext(file.getName());
   stack.clear();
+  StackLexer lexer(
+      [this, &file](char* buffer, std::size_t size)
+      {
+        throwIfCancelled(readSignature);
+        return file.read(buffer, size);
+      });
+  _lexer = &lexer;
   try
   {
+    const ProgressStep step(*this, "Reading " + file.getName(), static_cast<long>(file.getLength()));
     readStatements(stack);
   }
-  catch (const Cancelled&)
+  catch (...)
   {
+    _context = StackIOContext();
     stack.clear();
     throw;
   }
-  _lexer = StackLexer("");
 }
 
 void StackReader::readStatements(Stack& stack)
 {
   constexpr std::size_t reportInterval = 1 << 16;
   _target = &stack;
-  const ProgressStep step(*this, "Reading " + _context.getStackFileName(), static_cast<long>(_lexer.getSize()));
   std::size_t nextReport = 0;
-  while (const auto statement = _lexer.readItemString())
+  while (const auto statement = _lexer->readItemString())
   {
     if (!statement->text.empty()) readStatement(*statement);
-    if (_lexer.getPosition() < nextReport) continue;
+    if (_lexer->getPosition() < nextReport) continue;
     throwIfCancelled(readSignature);
-    progress(static_cast<long>(_lexer.getPosition()));
-    nextReport = _lexer.getPosition() + reportInterval;
+    progress(static_cast<long>(_lexer->getPosition()));
+    nextReport = _lexer->getPosition() + reportInterval;
   }
   shareLengthUnit();
 }
@@ -233,7 +249,7 @@ void StackReader::parseTokens(const StackLexer::Statement& statement)
   const Rule& rule = ruleOf(*keyword);
   const bool readsTokens = rule.maxArguments <= static_cast<int>(StackLexer::maxTokens);
   const auto tokens =
-      readsTokens ? _lexer.splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
+      readsTokens ? _lexer->splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
   if (!tokens) return fail(statement, ArgValueError());
   const int numArguments = static_cast<int>(tokens->size());
   if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments))

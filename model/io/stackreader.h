@@ -31,7 +31,8 @@ public:
   };
 
   /// Replaces the stack by the one in the file, ".sdf" being appended to a name that does not end so. A file that
-  /// cannot be read leaves the stack as it was, one line in the log and a fatal error.
+  /// cannot be opened leaves the stack as it was, one line in the log and a fatal error. One whose reading fails on
+  /// the way adds a line and a fatal error; the stack is empty then.
   /// \throw Cancelled  the user stopped it; the stack is empty then
   void read(Stack& stack, const std::string& fileName);
   /// The name of a stack file: ".sdf" is appended to one without this suffix.
@@ -43,7 +44,9 @@ public:
 private:
   struct Rule;
   static const Rule& ruleOf(StackKeyword keyword);
+  class OpenFile;
 
+  void readFile(Stack& stack, OpenFile& file);
   void readStatements(Stack& stack);
   void readStatement(const StackLexer::Statement& statement);
   void parseTokens(const StackLexer::Statement& statement);
@@ -113,6 +116,6 @@ private:
 
   Stack* _target = nullptr; // becomes the current stack with the "STACK" statement
   StackIOContext _context;
-  StackLexer _lexer{""};
+  StackLexer* _lexer = nullptr;                      // while read() runs
   const StackLexer::Statement* _statement = nullptr; // the one that is executed
 };
