@@ -12,7 +12,7 @@ namespace
 using Spellings = std::vector<std::string_view>;
 
 /// By the keywords' values; the first spelling is written.
-const std::array<Spellings, 54> spellings = {{{"Annotation"},
+const std::array<Spellings, StackIO::numKeywords> spellings = {{{"Annotation"},
                                               {"BeginCap"},
                                               {"BRILLIANCY"},
                                               {"CALIBRATIONCURVE"},
@@ -116,9 +116,14 @@ bool StackIO::ensureFileFormatVersion(float version) const
   return _fileFormatVersion + tolerance >= version;
 }
 
+const std::vector<std::string_view>& StackIO::getSpellings(StackKeyword keyword)
+{
+  return spellings[static_cast<std::size_t>(keyword)];
+}
+
 std::string_view StackIO::getString(StackKeyword keyword)
 {
-  return spellings[static_cast<std::size_t>(keyword)].front();
+  return getSpellings(keyword).front();
 }
 
 std::optional<StackKeyword> StackIO::getKeyword(std::string_view text)

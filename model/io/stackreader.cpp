@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <sys/stat.h>
@@ -33,14 +34,35 @@ std::string shown(std::string_view keyword)
   return keyword.size() <= maxLength ? std::string(keyword) : std::string(keyword.substr(0, maxLength)) + "...";
 }
 
-std::optional<StackIOContext::Kind> openedKind(std::string_view spelling)
+std::optional<StackIOContext::Kind> openedKind(StackKeyword keyword)
 {
-  const auto keyword = StackIO::getKeyword(spelling);
-  if (keyword == StackKeyword::Slice || keyword == StackKeyword::StackSlice) return StackIOContext::Kind::Slice;
-  if (keyword == StackKeyword::Model) return StackIOContext::Kind::Model;
-  if (keyword == StackKeyword::ModelItem) return StackIOContext::Kind::Item;
-  if (keyword == StackKeyword::Pose) return StackIOContext::Kind::Pose;
-  return std::nullopt;
+  switch (keyword)
+  {
+  case StackKeyword::Slice:
+  case StackKeyword::StackSlice:
+    return StackIOContext::Kind::Slice;
+  case StackKeyword::StandardImage:
+    return StackIOContext::Kind::StandardImage;
+  case StackKeyword::Sample:
+    return StackIOContext::Kind::Sample;
+  case StackKeyword::CalibrationCurve:
+    return StackIOContext::Kind::Curve;
+  case StackKeyword::Model:
+    return StackIOContext::Kind::Model;
+  case StackKeyword::ModelItem:
+    return StackIOContext::Kind::Item;
+  case StackKeyword::Pose:
+    return StackIOContext::Kind::Pose;
+  default:
+    return std::nullopt;
+  }
+}
+
+bool isCalibration(StackKeyword keyword)
+{
+  using K = StackKeyword;
+  constexpr K keywords[] = {K::CalibrationCurve, K::Fit, K::Sample, K::SampleCoords, K::SampleValue, K::StandardImage};
+  return std::find(std::begin(keywords), std::end(keywords), keyword) != std::end(keywords);
 }
 } // namespace
 
@@ -111,13 +133,13 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
       {K::Annotation, 1, 1, Need::StackOrSlice, &R::inputAnnotation},
       {K::BeginCap, 1, 1, Need::Model, &R::inputBeginCapFlag},
       {K::Brilliancy, 1, 1, Need::Model, &R::inputBrilliancy},
-      {K::CalibrationCurve, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::CalibrationCurve, 0, any, Need::Calibrated, &R::inputCalibrationCurve},
       {K::Color, 3, 3, Need::ItemProperties, &R::inputColor},
       {K::EcoRendering, 1, 1, Need::Model, &R::inputEcoRendering},
       {K::EndCap, 1, 1, Need::Model, &R::inputEndCapFlag},
       {K::FileFormatVersion, 1, 1, Need::Nothing, &R::inputFileFormatVersion},
       {K::FilledIn, 1, 1, Need::ItemProperties, &R::inputFilledIn},
-      {K::Fit, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::Fit, 1, 1, Need::Curve, &R::inputFit},
       {K::Hidden3D, 1, 1, Need::ItemProperties, &R::inputHidden3D},
       {K::Image, 3, 3, Need::Mosaic, &R::inputImage},
       {K::ImagesPath, 1, 1, Need::Stack, &R::inputImagesPath},
@@ -147,16 +169,16 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
       {K::RenderingMode, 1, 1, Need::Model, &R::inputRenderingMode},
       {K::Resampling, 2, 2, Need::Model, &R::inputResampling},
       {K::Rotate, 1, 1, Need::Slice, &R::inputRotate},
-      {K::Sample, 0, any, Need::Stack, &R::keepStatement},
-      {K::SampleCoords, 0, any, Need::Stack, &R::keepStatement},
-      {K::SampleValue, 0, any, Need::Stack, &R::keepStatement},
+      {K::Sample, 1, 1, Need::StandardImage, &R::inputSample},
+      {K::SampleCoords, 4, 4, Need::Sample, &R::inputSampleCoords},
+      {K::SampleValue, 1, 1, Need::Sample, &R::inputSampleValue},
       {K::Shift, 2, 2, Need::Slice, &R::inputShift},
       {K::Slice, 2, 3, Need::Stack, &R::inputSlice},
       {K::SliceSize1, 1, 1, Need::Slice, &R::inputSliceHeight},
       {K::SliceSize2, 1, 1, Need::Slice, &R::inputSliceWidth},
       {K::Stack, 1, 1, Need::Nothing, &R::inputStack},
       {K::StackSlice, 3, 3, Need::Stack, &R::inputStackSlice},
-      {K::StandardImage, 0, any, Need::Stack, &R::keepStatement},
+      {K::StandardImage, 2, 2, Need::Stack, &R::inputStandardImage},
       {K::Thickness, 1, 1, Need::ItemProperties, &R::inputThickness},
       {K::Transparency, 1, 1, Need::Model, &R::inputTransparency},
       {K::TriangulationTag, 1, 1, Need::Item, &R::parseTriangulationTag},
@@ -255,16 +277,31 @@ void StackReader::parseTokens(const StackLexer::Statement& statement)
   if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments))
     return fail(statement, NumArgsError());
   if (!_context.fulfils(rule.need)) return fail(statement, ContextError());
-  _statement = &statement;
   (this->*rule.input)(StackArguments(statement.arguments, *tokens));
 }
 
 void StackReader::fail(const StackLexer::Statement& statement, const Exception& error)
 {
-  if (const auto kind = openedKind(statement.keyword)) _context.failToOpen(*kind);
+  if (const auto keyword = getKeyword(statement.keyword))
+  {
+    if (const auto kind = openedKind(*keyword)) _context.failToOpen(*kind);
+    if (isCalibration(*keyword)) keepStatement(statement, error);
+  }
   if (const auto* fileError = dynamic_cast<const FileError*>(&error))
     return addFatalError("Error: " + fileError->getFilename() + ": " + fileError->getWhat());
   addToLog(isLogFull() ? "" : failureLine(shown(statement.keyword), error));
+}
+
+void StackReader::keepStatement(const StackLexer::Statement& statement, const Exception& error)
+{
+  if (!_context.getStack() || !statement.isTerminated) return;
+  std::string text(statement.text);
+  std::replace_if(text.begin(), text.end(), StackLexer::isBlank, ' ');
+  // A sound curve without its object must not be taken for the next one's.
+  const bool isHomeless = getKeyword(statement.keyword) == StackKeyword::CalibrationCurve &&
+                          dynamic_cast<const ContextError*>(&error) != nullptr;
+  KeptStatements& keeper = isHomeless ? *_context.getStack() : *_context.getKeeper();
+  keeper.keepStatement(std::move(text));
 }
 
 std::string StackReader::failureLine(const std::string& keyword, const Exception& error)
