@@ -410,7 +410,7 @@ void StackReader::inputPose(const StackArguments& arguments)
 {
   auto pose = std::make_unique<Pose>(_context.getStack());
   pose->setName(arguments.name(0));
-  pose->attach();
+  _context.getStack()->addPose(pose.get()); // attach() would look through all poses for it
   _context.openPose(*pose.release());
 }
 

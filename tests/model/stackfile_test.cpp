@@ -372,6 +372,7 @@ TEST(StackFileStandards, KeepWhatFailsWhereItFailsAgain)
       {"SLICE \"a\" \"\"; SLICE; CALIBRATIONCURVE 1,2; FIT Linear", "stack"},
       {"STANDARDIMAGE \"i\" \"f\"; SAMPLE; SAMPLEVALUE 1; SAMPLEVALUE x; FIT Linear", "standard image"},
       {"SLICE \"a\" \"\"; CALIBRATIONCURVE Spline 1; FIT Spline; FIT Linear", "slice"},
+      {"SLICE \"a\" \"\"; FIT Linear; CALIBRATIONCURVE 1,2", "slice"},
       {"SLICE \"a\" \"\"; CALIBRATIONCURVE 1,2; FIT Polynomial2; MODEL \"m\"; FIT Linear", "model"},
       {"STANDARDIMAGE \"i\" \"f\"; POSE \"p\"; SAMPLE \"x\"", "pose"},
   };

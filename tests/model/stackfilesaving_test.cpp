@@ -290,6 +290,13 @@ TEST(StackWarnings, NameWhatTwoDecimalsLose)
                   "nanometer would keep it."));
   stack.convertLengthUnit(-9);
   EXPECT_THAT(warnings(stack), IsEmpty());
+  PixelCalibration oblong = stack.getDefaultPixelCalibration();
+  oblong.setPixelWidth(1.004f); // by 0.4% each
+  oblong.setAspectRatio(1.004f);
+  oblong.compute();
+  slice.setPixelCalibration(oblong);
+  EXPECT_THAT(warnings(stack), ElementsAre(HasSubstr("is written as 1; the length unit picometer would keep it.")));
+  slice.setPixelCalibration(stack.getDefaultPixelCalibration());
   addSlice(stack, "s", "b.tif").setAnnotation("__NL__");
   ModelItem loose(&stack.addModel(std::make_unique<Model>("m")));
   loose.attach();
