@@ -1,6 +1,7 @@
 #include "model/model.h"
 
 #include "model/modelitem.h"
+#include "model/stack.h"
 #include "model/storabletext.h"
 
 #include <unordered_map>
@@ -13,7 +14,15 @@ Model::~Model()
 void Model::setName(const std::string& name)
 {
   requireStorableName(name, "void Model::setName(const std::string&)");
+  const std::string oldName = _name;
   _name = name;
+  if (_stack) _stack->noteRenamed(*this, oldName);
+}
+
+void Model::setStack(Stack* stack, int index)
+{
+  _stack = stack;
+  _index = index;
 }
 
 bool Model::partiallyContains(const Model& other) const

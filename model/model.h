@@ -4,8 +4,12 @@
 #include "model/modelitemowner.h"
 #include "model/modelitemproperties.h"
 #include "model/modelproperties.h"
+#include "model/snakeconfig.h"
 
+#include <optional>
 #include <string>
+
+class Stack;
 
 /// Named class of structures: one geometry for all its items, and how they are displayed.
 ///
@@ -22,6 +26,12 @@ public:
   /// \throw ValueError  the name cannot be stored
   void setName(const std::string& name);
 
+  /// The stack that holds this model, or nullptr, and the place there.
+  Stack* getStack() const { return _stack; }
+  int getIndex() const { return _index; }
+  /// Called by the stack.
+  void setStack(Stack* stack, int index);
+
   const ModelProperties& getProperties() const { return _properties; }
   ModelProperties& getProperties() { return _properties; }
   void setProperties(const ModelProperties& properties) { _properties = properties; }
@@ -32,13 +42,21 @@ public:
   ModelItemProperties& getItemProperties() { return _itemProperties; }
   void setItemProperties(const ModelItemProperties& properties) { _itemProperties = properties; }
 
+  /// How the active contour refines this model's curves. getSnakeConfig() is unchecked.
+  bool hasSnakeConfig() const { return _snakeConfig.has_value(); }
+  const SnakeConfig& getSnakeConfig() const { return *_snakeConfig; }
+  void setSnakeConfig(const SnakeConfig& config) { _snakeConfig = config; }
+
   /// Whether some item of `other` is partially contained in an item of this model on the same slice.
   bool partiallyContains(const Model& other) const;
 
 private:
   void noteMembership(ModelItem& item, bool isMember) override;
 
+  Stack* _stack = nullptr;
+  int _index = -1;
   std::string _name;
   ModelProperties _properties;
   ModelItemProperties _itemProperties;
+  std::optional<SnakeConfig> _snakeConfig;
 };

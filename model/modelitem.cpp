@@ -136,6 +136,23 @@ void ModelItem::setVertices(Vertices<int> vertices)
   _selection.reset(_vertices.getSize());
 }
 
+void ModelItem::setRLEItemSet(RLEItemSet set)
+{
+  _rleItemSet = std::move(set);
+  provideRegionSelection();
+}
+
+void ModelItem::addRLEItemSet(const RLEItemSet& set)
+{
+  _rleItemSet.add(set);
+  provideRegionSelection();
+}
+
+void ModelItem::provideRegionSelection()
+{
+  if (isRegion() && _selection.getNumVertices() != 1) _selection.reset(1);
+}
+
 void ModelItem::insertVertex(int i, const Vector<int>& point)
 {
   _vertices.insert(i, point);

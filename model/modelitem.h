@@ -97,8 +97,9 @@ public:
   bool partiallyContains(const ModelItem& item) const;
 
   const RLEItemSet& getRLEItemSet() const { return _rleItemSet; }
-  void setRLEItemSet(RLEItemSet set) { _rleItemSet = std::move(set); }
-  void addRLEItemSet(const RLEItemSet& set) { _rleItemSet.add(set); }
+  /// A region is selected as a whole: its selection has one flag.
+  void setRLEItemSet(RLEItemSet set);
+  void addRLEItemSet(const RLEItemSet& set);
   void removeRLEItemSet(const RLEItemSet& set) { _rleItemSet.remove(set); }
 
   const ModelItemProperties& getProperties() const { return _properties; }
@@ -120,6 +121,7 @@ public:
 
 private:
   Vertices<int> verticesWhere(bool isSelected) const;
+  void provideRegionSelection();
   /// Whether a position lies in the closed curve (even-odd rule) or region.
   bool contains(const int* position) const;
 

@@ -1,5 +1,7 @@
 #include "model/rleitemset.h"
 
+#include "model/contourscan.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -124,6 +126,61 @@ void RLEItemSet::setBall(const Vector<int>& center, int radius)
   }
   _runs = std::move(runs);
 }
+
+void RLEItemSet::setContour(const Vertices<int>& contour, const BoundingBox<int>& window)
+{
+  const Vector<int>&least = window.getMinimum(), &greatest = window.getMaximum();
+  Runs runs;
+  ContourScan scan(contour, ContourScan::Lines::Columns, least[0], greatest[0]);
+  while (scan.next())
+  {
+    for (const ContourScan::Run& run : scan.getRuns())
+    {
+      const auto first = std::max<std::int64_t>(run.first, least[1]);
+      const auto last = std::min<std::int64_t>(run.last, greatest[1]);
+      if (first <= last) runs.push_back(runBetween(scan.getLine(), static_cast<int>(first), static_cast<int>(last)));
+    }
+  }
+  _runs = std::move(runs);
+}
+
+template <class T> void RLEItemSet::fromMask(const PixelMatrix<T>& mask, T label)
+{
+  const int rows = mask.getSize1(), columns = mask.getSize2();
+  std::vector<int> begins(static_cast<std::size_t>(columns), -1); // of the runs that the row before belongs to
+  Runs runs;
+  for (int i = 0; i <= rows; ++i)
+  {
+    const T* const row = mask.data() + static_cast<std::ptrdiff_t>(i) * columns;
+    for (int j = 0; j < columns; ++j)
+    {
+      int& begin = begins[static_cast<std::size_t>(j)];
+      const bool isInside = i < rows && row[j] == label;
+      if (isInside == (begin >= 0)) continue;
+      if (!isInside) runs.push_back(runBetween(j, begin, i - 1));
+      begin = isInside ? i : -1;
+    }
+  }
+  std::sort(runs.begin(), runs.end());
+  _runs = std::move(runs);
+}
+
+template <class T> void RLEItemSet::toMask(PixelMatrix<T>& mask, T label) const
+{
+  const int rows = mask.getSize1(), columns = mask.getSize2();
+  for (const RLEItem& run : _runs)
+  {
+    if (run.getOriginX() < 0 || run.getOriginX() >= columns) continue;
+    const int last = std::min(run.end(), rows - 1);
+    for (int y = std::max(run.begin(), 0); y <= last; ++y)
+      mask.data()[static_cast<std::ptrdiff_t>(y) * columns + run.getOriginX()] = label;
+  }
+}
+
+#define INSTANTIATE_MASKS(T)                                                                                           \
+  template void RLEItemSet::fromMask<T>(const PixelMatrix<T>&, T);                                                     \
+  template void RLEItemSet::toMask<T>(PixelMatrix<T>&, T) const;
+IMAGE_FOR_EACH_TYPE(INSTANTIATE_MASKS)
 
 void RLEItemSet::translate(int dx, int dy)
 {

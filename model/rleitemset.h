@@ -1,6 +1,8 @@
 #pragma once
 
 #include "geometry/boundingbox.h"
+#include "geometry/vertices.h"
+#include "image/pixelmatrix.h"
 #include "model/rleitem.h"
 #include "numeric/vector.h"
 
@@ -34,6 +36,12 @@ public:
   void remove(const RLEItemSet& set);
   /// Replaces the set by the positions at most `radius` away from the centre; none for a negative radius.
   void setBall(const Vector<int>& center, int radius);
+  /// Replaces the set by the positions of the window inside a closed contour, as ContourScan defines it.
+  void setContour(const Vertices<int>& contour, const BoundingBox<int>& window);
+  /// Replaces the set by the positions (column, row) that have the label.
+  template <class T> void fromMask(const PixelMatrix<T>& mask, T label);
+  /// Gives the positions inside the mask the label.
+  template <class T> void toMask(PixelMatrix<T>& mask, T label) const;
   /// \throw ProgramError  a run would end beyond int
   void translate(int dx, int dy);
 

@@ -22,7 +22,7 @@ public:
 
   const std::string& getName() const { return _name; }
   /// \throw ValueError  the name cannot be stored
-  void setName(const std::string& name);
+  virtual void setName(const std::string& name);
   const std::string& getAnnotation() const { return _annotation; }
   void setAnnotation(const std::string& annotation) { _annotation = annotation; }
 

@@ -1,5 +1,6 @@
 #include "model/stack.h"
 
+#include "model/stackvolume.h"
 #include "model/storabletext.h"
 
 #include <algorithm>
@@ -10,20 +11,6 @@
 namespace
 {
 constexpr int micrometer = -6;
-
-template <class T> int indexOf(const std::vector<std::unique_ptr<T>>& objects, const T* object)
-{
-  const auto found =
-      std::find_if(objects.begin(), objects.end(), [&](const auto& each) { return each.get() == object; });
-  return found == objects.end() ? -1 : static_cast<int>(found - objects.begin());
-}
-
-template <class T> int indexOfName(const std::vector<std::unique_ptr<T>>& objects, const std::string& name)
-{
-  const auto found =
-      std::find_if(objects.begin(), objects.end(), [&](const auto& each) { return each->getName() == name; });
-  return found == objects.end() ? -1 : static_cast<int>(found - objects.begin());
-}
 
 PixelCalibration rescaled(PixelCalibration calibration, float factor, int scale)
 {
@@ -70,6 +57,7 @@ void Stack::clear()
 {
   _models.clear(); // before the items, which then have no list left to leave
   _slices.clear();
+  _standardImages.clear();
   deletePoses();
   clearKeptStatements();
   _name = _annotation = _imagesPath = _lastSegmentedSlice = _lastRegisteredSlice = "";
@@ -124,46 +112,10 @@ StackSlice* Stack::getPreviousSlice(const StackSlice* slice) const
   return i > 0 ? getSlice(i - 1) : nullptr;
 }
 
-int Stack::findSlice(const std::string& name) const
-{
-  return indexOfName(_slices, name);
-}
-
-int Stack::findSlice(const StackSlice* slice) const
-{
-  return slice && slice->getStack() == this ? slice->getIndex() : -1;
-}
-
-StackSlice& Stack::addSlice(std::unique_ptr<StackSlice> slice)
-{
-  return addSlice(std::move(slice), getNumSlices());
-}
-
-StackSlice& Stack::addSlice(std::unique_ptr<StackSlice> slice, int i)
-{
-  _slices.insert(_slices.begin() + i, std::move(slice));
-  numberSlices(static_cast<std::size_t>(i));
-  return *getSlice(i);
-}
-
-std::unique_ptr<StackSlice> Stack::removeSlice(int i)
-{
-  std::unique_ptr<StackSlice> slice = std::move(_slices[static_cast<std::size_t>(i)]);
-  _slices.erase(_slices.begin() + i);
-  numberSlices(static_cast<std::size_t>(i));
-  slice->setStack(nullptr, -1);
-  return slice;
-}
-
-void Stack::numberSlices(std::size_t first)
-{
-  for (std::size_t i = first; i < _slices.size(); ++i) _slices[i]->setStack(this, static_cast<int>(i));
-}
-
 std::vector<float> Stack::absolutePositions() const
 {
   std::vector<float> positions;
-  positions.reserve(_slices.size());
+  positions.reserve(static_cast<std::size_t>(getNumSlices()));
   double depth = 0; // summed as StackSlice::getAbsolutePosition() does
   for (const auto& slice : _slices)
   {
@@ -176,28 +128,10 @@ std::vector<float> Stack::absolutePositions() const
   return positions;
 }
 
-int Stack::findModel(const std::string& name) const
-{
-  return indexOfName(_models, name);
-}
-
-int Stack::findModel(const Model* model) const
-{
-  return indexOf(_models, model);
-}
-
-Model& Stack::addModel(std::unique_ptr<Model> model)
-{
-  return *_models.emplace_back(std::move(model));
-}
-
 std::unique_ptr<Model> Stack::removeModel(const Model* model)
 {
   const int i = findModel(model);
-  if (i < 0) return nullptr;
-  std::unique_ptr<Model> removed = std::move(_models[static_cast<std::size_t>(i)]);
-  _models.erase(_models.begin() + i);
-  return removed;
+  return i < 0 ? nullptr : _models.take(i);
 }
 
 void Stack::deleteModel(int i)
@@ -214,7 +148,7 @@ void Stack::deleteModel(int i)
 
 void Stack::deleteAllModels()
 {
-  while (!_models.empty()) deleteModel(getNumModels() - 1);
+  while (getNumModels() > 0) deleteModel(getNumModels() - 1);
 }
 
 std::vector<Model*> Stack::listGeometryModels(MPrimitive primitive) const
@@ -232,9 +166,41 @@ bool Stack::hasGeometryModelItems(MPrimitive primitive) const
                      { return model->getGeometry() == primitive && model->getNumItems() > 0; });
 }
 
+StandardImage& Stack::addStandardImage(std::unique_ptr<StandardImage> image)
+{
+  return *_standardImages.emplace_back(std::move(image));
+}
+
+std::vector<const StandardImage*> Stack::calibratedImages() const
+{
+  std::vector<const StandardImage*> images;
+  for (const auto& image : _standardImages)
+    if (image->hasCalibrationCurve()) images.push_back(image.get());
+  return images;
+}
+
+int Stack::getNumCalibration() const
+{
+  return static_cast<int>(calibratedImages().size());
+}
+
+const CalibrationCurve* Stack::getCalibration(int i) const
+{
+  const std::vector<const StandardImage*> images = calibratedImages();
+  const bool exists = i >= 0 && i < static_cast<int>(images.size());
+  return exists ? images[static_cast<std::size_t>(i)]->getCalibrationCurve() : nullptr;
+}
+
+const CalibrationCurve* Stack::getCalibration(const std::string& name) const
+{
+  for (const StandardImage* image : calibratedImages())
+    if (image->getName() == name) return image->getCalibrationCurve();
+  return nullptr;
+}
+
 bool Stack::isRegular() const
 {
-  if (_slices.size() < 2) return !_slices.empty();
+  if (getNumSlices() < 2) return getNumSlices() == 1;
   const int width = getSlice(0)->width(), height = getSlice(0)->height();
   const float distance = getSlice(1)->getRelativePosition();
   const float tolerance = std::abs(distance) * 1e-5f;
@@ -262,6 +228,17 @@ ImageColorContent Stack::colorContent() const
   return content;
 }
 
+template <class T> VoxelMatrix<T> Stack::toVoxelMatrix(ImageColorContent content) const
+{
+  VoxelMatrix<T> volume;
+  ProgressSubject nobody;
+  stackToVolume(volume, *this, content, nobody);
+  return volume;
+}
+
+#define INSTANTIATE_TO_VOXEL_MATRIX(T) template VoxelMatrix<T> Stack::toVoxelMatrix<T>(ImageColorContent) const;
+IMAGE_FOR_EACH_TYPE(INSTANTIATE_TO_VOXEL_MATRIX)
+
 void Stack::convertLengthUnit(int scale)
 {
   const float factor = static_cast<float>(std::pow(10.0, getLengthUnit().getScale() - scale));
@@ -281,15 +258,16 @@ void Stack::print(const std::string& prefix, std::ostream& stream) const
   const auto nameOf = [](const StackSlice* slice) { return slice ? slice->getName() : std::string("none"); };
   stream << prefix << "Name = " << _name << "\n" << prefix << "Images path = " << _imagesPath << "\n";
   const std::vector<float> positions = absolutePositions();
-  for (std::size_t i = 0; i < _slices.size(); ++i)
+  for (int i = 0; i < getNumSlices(); ++i)
   {
-    const StackSlice& slice = *_slices[i];
+    const StackSlice& slice = *getSlice(i);
     const PixelCalibration& calibration = slice.getPixelCalibration();
     stream << prefix << "Name = " << slice.getName() << "\n"
            << prefix << "  Prev = " << nameOf(slice.prevSlice()) << "\n"
            << prefix << "  Succ = " << nameOf(slice.nextSlice()) << "\n"
-           << prefix << "  Rel/Abs position = " << slice.getRelativePosition() << " / " << positions[i]
-           << (slice.useRelativePosition() ? " [Relative]" : " [Absolute]") << "\n"
+           << prefix << "  Rel/Abs position = " << slice.getRelativePosition() << " / "
+           << positions[static_cast<std::size_t>(i)] << (slice.useRelativePosition() ? " [Relative]" : " [Absolute]")
+           << "\n"
            << prefix << "  Aspect ratio = " << calibration.getAspectRatio() << "\n"
            << prefix << "  Pixel width  = " << calibration.getPixelWidth() << "\n"
            << prefix << "  Pixel height = " << calibration.getPixelHeight() << "\n"

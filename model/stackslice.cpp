@@ -19,6 +19,13 @@ StackSlice::~StackSlice()
   }
 }
 
+void StackSlice::setName(const std::string& name)
+{
+  const std::string oldName = getName();
+  Slice::setName(name);
+  if (_stack) _stack->noteRenamed(*this, oldName);
+}
+
 void StackSlice::setStack(Stack* stack, int index)
 {
   _stack = stack;

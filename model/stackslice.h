@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/calibrated.h"
 #include "model/keptstatements.h"
 #include "model/modelitemowner.h"
 #include "model/registration.h"
@@ -10,12 +11,14 @@ class Stack;
 /// A slice in a stack: its depth, its alignment and the items drawn on it, which it owns.
 ///
 /// Lengths and depths are in the stack's length unit.
-class StackSlice : public Slice, public ModelItemOwner, public KeptStatements
+class StackSlice : public Slice, public ModelItemOwner, public KeptStatements, public Calibrated
 {
 public:
   StackSlice() = default;
   /// Deletes the items.
   ~StackSlice() override;
+
+  void setName(const std::string& name) override;
 
   /// The stack that holds this slice, or nullptr, and the place there.
   Stack* getStack() const { return _stack; }

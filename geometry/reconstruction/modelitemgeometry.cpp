@@ -1,0 +1,63 @@
+#include "geometry/reconstruction/modelitemgeometry.h"
+
+#include "geometry/curve.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+#include "numeric/exception.h"
+
+#include <cmath>
+#include <limits>
+
+namespace
+{
+constexpr double unavailable = std::numeric_limits<double>::quiet_NaN();
+constexpr int space = 3;
+} // namespace
+
+void ModelItemGeometry::clear()
+{
+  _numVertices = 0;
+  _vertices = Vertices<double>(space);
+  _isobarycenter.setSize(space);
+  _isobarycenter.fill(unavailable);
+  _length = _area = unavailable;
+}
+
+void ModelItemGeometry::run()
+{
+  constexpr const char* where = "void ModelItemGeometry::run()";
+  if (!getModelItem()) throw UsageError(where, "There is no item");
+  const ModelItem& item = *getModelItem();
+  const int slice = item.getSlice() ? item.getSlice()->getIndex() : -1;
+  if (slice < 0) throw UsageError(where, "The item lies on no slice of the stack");
+  clear();
+  if (item.isRegion()) return measureRegion(slice);
+  _reconstruction.map(_vertices, item);
+  _numVertices = _vertices.getSize();
+  if (_numVertices > 0) _isobarycenter = _vertices.cog();
+  const bool isOpen = item.getModel() && item.getModel()->getGeometry() == MPrimitive::Polyline;
+  if (!item.isClosed() && !isOpen) return;
+  const Curve<double> curve(_vertices, isOpen);
+  _length = curve.length();
+  if (item.isClosed()) _area = std::abs(curve.twiceArea(0, 1)) / 2;
+}
+
+void ModelItemGeometry::measureRegion(int slice)
+{
+  const Vector<double>& map = _reconstruction.getMap(slice);
+  double u = 0, v = 0; // sums over all positions
+  for (const RLEItem& run : getModelItem()->getRLEItemSet().getItems())
+  {
+    const double length = run.getLength();
+    _numVertices += run.getLength();
+    u += length * run.getOriginX();
+    v += length * (double{1} * run.begin() + run.end()) / 2;
+  }
+  _area = static_cast<double>(_numVertices) * std::abs(map[0] * map[4] - map[1] * map[3]);
+  if (_numVertices == 0) return;
+  u /= static_cast<double>(_numVertices);
+  v /= static_cast<double>(_numVertices);
+  _isobarycenter = {map[0] * u + map[1] * v + map[2], map[3] * u + map[4] * v + map[5],
+                    _reconstruction.getZMap()[slice]};
+}
