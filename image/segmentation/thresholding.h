@@ -22,6 +22,8 @@ public:
   bool foregroundIsAbove() const { return _foregroundIsAbove; }
   void setForegroundIsAbove(bool isAbove) { _foregroundIsAbove = isAbove; }
 
+  /// Progress is told after each row, or group of rows of a volume, that the calling thread has done: how many rows are
+  /// done by all threads.
   void apply(PixelMatrix<T>& matrix) override;
   void apply(VoxelMatrix<T>& matrix) override;
 
