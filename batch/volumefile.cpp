@@ -24,16 +24,10 @@ template <class T> void crossVoxelSize(VoxelMatrix<T>& volume)
   volume.setVoxelCalibration(calibration);
 }
 
-/// Refuses a volume larger than the machine's memory, before anything is allocated.
-void requireMemory(const std::string& filename, double numBytes)
+/// Refuses a volume for which, with the work on it, the memory is too small, before anything is allocated.
+void requireRoom(const std::string& filename, double numVoxels, double voxelSize, const WorkingMemory& beside)
 {
-  const double memory =
-      double{1} * static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-  if (numBytes <= memory) return;
-  constexpr double gibibyte = 1 << 30;
-  const auto inGibibytes = [](double bytes) { return std::to_string(static_cast<long>(bytes / gibibyte) + 1); };
-  throw BatchError(filename + ": the volume takes " + inGibibytes(numBytes) + " GiB, the machine has " +
-                   inGibibytes(memory));
+  requireMemory(filename, numVoxels * (voxelSize * (1 + beside.shareOfVolume) + beside.bytesPerVoxel));
 }
 
 double numVoxels(const ImageHeader& header)
@@ -48,19 +42,19 @@ template <class T> AnyVolume load(const std::string& filename)
   return volume;
 }
 
-AnyVolume readVoxelMatrix(const std::string& filename)
+AnyVolume readVoxelMatrix(const std::string& filename, const WorkingMemory& beside)
 {
   const VoxelMatrixHeader header = VoxelMatrixFile(filename).getHeader();
-  requireMemory(filename, static_cast<double>(header.numVoxels()) * static_cast<double>(header.elementSize));
+  requireRoom(filename, static_cast<double>(header.numVoxels()), static_cast<double>(header.elementSize), beside);
   return withElementType(header, [&](auto zero) { return load<decltype(zero)>(filename); });
 }
 
-AnyVolume readTiff(const std::string& filename)
+AnyVolume readTiff(const std::string& filename, const WorkingMemory& beside)
 {
   ImageHeader header;
   ImageReader::read(header, filename);
   const bool isWide = header.getDepth() == 16;
-  requireMemory(filename, numVoxels(header) * (isWide ? 2 : 1));
+  requireRoom(filename, numVoxels(header), isWide ? 2 : 1, beside);
   AnyVolume volume = isWide ? load<unsigned short>(filename) : load<unsigned char>(filename);
   std::visit([](auto& matrix) { crossVoxelSize(matrix); }, volume);
   return volume;
@@ -85,14 +79,15 @@ template <class T> AnyVolume readChannel(ImageSourceLSMStackPlane& source, int c
   return volume;
 }
 
-AnyVolume readLsm(const std::string& filename, int channel)
+AnyVolume readLsm(const std::string& filename, int channel, const WorkingMemory& beside)
 {
   ImageSourceLSMStackPlane source(filename);
   if (channel < 0 || channel >= source.getNumChannels())
     throw BatchError(filename + ": there is no channel " + std::to_string(channel) + "; the file has " +
                      std::to_string(source.getNumChannels()) + ", counted from 0");
   const bool isWide = source.getDepth() == 16;
-  requireMemory(filename, double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes() * (isWide ? 2 : 1));
+  requireRoom(filename, double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes(), isWide ? 2 : 1,
+              beside);
   return isWide ? readChannel<unsigned short>(source, channel) : readChannel<unsigned char>(source, channel);
 }
 } // namespace
@@ -107,7 +102,21 @@ VolumeFormat volumeFormat(const std::string& filename)
   return suffix == ".vm" ? VolumeFormat::VoxelMatrix : VolumeFormat::Unknown;
 }
 
-AnyVolume readVolume(const std::string& filename, int channel)
+double machineMemory()
+{
+  return double{1} * static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+void requireMemory(const std::string& filename, double numBytes)
+{
+  if (numBytes <= machineMemory()) return;
+  constexpr double gibibyte = 1 << 30;
+  const auto inGibibytes = [](double bytes) { return std::to_string(static_cast<long>(bytes / gibibyte) + 1); };
+  throw BatchError(filename + ": the volume and the work on it take " + inGibibytes(numBytes) +
+                   " GiB, the machine has " + inGibibytes(machineMemory()));
+}
+
+AnyVolume readVolume(const std::string& filename, int channel, const WorkingMemory& beside)
 {
   if (channel != 0 && volumeFormat(filename) != VolumeFormat::Lsm)
     throw BatchError(filename + ": only confocal stacks (.lsm) have channels to choose from");
@@ -116,11 +125,11 @@ AnyVolume readVolume(const std::string& filename, int channel)
     switch (volumeFormat(filename))
     {
     case VolumeFormat::Tiff:
-      return readTiff(filename);
+      return readTiff(filename, beside);
     case VolumeFormat::Lsm:
-      return readLsm(filename, channel);
+      return readLsm(filename, channel, beside);
     case VolumeFormat::VoxelMatrix:
-      return readVoxelMatrix(filename);
+      return readVoxelMatrix(filename, beside);
     case VolumeFormat::Unknown:
       break;
     }

@@ -20,10 +20,23 @@ enum class VolumeFormat
 };
 VolumeFormat volumeFormat(const std::string& filename);
 
+/// Memory that the work on a volume takes beside it: a share of the volume's own bytes, and bytes for each voxel.
+struct WorkingMemory
+{
+  double shareOfVolume = 0;
+  double bytesPerVoxel = 0;
+};
+
 /// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
 /// their places whatever the file's format. Of a confocal stack, one channel.
-/// \throw BatchError  the file is no image file, or larger than the memory   \throw Exception  it cannot be read
-AnyVolume readVolume(const std::string& filename, int channel = 0);
+/// \throw BatchError  the file is no image file, or it takes, with the work on it, more than the memory
+/// \throw Exception   it cannot be read
+AnyVolume readVolume(const std::string& filename, int channel = 0, const WorkingMemory& beside = {});
+
+/// Bytes of the machine's memory.
+double machineMemory();
+/// \throw BatchError  the work on this file takes more than the machine's memory
+void requireMemory(const std::string& filename, double numBytes);
 
 /// \throw BatchError  a volume cannot be written to a file of this name, or the file exists and must not be overwritten
 void requireVolumeOutput(const std::string& filename, bool overwrite);

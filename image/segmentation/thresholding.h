@@ -30,6 +30,8 @@ public:
   /// 255 where an element is not below the level (NaN is not), 0 elsewhere; the calibration is kept.
   static PixelMatrix<unsigned char> levelSetMask(const PixelMatrix<T>& matrix, T level);
   static VoxelMatrix<unsigned char> levelSetMask(const VoxelMatrix<T>& matrix, T level);
+  /// The same as a step of the subject. \throw Cancelled
+  static VoxelMatrix<unsigned char> levelSetMask(const VoxelMatrix<T>& matrix, T level, ProgressSubject& subject);
 
   /// The outer boundary of the region around an element: the elements equal to the label that are connected with it
   /// through common sides.
