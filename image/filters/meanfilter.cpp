@@ -1,5 +1,6 @@
 #include "image/filters/meanfilter.h"
 
+#include "image/filters/runningsums.h"
 #include "image/filters/separablefilter.h"
 #include "numeric/targetclones.h"
 
@@ -57,6 +58,10 @@ template <class A> __attribute__((always_inline)) inline void addNext(A* x, int 
   {                                                                                                                    \
     addBlock(lines, size, count, n, out);                                                                              \
   }                                                                                                                    \
+  MIRELO_TARGET_CLONES void addOverhang(const A* first, const A* last, A count, long n, A* sums)                       \
+  {                                                                                                                    \
+    for (long j = 0; j < n; ++j) sums[j] += count * (first[j] + last[j]);                                              \
+  }                                                                                                                    \
   MIRELO_TARGET_CLONES void sumAlong(A* x, int size, long n, A* out)                                                   \
   {                                                                                                                    \
     addNext(x, size, n, out);                                                                                          \
@@ -65,31 +70,44 @@ IMAGE_SUM_KERNELS(int)
 IMAGE_SUM_KERNELS(double)
 IMAGE_SUM_KERNELS(long double)
 
-/// Sums of `size` consecutive values.
+/// Sums of `size` consecutive values on an axis of `length` values. What every window has beyond the farthest window
+/// that an axis can fill is a multiple of the outermost values, and added as such.
 template <class A> class Sums : public LineFilter<A>
 {
 public:
-  explicit Sums(int size) : _size(size) {}
+  Sums(int size, int length) : _radius(std::min(size / 2, length - 1)), _overhang(size / 2 - _radius) {}
 
-  int radius() const override { return _size / 2; }
-  int period() const override { return _size; }
-  void along(A* x, long n, A* out) const override { sumAlong(x, _size, n, out); }
+  int radius() const override { return _radius; }
+  int period() const override { return 2 * _radius + 1; }
+  void along(A* x, long n, A* out) const override
+  {
+    const A beyond = _overhang == 0 ? A(0) : static_cast<A>(_overhang) * (x[0] + x[n - 1 + 2 * _radius]);
+    sumAlong(x, period(), n, out);
+    for (long j = 0; _overhang > 0 && j < n; ++j) out[j] += beyond;
+  }
   void across(const A* const* lines, int count, long n, A* const* out) const override
   {
-    for (int d = 0; d < count; d += _size) sumAcross(lines + d, _size, std::min(_size, count - d), n, out + d);
+    for (int d = 0; d < count; d += period()) sumAcross(lines + d, period(), std::min(period(), count - d), n, out + d);
+    for (int d = 0; _overhang > 0 && d < count; ++d)
+      addOverhang(lines[0], lines[count - 1 + 2 * _radius], static_cast<A>(_overhang), n, out[d]);
   }
 
 private:
-  int _size;
+  int _radius;
+  int _overhang; // elements that are still missing on either side
 };
 
 /// Sums in type A over boxes of these sizes, divided by the number of elements.
 template <class A, class T>
 void filterInType(const SliceView<T>& image, const int (&sizes)[3], double numElements, ProgressSubject& subject)
 {
-  const Sums<A> alongColumns(sizes[1]), acrossLines(sizes[image.lineAxis()]), acrossSlices(sizes[image.sliceAxis()]);
-  filterSeparably<T, A>(image, {alongColumns, acrossLines, acrossSlices}, 1 / static_cast<Real<A>>(numElements),
-                        subject);
+  const auto sumsOf = [&](typename SliceView<T>::Axis axis) { return Sums<A>(sizes[axis], image.size(axis)); };
+  const Sums<A> alongColumns = sumsOf(SliceView<T>::Columns), acrossLines = sumsOf(image.lineAxis());
+  const Real<A> scale = 1 / static_cast<Real<A>>(numElements);
+  if constexpr (std::is_integral_v<T>)
+    sumAcrossSlices<T, A>(image, alongColumns, acrossLines, sizes[image.sliceAxis()] / 2, scale, subject);
+  else
+    filterSeparably<T, A>(image, {alongColumns, acrossLines, sumsOf(image.sliceAxis())}, scale, subject);
 }
 } // namespace
 
