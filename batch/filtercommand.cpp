@@ -43,6 +43,8 @@ ExitStatus filter(const Arguments& arguments)
          [&]<class T>(VoxelMatrix<T>& matrix)
          {
            const auto step = kind.make<T>(options);
+           const auto volumeSize = static_cast<double>(matrix.getNumVoxels() * sizeof(T));
+           requireMemory(arguments.in, volumeSize + step->workingMemory(matrix));
            step->addObserver(progress);
            step->apply(matrix);
            writeVolume(std::move(matrix), arguments.out);

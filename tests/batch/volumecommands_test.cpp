@@ -2,6 +2,7 @@
 #include "batch_fixture.h"
 #include "geometry/trimesh.h"
 #include "image/voxelmatrix.h"
+#include "tests/support/randomvolumes.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <limits>
 #include <sstream>
+#include <sys/resource.h>
+#include <sys/wait.h>
 
 namespace
 {
@@ -213,6 +216,42 @@ TEST_F(BatchVolumes, AreRefusedWithTheirNameAndTheReason)
     EXPECT_THAT(result.errors, HasSubstr(c.text)) << c.arguments;
     EXPECT_FALSE(fs::exists(folder / "x.vm") || fs::exists(folder / "x.stl")) << c.arguments;
   }
+}
+
+/// Runs the program with two threads and gives the largest memory it took, in bytes.
+double peakMemory(const std::string& arguments)
+{
+  const std::string command = "OMP_NUM_THREADS=2 exec " MIRELO_BATCH " " + arguments;
+  const pid_t child = fork();
+  if (child == 0)
+  {
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  rusage usage = {};
+  EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+  EXPECT_EQ(status, 0) << command;
+  return 1024. * static_cast<double>(usage.ru_maxrss);
+}
+
+TEST_F(BatchVolumes, TakeLittleMoreMemoryThanInputAndOutput)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the checks take memory of their own";
+#endif
+  constexpr double program = 16e6; // with its libraries
+  randomVolume<unsigned char>(256, 256, 128, [](double u) { return 255 * u; }).save(path("bytes.vm"), true);
+  randomVolume<float>(256, 256, 128, [](double u) { return u; }).save(path("floats.vm"), true);
+  randomVolume<unsigned char>(80, 80, 80, [](double u) { return 255 * u; }).save(path("noise.vm"), true);
+  for (const std::string name : {"bytes.vm", "floats.vm"})
+    for (const char* size : {"255", "20001"})
+      EXPECT_LT(
+          peakMemory("filter " + path(name) + " --kind mean --overwrite --out " + path("x.vm") + " --size " + size),
+          2.25 * static_cast<double>(fs::file_size(path(name))) + program)
+          << name << ", " << size;
+  const double peak = peakMemory("isosurface " + path("noise.vm") + " --level 127 --out " + path("x.ply"));
+  EXPECT_LT(peak, 1.1 * static_cast<double>(fs::file_size(path("x.ply"))) + program);
 }
 
 TEST_F(BatchVolumes, AreRefusedWhenTheWorkOnThemTakesTooMuchMemory)
