@@ -190,6 +190,17 @@ TEST(HistogramThresholding, TakesLowerEdgesOfBins)
   EXPECT_THAT(elementsOf(values), ElementsAre(0, 255, 0, 255));
 }
 
+TEST(HistogramThresholding, ReportsTheHistogramAndTheRows)
+{
+  OtsuThresholding<unsigned char> step;
+  Reports reports;
+  step.addObserver(reports);
+  PixelMatrix<unsigned char> image = plane<unsigned char>({{10}, {200}, {200}, {10}});
+  const NumThreads oneThread(1);
+  step.apply(image);
+  EXPECT_THAT(reports.shares, ElementsAre(0.5, 0.625, 0.75, 0.875, 1, 1, 1)); // rows end, and both steps
+}
+
 TEST(HistogramThresholding, WorksBeyondTheRangeOfTheType)
 {
   OtsuThresholding<unsigned char> step;
