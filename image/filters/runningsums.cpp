@@ -84,7 +84,7 @@ public:
       {
 #pragma omp for schedule(dynamic)
         for (int d = 0; d < count; ++d) computeChange(first, d);
-#pragma omp for schedule(static) collapse(2)
+#pragma omp for schedule(dynamic, 4) collapse(2)
         for (int line = 0; line < _image.numLines(); ++line)
           for (int tile = 0; tile < numTiles; ++tile)
             advanceTile(first, count, line, tile * largestTileWidth, std::min(width, (tile + 1) * largestTileWidth));
@@ -97,7 +97,7 @@ private:
   /// As many slices as give the threads enough to do, as long as what is kept of them is small beside the image.
   int batchSize() const
   {
-    constexpr long fewestElements = 1 << 16, partOfImage = 16;
+    constexpr long fewestElements = 1 << 16, partOfImage = 8;
     const long sliceSize = static_cast<long>(_image.width()) * _image.numLines();
     const long wanted = std::clamp(fewestElements / sliceSize, 8L, 64L);
     const long affordable =
