@@ -4,6 +4,7 @@
 #include "image/image.h"
 #include "image/imagereader.h"
 #include "image/imagewriter.h"
+#include "image/voxelmatrixplanes.h"
 
 #include <CLI/CLI.hpp>
 
@@ -38,15 +39,15 @@ VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<unsigned short>& volume)
   return levels;
 }
 
-/// A linear map of the volume's range.
+/// A linear map of the range of the volume's finite voxels.
 template <class T> VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<T>& volume)
 {
-  const Vector<T> range = volume.range();
+  const auto [low, high] = finiteRange(volume);
   VoxelMatrix<unsigned char> levels(volume.getSize1(), volume.getSize2(), volume.getSize3());
   Image image;
   for (int k = 0; k < volume.getSize3(); ++k)
   {
-    volume[k].convertToImage(image, range[0], range[1]);
+    volume[k].convertToImage(image, low, high);
     std::memcpy(levels[k].data(), image.getData(), image.dataLength());
   }
   return levels;
@@ -77,18 +78,22 @@ bool hasColors(const ImageHeader& header)
   return header.getDepth() > 16 || (header.hasColormap() && !header.getColormap().isGrayscale());
 }
 
+[[noreturn]] void refuseColors(const std::string& filename)
+{
+  Image image;
+  ImageReader::read(image, filename); // what cannot be read at all is refused as such
+  throw BatchError(filename + ": colours can only be kept in a TIFF file of one page; --grey8 takes grey levels");
+}
+
 ExitStatus convert(const Arguments& arguments)
 {
   requireVolumeOutput(arguments.out, arguments.overwrite);
   if (volumeFormat(arguments.in) == VolumeFormat::Tiff)
   {
-    ImageHeader header;
-    ImageReader::read(header, arguments.in);
+    const ImageHeader header = imageHeader(arguments.in);
     const bool toTiff = volumeFormat(arguments.out) == VolumeFormat::Tiff;
     if (toTiff && header.getNumPlanes() == 1) return convertImage(arguments), Done;
-    if (hasColors(header) && !arguments.grey8)
-      throw BatchError(arguments.in +
-                       ": colours can only be kept in a TIFF file of one page; --grey8 takes grey levels");
+    if (hasColors(header) && !arguments.grey8) refuseColors(arguments.in);
   }
   AnyVolume volume = readVolume(arguments.in, arguments.channel);
   std::visit([&](auto& matrix) { convertVolume(matrix, arguments); }, volume);

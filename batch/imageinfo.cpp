@@ -1,21 +1,26 @@
 #include "batch/imageinfo.h"
 
 #include "batch/volumefile.h"
-#include "image/imagereader.h"
-#include "image/imagesourcelsmstackplane.h"
+#include "image/filewarnings.h"
 #include "image/voxelmatrixfile.h"
 
 #include <sstream>
 
 namespace
 {
+// Nothing is read but the headers, so that their warnings are told here.
+
 ImageHeader headerOf(const std::string& filename)
 {
-  ImageHeader header;
-  if (volumeFormat(filename) == VolumeFormat::Lsm)
-    ImageReader::read(header, ImageSourceLSMStackPlane(filename));
-  else
-    ImageReader::read(header, filename);
+  ImageHeader header = imageHeader(filename);
+  tellWarning(filename);
+  return header;
+}
+
+VoxelMatrixHeader voxelMatrixHeaderOf(const std::string& filename)
+{
+  VoxelMatrixHeader header = VoxelMatrixFile(filename).getHeader();
+  tellWarning(filename);
   return header;
 }
 
@@ -56,8 +61,7 @@ std::string voxelMatrixText(const VoxelMatrixHeader& header)
 
 Json imageInfo(const std::string& filename)
 {
-  if (volumeFormat(filename) == VolumeFormat::VoxelMatrix)
-    return voxelMatrixInfo(VoxelMatrixFile(filename).getHeader());
+  if (volumeFormat(filename) == VolumeFormat::VoxelMatrix) return voxelMatrixInfo(voxelMatrixHeaderOf(filename));
   const ImageHeader header = headerOf(filename);
   const PixelCalibration& calibration = header.getPixelCalibration();
   return {{"width", header.getWidth()},
@@ -74,8 +78,7 @@ Json imageInfo(const std::string& filename)
 
 std::string imageText(const std::string& filename)
 {
-  if (volumeFormat(filename) == VolumeFormat::VoxelMatrix)
-    return voxelMatrixText(VoxelMatrixFile(filename).getHeader());
+  if (volumeFormat(filename) == VolumeFormat::VoxelMatrix) return voxelMatrixText(voxelMatrixHeaderOf(filename));
   const ImageHeader header = headerOf(filename);
   const PixelCalibration& calibration = header.getPixelCalibration();
   std::ostringstream text;

@@ -62,7 +62,7 @@ private:
 ExitStatus label(const Arguments& arguments)
 {
   requireVolumeOutput(arguments.out, arguments.overwrite);
-  const AnyVolume volume = readVolume(arguments.in, 0, {.bytesPerVoxel = bytesPerBit + sizeof(unsigned char)});
+  const AnyVolume volume = readVolume(arguments.in, 0, bytesPerBit + sizeof(unsigned char));
   TerminalProgress progress;
   ProgressSubject subject;
   subject.addObserver(progress);

@@ -124,7 +124,7 @@ ExitStatus threshold(const Arguments& arguments)
     throw BatchError("--level belongs to --method fixed, which needs it");
   if (arguments.level) requireFiniteLevel(*arguments.level);
   requireVolumeOutput(arguments.out, arguments.overwrite);
-  const AnyVolume volume = readVolume(arguments.in, 0, {.bytesPerVoxel = sizeof(unsigned char)});
+  const AnyVolume volume = readVolume(arguments.in, 0, sizeof(unsigned char));
   TerminalProgress progress;
   ProgressSubject subject;
   subject.addObserver(progress);

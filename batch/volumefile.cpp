@@ -24,12 +24,6 @@ template <class T> void crossVoxelSize(VoxelMatrix<T>& volume)
   volume.setVoxelCalibration(calibration);
 }
 
-/// Refuses a volume for which, with the work on it, the memory is too small, before anything is allocated.
-void requireRoom(const std::string& filename, double numVoxels, double voxelSize, const WorkingMemory& beside)
-{
-  requireMemory(filename, numVoxels * (voxelSize * (1 + beside.shareOfVolume) + beside.bytesPerVoxel));
-}
-
 double numVoxels(const ImageHeader& header)
 {
   return double{1} * header.getWidth() * header.getHeight() * header.getNumPlanes();
@@ -42,19 +36,19 @@ template <class T> AnyVolume load(const std::string& filename)
   return volume;
 }
 
-AnyVolume readVoxelMatrix(const std::string& filename, const WorkingMemory& beside)
+AnyVolume readVoxelMatrix(const std::string& filename, double workingBytesPerVoxel)
 {
   const VoxelMatrixHeader header = VoxelMatrixFile(filename).getHeader();
-  requireRoom(filename, static_cast<double>(header.numVoxels()), static_cast<double>(header.elementSize), beside);
+  requireMemory(filename, static_cast<double>(header.numVoxels()) *
+                              (static_cast<double>(header.elementSize) + workingBytesPerVoxel));
   return withElementType(header, [&](auto zero) { return load<decltype(zero)>(filename); });
 }
 
-AnyVolume readTiff(const std::string& filename, const WorkingMemory& beside)
+AnyVolume readTiff(const std::string& filename, double workingBytesPerVoxel)
 {
-  ImageHeader header;
-  ImageReader::read(header, filename);
+  const ImageHeader header = imageHeader(filename);
   const bool isWide = header.getDepth() == 16;
-  requireRoom(filename, numVoxels(header), isWide ? 2 : 1, beside);
+  requireMemory(filename, numVoxels(header) * ((isWide ? 2 : 1) + workingBytesPerVoxel));
   AnyVolume volume = isWide ? load<unsigned short>(filename) : load<unsigned char>(filename);
   std::visit([](auto& matrix) { crossVoxelSize(matrix); }, volume);
   return volume;
@@ -79,15 +73,15 @@ template <class T> AnyVolume readChannel(ImageSourceLSMStackPlane& source, int c
   return volume;
 }
 
-AnyVolume readLsm(const std::string& filename, int channel, const WorkingMemory& beside)
+AnyVolume readLsm(const std::string& filename, int channel, double workingBytesPerVoxel)
 {
   ImageSourceLSMStackPlane source(filename);
   if (channel < 0 || channel >= source.getNumChannels())
     throw BatchError(filename + ": there is no channel " + std::to_string(channel) + "; the file has " +
                      std::to_string(source.getNumChannels()) + ", counted from 0");
   const bool isWide = source.getDepth() == 16;
-  requireRoom(filename, double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes(), isWide ? 2 : 1,
-              beside);
+  const double numVoxels = double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes();
+  requireMemory(filename, numVoxels * ((isWide ? 2 : 1) + workingBytesPerVoxel));
   return isWide ? readChannel<unsigned short>(source, channel) : readChannel<unsigned char>(source, channel);
 }
 } // namespace
@@ -116,7 +110,17 @@ void requireMemory(const std::string& filename, double numBytes)
                    " GiB, the machine has " + inGibibytes(machineMemory()));
 }
 
-AnyVolume readVolume(const std::string& filename, int channel, const WorkingMemory& beside)
+ImageHeader imageHeader(const std::string& filename)
+{
+  ImageHeader header;
+  if (volumeFormat(filename) == VolumeFormat::Lsm)
+    ImageReader::read(header, ImageSourceLSMStackPlane(filename));
+  else
+    ImageReader::read(header, ImageSourceTiffStackPlane(filename));
+  return header;
+}
+
+AnyVolume readVolume(const std::string& filename, int channel, double workingBytesPerVoxel)
 {
   if (channel != 0 && volumeFormat(filename) != VolumeFormat::Lsm)
     throw BatchError(filename + ": only confocal stacks (.lsm) have channels to choose from");
@@ -125,11 +129,11 @@ AnyVolume readVolume(const std::string& filename, int channel, const WorkingMemo
     switch (volumeFormat(filename))
     {
     case VolumeFormat::Tiff:
-      return readTiff(filename, beside);
+      return readTiff(filename, workingBytesPerVoxel);
     case VolumeFormat::Lsm:
-      return readLsm(filename, channel, beside);
+      return readLsm(filename, channel, workingBytesPerVoxel);
     case VolumeFormat::VoxelMatrix:
-      return readVoxelMatrix(filename, beside);
+      return readVoxelMatrix(filename, workingBytesPerVoxel);
     case VolumeFormat::Unknown:
       break;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "image/imageheader.h"
 #include "image/voxelmatrix.h"
 
 #include <string>
@@ -20,18 +21,16 @@ enum class VolumeFormat
 };
 VolumeFormat volumeFormat(const std::string& filename);
 
-/// Memory that the work on a volume takes beside it: a share of the volume's own bytes, and bytes for each voxel.
-struct WorkingMemory
-{
-  double shareOfVolume = 0;
-  double bytesPerVoxel = 0;
-};
+/// What a TIFF file or a confocal stack says of its images; thumbnails are not counted.
+/// \throw FileError  it cannot be read
+ImageHeader imageHeader(const std::string& filename);
 
 /// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
-/// their places whatever the file's format. Of a confocal stack, one channel.
+/// their places whatever the file's format. Of a confocal stack, one channel. The work on the volume takes some bytes
+/// for each voxel besides.
 /// \throw BatchError  the file is no image file, or it takes, with the work on it, more than the memory
 /// \throw Exception   it cannot be read
-AnyVolume readVolume(const std::string& filename, int channel = 0, const WorkingMemory& beside = {});
+AnyVolume readVolume(const std::string& filename, int channel = 0, double workingBytesPerVoxel = 0);
 
 /// Bytes of the machine's memory.
 double machineMemory();

@@ -246,6 +246,7 @@ void Image::make32bits()
 void Image::replacePixels(Image& converted)
 {
   converted.setDescription(_header);
+  converted._header.setNumChannels(converted.bytesPerPixel()); // of 8 bits each
   converted.deleteColormap();
   swap(converted);
 }

@@ -30,6 +30,7 @@ void readCurrentImage(Image& image, TiffFile& file)
   Image fresh;
   readTiffPixels(fresh, header, file);
   image.swap(fresh);
+  file.tellWarning();
 }
 
 const std::string& requireImage(const std::string& filename, const char* where)
@@ -99,7 +100,7 @@ void ImageReader::read(Image& image, const ImageSourceFile& source)
 void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 {
   constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)";
-  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane(), TiffPlanes::WithoutThumbnails);
   readCurrentImage(image, file);
 }
 
@@ -167,8 +168,9 @@ void ImageReader::read(ImageHeader& header, const ImageSourceFile& source)
 void ImageReader::read(ImageHeader& header, const ImageSourceTiffStackPlane& source)
 {
   constexpr const char* where = "void ImageReader::read(ImageHeader&, const ImageSourceTiffStackPlane&)";
-  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane());
+  TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane(), TiffPlanes::WithoutThumbnails);
   readTiffHeader(header, file);
+  header.setNumPlanes(numTiffPlanes(header, file));
 }
 
 void ImageReader::read(ImageHeader& header, const ImageSourceLSMStackPlane& source)

@@ -21,7 +21,6 @@ class ImageSourceVoxelMatrixPlane;
 class ImageReader
 {
 public:
-  /// \throw FileError  also for sources of a kind that cannot be read yet
   static void read(Image& image, const ImageSource& source);
   static void read(Image& image, const ImageSourceFile& source);
   /// The tiles pasted side by side. \throw FileFormatError  they differ in depth, colormap or sizes of rows and columns
@@ -36,14 +35,14 @@ public:
   /// The first image of a TIFF or LSM file that is no thumbnail.
   static void read(Image& image, const std::string& filename);
 
-  /// Only the header.
+  /// Only the header. Its planes are all directories of the file, those of a stack do not include thumbnails.
   static void read(ImageHeader& header, const std::string& filename);
   static void read(ImageHeader& header, const ImageSourceFile& source);
   static void read(ImageHeader& header, const ImageSourceTiffStackPlane& source);
   static void read(ImageHeader& header, const ImageSourceLSMStackPlane& source);
 
-  /// Where each reading of an LSM file's private block writes the line "S32MagicNumber :" and the number; by default
-  /// the standard output. To be set before anything is read; the stream must live as long.
+  /// Where the line "S32MagicNumber :" and the number in an LSM file's private block are written, once per file whose
+  /// images are read; by default the standard output. To be set before anything is read; the stream must live as long.
   static void setMagicNumberStream(std::ostream& stream);
   static std::ostream& getMagicNumberStream();
 };

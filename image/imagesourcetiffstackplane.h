@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// One plane, 0-based, of a multi-page TIFF file.
+/// One plane, 0-based, of a multi-page TIFF file. Thumbnails are not counted.
 class ImageSourceTiffStackPlane : public ImageSource
 {
 public:

@@ -1,5 +1,6 @@
 #include "image/imagewriter.h"
 
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/tifffile.h"
 #include "image/tiffwriting.h"
@@ -15,7 +16,7 @@ void writeTIFF(const Image& image, TiffFile& file)
 {
   writeTIFFHeader(image.getWidth(), image.getHeight(), image.getDepth(), image.isIndexed(), file);
   if (image.isIndexed()) writeTIFFColormap(image.getColormap(), file);
-  writeTiffCalibration(image.getPixelCalibration(), file);
+  writeTiffCalibration(image.getPixelCalibration(), file, writeSignature);
   writeTIFFPixels(image.getData(), image.getHeight(), image.bytesPerLine(), file, writeSignature);
 }
 } // namespace
@@ -31,4 +32,5 @@ void ImageWriter::write(const Image& image, const std::string& filename, bool ov
     writeTIFF(image, file);
   }
   target.commit();
+  tellWarning(filename);
 }

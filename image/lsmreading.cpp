@@ -1,5 +1,7 @@
 #include "image/lsmreading.h"
 
+#include "image/filecache.h"
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/imagereader.h"
 #include "image/tiffpixels.h"
@@ -55,9 +57,25 @@ LSMInformation requireInformation(TiffFile& file)
 {
   LSMInformation information;
   if (!readInformation(information, file)) file.failReading(headerSignature, "This is not an LSM file");
+  return information;
+}
+
+void writeMagicNumber(const LSMInformation& information)
+{
   ImageReader::getMagicNumberStream() << "S32MagicNumber :" + std::to_string(information.magicNumber) + "\n"
                                       << std::flush;
-  return information;
+}
+
+/// The same once per file until it changes: all planes of a volume are images of one file.
+void writeMagicNumberOnce(const LSMInformation& information, const TiffFile& file)
+{
+  static FileCache<LSMInformation> written;
+  const auto write = [&]
+  {
+    writeMagicNumber(information);
+    return information;
+  };
+  written.get(file.getDescriptor(), write);
 }
 
 /// A length in micrometres; 1 for one that cannot be.
@@ -84,6 +102,26 @@ void setPixelSize(ImageHeader& header, float width, float height)
   calibration.compute();
   calibration.setLengthUnit(LengthUnit(-6));
   header.setPixelCalibration(calibration);
+}
+
+/// What readLSMHeader() says.
+void fillHeader(ImageHeader& header, const LSMInformation& information, TiffFile& file)
+{
+  const auto& [x, y, z] = information.dimensions;
+  if (x <= 0 || y <= 0) file.failReading(headerSignature, "Invalid image size");
+  header = ImageHeader();
+  header.setFormat(ImageFormat::Tiff);
+  header.setHeight(x); // crossed, as all of this header
+  header.setWidth(y);
+  header.setDepth(checkBits(file));
+  header.setNumPlanes(file.getNumDirectories());
+  header.setNumChannels(information.numChannels);
+  header.setNewSubfileType(readTag<std::uint32_t>(file, TIFFTAG_SUBFILETYPE, 0));
+  header.setVoxelSizeX(micrometres(information.voxelSizes[0]));
+  header.setVoxelSizeY(micrometres(information.voxelSizes[1]));
+  if (z > 1 && file.getNumDirectories() > 1) header.setVoxelSizeZ(micrometres(information.voxelSizes[2]));
+  setPixelSize(header, header.getVoxelSizeY(), header.getVoxelSizeX());
+  readLSMColormap(header, file);
 }
 
 /// Turns the crossed header into that of the current directory's raster.
@@ -117,7 +155,9 @@ public:
     : _first(filename, 0, TiffPlanes::WithoutThumbnails),
       _file(filename, index < 0 ? index : index % _first.getNumPlanes(), TiffPlanes::WithoutThumbnails)
   {
-    readLSMHeader(_header, _first);
+    const LSMInformation information = requireInformation(_first);
+    writeMagicNumberOnce(information, _first);
+    fillHeader(_header, information, _first);
     uncross(_header, _file);
     _channel = index / _first.getNumPlanes();
     if (_channel >= _header.getNumChannels())
@@ -148,21 +188,8 @@ bool isLSM(const TiffFile& file)
 void readLSMHeader(ImageHeader& header, TiffFile& file)
 {
   const LSMInformation information = requireInformation(file);
-  const auto& [x, y, z] = information.dimensions;
-  if (x <= 0 || y <= 0) file.failReading(headerSignature, "Invalid image size");
-  header = ImageHeader();
-  header.setFormat(ImageFormat::Tiff);
-  header.setHeight(x); // crossed, as all of this header
-  header.setWidth(y);
-  header.setDepth(checkBits(file));
-  header.setNumPlanes(file.getNumDirectories());
-  header.setNumChannels(information.numChannels);
-  header.setNewSubfileType(readTag<std::uint32_t>(file, TIFFTAG_SUBFILETYPE, 0));
-  header.setVoxelSizeX(micrometres(information.voxelSizes[0]));
-  header.setVoxelSizeY(micrometres(information.voxelSizes[1]));
-  if (z > 1 && file.getNumDirectories() > 1) header.setVoxelSizeZ(micrometres(information.voxelSizes[2]));
-  setPixelSize(header, header.getVoxelSizeY(), header.getVoxelSizeX());
-  readLSMColormap(header, file);
+  writeMagicNumber(information);
+  fillHeader(header, information, file);
 }
 
 void readLSMColormap(ImageHeader& header, TiffFile& file)
@@ -206,4 +233,5 @@ void readLSMImage(Image& image, const std::string& filename, int index)
   Image fresh;
   LSMImageFile(filename, index).readImage(fresh);
   image.swap(fresh);
+  tellWarning(filename);
 }

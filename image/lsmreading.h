@@ -25,6 +25,7 @@ void readLSMColormap(ImageHeader& header, TiffFile& file);
 void readLSMPixels(Image& image, TiffFile& file, int channel);
 
 /// Header of an image as readLSMImage() gives it: sizes of the raster, pixel width along X, planes without thumbnails.
+/// Both write the magic number once per file.
 void readLSMImageHeader(ImageHeader& header, const std::string& filename, int index);
 void readLSMImage(Image& image, const std::string& filename, int index);
 /// @}

@@ -10,9 +10,17 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace
 {
+constexpr unsigned char black = 0, white = 255;
+
+template <class T> bool isInfinity(T x)
+{
+  return x > std::numeric_limits<T>::max();
+}
+
 /// The mean of red, green and blue; its fraction is dropped.
 int grayLevel(const unsigned char* color)
 {
@@ -79,6 +87,12 @@ template <class T, class Level> void makeImage(const PixelMatrix<T>& matrix, Ima
 }
 } // namespace
 
+template <class T> PixelMatrix<T>::PixelMatrix(PixelMatrix&& other)
+  : Matrix<T>(other.isOwner() ? Matrix<T>(static_cast<Matrix<T>&&>(other)) : Matrix<T>(other)),
+    _pixelCalibration(other._pixelCalibration)
+{
+}
+
 template <class T> PixelMatrix<T>& PixelMatrix<T>::operator=(const PixelMatrix& other)
 {
   Matrix<T>::operator=(other);
@@ -92,6 +106,13 @@ template <class T> PixelMatrix<T>& PixelMatrix<T>::operator=(PixelMatrix&& other
   Matrix<T>::operator=(std::move(other));
   if (this->isOwner()) _pixelCalibration = calibration;
   return *this;
+}
+
+template <class T> void PixelMatrix<T>::swap(PixelMatrix& other)
+{
+  const bool areOwners = this->isOwner() && other.isOwner();
+  Matrix<T>::swap(other);
+  if (areOwners) std::swap(_pixelCalibration, other._pixelCalibration);
 }
 
 template <class T> void PixelMatrix<T>::fillBorder(int width, T value)
@@ -185,13 +206,15 @@ template <class T> void PixelMatrix<T>::convertToImage(Image& image) const
 template <class T> void PixelMatrix<T>::convertToImage(Image& image, T low, T high) const
 {
   using R = Real<T>;
-  if (!(high > low)) return makeImage(*this, image, [](T) { return static_cast<unsigned char>(0); });
-  const R scale = R(255) / (static_cast<R>(high) - static_cast<R>(low));
+  if (!(high > low)) return makeImage(*this, image, [](T x) { return isInfinity(x) ? white : black; });
+  const R whole = static_cast<R>(high) - static_cast<R>(low);
+  const R share = std::isfinite(whole) ? R(1) : R(0.5); // of all values, that their range does not overflow
+  const R start = share * static_cast<R>(low), range = share * static_cast<R>(high) - start;
   makeImage(*this, image,
-            [low, scale](T x)
+            [=](T x)
             {
-              const R level = (static_cast<R>(x) - static_cast<R>(low)) * scale + R(0.5);
-              return static_cast<unsigned char>(level >= R(0) ? std::min(level, R(255)) : R(0));
+              const R level = (share * static_cast<R>(x) - start) / range * R(white) + R(0.5);
+              return static_cast<unsigned char>(level >= R(0) ? std::min(level, R(white)) : R(black));
             });
 }
 

@@ -15,7 +15,7 @@ class RandomGenerator;
 ///
 /// Rows are image lines, columns places along a line; element (i, j) is line i, column j, both 0-based. Like a matrix,
 /// it owns its block or is a view, as the planes of a volume are. Assigning to a view writes its elements; its
-/// calibration stays.
+/// calibration stays. Moving from a view copies its elements, so that the planes of a volume stay where they are.
 template <class T> class PixelMatrix : public Matrix<T>
 {
 public:
@@ -28,12 +28,17 @@ public:
   /// \throw RangeError  as convertFromImage()
   explicit PixelMatrix(const Image& image) { convertFromImage(image); }
   PixelMatrix(const PixelMatrix&) = default;
-  PixelMatrix(PixelMatrix&&) noexcept = default;
+  PixelMatrix(PixelMatrix&& other);
   ~PixelMatrix() override = default;
 
   /// \throw SizeError  this is a view of another size
   PixelMatrix& operator=(const PixelMatrix& other);
   PixelMatrix& operator=(PixelMatrix&& other);
+
+  /// Exchanges the elements and, between owners, the calibrations.
+  /// \throw SizeError  the sizes differ and one of the matrices is a view
+  void swap(PixelMatrix& other);
+  friend void swap(PixelMatrix& a, PixelMatrix& b) { a.swap(b); }
 
   const PixelCalibration& getPixelCalibration() const { return _pixelCalibration; }
   void setPixelCalibration(const PixelCalibration& calibration) { _pixelCalibration = calibration; }
@@ -61,8 +66,8 @@ public:
 
   /// An 8-bit image of the values, rounded. \throw RangeError  a value outside 0..255, or NaN
   void convertToImage(Image& image) const;
-  /// An 8-bit image in which `low` (and below) is 0 and `high` (and above) 255, with a linear map between them;
-  /// all 0 when high <= low, as are NaN.
+  /// An 8-bit image in which `low` (and below) is 0 and `high` (and above) 255, with a linear map between them; NaN is
+  /// 0. When high <= low, all but infinity is 0.
   void convertToImage(Image& image, T low, T high) const;
   /// Writes the 8-bit image of convertToImage() as a TIFF file.
   /// \throw FileWriteError  as ImageWriter::write()   \throw RangeError  as convertToImage()

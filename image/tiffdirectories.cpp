@@ -19,7 +19,7 @@ public:
     _version = number(2, 2);
   }
 
-  TiffDirectories walk() const
+  TiffDirectories walk()
   {
     TiffDirectories directories;
     if (_version != tiffVersion && _version != bigTiffVersion) return directories;
@@ -27,8 +27,9 @@ public:
     std::uint64_t offset = isBigTiff() ? number(8, 8) : number(4, 4);
     while (offset != 0 && seen.insert(offset).second)
     {
-      directories.all.push_back(offset);
-      if (!isThumbnail(offset)) directories.withoutThumbnails.push_back(offset);
+      const TiffDirectory directory = describe(offset);
+      directories.all.push_back(directory);
+      if (!directory.isThumbnail) directories.withoutThumbnails.push_back(directory);
       offset = next(offset);
     }
     if (directories.withoutThumbnails.empty()) directories.withoutThumbnails = directories.all;
@@ -40,42 +41,71 @@ private:
 
   bool isBigTiff() const { return _version == bigTiffVersion; }
   std::uint64_t countSize() const { return isBigTiff() ? 8 : 2; }
+  std::uint64_t entrySize() const { return isBigTiff() ? 20 : 12; }
 
-  /// What NewSubfileType says; it has the least number of all tags and thus comes first.
-  bool isThumbnail(std::uint64_t directory) const
+  /// Of the tags looked for, which come by their numbers, NewSubfileType is the first and Compression the sixth at
+  /// most; a few more entries are searched for the sake of directories out of order.
+  TiffDirectory describe(std::uint64_t offset)
   {
-    constexpr std::uint64_t newSubfileType = 254, shortType = 3;
-    const std::uint64_t entry = directory + countSize();
-    if (number(entry, 2) != newSubfileType) return false;
-    const std::uint64_t value = number(entry + (isBigTiff() ? 12 : 8), number(entry + 2, 2) == shortType ? 2 : 4);
-    return (value & 1) != 0;
+    constexpr std::uint64_t newSubfileType = 254, compression = 259, reducedImage = 1, mostEntries = 16;
+    TiffDirectory directory;
+    directory.offset = offset;
+    const std::uint64_t numEntries = std::min(number(offset, countSize()), mostEntries);
+    for (std::uint64_t i = 0; i < numEntries; ++i)
+    {
+      const std::uint64_t entry = offset + countSize() + i * entrySize(), tag = number(entry, 2);
+      if (tag == newSubfileType) directory.isThumbnail = (valueOf(entry) & reducedImage) != 0;
+      if (tag == compression) directory.compression = static_cast<std::uint16_t>(valueOf(entry));
+    }
+    return directory;
+  }
+
+  /// The one number of an entry.
+  std::uint64_t valueOf(std::uint64_t entry)
+  {
+    constexpr std::uint64_t shortType = 3;
+    return number(entry + (isBigTiff() ? 12 : 8), number(entry + 2, 2) == shortType ? 2 : 4);
   }
 
   /// Offset of the directory behind the given one; 0 behind the last.
-  std::uint64_t next(std::uint64_t directory) const
+  std::uint64_t next(std::uint64_t directory)
   {
-    const std::uint64_t entrySize = isBigTiff() ? 20 : 12;
     const std::uint64_t numEntries = number(directory, countSize());
     constexpr std::uint64_t maxEntries = 65535; // of a sound directory, even in a BigTIFF file
     if (numEntries == 0 || numEntries > maxEntries) return 0;
-    return number(directory + countSize() + numEntries * entrySize, isBigTiff() ? 8 : 4);
+    return number(directory + countSize() + numEntries * entrySize(), isBigTiff() ? 8 : 4);
   }
 
   /// The number of `size` bytes at an offset; 0 behind the end of the file.
-  std::uint64_t number(std::uint64_t offset, std::size_t size) const
+  std::uint64_t number(std::uint64_t offset, std::size_t size)
   {
-    std::array<unsigned char, 8> bytes;
-    const bool isRead =
-        static_cast<off_t>(offset) >= 0 &&
-        pread(_descriptor, bytes.data(), size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
-    if (!isRead) return 0;
-    if (!_isBigEndian) std::reverse(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+    if (!isInPiece(offset, size)) readPiece(offset);
+    if (!isInPiece(offset, size)) return 0;
+    const unsigned char* const bytes = _bytes.data() + (offset - _start);
     std::uint64_t value = 0;
-    for (std::size_t i = 0; i < size; ++i) value = value << 8 | bytes[i];
+    for (std::size_t i = 0; i < size; ++i) value = value << 8 | bytes[_isBigEndian ? i : size - 1 - i];
     return value;
   }
 
+  /// Without sums, which offsets near the greatest number would overflow.
+  bool isInPiece(std::uint64_t offset, std::size_t size) const
+  {
+    return offset >= _start && offset - _start <= _numBytes && size <= _numBytes - (offset - _start);
+  }
+
+  /// Most directories fit one piece.
+  void readPiece(std::uint64_t offset)
+  {
+    const bool isOffset = static_cast<off_t>(offset) >= 0;
+    const ssize_t numRead = isOffset ? pread(_descriptor, _bytes.data(), _bytes.size(), static_cast<off_t>(offset)) : 0;
+    _start = offset;
+    _numBytes = static_cast<std::uint64_t>(std::max<ssize_t>(numRead, 0));
+  }
+
   int _descriptor;
+  std::array<unsigned char, 512> _bytes; // a piece of the file
+  std::uint64_t _start = 0;              // of the piece in the file
+  std::uint64_t _numBytes = 0;           // of the piece
   bool _isBigEndian = false;
   std::uint64_t _version = 0;
 };

@@ -4,11 +4,19 @@
 #include <memory>
 #include <vector>
 
-/// Offsets of the directories of a TIFF file in their order.
+/// What is known of a directory of a TIFF file without reading it whole.
+struct TiffDirectory
+{
+  std::uint64_t offset = 0;
+  bool isThumbnail = false;
+  std::uint16_t compression = 1; ///< by its number in the format; 1 for none
+};
+
+/// The directories of a TIFF file in their order.
 struct TiffDirectories
 {
-  std::vector<std::uint64_t> all;
-  std::vector<std::uint64_t> withoutThumbnails; ///< all, when there is nothing but reduced versions of other images
+  std::vector<TiffDirectory> all;
+  std::vector<TiffDirectory> withoutThumbnails; ///< all, when there is nothing but reduced versions of other images
 };
 
 /// The directories of a TIFF file, found by walking along them once per file: reading plane

@@ -1,5 +1,6 @@
 #include "image/tifffile.h"
 
+#include "image/filewarnings.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -7,29 +8,18 @@
 #include <cstdarg>
 #include <cstdio>
 #include <fcntl.h>
-#include <iostream>
 #include <iterator>
 #include <memory>
-#include <mutex>
 #include <sys/stat.h>
 #include <system_error>
 #include <tiffio.h>
 #include <unistd.h>
-#include <unordered_set>
+#include <utility>
 
 namespace
 {
 constexpr std::uint64_t greatestBlock = 256 << 20; // that libtiff may take for itself, whatever the file's length
 constexpr const char* openSignature = "TiffFile::TiffFile(const std::string&, int, TiffPlanes)";
-
-/// Whether a file was not warned of before. Its images are opened again and again; one line is enough.
-bool isFirstWarning(const std::string& filename)
-{
-  static std::mutex mutex;
-  static std::unordered_set<std::string> known;
-  const std::lock_guard lock(mutex);
-  return known.insert(filename).second;
-}
 
 /// One line of text from libtiff's format and arguments.
 std::string formatted(const char* format, va_list arguments)
@@ -122,6 +112,7 @@ TiffFile::TiffFile(const std::string& filename, int plane, TiffPlanes planes)
     _tiff = TIFFClientOpenExt(filename.c_str(), "rmc", this, readProcedure, refuseToWrite, seekProcedure,
                               closeProcedure, sizeProcedure, nullptr, nullptr, optionsFor(*this).get());
     if (!_tiff || getNumPlanes() == 0) failReading(openSignature, "Cannot read TIFF file");
+    forgetError();
   }
   catch (...)
   {
@@ -147,9 +138,20 @@ TiffFile::~TiffFile()
 {
   TIFFClose(_tiff);
   if (_descriptor >= 0) ::close(_descriptor);
-  const std::string& message = _error.empty() ? _warning : _error;
-  if (!_hasFailed && !message.empty() && isFirstWarning(_filename))
-    std::cerr << "KOVA Image Lib: " + _filename + ": " + message + "\n" << std::flush;
+  if (!_hasFailed) holdWarning();
+}
+
+/// Keeps what libtiff said as a warning, errors that stopped nothing included.
+void TiffFile::holdWarning()
+{
+  forgetError();
+  if (!_warning.empty()) ::holdWarning(_filename, std::exchange(_warning, ""));
+}
+
+void TiffFile::tellWarning()
+{
+  holdWarning();
+  ::tellWarning(_filename);
 }
 
 /// Lets libtiff begin at the chosen plane.
@@ -159,7 +161,7 @@ void TiffFile::findDirectories()
   if (getNumPlanes() == 0) return; // libtiff knows why
   const bool isListed = _plane >= 0 && _plane < getNumPlanes();
   if (!isListed && (_plane < 0 || getNumDirectories() > 1)) failAtPlane();
-  _firstDirectory = planes()[isListed ? static_cast<std::size_t>(_plane) : 0];
+  _firstDirectory = getPlanes()[isListed ? static_cast<std::size_t>(_plane) : 0].offset;
 }
 
 void TiffFile::selectNextPlane()
@@ -167,9 +169,10 @@ void TiffFile::selectNextPlane()
   ++_plane;
   if (getNumDirectories() == 1) return;
   if (_plane >= getNumPlanes()) failAtPlane();
-  const std::uint64_t directory = planes()[static_cast<std::size_t>(_plane)];
+  const std::uint64_t directory = getPlanes()[static_cast<std::size_t>(_plane)].offset;
   while (TIFFCurrentDirOffset(_tiff) != directory)
     if (TIFFReadDirectory(_tiff) != 1) failReading("void TiffFile::selectNextPlane()", "Cannot read TIFF directory");
+  forgetError();
 }
 
 void TiffFile::failAtPlane()
@@ -230,7 +233,13 @@ void TiffFile::patchHeader(unsigned char* bytes, std::uint64_t count) const
 
 void TiffFile::noteError(const std::string& message)
 {
-  if (_error.empty()) _error = withoutFilename(message);
+  _error = withoutFilename(message);
+}
+
+/// Makes a warning of an error that was none after all: what it was about was read well.
+void TiffFile::forgetError()
+{
+  if (!_error.empty()) _warning = std::exchange(_error, "");
 }
 
 void TiffFile::noteWarning(const std::string& message)
@@ -239,7 +248,7 @@ void TiffFile::noteWarning(const std::string& message)
   const char* const harmless[] = {"nknown field with tag", "ExtraSamples"};
   const bool isHarmless = std::any_of(std::begin(harmless), std::end(harmless),
                                       [&](const char* text) { return message.find(text) != std::string::npos; });
-  if (_warning.empty() && !isHarmless) _warning = withoutFilename(message);
+  if (!isHarmless) _warning = withoutFilename(message);
 }
 
 /// libtiff begins some messages with the file's name, which is told elsewhere.

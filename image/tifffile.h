@@ -19,8 +19,8 @@ enum class TiffPlanes
 
 /// A TIFF file that is closed on every path; it keeps what libtiff has to say about it.
 ///
-/// libtiff's message becomes part of the error that follows it. Warnings of a file that was read without error go to
-/// the error stream as one line when the file is closed for the first time.
+/// libtiff's last message becomes part of the error that follows it. When there was none, the last warning is held for
+/// tellWarning() as the file is closed.
 class TiffFile
 {
 public:
@@ -44,8 +44,12 @@ public:
   std::uint64_t getLength() const { return _length; }
   int getPlane() const { return _plane; }
   int getNumDirectories() const { return static_cast<int>(_directories->all.size()); }
-  /// Number of directories that count as planes.
-  int getNumPlanes() const { return static_cast<int>(planes().size()); }
+  /// The directories that count as planes.
+  const std::vector<TiffDirectory>& getPlanes() const
+  {
+    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
+  }
+  int getNumPlanes() const { return static_cast<int>(getPlanes().size()); }
   /// Goes on to the next plane. \throw FileFormatError  there is none, or its directory cannot be read
   void selectNextPlane();
   /// Bytes at a place of the file, from any thread; false when there are fewer.
@@ -56,6 +60,9 @@ public:
   /// \throw FileWriteError  always, with the same text
   [[noreturn]] void failWriting(const std::string& where, const std::string& what);
 
+  /// To be called when the pixels were read: writes the warning, if there is any, once per file.
+  void tellWarning();
+
   /// Called by libtiff's handlers.
   void noteError(const std::string& message);
   void noteWarning(const std::string& message);
@@ -65,12 +72,9 @@ public:
   std::int64_t read(unsigned char* bytes, std::int64_t count);
 
 private:
-  /// Offsets of the directories that count as planes.
-  const std::vector<std::uint64_t>& planes() const
-  {
-    return _countedPlanes == TiffPlanes::All ? _directories->all : _directories->withoutThumbnails;
-  }
   void findDirectories();
+  void forgetError();
+  void holdWarning();
   [[noreturn]] void failAtPlane();
   std::size_t readPiece(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
   void patchHeader(unsigned char* bytes, std::uint64_t count) const;
@@ -86,7 +90,7 @@ private:
   TiffPlanes _countedPlanes = TiffPlanes::All;
   int _plane = 0;
   std::uint64_t _firstDirectory = 0; // that libtiff gets to see; 0: the file's
-  std::string _error;                // the first one
-  std::string _warning;              // the first one
+  std::string _error;                // the last one since a directory was read
+  std::string _warning;              // the last one
   bool _hasFailed = false;           // the error was told by an exception
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace
@@ -46,11 +47,16 @@ bool needsDecoding(const TiffFile& file)
          readTagOrDefault<std::uint16_t>(file, TIFFTAG_FILLORDER) != FILLORDER_MSB2LSB;
 }
 
+bool hasPlainLines(const TiffRaster& raster, const TiffFile& file)
+{
+  return !needsDecoding(file) && TIFFScanlineSize64(file.get()) == raster.bytesPerLine();
+}
+
 /// Where the pixels lie in the file, in the order of the lines, neighbouring strips joined. None when they need
 /// decoding or when a strip is shorter than its lines or lies outside the file, about which libtiff knows more.
 std::vector<Block> plainBlocks(const TiffRaster& raster, const TiffFile& file)
 {
-  if (needsDecoding(file) || TIFFScanlineSize64(file.get()) != raster.bytesPerLine()) return {};
+  if (!hasPlainLines(raster, file)) return {};
   const auto height = static_cast<std::uint32_t>(raster.height), numRows = rowsPerStrip(raster, file);
   std::vector<Block> blocks;
   std::uint32_t strip = TIFFComputeStrip(file.get(), 0, raster.sample);
@@ -175,10 +181,17 @@ void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& f
     decodeStrips(pixels, raster, file, where);
 }
 
-std::uint64_t countContiguousRasters(const TiffRaster& raster, const TiffFile& file)
+std::optional<TiffRasterRun> findRasterRun(const TiffRaster& raster, const TiffFile& file)
 {
+  if (!hasPlainLines(raster, file)) return std::nullopt;
   const std::vector<Block> blocks = plainBlocks(raster, file);
-  return blocks.size() == 1 ? (file.getLength() - blocks.front().offset) / blocks.front().length : 0;
+  if (blocks.size() > 1) return std::nullopt;
+  if (blocks.empty()) return TiffRasterRun(); // the first raster is cut
+  const std::uint64_t start = blocks.front().offset, directory = file.getPlanes().front().offset;
+  const bool isDirectoryBehind = directory > start; // and thus nothing was cut off, whatever lies between
+  const std::uint64_t numBytes = (isDirectoryBehind ? directory : file.getLength()) - start;
+  const std::uint64_t numLeft = numBytes % raster.dataLength(), padding = 1; // to an even length
+  return TiffRasterRun{numBytes / raster.dataLength(), isDirectoryBehind || numLeft <= padding};
 }
 
 void checkTiffLength(double numBytes, TiffFile& file, const char* where)
@@ -186,4 +199,13 @@ void checkTiffLength(double numBytes, TiffFile& file, const char* where)
   const auto compression = readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION);
   if (numBytes / greatestExpansion(compression) > static_cast<double>(file.getLength()))
     file.failReading(where, "The file is too short for its image size");
+}
+
+void checkTiffStackLength(double numBytesPerPlane, TiffFile& file, const char* where)
+{
+  std::map<std::uint16_t, int> numPlanes; // by compression
+  for (const TiffDirectory& plane : file.getPlanes()) ++numPlanes[plane.compression];
+  for (const auto& [compression, number] : numPlanes)
+    if (number * numBytesPerPlane / greatestExpansion(compression) > static_cast<double>(file.getLength()))
+      file.failReading(where, "The file is too short for its " + std::to_string(file.getNumPlanes()) + " planes");
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 class TiffFile;
 
@@ -23,10 +24,20 @@ struct TiffRaster
 /// \throw FileFormatError  with the where-text of the caller
 void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where);
 
-/// Number of images of this size from the directory's own to the file's end, when its pixels lie in one block that
-/// needs no decoding; otherwise 0.
-std::uint64_t countContiguousRasters(const TiffRaster& raster, const TiffFile& file);
+/// Images of one size that lie one after another, the directory's own being the first.
+struct TiffRasterRun
+{
+  std::uint64_t numRasters = 0;
+  bool isWhole = false; ///< nothing was cut off: the file ends with the last one, or its directory follows
+};
+
+/// What there is for images without directories of their own; none when the pixels need decoding or do not lie in one
+/// block.
+std::optional<TiffRasterRun> findRasterRun(const TiffRaster& raster, const TiffFile& file);
 
 /// Refuses a number of bytes that the file's length and compression cannot hold, before anybody believes it.
 /// \throw FileFormatError  with the where-text of the caller
 void checkTiffLength(double numBytes, TiffFile& file, const char* where);
+
+/// The same for all planes of a file with a directory for each: those of each compression must fit.
+void checkTiffStackLength(double numBytesPerPlane, TiffFile& file, const char* where);

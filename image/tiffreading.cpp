@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string_view>
 
 namespace
@@ -55,15 +56,24 @@ int scaleOfDescription(std::string_view description)
   {
     const char* text;
     int scale;
-  } units[] = {{"unit=cm", -2},       {"unit=mm", -3},
-               {"unit=micron", -6},   {"unit=\xC2\xB5m", -6}, // micro sign in UTF-8
-               {"unit=\xB5m", -6},                            // in Latin-1
-               {"unit=\\u00B5m", -6},                         // escaped
-               {"unit=um", -6},       {"unit=nm", -9}};
+  } units[] = {{"unit=cm", -2},        {"unit=mm", -3},
+               {"unit=micron", -6},    {"unit=\xC2\xB5m", -6}, // micro sign in UTF-8
+               {"unit=\xCE\xBCm", -6},                         // the Greek letter
+               {"unit=\xB5m", -6},                             // micro sign in Latin-1
+               {"unit=\\u00B5m", -6},                          // escaped
+               {"unit=um", -6},        {"unit=nm", -9}};
   int scale = 0;
   for (const auto& unit : units)
     if (description.find(unit.text) != std::string_view::npos) scale = unit.scale; // a later match overrides
   return scale;
+}
+
+/// What numbers may begin with and std::from_chars() does not know: blanks and one plus sign.
+std::string_view withoutBlanksAndPlus(std::string_view text)
+{
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  const bool hasPlus = text.starts_with('+') && !text.starts_with("+-");
+  return text.substr(hasPlus ? 1 : 0);
 }
 
 /// Distance between planes, from the text after "spacing="; nothing changes when there is none.
@@ -73,7 +83,7 @@ void readSpacing(ImageHeader& header, std::string_view description)
   const std::size_t start = description.find("spacing");
   if (start == std::string_view::npos || start + nameLength > description.size()) return;
   std::string_view piece = description.substr(start + nameLength);
-  piece = piece.substr(0, piece.find("loop="));
+  piece = withoutBlanksAndPlus(piece.substr(0, piece.find("loop=")));
   float spacing = 0;
   const auto parsed = std::from_chars(piece.data(), piece.data() + piece.size(), spacing);
   if (parsed.ec == std::errc() && std::isfinite(spacing)) header.setVoxelSizeZ(spacing);
@@ -115,14 +125,29 @@ std::uint64_t numImagesOfDescription(std::string_view description)
   return number;
 }
 
+/// Number of planes of a file of one directory whose description counts several images: as many, when they are there,
+/// or one, when it is a single page with the description of a stack.
+int numStackedPlanes(std::uint64_t numImages, const ImageHeader& header, TiffFile& file)
+{
+  TiffRaster first = rasterOf(header, file);
+  first.pixelsBehind = 0;
+  const std::optional<TiffRasterRun> run = findRasterRun(first, file);
+  const std::uint64_t numFound = run ? std::min<std::uint64_t>(run->numRasters, std::numeric_limits<int>::max()) : 1;
+  if (numImages <= numFound) return static_cast<int>(numImages);
+  const std::string told = std::to_string(numImages) + " images of its description";
+  if (run && !(numFound == 1 && run->isWhole))
+    file.failReading(headerSignature, "The file is too short for the " + told);
+  file.noteWarning("The file has one plane only, not the " + told);
+  return 1;
+}
+
 /// Refuses pixels that an image cannot hold.
 void checkPixels(const ImageHeader& header, TiffFile& file)
 {
   if (header.getNumChannels() > 1 &&
       readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
     file.failReading(pixelsSignature, "Cannot read TIFF with separate planes");
-  if (header.getDepth() > 32)
-    file.failReading(pixelsSignature, "Invalid depth value: " + std::to_string(header.getDepth()) + " bits per pixel");
+  if (header.getDepth() > 32) file.failReading(pixelsSignature, "Invalid depth value");
 }
 
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
@@ -165,13 +190,14 @@ void readTiffNumPlanes(ImageHeader& header, TiffFile& file)
   if (file.getNumDirectories() > 1) return;
   const char* const description = readTag<const char*>(file, TIFFTAG_IMAGEDESCRIPTION, nullptr);
   const std::uint64_t numImages = description ? numImagesOfDescription(description) : 0;
-  TiffRaster first = rasterOf(header, file);
-  first.pixelsBehind = 0;
-  const bool isStack =
-      numImages > 1 && numImages <= std::numeric_limits<int>::max() && numImages <= countContiguousRasters(first, file);
-  if (isStack) header.setNumPlanes(static_cast<int>(numImages));
+  if (numImages > 1) header.setNumPlanes(numStackedPlanes(numImages, header, file));
   if (file.getPlane() >= header.getNumPlanes())
     file.failReading(headerSignature, "There is no plane " + std::to_string(file.getPlane()));
+}
+
+int numTiffPlanes(const ImageHeader& header, const TiffFile& file)
+{
+  return file.getNumDirectories() == 1 ? header.getNumPlanes() : file.getNumPlanes();
 }
 
 void readTiffCalibration(ImageHeader& header, TiffFile& file)

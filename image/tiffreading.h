@@ -13,9 +13,12 @@ class TiffFile;
 void readTiffHeader(ImageHeader& header, TiffFile& file);
 /// Height and width, with the where-text of the caller.
 void readTiffSize(ImageHeader& header, TiffFile& file, const char* where);
-/// Number of directories or, in a file of one directory, of the images that an ImageJ description counts, when as many
-/// lie one after another in the file. Asks for width, height and depth.
+/// Number of directories or, in a file of one directory, of the images that an ImageJ description counts, which lie one
+/// after another in the file. It may be a single page with the description of a stack, which is warned of; otherwise a
+/// file that is too short for them is refused. Asks for width, height and depth.
 void readTiffNumPlanes(ImageHeader& header, TiffFile& file);
+/// The same without directories that do not count as planes, once the header is known.
+int numTiffPlanes(const ImageHeader& header, const TiffFile& file);
 /// Pixel size and unit from the resolution tags and, without a unit there, from the description.
 void readTiffCalibration(ImageHeader& header, TiffFile& file);
 void readTiffColormap(ImageHeader& header, TiffFile& file);

@@ -22,23 +22,24 @@ struct TiffUnit
   std::string description;
 };
 
-/// The unit itself when the format knows it, else the next finer one (nanometres at the least).
-TiffUnit tiffUnit(int scale)
+/// The units that the format knows, those to be preferred for a scale first: the unit itself, else the next finer one.
+std::vector<TiffUnit> unitsFor(int scale)
 {
-  if (scale >= 0) return {0, RESUNIT_NONE, ""};
-  if (scale >= -2) return {-2, RESUNIT_CENTIMETER, ""};
-  if (scale == -3) return {-3, RESUNIT_NONE, "unit=mm"};
-  if (scale >= -6) return {-6, RESUNIT_NONE, "unit=um"};
-  return {-9, RESUNIT_NONE, "unit=nm"};
+  std::vector<TiffUnit> units = {{0, RESUNIT_NONE, ""},
+                                 {-2, RESUNIT_CENTIMETER, ""},
+                                 {-3, RESUNIT_NONE, "unit=mm"},
+                                 {-6, RESUNIT_NONE, "unit=um"},
+                                 {-9, RESUNIT_NONE, "unit=nm"}};
+  const auto best = std::find_if(units.begin(), units.end() - 1, [scale](const auto& u) { return u.scale <= scale; });
+  std::rotate(units.begin(), best, units.end());
+  return units;
 }
 
-/// The same where a description is needed anyway, which is not read beside a resolution unit.
-TiffUnit describedUnit(int scale)
+/// Puts the unit into the description where one is needed anyway, which is not read beside a resolution unit.
+void describe(TiffUnit& unit)
 {
-  TiffUnit unit = tiffUnit(scale);
   if (unit.resolutionUnit == RESUNIT_CENTIMETER) unit.description = "unit=cm";
   unit.resolutionUnit = RESUNIT_NONE;
-  return unit;
 }
 
 double factorTo(const TiffUnit& unit, const LengthUnit& from)
@@ -53,15 +54,32 @@ std::string textOf(float number)
   return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
 }
 
-/// Unit and pixel size in this unit; a size that has no resolution is left out.
+/// Whether a quotient of 32-bit numbers can be the resolution of pixels of this size.
+bool hasResolution(double size)
+{
+  constexpr double greatest = 4294967040; // that is a float, as libtiff keeps resolutions
+  return 1 / size <= greatest && 1 / size >= 1 / greatest;
+}
+
+/// The first unit in which the pixel size can be written.
+TiffUnit unitOf(const PixelCalibration& calibration, TiffFile& file, const char* where)
+{
+  const LengthUnit& from = calibration.getLengthUnit();
+  const double width = calibration.getPixelWidth(), height = calibration.getPixelHeight();
+  for (const TiffUnit& unit : unitsFor(from.getScale()))
+    if (hasResolution(factorTo(unit, from) * width) && hasResolution(factorTo(unit, from) * height)) return unit;
+  file.failWriting(where, "The pixel size " + textOf(calibration.getPixelWidth()) + " x " +
+                              textOf(calibration.getPixelHeight()) + " " + from.symbol() +
+                              " cannot be written as TIFF");
+}
+
+/// Unit and pixel size in this unit.
 void writeResolution(const TiffUnit& unit, double pixelWidth, double pixelHeight, TIFF* tiff)
 {
   TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, unit.resolutionUnit);
   if (!unit.description.empty()) TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, unit.description.c_str());
-  const double resolutions[] = {1 / pixelWidth, 1 / pixelHeight};
-  const std::uint32_t tags[] = {TIFFTAG_XRESOLUTION, TIFFTAG_YRESOLUTION};
-  for (int i = 0; i < 2; ++i)
-    if (std::isfinite(resolutions[i]) && resolutions[i] > 0) TIFFSetField(tiff, tags[i], resolutions[i]);
+  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 1 / pixelWidth);
+  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 1 / pixelHeight);
 }
 } // namespace
 
@@ -89,19 +107,22 @@ void writeTIFFColormap(const Colormap& colormap, TiffFile& file)
   TIFFSetField(file.get(), TIFFTAG_COLORMAP, levels[0].data(), levels[1].data(), levels[2].data());
 }
 
-void writeTiffCalibration(const PixelCalibration& calibration, TiffFile& file)
+void writeTiffCalibration(const PixelCalibration& calibration, TiffFile& file, const char* where)
 {
-  const TiffUnit unit = tiffUnit(calibration.getLengthUnit().getScale());
+  const TiffUnit unit = unitOf(calibration, file, where);
   const double factor = factorTo(unit, calibration.getLengthUnit());
   writeResolution(unit, factor * calibration.getPixelWidth(), factor * calibration.getPixelHeight(), file.get());
 }
 
-void writeTiffCalibration(const VoxelCalibration& calibration, TiffFile& file)
+void writeTiffCalibration(const VoxelCalibration& calibration, TiffFile& file, const char* where)
 {
-  TiffUnit unit = describedUnit(calibration.getLengthUnit().getScale());
+  TiffUnit unit = unitOf(calibration.pixelCalibration(), file, where);
+  describe(unit);
   const double factor = factorTo(unit, calibration.getLengthUnit());
   const auto depth = static_cast<float>(factor * calibration.getVoxelDepth());
-  if (std::isfinite(depth)) unit.description += "\nspacing=" + textOf(depth) + "\nloop=false\n";
+  if (!std::isfinite(depth))
+    file.failWriting(where, "The distance of planes " + textOf(depth) + " cannot be written as TIFF");
+  unit.description += "\nspacing=" + textOf(depth) + "\nloop=false\n";
   writeResolution(unit, factor * calibration.getVoxelHeight(), factor * calibration.getVoxelWidth(), file.get());
 }
 

@@ -16,6 +16,15 @@ void requireBlock(const VoxelMatrix<T>& matrix, const long (&first)[3], const lo
     if (first[d] < 0 || size[d] < 0 || first[d] + size[d] > sizes[d])
       throw RangeError(where, "The block is not inside the voxel matrix");
 }
+
+/// Refuses more bytes than can be counted, and views of very many planes where there is nothing to view.
+void requireAddressable(std::uint64_t planeSize, std::uint64_t numPlanes, std::size_t elementSize, const char* where)
+{
+  constexpr std::uint64_t mostBytes = std::numeric_limits<std::int64_t>::max(), mostEmptyPlanes = 1 << 16;
+  const bool isTooLarge =
+      planeSize == 0 ? numPlanes > mostEmptyPlanes : numPlanes > mostBytes / elementSize / planeSize;
+  if (isTooLarge) throw SizeError(where, "The voxel matrix is too large");
+}
 } // namespace
 
 template <class T> VoxelMatrix<T>::VoxelMatrix(const VoxelMatrix& other)
@@ -47,8 +56,7 @@ template <class T> void VoxelMatrix<T>::setSize(int size1, int size2, int size3)
   constexpr const char* where = "void VoxelMatrix<T>::setSize(int, int, int)";
   if (size1 < 0 || size2 < 0 || size3 < 0) throw SizeError(where, "Negative voxel matrix size");
   const auto planeSize = static_cast<std::uint64_t>(size1) * static_cast<std::uint64_t>(size2);
-  if (size3 > 0 && planeSize > std::numeric_limits<std::int64_t>::max() / static_cast<std::uint64_t>(size3))
-    throw SizeError(where, "The voxel matrix is too large");
+  requireAddressable(planeSize, static_cast<std::uint64_t>(size3), sizeof(T), where);
   VoxelMatrix fresh;
   fresh._planes.reserve(static_cast<std::size_t>(size3));
   fresh._block = allocateElements<T>(planeSize * static_cast<std::uint64_t>(size3));

@@ -21,7 +21,7 @@ public:
   using Sum = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
 
   VoxelMatrix() = default;
-  /// Uninitialised voxels. \throw SizeError  a negative size
+  /// Uninitialised voxels. \throw SizeError  as setSize()
   VoxelMatrix(int size1, int size2, int size3) { setSize(size1, size2, size3); }
   /// See load().
   explicit VoxelMatrix(const std::string& filename) { load(filename); }
@@ -63,7 +63,7 @@ public:
   }
 
   /// Makes room: unchanged sizes keep the values, otherwise they are unspecified.
-  /// \throw SizeError  a negative size
+  /// \throw SizeError  a negative size, more bytes than can be counted, or more than 65536 planes without voxels
   void setSize(int size1, int size2, int size3);
   void swap(VoxelMatrix& other) noexcept;
 
@@ -140,7 +140,8 @@ public:
   void loadTiffStackFile(const std::string& filename);
   /// Writes a TIFF file of 8-bit planes that loadTiffStackFile() reads back, crossing the voxel size again. The
   /// distance of planes is read back when there are several. \throw FileWriteError  the file exists and must not be
-  /// overwritten, cannot be written, or the voxels are not all whole numbers of 0 to 255
+  /// overwritten, cannot be written, the voxels are not all whole numbers of 0 to 255, or no resolution can be that of
+  /// the voxel size
   void saveAsTiff(const std::string& filename, bool overwrite) const;
 
   /// Readable text, for debugging.

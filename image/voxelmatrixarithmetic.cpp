@@ -54,12 +54,13 @@ template <class T> VoxelMatrix<T>& VoxelMatrix<T>::operator*=(const VoxelMatrix&
 
 template <class T> VoxelMatrix<T>& VoxelMatrix<T>::operator/=(const VoxelMatrix& other)
 {
+  constexpr const char* where = "VoxelMatrix<T>& VoxelMatrix<T>::operator/=(const VoxelMatrix<T>&)";
+  requireSameSize(other, where);
   if constexpr (std::is_integral_v<T>)
     if (std::find(other._block, other._block + other.getNumVoxels(), T(0)) != other._block + other.getNumVoxels())
-      throw MathError("VoxelMatrix<T>& VoxelMatrix<T>::operator/=(const VoxelMatrix<T>&)", "Division by zero");
+      throw MathError(where, "Division by zero");
   forEachRow(
-      other, [](Vector<T>& a, const Vector<T>& b) { a /= b; },
-      "VoxelMatrix<T>& VoxelMatrix<T>::operator/=(const VoxelMatrix<T>&)");
+      other, [](Vector<T>& a, const Vector<T>& b) { a /= b; }, where);
   return *this;
 }
 

@@ -1,6 +1,8 @@
 #include "image/voxelmatrixfile.h"
 
 #include "image/filecache.h"
+#include "image/filewarnings.h"
+#include "image/finiterange.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
@@ -41,33 +43,19 @@ std::size_t sizeOfType(int typeId)
   }
 }
 
-/// Range of n voxels joined with another one; NaN is passed over.
-template <class T> void extendRange(const T* voxels, std::size_t n, std::pair<long double, long double>& range)
-{
-  T low = std::numeric_limits<T>::max(), high = std::numeric_limits<T>::lowest();
-  for (std::size_t i = 0; i < n; ++i)
-  {
-    low = voxels[i] < low ? voxels[i] : low;
-    high = voxels[i] > high ? voxels[i] : high;
-  }
-  range.first = std::min<long double>(range.first, low);
-  range.second = std::max<long double>(range.second, high);
-}
-
 template <class T> std::pair<long double, long double> rangeOf(const VoxelMatrixFile& file)
 {
   constexpr std::size_t blockSize = std::size_t{1} << 20;
   const std::size_t numVoxels = file.getHeader().numVoxels();
-  std::pair<long double, long double> range(std::numeric_limits<long double>::infinity(),
-                                            -std::numeric_limits<long double>::infinity());
+  FiniteRange<T> range;
   std::vector<T> block(std::min(blockSize, numVoxels));
   for (std::size_t first = 0; first < numVoxels; first += block.size())
   {
     const std::size_t count = std::min(block.size(), numVoxels - first);
     file.read(block.data(), first, count);
-    extendRange(block.data(), count, range);
+    range.extend(block.data(), count);
   }
-  return range;
+  return {range.low, range.high};
 }
 } // namespace
 
@@ -135,9 +123,24 @@ void VoxelMatrixFile::readFormat1()
   _header.size1 = fields.size1;
   _header.size2 = fields.size2;
   _header.size3 = fields.size3;
+  constexpr int greatestScale = 24; // yotta, yocto
+  if (std::abs(std::int64_t{fields.unitScale}) > greatestScale)
+    fail("Invalid length unit scale " + std::to_string(fields.unitScale));
   _header.calibration.setLengthUnit(LengthUnit(fields.unitScale));
-  _header.calibration.setVoxelSize({fields.voxelHeight, fields.voxelWidth, fields.voxelDepth});
+  _header.calibration.setVoxelSize(knownSizes({fields.voxelHeight, fields.voxelWidth, fields.voxelDepth}));
   _header.dataOffset = format1Length;
+}
+
+/// Puts 1, the size of what is not calibrated, in the place of sizes that are no number.
+Vector<float> VoxelMatrixFile::knownSizes(Vector<float> sizes) const
+{
+  for (float& size : sizes)
+  {
+    if (std::isfinite(size)) continue;
+    size = 1;
+    holdWarning(_filename, "A voxel size is no finite number; it is taken as 1");
+  }
+  return sizes;
 }
 
 /// Refuses sizes that the file's length does not fit, and finds the element size where the type does not tell it.

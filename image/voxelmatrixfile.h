@@ -10,7 +10,8 @@
 /// A voxel-matrix file opened for reading: an optional header of 48 bytes, then the voxels, plane after plane, row
 /// after row, all little-endian.
 ///
-/// Sizes are checked against the file's length before anybody believes them.
+/// Sizes are checked against the file's length before anybody believes them. Voxel sizes that are NaN or infinite count
+/// as 1, which is held for tellWarning(); a unit that no prefix has (beyond 10^24 or 10^-24 metres) is refused.
 class VoxelMatrixFile
 {
 public:
@@ -28,8 +29,9 @@ public:
   /// Copies `count` voxels from voxel `first` on. \throw FileReadError  the disk fails
   void read(void* voxels, std::size_t first, std::size_t count) const;
 
-  /// Smallest and largest voxel of the file, NaN passed over, from one pass over it; files asked for last are
-  /// remembered until they change. Safe to call from any thread. \throw FileReadError  the disk fails
+  /// Smallest and largest finite voxel of the file (the first is the larger one when there is none), from one pass over
+  /// it; files asked for last are remembered until they change. Safe to call from any thread. \throw FileReadError  the
+  /// disk fails
   std::pair<long double, long double> getRange() const;
 
 private:
@@ -37,6 +39,7 @@ private:
   void readHeader();
   void readFormat1();
   void checkLength();
+  Vector<float> knownSizes(Vector<float> sizes) const;
 
   std::string _filename;
   int _descriptor = -1;

@@ -1,4 +1,5 @@
 // Reading and writing of voxel matrices.
+#include "image/filewarnings.h"
 #include "image/voxelmatrix.h"
 #include "image/voxelmatrixfile.h"
 #include "numeric/atomicfile.h"
@@ -111,6 +112,7 @@ template <class T> void VoxelMatrix<T>::load(const std::string& filename)
   readVoxels(file, fresh);
   fresh.setVoxelCalibration(header.calibration);
   swap(fresh);
+  tellWarning(filename);
 }
 
 template <class T> VoxelMatrixHeader VoxelMatrix<T>::loadHeader(const std::string& filename)

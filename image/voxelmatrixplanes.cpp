@@ -1,5 +1,7 @@
 #include "image/voxelmatrixplanes.h"
 
+#include "image/filewarnings.h"
+#include "image/finiterange.h"
 #include "image/image.h"
 #include "image/voxelmatrixfile.h"
 
@@ -29,7 +31,7 @@ ImageHeader planeHeader(const VoxelCalibration& calibration, int size1, int size
   return header;
 }
 
-/// The image of a plane; getRange() tells the smallest and the largest voxel of the whole volume.
+/// The image of a plane; getRange() tells the smallest and the largest finite voxel of the whole volume.
 template <class T, class GetRange> Image imageOf(const PixelMatrix<T>& plane, const GetRange& getRange)
 {
   Image image(plane.getSize2(), plane.getSize1(), depthOf<T>());
@@ -57,17 +59,19 @@ ImageHeader planeHeader(const VoxelMatrixFile& file)
   return planeHeader(header.calibration, header.size1, header.size2, header.size3, depth);
 }
 
+template <class T> std::pair<T, T> finiteRange(const VoxelMatrix<T>& matrix)
+{
+  FiniteRange<T> range;
+  range.extend(matrix.data(), matrix.getNumVoxels());
+  return {range.low, range.high};
+}
+
 template <class T> void readPlane(Image& image, const VoxelMatrix<T>& matrix, int plane)
 {
   if (plane < 0 || plane >= matrix.getSize3())
     throw RangeError("void readPlane(Image&, const VoxelMatrix<T>&, int)",
                      "The voxel matrix has no plane " + std::to_string(plane));
-  const auto getRange = [&matrix]
-  {
-    const Vector<T> range = matrix.range();
-    return std::pair(range[0], range[1]);
-  };
-  Image fresh = imageOf(matrix[plane], getRange);
+  Image fresh = imageOf(matrix[plane], [&matrix] { return finiteRange(matrix); });
   fresh.setDescription(planeHeader(matrix));
   image.swap(fresh);
 }
@@ -93,9 +97,11 @@ void readPlane(Image& image, const VoxelMatrixFile& file, int plane)
   Image fresh = withElementType(header, read);
   fresh.setDescription(planeHeader(file));
   image.swap(fresh);
+  tellWarning(file.getFilename());
 }
 
 #define IMAGE_INSTANTIATE_PLANES(T)                                                                                    \
   template ImageHeader planeHeader(const VoxelMatrix<T>&);                                                             \
+  template std::pair<T, T> finiteRange(const VoxelMatrix<T>&);                                                         \
   template void readPlane(Image&, const VoxelMatrix<T>&, int);
 IMAGE_FOR_EACH_TYPE(IMAGE_INSTANTIATE_PLANES)

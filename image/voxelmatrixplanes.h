@@ -3,16 +3,21 @@
 #include "image/imageheader.h"
 #include "image/voxelmatrix.h"
 
+#include <utility>
+
 class Image;
 class VoxelMatrixFile;
 
 /// Planes of voxel matrices as images: unsigned char becomes an 8-bit image, unsigned short a 16-bit one, every other
-/// type 8 bits by a linear map of the whole volume's range.
+/// type 8 bits by a linear map of the range of the whole volume's finite voxels. Infinity is 255, -infinity and NaN 0.
 /// @{
 
 /// Sizes, depth and calibration of any plane's image.
 template <class T> ImageHeader planeHeader(const VoxelMatrix<T>& matrix);
 ImageHeader planeHeader(const VoxelMatrixFile& file);
+
+/// Smallest and largest finite voxel; of a volume without any, the first is the larger one.
+template <class T> std::pair<T, T> finiteRange(const VoxelMatrix<T>& matrix);
 
 /// \throw RangeError  there is no such plane
 template <class T> void readPlane(Image& image, const VoxelMatrix<T>& matrix, int plane);

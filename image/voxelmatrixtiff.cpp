@@ -1,4 +1,5 @@
 // Voxel matrices as multi-page TIFF files.
+#include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/tifffile.h"
 #include "image/tiffpixels.h"
@@ -80,9 +81,10 @@ template <class T> VoxelMatrix<T> matrixFor(const std::string& filename)
   TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
   ImageHeader header;
   readTiffHeader(header, file);
-  const int numPlanes = file.getNumDirectories() == 1 ? header.getNumPlanes() : file.getNumPlanes();
-  const double numVoxels = double{1} * header.getWidth() * header.getHeight() * numPlanes;
-  checkTiffLength(numVoxels * header.getDepth() / 8, file, loadSignature);
+  const int numPlanes = numTiffPlanes(header, file);
+  if (file.getNumPlanes() > 1)
+    checkTiffStackLength(double{1} * header.getWidth() * header.getHeight() * header.getDepth() / 8, file,
+                         loadSignature);
   const PixelCalibration& pixels = header.getPixelCalibration();
   VoxelCalibration calibration;
   calibration.setVoxelSize({pixels.getPixelWidth(), pixels.getPixelHeight(), header.getVoxelSizeZ()}); // crossed
@@ -127,6 +129,7 @@ template <class T> void VoxelMatrix<T>::loadTiffStackFile(const std::string& fil
   VoxelMatrix fresh = matrixFor<T>(filename);
   readPlanes(fresh, filename);
   swap(fresh);
+  tellWarning(filename);
 }
 
 template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, bool overwrite) const
@@ -144,11 +147,12 @@ template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, 
     for (const PixelMatrix<T>& plane : _planes)
     {
       writeTIFFHeader(_size2, _size1, 8, false, file);
-      writeTiffCalibration(_voxelCalibration, file);
+      writeTiffCalibration(_voxelCalibration, file, saveSignature);
       writeTIFFPixels(levelsOf(plane, buffer), _size1, static_cast<std::size_t>(_size2), file, saveSignature);
     }
   }
   target.commit();
+  tellWarning(filename);
 }
 
 IMAGE_INSTANTIATE(VoxelMatrix)

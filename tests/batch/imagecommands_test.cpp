@@ -95,6 +95,7 @@ TEST_F(BatchImages, ConvertsBackAndForth)
   ASSERT_EQ(run("image confocal.lsm --channel 2 --out channel.vm").status, 0);
   EXPECT_EQ(VoxelMatrix<unsigned char>(path("channel.vm"))(3, 4, 1), lsm.sample(4, 3, 2, 1));
   EXPECT_EQ(run("image confocal.lsm --channel 3 --out none.vm").status, 2);
+  EXPECT_EQ(run("image confocal.lsm --channel 1 --out again.vm --overwrite").errors, "S32MagicNumber :67127628\n");
 }
 
 TEST_F(BatchImages, ScalesToGreyLevels)
@@ -118,8 +119,20 @@ TEST_F(BatchImages, ScalesToGreyLevels)
   Image image;
   ImageReader::read(image, path("copy.tif"));
   EXPECT_EQ(image.getDepth(), 24);
-  EXPECT_EQ(run("image color.tif --out color.vm").status, 2);
+  TiffRecipe{.samples = 3, .photometric = PHOTOMETRIC_RGB, .hasThumbnails = true}.write(path("thumbnail.tif"));
+  EXPECT_EQ(info("thumbnail.tif")["planes"], 1);
+  ASSERT_EQ(run("image thumbnail.tif --out thumbnail2.tif").status, 0);
+  EXPECT_EQ(contents(folder / "thumbnail2.tif"), contents(folder / "copy.tif"));
+  EXPECT_THAT(run("image color.tif --out color.vm").errors, HasSubstr("--grey8 takes grey levels"));
+  TiffRecipe{.bits = 16, .samples = 3, .photometric = PHOTOMETRIC_RGB}.write(path("deep.tif"));
+  EXPECT_EQ(run("image deep.tif --out deep.vm").errors, "mirelo-batch: deep.tif: Invalid depth value\n");
   EXPECT_EQ(run("image color.tif --out color.vm --grey8").status, 0);
+
+  VoxelMatrix<float> values(1, 4, 1);
+  values[0][0] = Vector<float>{0, 1, 2, INFINITY};
+  values.save(path("infinite.vm"), true);
+  ASSERT_EQ(run("image infinite.vm --out levels.vm --grey8").status, 0);
+  EXPECT_EQ(VoxelMatrix<unsigned char>(path("levels.vm")).cat(), (Vector<unsigned char>{0, 128, 255, 255}));
 }
 
 TEST_F(BatchImages, SegmentsVolumes)

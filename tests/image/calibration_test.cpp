@@ -1,6 +1,8 @@
 #include "image/image.h"
 #include "image/imagereader.h"
 #include "image/imagewriter.h"
+#include "image/voxelmatrix.h"
+#include "tests/support/errors.h"
 #include "tests/support/temporaryfolder.h"
 #include "tests/support/tifffiles.h"
 
@@ -68,6 +70,17 @@ TEST(TiffCalibration, FollowsTheTags)
        0,
        1,
        1},
+      {"spacing behind blanks and a plus sign",
+       {.planes = 2, .resolutionUnit = RESUNIT_NONE, .description = "spacing=  +0.25"},
+       0,
+       1,
+       1,
+       0.25f},
+      {"spacing with two signs",
+       {.planes = 2, .resolutionUnit = RESUNIT_NONE, .description = "spacing=+-0.25"},
+       0,
+       1,
+       1},
       {"spacing at the very end",
        {.planes = 2, .resolutionUnit = RESUNIT_NONE, .description = "unit=nm spacing"},
        -9,
@@ -76,6 +89,7 @@ TEST(TiffCalibration, FollowsTheTags)
       {"millimetre", {.resolutionUnit = RESUNIT_NONE, .description = "unit=mm"}, -3, 1, 1},
       {"micron", {.resolutionUnit = RESUNIT_NONE, .description = "unit=micron"}, -6, 1, 1},
       {"micro sign in UTF-8", {.resolutionUnit = RESUNIT_NONE, .description = "unit=\xC2\xB5m"}, -6, 1, 1},
+      {"Greek mu", {.resolutionUnit = RESUNIT_NONE, .description = "unit=\xCE\xBCm"}, -6, 1, 1},
       {"micro sign in Latin-1", {.resolutionUnit = RESUNIT_NONE, .description = "unit=\xB5m"}, -6, 1, 1},
       {"micro sign escaped", {.resolutionUnit = RESUNIT_NONE, .description = "unit=\\u00B5m"}, -6, 1, 1},
       {"a later unit overrides", {.resolutionUnit = RESUNIT_NONE, .description = "unit=nm unit=cm"}, -9, 1, 1},
@@ -121,4 +135,58 @@ TEST(TiffCalibration, IsReadBackAsItWasWritten)
       const bool isNamed = scale != -12 && scale != 3; // the others are rescaled
       EXPECT_EQ(result.getLengthUnit().getScale() == scale, isNamed);
     }
+}
+
+TEST(TiffCalibration, TakesAnotherUnitWhereTheSizeIsBeyondTheFormat)
+{
+  const struct
+  {
+    int scale;
+    float width;
+    int writtenScale;
+  } cases[] = {{0, 1e-11f, -2}, {-9, 1e11f, 0}, {-6, 1e-9f, -6}, {-6, 1e-11f, -9}, {-12, 1e-4f, -9}};
+  const TemporaryFolder folder;
+  for (const auto& c : cases)
+  {
+    VoxelMatrix<int> matrix(1, 1, 2), read;
+    matrix.setZeros();
+    VoxelCalibration calibration;
+    calibration.setVoxelSize({c.width, 2 * c.width, 1});
+    calibration.setLengthUnit(LengthUnit(c.scale));
+    matrix.setVoxelCalibration(calibration);
+    matrix.saveAsTiff(folder.file("a.tif"), true);
+    read.load(folder.file("a.tif"));
+    const VoxelCalibration& result = read.getVoxelCalibration();
+    EXPECT_EQ(result.getLengthUnit().getScale(), c.writtenScale);
+    const double factor = std::pow(10.0, c.writtenScale - c.scale);
+    EXPECT_NEAR(result.getVoxelHeight() * factor / c.width, 1, 1e-6);
+    EXPECT_NEAR(result.getVoxelWidth() * factor / c.width, 2, 2e-6);
+    EXPECT_NEAR(result.getVoxelDepth() * factor, 1, 1e-6);
+  }
+}
+
+TEST(TiffCalibration, IsRefusedWhereNoResolutionHoldsIt)
+{
+  const TemporaryFolder folder;
+  const std::string old = folder.write("a.tif", "old");
+  for (const float size : {0.f, -1.f, NAN, INFINITY, 1e-30f, 1e30f})
+  {
+    Image image(2, 2, 8);
+    image.reset();
+    PixelCalibration pixels;
+    pixels.setPixelWidth(size);
+    image.setPixelCalibration(pixels);
+    expectError<FileWriteError>(" x 1 m cannot be written", [&] { image.writeFile(old, true); });
+    VoxelMatrix<int> matrix(1, 1, 2);
+    matrix.setZeros();
+    VoxelCalibration voxels;
+    voxels.setVoxelHeight(size);
+    matrix.setVoxelCalibration(voxels);
+    expectError<FileWriteError>("The pixel size 1 x ", [&] { matrix.saveAsTiff(old, true); });
+    if (std::isfinite(size)) continue;
+    voxels.setVoxelSize({1, 1, size});
+    matrix.setVoxelCalibration(voxels);
+    expectError<FileWriteError>("The distance of planes", [&] { matrix.saveAsTiff(old, true); });
+  }
+  EXPECT_EQ(contentOf(old), "old");
 }

@@ -66,6 +66,7 @@ TEST(Image, BecomesGray)
   Image colors = imageOf(24, {10, 20, 31, 255, 255, 255});
   colors.make8bitsGrayscale();
   EXPECT_THAT(bytesOf(colors), ElementsAre(20, 255));
+  EXPECT_EQ(colors.getHeader().getNumChannels(), 1);
   Image indexed = imageOf(8, {10, 20});
   indexed.setColormap(brown());
   indexed.make8bitsGrayscale();
@@ -80,9 +81,13 @@ TEST(Image, GetsColors)
   indexed.make24bits();
   EXPECT_FALSE(indexed.hasColormap());
   EXPECT_THAT(bytesOf(indexed), ElementsAre(20, 10, 0, 144, 200, 0));
+  EXPECT_EQ(indexed.getHeader().getNumChannels(), 3);
   expectError<DepthError>("Cannot convert non-8 bits images", [&] { indexed.make24bits(); });
   indexed.make32bits();
   EXPECT_THAT(bytesOf(indexed), ElementsAre(20, 10, 0, 255, 144, 200, 0, 255));
+  EXPECT_EQ(indexed.getHeader().getNumChannels(), 4);
+  indexed.make8bitsGrayscale();
+  EXPECT_EQ(indexed.getHeader().getNumChannels(), 1);
 }
 
 TEST(Image, KnowsItsColors)

@@ -114,6 +114,23 @@ TEST_F(LsmReader, ReadsEveryChannelOfEveryPlaneAsTheRasterLies)
   }
 }
 
+TEST_F(LsmReader, WritesTheMagicNumberOncePerFile)
+{
+  const std::string line = "S32MagicNumber :67127628\n";
+  LsmRecipe().write(name);
+  Image image;
+  for (const int plane : {0, 1, 0})
+  {
+    ImageSourceLSMStackPlane source(name, plane);
+    EXPECT_EQ(source.getNumPlanes(), 2);
+    ImageReader::read(image, source);
+    EXPECT_EQ(numbers.str(), line);
+  }
+  LsmRecipe{.planes = 1}.write(name); // another file
+  ImageReader::read(image, ImageSourceLSMStackPlane(name));
+  EXPECT_EQ(numbers.str(), line + line);
+}
+
 TEST_F(LsmReader, RefusesWhatIsNoConfocalStack)
 {
   const struct

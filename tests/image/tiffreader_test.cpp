@@ -103,10 +103,14 @@ TEST(TiffReader, ReadsAnyPlaneOfAStack)
 {
   const TemporaryFolder folder;
   ImageSourceTiffStackPlane source(folder.file("stack.tif"));
-  for (const char* mode : {"w", "wb", "w8", "w8b"})
+  for (const char* mode : {"w", "wb", "w8", "w8b", "with thumbnails"})
   {
-    const TiffRecipe recipe = {.planes = 10, .compression = COMPRESSION_LZW, .mode = mode};
+    const TiffRecipe recipe = {
+        .planes = 10, .compression = COMPRESSION_LZW, .mode = mode, .hasThumbnails = mode[1] == 'i'};
     recipe.write(folder.file("stack.tif"));
+    ImageHeader header;
+    ImageReader::read(header, folder.file("stack.tif"));
+    EXPECT_EQ(header.getNumPlanes(), recipe.hasThumbnails ? 20 : 10); // all directories
     for (const int plane : {9, 0, 4})
     {
       source.setPlane(plane);
@@ -127,9 +131,20 @@ TEST(TiffReader, EndsAChainOfDirectoriesThatLeadsBack)
 {
   const TemporaryFolder folder;
   std::string bytes = handmadeTiff(4, 1, COMPRESSION_NONE, "abcd", 4);
-  bytes[8 + 2 + 9 * 12] = 8; // the next directory is this one
+  bytes[8 + 2 + 10 * 12] = 8; // the next directory is this one
   const ImageSourceTiffStackPlane source(folder.write("loop.tif", bytes));
   EXPECT_EQ(source.getNumImages(), 1);
+}
+
+TEST(TiffReader, RefusesDirectoriesBeyondAllOffsets)
+{
+  const TemporaryFolder folder;
+  for (const char last : {'\xff', '\xfe', '\xf8'}) // with the size of a number they overflow, which asan finds
+  {
+    const std::string offset = last + std::string(7, '\xff');
+    const std::string file = folder.write("a.tif", std::string("II+\0\10\0\0\0", 8) + offset + std::string(600, '\1'));
+    EXPECT_THROW(ImageSourceTiffStackPlane(file).getNumImages(), FileFormatError);
+  }
 }
 
 TEST(TiffReader, RefusesWhatAnImageCannotHold)
@@ -166,6 +181,8 @@ TEST(TiffReader, SaysInOneErrorWhyAFileCannotBeRead)
     testing::internal::CaptureStderr();
     try
     {
+      ImageHeader header;
+      ImageReader::read(header, folder.file(name)); // whatever it warns of: the pixels follow
       Image image;
       ImageReader::read(image, folder.file(name));
       ADD_FAILURE() << "was read";
@@ -199,8 +216,29 @@ TEST(TiffReader, SaysInOneErrorWhyAFileCannotBeRead)
     folder.write("noise.tif", handmadeTiff(100, 50, compression, pixels, 5000));
     expectErrors("noise.tif", "Cannot read the pixels (", true);
   }
+  folder.write("counts.tif", handmadeTiff(100, 50, COMPRESSION_ADOBE_DEFLATE, pixels, 0)); // worth a warning
+  expectErrors("counts.tif", "Cannot read the pixels (", true);
   folder.write("flat.tif", handmadeTiff(100, 0, COMPRESSION_NONE, pixels, 0));
   expectErrors("flat.tif", "", true);
+}
+
+TEST(TiffReader, GivesNoReasonThatWasNone)
+{
+  const TemporaryFolder folder;
+  std::string bytes = handmadeTiff(100, 50, COMPRESSION_NONE, "too few", 5000);
+  char& tag = bytes[8 + 2 + 7 * 12];
+  tag = static_cast<char>(TIFFTAG_ORIENTATION & 0xFF); // instead of the number of samples
+  bytes[8 + 2 + 7 * 12 + 8] = 99;                      // which libtiff complains of, but gets over
+  Image image;
+  try
+  {
+    image.readFile(folder.write("a.tif", bytes));
+    ADD_FAILURE() << "was read";
+  }
+  catch (const FileFormatError& error)
+  {
+    EXPECT_EQ(error.getWhat(), "The file is too short for its image size");
+  }
 }
 
 TEST(TiffReader, WarnsOfAFileOnce)

@@ -129,11 +129,75 @@ TEST(TiffStack, MayHaveOneDirectoryForAllPlanes)
       expectError<FileFormatError>("There is no plane 4",
                                    [&] { ImageReader::read(image, ImageSourceTiffStackPlane(name, 4)); });
     }
-  for (const char* description : {"ImageJ=1.53t\nimages=9\n", "ImageJ=1.53t\nimages=-2\n", "images=4\n"})
+  for (const char* description : {"ImageJ=1.53t\nimages=-2\n", "images=4\n"})
   {
     writeStackOfOneDirectory(name, TiffRecipe(), 4, description);
     EXPECT_EQ(loaded<unsigned char>(name).getSize3(), 1) << description;
   }
+  writeStackOfOneDirectory(name, TiffRecipe(), 4, "ImageJ=1.53t\nimages=9\n");
+  expectError<FileFormatError>("too short for the 9 images", [&] { loaded<unsigned char>(name); });
+}
+
+TEST(TiffStack, IsNotTakenForAPageWhenItIsCut)
+{
+  const struct
+  {
+    const char* name;
+    int numBytes;  // behind the directory, for planes of 20
+    int numPlanes; // 0: refused
+  } cases[] = {
+      {"whole", 80, 4},           {"more behind it", 95, 4}, {"one byte missing", 79, 0},
+      {"a plane missing", 60, 0}, {"one and a half", 30, 0}, {"a page with this description", 20, 1},
+      {"a padded page", 21, 1},   {"half a page", 10, 0},
+  };
+  const TemporaryFolder folder;
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    const std::string pixels(static_cast<std::size_t>(c.numBytes), '\7');
+    const std::string name = folder.write(
+        std::string(c.name) + ".tif", handmadeTiff(5, 4, COMPRESSION_NONE, pixels, 20, 0, "ImageJ=1.53t\nimages=4\n"));
+    testing::internal::CaptureStderr();
+    if (c.numPlanes == 0)
+      expectError<FileFormatError>("too short for the 4 images", [&] { loaded<int>(name); });
+    else
+      EXPECT_EQ(loaded<int>(name).getSize3(), c.numPlanes);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              c.numPlanes == 1 ? "KOVA Image Lib: " + name +
+                                     ": The file has one plane only, not the 4 images of its "
+                                     "description\n"
+                               : "");
+  }
+  const TiffRecipe page = {.description = "ImageJ=1.53t\nimages=4\n"}; // its directory lies behind the pixels
+  page.write(folder.file("page.tif"));
+  testing::internal::CaptureStderr();
+  expectVoxels(loaded<int>(folder.file("page.tif")), page);
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(TiffStack, MayMixCompressions)
+{
+  const TemporaryFolder folder;
+  const std::string name = folder.file("a.tif");
+  TiffRecipe recipe = {.width = 256, .height = 256, .rowsPerStrip = 256, .isSmooth = true};
+  recipe.write(name);
+  recipe.planes = 9;
+  recipe.compression = COMPRESSION_ADOBE_DEFLATE;
+  recipe.mode = "a";
+  recipe.write(name);
+  ASSERT_LT(contentOf(name).size(), 3u * 256 * 256);
+  recipe.planes = 10;
+  expectVoxels(loaded<unsigned char>(name), recipe);
+
+  // Two directories that claim the same pixels.
+  constexpr std::size_t start = 8, size = 2 + 10 * 12 + 4;
+  std::string bytes = handmadeTiff(100, 50, COMPRESSION_NONE, std::string(5000, '\7'), 5000);
+  bytes += bytes.substr(start, size);
+  const std::size_t second = bytes.size() - size;
+  bytes[start + size - 4] = static_cast<char>(second & 0xFF);
+  bytes[start + size - 3] = static_cast<char>(second >> 8);
+  expectError<FileFormatError>("too short for its 2 planes",
+                               [&] { loaded<unsigned char>(folder.write("b.tif", bytes)); });
 }
 
 TEST(TiffStack, LeavesTheMatrixWhenItCannotBeLoaded)

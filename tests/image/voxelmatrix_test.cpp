@@ -71,6 +71,38 @@ TYPED_TEST(VoxelMatrixOf, LiesInOneBlockPlaneAfterPlane)
   expectError<RangeError>("not inside", [&] { matrix.copy(0, 0, 0, 2, 0, 0); });
 }
 
+TYPED_TEST(VoxelMatrixOf, KeepsItsPlanesWhenTheyAreMovedOrSwapped)
+{
+  using T = TypeParam;
+  VoxelMatrix<T> matrix = sequence<T>(2, 3, 2);
+  const PixelMatrix<T> first = matrix[0], second = matrix[1];
+  std::swap(matrix[0], matrix[1]); // the general one
+  EXPECT_EQ(matrix.copy(0, 0, 0, 1, 2, 0)[0], second);
+  EXPECT_EQ(matrix.copy(0, 0, 1, 1, 2, 1)[0], first);
+  using std::swap;
+  swap(matrix[0], matrix[1]);
+  PixelMatrix<T> taken = std::move(matrix[0]);
+  EXPECT_EQ(taken, first);
+  taken.setZeros();
+  EXPECT_EQ(matrix, (sequence<T>(2, 3, 2)));
+  for (int k = 0; k < 2; ++k) EXPECT_EQ(matrix[k].data(), matrix.data() + 6 * k);
+  const T* const block = taken.data();
+  EXPECT_EQ(PixelMatrix<T>(std::move(taken)).data(), block); // an owner gives its block away
+}
+
+TYPED_TEST(VoxelMatrixOf, RefusesSizesBeyondCounting)
+{
+  using T = TypeParam;
+  constexpr int huge = std::numeric_limits<int>::max();
+  VoxelMatrix<T> matrix = sequence<T>(2, 3, 2);
+  for (const auto& [i, j, k] :
+       {std::tuple(huge, huge, huge), {huge, 1 << 30, 8}, {0, 3, huge}, {0, 0, 1 << 17}, {1, 1, -1}})
+    EXPECT_THROW(matrix.setSize(i, j, k), SizeError) << i << " " << j << " " << k;
+  EXPECT_EQ(matrix, (sequence<T>(2, 3, 2)));
+  matrix.setSize(0, 3, 5);
+  EXPECT_EQ(matrix[4].getSize2(), 3);
+}
+
 TYPED_TEST(VoxelMatrixOf, ComputesVoxelByVoxel)
 {
   using T = TypeParam;
@@ -93,6 +125,7 @@ TYPED_TEST(VoxelMatrixOf, ComputesVoxelByVoxel)
     b(1, 0, 1) = T(0);
     EXPECT_THROW(a /= b, MathError);
     EXPECT_EQ(a, before);
+    EXPECT_THROW(a /= b.copy(1, 0, 1, 1, 0, 1), SizeError); // a zero of another size
   }
 }
 
@@ -179,6 +212,8 @@ TEST(VoxelMatrixFile, LyingFilesAreRefused)
       {"truncated", format1(5, 1, 1, 2, 7), "too short"},
       {"too long", format1(5, 1, 1, 2, 9), "does not fit"},
       {"three bytes each", format1(0, 1, 1, 2, 6), "does not fit"},
+      {"unit", packed(0, 0, 0, 1, 5, 1, 1, 1, 25, 1.f, 1.f, 1.f, 0.f), "Invalid length unit scale 25"},
+      {"least unit", packed(0, 0, 0, 1, 5, 1, 1, 1, -2147483647 - 1, 1.f, 1.f, 1.f, 0.f), "Invalid length unit"},
       {"text", "This is no voxel matrix at all, but text.", "too short"},
   };
   VoxelMatrix<float> matrix = sequence<float>(1, 1, 3);
@@ -191,6 +226,21 @@ TEST(VoxelMatrixFile, LyingFilesAreRefused)
   }
   expectError<FileReadError>("Cannot open file for reading", [&] { matrix.load(folder.file("none.vm")); });
   expectError<FileReadError>("Cannot open file for reading", [&] { matrix.load(folder.getPath()); });
+}
+
+TEST(VoxelMatrixFile, SizesThatAreNoNumberCountAsOne)
+{
+  const TemporaryFolder folder;
+  const std::string header = packed(0, 0, 0, 1, 0, 1, 1, 1, -24, 2.f, std::nanf(""), -INFINITY);
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 2; ++i)
+  {
+    const VoxelMatrix<char> matrix(folder.write("a.vm", header + "a"));
+    EXPECT_EQ(matrix.getVoxelCalibration().getVoxelSize(), (Vector<float>{2, 1, 1}));
+  }
+  EXPECT_THROW(VoxelMatrix<char>(folder.write("b.vm", header + "abc")), FileFormatError);
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(told, "KOVA Image Lib: " + folder.file("a.vm") + ": A voxel size is no finite number; it is taken as 1\n");
 }
 
 TEST(VoxelMatrixPlanes, BecomeImages)
@@ -213,6 +263,24 @@ TEST(VoxelMatrixPlanes, BecomeImages)
   values[1][0] = Vector<float>{0, 1, std::nanf("")};
   EXPECT_THAT(bytesOf(imagesOf(values, 0)), testing::Each(0));
   EXPECT_THAT(bytesOf(imagesOf(values, 1)), testing::ElementsAre(128, 255, 0)); // the range is -1 to 1
+  constexpr double infinity = std::numeric_limits<double>::infinity(), greatest = std::numeric_limits<double>::max();
+  const struct
+  {
+    Vector<double> voxels;
+    std::vector<unsigned char> levels;
+  } cases[] = {
+      {{0, 1, 2, infinity, -infinity}, {0, 128, 255, 255, 0}},
+      {{-greatest, 0, greatest, infinity, NAN}, {0, 128, 255, 255, 0}},
+      {{0, 1e-306, 2e-306, 1.5e-306, 0}, {0, 128, 255, 191, 0}},
+      {{7, 7, infinity, -infinity, NAN}, {0, 0, 255, 0, 0}},
+      {{infinity, -infinity, NAN, NAN, infinity}, {255, 0, 0, 0, 255}},
+  };
+  for (const auto& c : cases)
+  {
+    VoxelMatrix<double> matrix(1, 5, 1);
+    matrix[0][0] = c.voxels;
+    EXPECT_EQ(bytesOf(imagesOf(matrix, 0)), c.levels);
+  }
   Image image;
   expectError<FileFormatError>("no plane 2", [&]
                                { ImageReader::read(image, ImageSourceVoxelMatrixFilePlane(folder.file("a.vm"), 2)); });

@@ -122,9 +122,11 @@ private:
 };
 
 /// The bytes of a little-endian TIFF file of one 8-bit strip, laid out by hand: header, directory, then `data`. The
-/// strip is said to have `stripSize` bytes, `stripShift` bytes behind the place of the data.
+/// strip is said to have `stripSize` bytes, `stripShift` bytes behind the place of the data. A description stands
+/// before the data.
 inline std::string handmadeTiff(std::uint32_t width, std::uint32_t height, std::uint32_t compression,
-                                const std::string& data, std::uint32_t stripSize, std::uint32_t stripShift = 0)
+                                const std::string& data, std::uint32_t stripSize, std::uint32_t stripShift = 0,
+                                const std::string& description = "     ")
 {
   std::string bytes = "II*";
   const auto append = [&bytes](std::uint32_t value, int size)
@@ -133,23 +135,29 @@ inline std::string handmadeTiff(std::uint32_t width, std::uint32_t height, std::
   };
   bytes += '\0';
   append(8, 4);
-  const std::uint32_t tags[][2] = {{TIFFTAG_IMAGEWIDTH, width},
-                                   {TIFFTAG_IMAGELENGTH, height},
-                                   {TIFFTAG_BITSPERSAMPLE, 8},
-                                   {TIFFTAG_COMPRESSION, compression},
-                                   {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK},
-                                   {TIFFTAG_STRIPOFFSETS, 8 + 2 + 9 * 12 + 4 + stripShift},
-                                   {TIFFTAG_SAMPLESPERPIXEL, 1},
-                                   {TIFFTAG_ROWSPERSTRIP, height},
-                                   {TIFFTAG_STRIPBYTECOUNTS, stripSize}};
-  append(9, 2);
-  for (const auto& [tag, value] : tags)
+  constexpr std::uint32_t behindDirectory = 8 + 2 + 10 * 12 + 4;
+  const std::string text = description + '\0';
+  const auto textSize = static_cast<std::uint32_t>(text.size());
+  const std::uint32_t tags[][4] = {
+      {TIFFTAG_IMAGEWIDTH, TIFF_LONG, 1, width},
+      {TIFFTAG_IMAGELENGTH, TIFF_LONG, 1, height},
+      {TIFFTAG_BITSPERSAMPLE, TIFF_LONG, 1, 8},
+      {TIFFTAG_COMPRESSION, TIFF_LONG, 1, compression},
+      {TIFFTAG_PHOTOMETRIC, TIFF_LONG, 1, PHOTOMETRIC_MINISBLACK},
+      {TIFFTAG_IMAGEDESCRIPTION, TIFF_ASCII, textSize, behindDirectory},
+      {TIFFTAG_STRIPOFFSETS, TIFF_LONG, 1, behindDirectory + textSize + stripShift},
+      {TIFFTAG_SAMPLESPERPIXEL, TIFF_LONG, 1, 1},
+      {TIFFTAG_ROWSPERSTRIP, TIFF_LONG, 1, height},
+      {TIFFTAG_STRIPBYTECOUNTS, TIFF_LONG, 1, stripSize},
+  };
+  append(10, 2);
+  for (const auto& [tag, type, count, value] : tags)
   {
     append(tag, 2);
-    append(TIFF_LONG, 2);
-    append(1, 4);
+    append(type, 2);
+    append(count, 4);
     append(value, 4);
   }
   append(0, 4);
-  return bytes + data;
+  return bytes + text + data;
 }
