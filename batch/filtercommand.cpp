@@ -1,6 +1,7 @@
 #include "batch/commands.h"
 #include "batch/terminalprogress.h"
 #include "batch/volumefile.h"
+#include "batch/volumestep.h"
 #include "image/filters/filterkind.h"
 
 #include <CLI/CLI.hpp>
@@ -38,15 +39,16 @@ ExitStatus filter(const Arguments& arguments)
   requireVolumeOutput(arguments.out, arguments.overwrite);
   AnyVolume volume = readVolume(arguments.in);
   TerminalProgress progress;
-  std::visit(
-      [&]<class T>(VoxelMatrix<T>& matrix)
-      {
-        const auto step = kind.make<T>(options);
-        step->addObserver(progress);
-        step->apply(matrix);
-        writeVolume(std::move(matrix), arguments.out);
-      },
-      volume);
+  workOn(arguments.in, volume,
+         [&]<class T>(VoxelMatrix<T>& matrix)
+         {
+           const auto step = kind.make<T>(options);
+           const auto volumeSize = static_cast<double>(matrix.getNumVoxels() * sizeof(T));
+           requireMemory(arguments.in, volumeSize + step->workingMemory(matrix));
+           step->addObserver(progress);
+           step->apply(matrix);
+           writeVolume(std::move(matrix), arguments.out);
+         });
   return Done;
 }
 

@@ -2,14 +2,18 @@
 #include "batch/stackfile.h"
 #include "batch/terminalprogress.h"
 #include "batch/volumefile.h"
+#include "batch/volumestep.h"
 #include "geometry/outputfile.h"
 #include "image/segmentation/marchingcubes.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <sstream>
 
 namespace
 {
@@ -24,61 +28,68 @@ struct Arguments
 
 using Write = void (TriMesh<float>::*)(std::ostream&) const;
 
-/// How a mesh is written to a file of this name. \throw BatchError  its suffix is none of a mesh file
+/// How a mesh is written to a file of this name, by its suffix in any case. \throw BatchError  its suffix is none of a
+/// mesh file
 Write writerFor(const std::string& filename)
 {
   static const std::map<std::string, Write> writers = {{".stl", &TriMesh<float>::export2AsciiSTL},
                                                        {".ply", &TriMesh<float>::export2PLY},
                                                        {".obj", &TriMesh<float>::export2OBJ},
                                                        {".mesh", &TriMesh<float>::write}};
-  const auto found = writers.find(std::filesystem::path(filename).extension().string());
+  std::string suffix = std::filesystem::path(filename).extension().string();
+  std::ranges::transform(suffix, suffix.begin(), [](unsigned char c) { return std::tolower(c); });
+  const auto found = writers.find(suffix);
   if (found == writers.end())
     throw BatchError(filename + ": the name of a mesh file ends with .stl, .ply, .obj or .mesh");
   return found->second;
 }
 
-/// The mesh in physical units: x along the columns, y along the rows, z along the planes. That is another hand than
-/// (row, column, plane), so the triangles are turned to face outward again.
-TriMesh<float> inSpace(const TriMesh<float>& mesh, const VoxelCalibration& calibration)
+/// \throw ValueError  lengths cannot be told
+void requireVoxelSize(const VoxelCalibration& calibration)
 {
-  BufferVector<float> coordinates(3 * static_cast<std::size_t>(mesh.getSize()));
-  for (int i = 0; i < mesh.getSize(); ++i)
-  {
-    const float* const voxel = mesh.data(i);
-    float* const point = coordinates.data() + 3 * static_cast<std::size_t>(i);
-    point[0] = voxel[1] * calibration.getVoxelWidth();
-    point[1] = voxel[0] * calibration.getVoxelHeight();
-    point[2] = voxel[2] * calibration.getVoxelDepth();
-  }
-  BufferVector<int> indexes;
-  indexes.reserve(3 * static_cast<std::size_t>(mesh.getNumTriangles()));
-  for (int i = 0; i < mesh.getNumTriangleSlots(); ++i)
-    if (const int* const corner = mesh.corners(i); mesh.hasTriangle(i))
-      indexes.insert(indexes.end(), {corner[0], corner[2], corner[1]});
-  TriMesh<float> placed(3, std::move(coordinates), std::move(indexes));
-  placed.computeNormals();
-  return placed;
+  const Vector<float>& size = calibration.getVoxelSize();
+  const auto isLength = [](float length) { return length > 0 && std::isfinite(length); };
+  if (std::ranges::all_of(size, isLength)) return;
+  std::ostringstream text;
+  text << "the voxel size " << size[0] << " x " << size[1] << " x " << size[2]
+       << " (height, width, depth) is not finite and above 0";
+  throw ValueError("void requireVoxelSize(const VoxelCalibration&)", text.str());
+}
+
+/// Moves a mesh into physical units: x along the columns, y along the rows, z along the planes. That is another hand
+/// than (row, column, plane), so the triangles are turned to face outward again.
+void placeInSpace(TriMesh<float>& mesh, const VoxelCalibration& calibration)
+{
+  mesh.multiply(Matrix<float>{
+      {0, calibration.getVoxelWidth(), 0}, {calibration.getVoxelHeight(), 0, 0}, {0, 0, calibration.getVoxelDepth()}});
+  mesh.flip();
+  mesh.computeNormals();
 }
 
 template <class T>
 TriMesh<float> surfaceOf(const VoxelMatrix<T>& volume, const Arguments& arguments, ProgressObserver& progress)
 {
+  const char* const where = "TriMesh<float> surfaceOf(const VoxelMatrix<T>&, const Arguments&, ProgressObserver&)";
+  requireVoxelSize(volume.getVoxelCalibration());
   MarchingCubes<T> step;
   step.addObserver(progress);
-  return step.buildMesh(volume, static_cast<Real<T>>(arguments.level), !arguments.open);
+  step.setNormalsWanted(false);
+  step.setMemoryLimit(machineMemory() - static_cast<double>(volume.getNumVoxels() * sizeof(T)));
+  TriMesh<float> mesh = step.buildMesh(volume, levelFor<T>(arguments.level), !arguments.open);
+  if (mesh.getNumTriangles() == 0) throw ValueError(where, "there is no surface at this level");
+  placeInSpace(mesh, volume.getVoxelCalibration());
+  return mesh;
 }
 
 ExitStatus isosurface(const Arguments& arguments)
 {
   const Write write = writerFor(arguments.out);
-  if (!std::isfinite(arguments.level)) throw BatchError("--level is not a finite number");
+  requireFiniteLevel(arguments.level);
   requireWritable(arguments.out, arguments.overwrite);
   const AnyVolume volume = readVolume(arguments.in);
   TerminalProgress progress;
-  const auto build = [&](const auto& matrix)
-  { return inSpace(surfaceOf(matrix, arguments, progress), matrix.getVoxelCalibration()); };
-  TriMesh<float> mesh = std::visit(build, volume);
-  if (mesh.getNumTriangles() == 0) throw BatchError(arguments.in + ": there is no surface at this level");
+  TriMesh<float> mesh;
+  workOn(arguments.in, volume, [&](const auto& matrix) { mesh = surfaceOf(matrix, arguments, progress); });
   mesh.setName(std::filesystem::path(arguments.in).stem().string());
   OutputFile file(arguments.out, true, "mirelo-batch");
   (mesh.*write)(file.stream());

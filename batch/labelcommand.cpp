@@ -1,6 +1,7 @@
 #include "batch/commands.h"
 #include "batch/terminalprogress.h"
 #include "batch/volumefile.h"
+#include "batch/volumestep.h"
 #include "image/segmentation/connectedcomponents.h"
 
 #include <CLI/CLI.hpp>
@@ -17,15 +18,17 @@ struct Arguments
   bool overwrite = false;
 };
 
+constexpr double bytesPerBit = 1. / 8; // the components keep one bit of each voxel
+
 template <class T> class Labelling
 {
 public:
-  Labelling(const VoxelMatrix<T>& mask, ProgressSubject& subject)
-    : _mask(mask), _subject(subject), _components(mask, subject)
+  Labelling(const VoxelMatrix<T>& mask, const std::string& maskName, ProgressSubject& subject)
+    : _mask(mask), _maskName(maskName), _subject(subject), _components(mask, subject)
   {
   }
 
-  /// Labels of the fewest bits that hold their number.
+  /// Labels of the fewest bits that hold their number. \throw BatchError  they take too much memory
   void write(const std::string& filename)
   {
     if (fits<unsigned char>())
@@ -43,6 +46,7 @@ private:
 
   template <class Label> void writeAs(const std::string& filename)
   {
+    requireMemory(_maskName, static_cast<double>(_mask.getNumVoxels()) * (sizeof(T) + bytesPerBit + sizeof(Label)));
     VoxelMatrix<Label> labels(_mask.getSize1(), _mask.getSize2(), _mask.getSize3());
     labels.setVoxelCalibration(_mask.getVoxelCalibration());
     _components.writeLabels(labels, _subject);
@@ -50,6 +54,7 @@ private:
   }
 
   const VoxelMatrix<T>& _mask;
+  const std::string& _maskName;
   ProgressSubject& _subject;
   ConnectedComponents _components;
 };
@@ -57,18 +62,17 @@ private:
 ExitStatus label(const Arguments& arguments)
 {
   requireVolumeOutput(arguments.out, arguments.overwrite);
-  const AnyVolume volume = readVolume(arguments.in);
+  const AnyVolume volume = readVolume(arguments.in, 0, bytesPerBit + sizeof(unsigned char));
   TerminalProgress progress;
   ProgressSubject subject;
   subject.addObserver(progress);
-  std::visit(
-      [&](const auto& mask)
-      {
-        Labelling labelling(mask, subject);
-        labelling.write(arguments.out);
-        std::cout << labelling.getNumLabels() << "\n";
-      },
-      volume);
+  workOn(arguments.in, volume,
+         [&](const auto& mask)
+         {
+           Labelling labelling(mask, arguments.in, subject);
+           labelling.write(arguments.out);
+           std::cout << labelling.getNumLabels() << "\n";
+         });
   return Done;
 }
 } // namespace

@@ -24,18 +24,6 @@ template <class T> void crossVoxelSize(VoxelMatrix<T>& volume)
   volume.setVoxelCalibration(calibration);
 }
 
-/// Refuses a volume larger than the machine's memory, before anything is allocated.
-void requireMemory(const std::string& filename, double numBytes)
-{
-  const double memory =
-      double{1} * static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-  if (numBytes <= memory) return;
-  constexpr double gibibyte = 1 << 30;
-  const auto inGibibytes = [](double bytes) { return std::to_string(static_cast<long>(bytes / gibibyte) + 1); };
-  throw BatchError(filename + ": the volume takes " + inGibibytes(numBytes) + " GiB, the machine has " +
-                   inGibibytes(memory));
-}
-
 double numVoxels(const ImageHeader& header)
 {
   return double{1} * header.getWidth() * header.getHeight() * header.getNumPlanes();
@@ -48,18 +36,19 @@ template <class T> AnyVolume load(const std::string& filename)
   return volume;
 }
 
-AnyVolume readVoxelMatrix(const std::string& filename)
+AnyVolume readVoxelMatrix(const std::string& filename, double workingBytesPerVoxel)
 {
   const VoxelMatrixHeader header = VoxelMatrixFile(filename).getHeader();
-  requireMemory(filename, static_cast<double>(header.numVoxels()) * static_cast<double>(header.elementSize));
+  requireMemory(filename, static_cast<double>(header.numVoxels()) *
+                              (static_cast<double>(header.elementSize) + workingBytesPerVoxel));
   return withElementType(header, [&](auto zero) { return load<decltype(zero)>(filename); });
 }
 
-AnyVolume readTiff(const std::string& filename)
+AnyVolume readTiff(const std::string& filename, double workingBytesPerVoxel)
 {
   const ImageHeader header = imageHeader(filename);
   const bool isWide = header.getDepth() == 16;
-  requireMemory(filename, numVoxels(header) * (isWide ? 2 : 1));
+  requireMemory(filename, numVoxels(header) * ((isWide ? 2 : 1) + workingBytesPerVoxel));
   AnyVolume volume = isWide ? load<unsigned short>(filename) : load<unsigned char>(filename);
   std::visit([](auto& matrix) { crossVoxelSize(matrix); }, volume);
   return volume;
@@ -84,14 +73,15 @@ template <class T> AnyVolume readChannel(ImageSourceLSMStackPlane& source, int c
   return volume;
 }
 
-AnyVolume readLsm(const std::string& filename, int channel)
+AnyVolume readLsm(const std::string& filename, int channel, double workingBytesPerVoxel)
 {
   ImageSourceLSMStackPlane source(filename);
   if (channel < 0 || channel >= source.getNumChannels())
     throw BatchError(filename + ": there is no channel " + std::to_string(channel) + "; the file has " +
                      std::to_string(source.getNumChannels()) + ", counted from 0");
   const bool isWide = source.getDepth() == 16;
-  requireMemory(filename, double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes() * (isWide ? 2 : 1));
+  const double numVoxels = double{1} * source.getSize1() * source.getSize2() * source.getNumPlanes();
+  requireMemory(filename, numVoxels * ((isWide ? 2 : 1) + workingBytesPerVoxel));
   return isWide ? readChannel<unsigned short>(source, channel) : readChannel<unsigned char>(source, channel);
 }
 } // namespace
@@ -106,6 +96,20 @@ VolumeFormat volumeFormat(const std::string& filename)
   return suffix == ".vm" ? VolumeFormat::VoxelMatrix : VolumeFormat::Unknown;
 }
 
+double machineMemory()
+{
+  return double{1} * static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+void requireMemory(const std::string& filename, double numBytes)
+{
+  if (numBytes <= machineMemory()) return;
+  constexpr double gibibyte = 1 << 30;
+  const auto inGibibytes = [](double bytes) { return std::to_string(static_cast<long>(bytes / gibibyte) + 1); };
+  throw BatchError(filename + ": the volume and the work on it take " + inGibibytes(numBytes) +
+                   " GiB, the machine has " + inGibibytes(machineMemory()));
+}
+
 ImageHeader imageHeader(const std::string& filename)
 {
   ImageHeader header;
@@ -116,7 +120,7 @@ ImageHeader imageHeader(const std::string& filename)
   return header;
 }
 
-AnyVolume readVolume(const std::string& filename, int channel)
+AnyVolume readVolume(const std::string& filename, int channel, double workingBytesPerVoxel)
 {
   if (channel != 0 && volumeFormat(filename) != VolumeFormat::Lsm)
     throw BatchError(filename + ": only confocal stacks (.lsm) have channels to choose from");
@@ -125,11 +129,11 @@ AnyVolume readVolume(const std::string& filename, int channel)
     switch (volumeFormat(filename))
     {
     case VolumeFormat::Tiff:
-      return readTiff(filename);
+      return readTiff(filename, workingBytesPerVoxel);
     case VolumeFormat::Lsm:
-      return readLsm(filename, channel);
+      return readLsm(filename, channel, workingBytesPerVoxel);
     case VolumeFormat::VoxelMatrix:
-      return readVoxelMatrix(filename);
+      return readVoxelMatrix(filename, workingBytesPerVoxel);
     case VolumeFormat::Unknown:
       break;
     }

@@ -26,9 +26,16 @@ VolumeFormat volumeFormat(const std::string& filename);
 ImageHeader imageHeader(const std::string& filename);
 
 /// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
-/// their places whatever the file's format. Of a confocal stack, one channel.
-/// \throw BatchError  the file is no image file, or larger than the memory   \throw Exception  it cannot be read
-AnyVolume readVolume(const std::string& filename, int channel = 0);
+/// their places whatever the file's format. Of a confocal stack, one channel. The work on the volume takes some bytes
+/// for each voxel besides.
+/// \throw BatchError  the file is no image file, or it takes, with the work on it, more than the memory
+/// \throw Exception   it cannot be read
+AnyVolume readVolume(const std::string& filename, int channel = 0, double workingBytesPerVoxel = 0);
+
+/// Bytes of the machine's memory.
+double machineMemory();
+/// \throw BatchError  the work on this file takes more than the machine's memory
+void requireMemory(const std::string& filename, double numBytes);
 
 /// \throw BatchError  a volume cannot be written to a file of this name, or the file exists and must not be overwritten
 void requireVolumeOutput(const std::string& filename, bool overwrite);

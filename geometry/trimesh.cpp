@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <numbers>
+#include <utility>
 
 namespace
 {
@@ -88,6 +89,12 @@ template <class T> void TriMesh<T>::removeTriangle(int i)
   if (!hasTriangle(i)) return;
   std::fill_n(_indexes.data() + 3 * static_cast<std::size_t>(i), 3, -1);
   --_numTriangles;
+}
+
+template <class T> void TriMesh<T>::flip()
+{
+  for (std::size_t n = 0; n < _indexes.size(); n += 3) std::swap(_indexes[n + 1], _indexes[n + 2]);
+  if (_normals.getSize() > 0) _normals *= T(-1);
 }
 
 template <class T> void TriMesh<T>::remove(int vertex)

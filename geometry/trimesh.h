@@ -49,6 +49,8 @@ public:
   void reserveTriangles(int numTriangles) { _indexes.reserve(3 * static_cast<std::size_t>(numTriangles)); }
   /// Empties the slot. \throw RangeError  there is no such slot
   void removeTriangle(int i);
+  /// Turns all triangles around, and with them the normals, so that the surface faces the other way.
+  void flip();
   /// Removes a vertex with its triangles; the vertices behind it move up. \throw RangeError  there is no such vertex
   void remove(int vertex);
   /// Removes vertices, triangles, normals and colours.
@@ -92,7 +94,8 @@ public:
   /// Becomes the unit cube [0, 1]^3 with outward triangles. \throw SizeError  the mesh is not in 3D
   void cube();
 
-  /// Writes the text of an ASCII STL file, degenerate triangles with the normal 0. \throw SizeError  not in 3D
+  /// Writes the text of an ASCII STL file with the name, degenerate triangles with the normal 0. \throw SizeError  not
+  /// in 3D
   void export2AsciiSTL(std::ostream& stream) const;
   /// Writes a binary STL file: float coordinates, the name in the header. \throw SizeError  not in 3D
   void export2BinarySTL(std::ostream& stream) const;

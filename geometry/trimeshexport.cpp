@@ -88,9 +88,10 @@ template <class T> void TriMesh<T>::export2AsciiSTL(std::ostream& stream) const
   requireSpace3(where);
   requireConsistency(where);
   TextBuffer text(stream);
-  text << "solid " << this->getName() << '\n';
+  const std::string name = lineOf(this->getName());
+  text << "solid " << name << '\n';
   forEachTriangle([&text](const T* a, const T* b, const T* c) { addFacet(text, a, b, c); });
-  text << "endsolid " << this->getName() << '\n';
+  text << "endsolid " << name << '\n';
   text.flush();
 }
 

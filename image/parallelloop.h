@@ -7,8 +7,9 @@
 #include <omp.h>
 
 /// Calls body(first, last) for consecutive ranges of `grain` of the n rows, planes or whatever the subject's step
-/// counts, on all OpenMP threads, until the subject is cancelled. The calling thread reports how many are done. The
-/// body must not throw.
+/// counts, on all OpenMP threads, until the subject is cancelled. The calling thread tells, after each range of its
+/// own, how many all threads have done by then: every range on one thread, only some of them on several. The body must
+/// not throw.
 template <class Body> void forEachRange(ProgressSubject& subject, long n, long grain, const Body& body)
 {
   std::atomic<long> numDone = 0;

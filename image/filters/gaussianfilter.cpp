@@ -48,6 +48,9 @@ IMAGE_WEIGHTED_SUMS(float)
 IMAGE_WEIGHTED_SUMS(double)
 IMAGE_WEIGHTED_SUMS(long double)
 
+/// Type in which weighted elements of type T are summed up.
+template <class T> using Sum = std::conditional_t<sizeof(T) <= 2 || std::is_same_v<T, float>, float, Real<T>>;
+
 int radiusOf(double sigma)
 {
   return static_cast<int>(std::lround(numSigmas * sigma));
@@ -90,14 +93,24 @@ template <class T> void GaussianFilter<T>::setSigma(double rows, double columns,
   _sigmas[2] = planes;
 }
 
+template <class T> int GaussianFilter<T>::numSlicesKept(const SliceView<T>& image) const
+{
+  return 2 * radiusOf(_sigmas[image.sliceAxis()]) + 1;
+}
+
+template <class T> int GaussianFilter<T>::bytesPerPixelKept() const
+{
+  return sizeof(Sum<T>);
+}
+
 template <class T> void GaussianFilter<T>::filter(const SliceView<T>& image)
 {
-  using A = std::conditional_t<sizeof(T) <= 2 || std::is_same_v<T, float>, float, Real<T>>;
+  using A = Sum<T>;
   const auto weightsFor = [&](typename SliceView<T>::Axis axis)
   { return Weights<A>(image.size(axis) == 1 ? 0 : _sigmas[axis]); };
   const Weights<A> alongColumns = weightsFor(SliceView<T>::Columns), acrossLines = weightsFor(image.lineAxis()),
                    acrossSlices = weightsFor(image.sliceAxis());
-  filterSeparably<T, A>(image, {alongColumns, acrossLines, acrossSlices}, 1, *this);
+  filterSeparably<T, A, A>(image, {alongColumns, acrossLines, acrossSlices}, 1, *this);
 }
 
 IMAGE_INSTANTIATE(GaussianFilter)

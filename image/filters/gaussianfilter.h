@@ -22,6 +22,8 @@ public:
   Vector<double> getSigma() const { return Vector<double>{_sigmas[0], _sigmas[1], _sigmas[2]}; }
 
 protected:
+  int numSlicesKept(const SliceView<T>& image) const override;
+  int bytesPerPixelKept() const override;
   void filter(const SliceView<T>& image) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "image/filters/meanfilter.h"
 
+#include "image/filters/runningsums.h"
 #include "image/filters/separablefilter.h"
 #include "numeric/targetclones.h"
 
@@ -11,8 +12,8 @@ namespace
 /// `size` lines and of the first ones of the next block. Nothing is subtracted, so that no element has an effect beyond
 /// its window, be it infinite or NaN.
 /// Source: the block scheme of van Herk, "A fast algorithm for local minimum and maximum filters", 1992.
-template <class A>
-__attribute__((always_inline)) inline void addBlock(const A* const* lines, int size, int count, long n, A* const* out)
+template <class A, class S>
+__attribute__((always_inline)) inline void addBlock(const S* const* lines, int size, int count, long n, A* const* out)
 {
   constexpr int lanes = 16;
   long j = 0;
@@ -52,44 +53,74 @@ template <class A> __attribute__((always_inline)) inline void addNext(A* x, int 
   }
 }
 
-#define IMAGE_SUM_KERNELS(A)                                                                                           \
-  MIRELO_TARGET_CLONES void sumAcross(const A* const* lines, int size, int count, long n, A* const* out)               \
+#define IMAGE_ACROSS_KERNELS(A, S)                                                                                     \
+  MIRELO_TARGET_CLONES void sumAcross(const S* const* lines, int size, int count, long n, A* const* out)               \
   {                                                                                                                    \
     addBlock(lines, size, count, n, out);                                                                              \
   }                                                                                                                    \
+  MIRELO_TARGET_CLONES void addOverhang(const S* first, const S* last, A count, long n, A* sums)                       \
+  {                                                                                                                    \
+    for (long j = 0; j < n; ++j) sums[j] += count * (static_cast<A>(first[j]) + static_cast<A>(last[j]));              \
+  }
+IMAGE_ACROSS_KERNELS(int, int)
+IMAGE_ACROSS_KERNELS(double, double)
+IMAGE_ACROSS_KERNELS(double, float)
+IMAGE_ACROSS_KERNELS(long double, long double)
+
+#define IMAGE_ALONG_KERNEL(A)                                                                                          \
   MIRELO_TARGET_CLONES void sumAlong(A* x, int size, long n, A* out)                                                   \
   {                                                                                                                    \
     addNext(x, size, n, out);                                                                                          \
   }
-IMAGE_SUM_KERNELS(int)
-IMAGE_SUM_KERNELS(double)
-IMAGE_SUM_KERNELS(long double)
+IMAGE_ALONG_KERNEL(int)
+IMAGE_ALONG_KERNEL(double)
+IMAGE_ALONG_KERNEL(long double)
 
-/// Sums of `size` consecutive values.
-template <class A> class Sums : public LineFilter<A>
+/// Sums of `size` consecutive values on an axis of `length` values. What every window has beyond the farthest window
+/// that an axis can fill is a multiple of the outermost values, and added as such.
+template <class A, class S = A> class Sums : public LineFilter<A, S>
 {
 public:
-  explicit Sums(int size) : _size(size) {}
+  Sums(int size, int length) : _radius(std::min(size / 2, length - 1)), _overhang(size / 2 - _radius) {}
 
-  int radius() const override { return _size / 2; }
-  int period() const override { return _size; }
-  void along(A* x, long n, A* out) const override { sumAlong(x, _size, n, out); }
-  void across(const A* const* lines, int count, long n, A* const* out) const override
+  int radius() const override { return _radius; }
+  int period() const override { return 2 * _radius + 1; }
+  void along(A* x, long n, A* out) const override
   {
-    for (int d = 0; d < count; d += _size) sumAcross(lines + d, _size, std::min(_size, count - d), n, out + d);
+    const A beyond = _overhang == 0 ? A(0) : static_cast<A>(_overhang) * (x[0] + x[n - 1 + 2 * _radius]);
+    sumAlong(x, period(), n, out);
+    for (long j = 0; _overhang > 0 && j < n; ++j) out[j] += beyond;
+  }
+  void across(const S* const* lines, int count, long n, A* const* out) const override
+  {
+    for (int d = 0; d < count; d += period()) sumAcross(lines + d, period(), std::min(period(), count - d), n, out + d);
+    for (int d = 0; _overhang > 0 && d < count; ++d)
+      addOverhang(lines[0], lines[count - 1 + 2 * _radius], static_cast<A>(_overhang), n, out[d]);
   }
 
 private:
-  int _size;
+  int _radius;
+  int _overhang; // elements that are still missing on either side
 };
 
 /// Sums in type A over boxes of these sizes, divided by the number of elements.
 template <class A, class T>
 void filterInType(const SliceView<T>& image, const int (&sizes)[3], double numElements, ProgressSubject& subject)
 {
-  const Sums<A> alongColumns(sizes[1]), acrossLines(sizes[image.lineAxis()]), acrossSlices(sizes[image.sliceAxis()]);
-  filterSeparably<T, A>(image, {alongColumns, acrossLines, acrossSlices}, 1 / static_cast<Real<A>>(numElements),
-                        subject);
+  using Axis = typename SliceView<T>::Axis;
+  const auto sumsAlong = [&](Axis axis) { return Sums<A>(sizes[axis], image.size(axis)); };
+  const Sums<A> alongColumns = sumsAlong(SliceView<T>::Columns), acrossLines = sumsAlong(image.lineAxis());
+  const auto scale = 1 / static_cast<Real<A>>(numElements);
+  const Axis sliceAxis = image.sliceAxis();
+  if constexpr (std::is_integral_v<T>)
+    sumAcrossSlices<T, A>(image, alongColumns, acrossLines, sizes[sliceAxis] / 2, scale, subject);
+  else
+  {
+    const Sums<A, T> acrossSlices(sizes[sliceAxis], image.size(sliceAxis));
+    const auto scaleOfKept = std::is_same_v<A, T> ? 1 : scale * sizes[sliceAxis];
+    filterSeparably<T, A, T>(image, {alongColumns, acrossLines, acrossSlices, scaleOfKept}, scale / scaleOfKept,
+                             subject);
+  }
 }
 } // namespace
 
@@ -102,6 +133,17 @@ template <class T> void MeanFilter<T>::setSize(int rows, int columns, int planes
   _sizes[0] = rows;
   _sizes[1] = columns;
   _sizes[2] = planes;
+}
+
+template <class T> int MeanFilter<T>::numSlicesKept(const SliceView<T>& image) const
+{
+  const int size = _sizes[image.sliceAxis()];
+  return std::is_integral_v<T> ? size / 2 + 1 : 2 * size; // those yet to leave; a window around each slice of a batch
+}
+
+template <class T> int MeanFilter<T>::bytesPerPixelKept() const
+{
+  return sizeof(T);
 }
 
 template <class T> void MeanFilter<T>::filter(const SliceView<T>& image)

@@ -6,7 +6,8 @@
 /// the number of elements in a box is odd). The time hardly depends on the size of the box.
 ///
 /// Sums of integers of 8 and 16 bits are exact in 32 bits as long as they fit, others are formed in double or, for long
-/// double, in that type.
+/// double, in that type; of float volumes, the means within slices are rounded to float before those across slices.
+/// However large the box, the memory taken is hardly more than that of the image once more.
 template <class T> class MeanFilter : public NeighbourhoodFilter<T>
 {
 public:
@@ -22,6 +23,8 @@ public:
   Vector<int> getSize() const { return Vector<int>{_sizes[0], _sizes[1], _sizes[2]}; }
 
 protected:
+  int numSlicesKept(const SliceView<T>& image) const override;
+  int bytesPerPixelKept() const override;
   void filter(const SliceView<T>& image) override;
 
 private:

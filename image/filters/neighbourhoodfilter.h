@@ -4,6 +4,8 @@
 #include "image/pixelmatrixprocessing.h"
 #include "image/voxelmatrixprocessing.h"
 
+#include <algorithm>
+
 /// A step that replaces every element by what a filter makes of its neighbourhood before the step. Beyond the border
 /// the image goes on with its outermost elements.
 ///
@@ -21,7 +23,19 @@ public:
     if (matrix.getNumVoxels() > 0) filter(SliceView<T>(matrix));
   }
 
+  /// Bytes that apply() will take beside the volume, but for a few slices per thread.
+  double workingMemory(VoxelMatrix<T>& matrix) const
+  {
+    const SliceView<T> image(matrix);
+    const double sliceSize = static_cast<double>(image.width()) * image.numLines();
+    return sliceSize * bytesPerPixelKept() * std::min(numSlicesKept(image), image.numSlices());
+  }
+
 protected:
+  /// The largest number of slices that are kept at a time when there are enough of them.
+  virtual int numSlicesKept(const SliceView<T>& image) const = 0;
+  /// Size of an element that is kept.
+  virtual int bytesPerPixelKept() const = 0;
   /// Filters an image that is not empty.
   virtual void filter(const SliceView<T>& image) = 0;
 };

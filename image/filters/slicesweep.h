@@ -1,9 +1,10 @@
 #pragma once
 
-#include "image/filters/sliceview.h"
+#include "image/filters/neighbourhoodfilter.h"
 #include "numeric/progresssubject.h"
 
 #include <algorithm>
+#include <limits>
 #include <omp.h>
 #include <vector>
 
@@ -36,6 +37,14 @@ private:
 };
 
 constexpr int largestTileWidth = 512;
+
+/// \throw SizeError  there is no room in an int for the neighbours beyond both ends of an axis
+template <class T> void requireSmallSides(const SliceView<T>& image)
+{
+  constexpr int largestSize = std::numeric_limits<int>::max() - 2 * largestRadius - 2 * largestTileWidth;
+  if (std::max({image.width(), image.numLines(), image.numSlices()}) > largestSize)
+    throw SizeError("void requireSmallSides(const SliceView<T>&)", "The image is too long to be filtered");
+}
 
 /// Number of columns to work on at a time, so that as many lines of them stay in the cache.
 template <class A> int tileWidthFor(long numLines)

@@ -6,7 +6,9 @@
 /// Replaces the elements that are not 0 by the number of their connected component, see ConnectedComponents: pixels
 /// connect through common sides, voxels through common faces.
 ///
-/// Cancelled before the numbers are known, the matrix stays as it is; later, it is labelled as far as the step came.
+/// The labels are the final ones from the start: provisional ones live outside the matrix, which could not always hold
+/// them. Cancelled before the numbers are known, the matrix therefore stays as it is; later, it is labelled as far as
+/// the step came.
 template <class T> class ComponentLabelling : public PixelMatrixProcessing<T>, public VoxelMatrixProcessing<T>
 {
 public:

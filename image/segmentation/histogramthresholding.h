@@ -16,10 +16,11 @@ public:
   /// \throw ValueError  a width that is not positive, no bin, or an edge that is not finite
   void setBins(Real<T> origin, Real<T> width, int count);
 
-  /// The threshold that apply() takes for these elements; the origin when there are none.
-  Real<T> computeThreshold(const PixelMatrix<T>& matrix) const;
-  Real<T> computeThreshold(const VoxelMatrix<T>& matrix) const;
+  /// The threshold that apply() takes for these elements; the origin when there are none. \throw Cancelled
+  Real<T> computeThreshold(const PixelMatrix<T>& matrix);
+  Real<T> computeThreshold(const VoxelMatrix<T>& matrix);
 
+  /// Cancelled before the threshold is known, the matrix and the old threshold stay.
   void apply(PixelMatrix<T>& matrix) override;
   void apply(VoxelMatrix<T>& matrix) override;
 
@@ -28,7 +29,8 @@ protected:
   virtual int chooseBin(const Vector<long>& counts) const = 0;
 
 private:
-  Real<T> computeThreshold(const T* elements, std::size_t n) const;
+  Real<T> computeThreshold(const T* elements, std::size_t n);
+  template <class Matrix> void applyComputed(Matrix& matrix);
 
   Real<T> _origin = static_cast<Real<T>>(-0.5);
   Real<T> _binWidth = 1;

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <omp.h>
+#include <string>
 #include <utility>
 
 namespace
@@ -478,6 +479,17 @@ void MarchingCubes<T>::forEachSlab(int numPlanes, std::vector<Workspace>& worksp
   throwIfCancelled(buildMeshSignature);
 }
 
+template <class T> void MarchingCubes<T>::requireFitting(double numVertices, double numTriangles) const
+{
+  constexpr double bytesPerVertex = 2 * 3 * sizeof(float), bytesPerTriangle = 3 * sizeof(int); // two: normals
+  const double numBytes = numVertices * bytesPerVertex + numTriangles * bytesPerTriangle;
+  if (numBytes <= _memoryLimit) return;
+  constexpr double mebibyte = 1 << 20;
+  const auto inMebibytes = [](double bytes) { return std::to_string(static_cast<long>(std::ceil(bytes / mebibyte))); };
+  throw SizeError(buildMeshSignature, "The surface takes " + inMebibytes(numBytes) + " MiB, and there are " +
+                                          inMebibytes(_memoryLimit) + " for it");
+}
+
 template <class T> TriMesh<float> MarchingCubes<T>::buildMesh(const VoxelMatrix<T>& volume, Level level, bool closed)
 {
   if (!std::isfinite(level)) throw ValueError(buildMeshSignature, "The level is not a finite number");
@@ -494,6 +506,7 @@ template <class T> TriMesh<float> MarchingCubes<T>::buildMesh(const VoxelMatrix<
   progress(1);
   const MeshCounts totals = toStarts(counts);
   requireCountable(totals);
+  requireFitting(static_cast<double>(totals.numInsideVertices), static_cast<double>(totals.numTriangles));
   BufferVector<float> vertices(3 * static_cast<std::size_t>(totals.numInsideVertices));
   BufferVector<int> triangles(3 * static_cast<std::size_t>(totals.numTriangles));
   forEachSlab(grid.numPlanes, workspaces,
@@ -502,7 +515,7 @@ template <class T> TriMesh<float> MarchingCubes<T>::buildMesh(const VoxelMatrix<
 
   progress(2);
   TriMesh<float> mesh(3, std::move(vertices), std::move(triangles));
-  mesh.computeNormals();
+  if (_areNormalsWanted) mesh.computeNormals();
   return mesh;
 }
 

@@ -46,12 +46,13 @@ long rowsPerGroup(long rowSize)
   return std::max(1L, groupSize / std::max(rowSize, 1L));
 }
 
-template <class T> void maskOf(const T* elements, unsigned char* mask, std::size_t size, T level)
+template <class T>
+void maskOf(const T* elements, unsigned char* mask, std::size_t size, T level, ProgressSubject& subject)
 {
   const auto n = static_cast<long>(size);
-#pragma omp parallel for schedule(static)
-  for (long first = 0; first < n; first += groupSize)
-    maskRow(elements + first, mask + first, std::min(groupSize, n - first), level);
+  const ProgressStep step(subject, "Thresholding", n);
+  forEachRange(subject, n, groupSize,
+               [=](long first, long last) { maskRow(elements + first, mask + first, last - first, level); });
 }
 } // namespace
 
@@ -110,15 +111,25 @@ template <class T> bool Thresholding<T>::setLeastNotBelow(Real<T> threshold)
 template <class T> PixelMatrix<unsigned char> Thresholding<T>::levelSetMask(const PixelMatrix<T>& matrix, T level)
 {
   PixelMatrix<unsigned char> mask(matrix.getSize1(), matrix.getSize2());
-  maskOf(matrix.data(), mask.data(), matrix.getNumElements(), level);
+  ProgressSubject unobserved;
+  maskOf(matrix.data(), mask.data(), matrix.getNumElements(), level, unobserved);
   mask.setPixelCalibration(matrix.getPixelCalibration());
   return mask;
 }
 
 template <class T> VoxelMatrix<unsigned char> Thresholding<T>::levelSetMask(const VoxelMatrix<T>& matrix, T level)
 {
+  ProgressSubject unobserved;
+  return levelSetMask(matrix, level, unobserved);
+}
+
+template <class T> VoxelMatrix<unsigned char> Thresholding<T>::levelSetMask(const VoxelMatrix<T>& matrix, T level,
+                                                                            ProgressSubject& subject)
+{
   VoxelMatrix<unsigned char> mask(matrix.getSize1(), matrix.getSize2(), matrix.getSize3());
-  maskOf(matrix.data(), mask.data(), matrix.getNumVoxels(), level);
+  maskOf(matrix.data(), mask.data(), matrix.getNumVoxels(), level, subject);
+  subject.throwIfCancelled("VoxelMatrix<unsigned char> Thresholding<T>::levelSetMask(const VoxelMatrix<T>&, T, "
+                           "ProgressSubject&)");
   mask.setVoxelCalibration(matrix.getVoxelCalibration());
   return mask;
 }

@@ -22,12 +22,16 @@ public:
   bool foregroundIsAbove() const { return _foregroundIsAbove; }
   void setForegroundIsAbove(bool isAbove) { _foregroundIsAbove = isAbove; }
 
+  /// Progress is told after each row, or group of rows of a volume, that the calling thread has done: how many rows are
+  /// done by all threads.
   void apply(PixelMatrix<T>& matrix) override;
   void apply(VoxelMatrix<T>& matrix) override;
 
   /// 255 where an element is not below the level (NaN is not), 0 elsewhere; the calibration is kept.
   static PixelMatrix<unsigned char> levelSetMask(const PixelMatrix<T>& matrix, T level);
   static VoxelMatrix<unsigned char> levelSetMask(const VoxelMatrix<T>& matrix, T level);
+  /// The same as a step of the subject. \throw Cancelled
+  static VoxelMatrix<unsigned char> levelSetMask(const VoxelMatrix<T>& matrix, T level, ProgressSubject& subject);
 
   /// The outer boundary of the region around an element: the elements equal to the label that are connected with it
   /// through common sides.

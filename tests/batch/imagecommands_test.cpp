@@ -7,10 +7,8 @@
 #include "tests/support/tifffiles.h"
 
 #include <algorithm>
-#include <cmath>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace
 {
@@ -186,57 +184,6 @@ TEST_F(BatchImages, FiltersVolumes)
   EXPECT_THAT(run("filter floats.vm --kind nope --out x.vm").errors, HasSubstr("gaussian, mean"));
   EXPECT_EQ(run("filter floats.vm --kind mean --sigma 1 --out x.vm").status, 2);
   EXPECT_EQ(run("filter floats.vm --kind mean --size -3 --out x.vm").status, 2);
-}
-
-/// Volume that the triangles of an OBJ file enclose, positive when they face outward.
-double enclosedVolume(const std::string& obj)
-{
-  std::istringstream lines(obj);
-  std::vector<std::array<double, 3>> vertices;
-  double sixfold = 0;
-  for (std::string line; std::getline(lines, line);)
-  {
-    std::istringstream words(line);
-    std::string kind;
-    words >> kind;
-    if (kind == "v") words >> vertices.emplace_back()[0] >> vertices.back()[1] >> vertices.back()[2];
-    if (kind != "f") continue;
-    std::array<std::array<double, 3>, 3> corner;
-    for (auto& each : corner)
-    {
-      words >> kind;
-      each = vertices.at(std::stoul(kind) - 1);
-    }
-    const auto& [a, b, c] = corner;
-    sixfold +=
-        a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) + a[2] * (b[0] * c[1] - b[1] * c[0]);
-  }
-  return sixfold / 6;
-}
-
-TEST_F(BatchImages, SurfacesAreInPhysicalUnits)
-{
-  constexpr double radius = 4;
-  VoxelMatrix<float> ball(40, 80, 20); // of voxels of 0.25 x 0.125 x 0.5
-  for (int k = 0; k < 20; ++k)
-    for (int i = 0; i < 40; ++i)
-      for (int j = 0; j < 80; ++j)
-        ball(i, j, k) = static_cast<float>(radius - std::hypot(i * 0.25 - 5, j * 0.125 - 5, k * 0.5 - 5));
-  ball.setVoxelCalibration(calibration(0.25f, 0.125f, 0.5f));
-  ball.save(path("ball.vm"), true);
-  ASSERT_EQ(run("isosurface ball.vm --level 0 --out ball.obj").status, 0);
-  // The chords of a sampled ball lie inside it: the loss is below h^2 / (2 R) times its area for steps h.
-  const double exact = 4. / 3 * M_PI * std::pow(radius, 3), area = 4 * M_PI * radius * radius;
-  const double volume = enclosedVolume(contents(folder / "ball.obj"));
-  EXPECT_LE(volume, exact * (1 + 1e-5));
-  EXPECT_GE(volume, exact - area * 0.25 / (2 * radius));
-
-  for (const char* name : {"ball.stl", "ball.ply", "ball.mesh"})
-    EXPECT_EQ(run(std::string("isosurface ball.vm --level 0 --out ") + name).status, 0) << name;
-  EXPECT_EQ(run("isosurface ball.vm --level 0 --out ball.stl").status, 2);
-  EXPECT_EQ(run("isosurface ball.vm --level 0 --out ball.vrml").status, 2);
-  EXPECT_THAT(run("isosurface ball.vm --level 99 --out none.stl").errors, HasSubstr("no surface"));
-  EXPECT_FALSE(fs::exists(folder / "none.stl"));
 }
 
 TEST_F(BatchImages, BadInputGivesOneLine)

@@ -117,6 +117,25 @@ TEST(TriMeshNormals, PointOutAndWeighByAngle)
   expectError<UsageError>("no normals", [] { rightTriangle().getNormal(0); });
 }
 
+TEST(TriMeshNormals, TurnWithTheTriangles)
+{
+  TriMesh<double> cube = unitCube();
+  cube.removeTriangle(3);
+  cube.computeNormals();
+  TriMesh<double> flipped = cube, recomputed = cube;
+  flipped.flip();
+  EXPECT_EQ(flipped.getTriangleIndexes(0), (Vector<int>{cube.corners(0)[0], cube.corners(0)[2], cube.corners(0)[1]}));
+  EXPECT_FALSE(flipped.hasTriangle(3));
+  recomputed.flip();
+  recomputed.computeNormals();
+  for (int i = 0; i < 8; ++i)
+    for (int k = 0; k < 3; ++k)
+    {
+      EXPECT_NEAR(flipped.getNormal(i)[k], -cube.getNormal(i)[k], 1e-15);
+      EXPECT_NEAR(flipped.getNormal(i)[k], recomputed.getNormal(i)[k], 1e-15);
+    }
+}
+
 TEST(TriMeshNormals, AreThoseOfATriangleOfAnySizeAndAngle)
 {
   for (const double size : {1e-30, 1e-12, 1., 1e15})
@@ -231,7 +250,7 @@ TEST(TriMeshStl, HasTheNormalsOfItsTrianglesAndSixDigits)
   mesh.addTriangle(0, 3, 3); // no area
   mesh.addTriangle(1, 0, 2);
   mesh.removeTriangle(2);
-  mesh.setName("cell 1");
+  mesh.setName("cell\n1");
   std::ostringstream text;
   mesh.export2AsciiSTL(text);
   EXPECT_EQ(text.str(), "solid cell 1\n"

@@ -108,6 +108,12 @@ TYPED_TEST(Filters, FollowTheirDefinitions)
     expectGaussians(volume, {0, 1.6, 0.9}, 1e-2);
   }
   expectMeans(anyVolume<T>({1, 3, 2}), {9, 63, 201}, isInteger ? 1e-6 : 1e-4);
+  constexpr int small[][3] = {{6, 7, 5}, {3, 7, 9}, {20, 4, 3}};
+  for (const auto& sizes : small) // windows that reach beyond one or both ends
+  {
+    expectMeans(anyVolume<T>(sizes), {5, 21, 15}, isInteger ? 1e-6 : 1e-4);
+    expectMeans(anyVolume<T>(sizes), {31, 7, 9}, isInteger ? 1e-6 : 1e-4);
+  }
 }
 
 TEST(Filters, KeepDigits)
@@ -157,20 +163,47 @@ TEST(Filters, DoTheSameToAPlaneAsToAVolumeOfOne)
   apply(empty);
 }
 
+namespace
+{
+template <class T> VoxelMatrix<T> filtered(const VoxelMatrix<T>& volume, int size, int numThreads)
+{
+  const NumThreads threads(numThreads);
+  VoxelMatrix<T> result = volume;
+  MeanFilter<T> mean;
+  mean.setSize(size);
+  mean.apply(result);
+  GaussianFilter<T>().apply(result);
+  return result;
+}
+} // namespace
+
 TEST(Filters, DoNotDependOnTheNumberOfThreads)
 {
-  const VoxelMatrix<float> volume = anyVolume<float>({30, 600, 40});
-  const auto filtered = [&volume](int numThreads)
+  const VoxelMatrix<float> floats = anyVolume<float>({30, 600, 40});
+  const VoxelMatrix<unsigned short> integers = anyVolume<unsigned short>({30, 600, 40});
+  for (const int size : {3, 31, 20'001})
   {
-    const NumThreads threads(numThreads);
-    VoxelMatrix<float> result = volume;
-    MeanFilter<float>().apply(result);
-    GaussianFilter<float>().apply(result);
-    return result;
-  };
-  const VoxelMatrix<float> expected = filtered(1);
-  EXPECT_EQ(filtered(2), expected);
-  EXPECT_EQ(filtered(7), expected);
+    const VoxelMatrix<float> expected = filtered(floats, size, 1);
+    const VoxelMatrix<unsigned short> expectedIntegers = filtered(integers, size, 1);
+    for (const int numThreads : {2, 7})
+    {
+      EXPECT_EQ(filtered(floats, size, numThreads), expected) << size;
+      EXPECT_EQ(filtered(integers, size, numThreads), expectedIntegers) << size;
+    }
+  }
+}
+
+TEST(Filters, TellTheMemoryTheyTake)
+{
+  VoxelMatrix<unsigned char> volume(10, 20, 30); // slices are planes
+  MeanFilter<unsigned char> mean;
+  mean.setSize(7);
+  EXPECT_EQ(mean.workingMemory(volume), 4 * 200); // the slices that leave later, and the one that leaves
+  mean.setSize(20'001);
+  EXPECT_EQ(mean.workingMemory(volume), 30 * 200);
+  GaussianFilter<unsigned char> gaussian;
+  gaussian.setSigma(2);
+  EXPECT_EQ(gaussian.workingMemory(volume), 17 * 200 * 4); // of float sums
 }
 
 TEST(Filters, RefuseOtherSizes)

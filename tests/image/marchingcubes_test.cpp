@@ -306,6 +306,19 @@ TEST(MarchingCubes, TakesAnyVoxelAndLevel)
   expectError<ValueError>("not a finite number", [&] { surfaceOf(volume, std::nanf(""), true); });
 }
 
+TEST(MarchingCubes, LeavesOutNormalsAndRefusesLargeMeshesWhenAsked)
+{
+  VoxelMatrix<unsigned char> volume(3, 3, 3);
+  volume.setZeros();
+  volume(1, 1, 1) = 2;
+  MarchingCubes<unsigned char> step;
+  step.setNormalsWanted(false);
+  step.setMemoryLimit(6 * 24 + 8 * 12); // an octahedron: 6 vertices with normals, 8 triangles
+  EXPECT_FALSE(step.buildMesh(volume, 1, true).hasNormals());
+  step.setMemoryLimit(6 * 24 + 8 * 12 - 1);
+  expectError<SizeError>("The surface takes 1 MiB", [&] { step.buildMesh(volume, 1, true); });
+}
+
 TEST(MarchingCubes, StopsWhenCancelled)
 {
   struct Canceller : ProgressObserver

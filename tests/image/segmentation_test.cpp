@@ -4,6 +4,7 @@
 #include "tests/support/curves.h"
 #include "tests/support/errors.h"
 #include "tests/support/randomvolumes.h"
+#include "tests/support/threads.h"
 
 #include <gmock/gmock.h>
 #include <limits>
@@ -77,6 +78,14 @@ PixelMatrix<char> drawing(const std::vector<std::string>& rows)
 
 using testing::ElementsAre;
 
+struct Reports : ProgressObserver
+{
+  void started(const std::string&) override {}
+  void progressed(double share) override { shares.push_back(share); }
+  void finished() override {}
+  std::vector<double> shares;
+};
+
 TEST(Thresholding, ComparesWithTheThreshold)
 {
   const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -103,13 +112,6 @@ TEST(Thresholding, ComparesWithTheThreshold)
 
 TEST(Thresholding, TreatsAllVoxelsAndReportsEachRowOfAPlane)
 {
-  struct Reports : ProgressObserver
-  {
-    void started(const std::string&) override {}
-    void progressed(double share) override { shares.push_back(share); }
-    void finished() override {}
-    std::vector<double> shares;
-  };
   Thresholding<unsigned short> step;
   step.setThreshold(500);
   VoxelMatrix<unsigned short> volume = randomVolume<unsigned short>(300, 500, 3, [](double u) { return 1000 * u; });
@@ -123,8 +125,9 @@ TEST(Thresholding, TreatsAllVoxelsAndReportsEachRowOfAPlane)
   step.addObserver(reports);
   PixelMatrix<unsigned short> image(4, 1);
   image.setZeros();
+  const NumThreads oneThread(1);
   step.apply(image);
-  EXPECT_EQ(reports.shares.back(), 1);
+  EXPECT_THAT(reports.shares, ElementsAre(0.25, 0.5, 0.75, 1, 1)); // the end of the last row and of the step
 }
 
 TEST(Otsu, SeparatesTheClassesBest)
@@ -185,6 +188,17 @@ TEST(HistogramThresholding, TakesLowerEdgesOfBins)
   EXPECT_EQ(isodata.computeThreshold(values), -0.5F);
   isodata.apply(values);
   EXPECT_THAT(elementsOf(values), ElementsAre(0, 255, 0, 255));
+}
+
+TEST(HistogramThresholding, ReportsTheHistogramAndTheRows)
+{
+  OtsuThresholding<unsigned char> step;
+  Reports reports;
+  step.addObserver(reports);
+  PixelMatrix<unsigned char> image = plane<unsigned char>({{10}, {200}, {200}, {10}});
+  const NumThreads oneThread(1);
+  step.apply(image);
+  EXPECT_THAT(reports.shares, ElementsAre(0.5, 0.625, 0.75, 0.875, 1, 1, 1)); // rows end, and both steps
 }
 
 TEST(HistogramThresholding, WorksBeyondTheRangeOfTheType)
