@@ -20,6 +20,7 @@ CalibrationCurve::CalibrationCurve(std::vector<Sample> samples, CalibrationFit f
 
 void CalibrationCurve::setFit(CalibrationFit fit)
 {
+  if (fit == _fit) return;
   _fit = fit;
   compute();
 }

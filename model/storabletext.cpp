@@ -46,11 +46,14 @@ std::string importText(std::string_view text)
 
 bool isStorableName(std::string_view name)
 {
+  constexpr std::size_t greatestLength = 65535; // longer than any path
+  if (name.size() > greatestLength) return false;
   return name.find_first_of("\t\n\v\f\r") == std::string_view::npos && importText(exportText(name)) == name;
 }
 
 void requireStorableName(std::string_view name, const char* where)
 {
   if (isStorableName(name)) return;
-  throw ValueError(where, "A name must not hold a tab, a line break or one of __SC__, __NL__, __DQ__, __HA__");
+  throw ValueError(where, "A name must not hold a tab, a line break or one of __SC__, __NL__, __DQ__, __HA__, or be "
+                          "longer than 65535 characters");
 }

@@ -141,8 +141,12 @@ TEST(Names, ThatAStackFileWouldChangeAreRefused)
     slice.setName(name);
     EXPECT_EQ(slice.getName(), name);
   }
-  for (const char* name : {"a\nb", "tab\t", "x__SC__", "__SC;"}) // the last one would read as ";SC__"
-    expectError<ValueError>("must not hold", [name] { Model model(name); });
+  const std::string longest(65535, '"');
+  EXPECT_EQ(Model(longest).getName(), longest);
+  for (const std::string& name : {std::string("a\nb"), std::string("tab\t"), std::string("x__SC__"),
+                                  std::string("__SC;"), // would read as ";SC__"
+                                  longest + "x"})
+    expectError<ValueError>("must not hold", [&name] { Model model(name); });
 }
 
 TEST_F(Drawing, ItemsLeaveTheListsWithWhatOwnsThem)
