@@ -88,6 +88,7 @@ bool hasColors(const ImageHeader& header)
 ExitStatus convert(const Arguments& arguments)
 {
   requireVolumeOutput(arguments.out, arguments.overwrite);
+  requireChannels(arguments.in, arguments.channel);
   if (volumeFormat(arguments.in) == VolumeFormat::Tiff)
   {
     const ImageHeader header = imageHeader(arguments.in);
@@ -95,7 +96,8 @@ ExitStatus convert(const Arguments& arguments)
     if (toTiff && header.getNumPlanes() == 1) return convertImage(arguments), Done;
     if (hasColors(header) && !arguments.grey8) refuseColors(arguments.in);
   }
-  AnyVolume volume = readVolume(arguments.in, arguments.channel);
+  const double bytesOfGreyLevels = arguments.grey8 ? sizeof(unsigned char) : 0;
+  AnyVolume volume = readVolume(arguments.in, arguments.channel, bytesOfGreyLevels);
   std::visit([&](auto& matrix) { convertVolume(matrix, arguments); }, volume);
   return Done;
 }

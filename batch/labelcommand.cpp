@@ -18,13 +18,13 @@ struct Arguments
   bool overwrite = false;
 };
 
-constexpr double bytesPerBit = 1. / 8; // the components keep one bit of each voxel
+constexpr double bytesPerBit = 1. / 8; // of each voxel, which the components keep
 
 template <class T> class Labelling
 {
 public:
   Labelling(const VoxelMatrix<T>& mask, const std::string& maskName, ProgressSubject& subject)
-    : _mask(mask), _maskName(maskName), _subject(subject), _components(mask, subject)
+    : _mask(mask), _maskName(maskName), _subject(subject), _components(mask, subject, memoryForRuns())
   {
   }
 
@@ -42,11 +42,20 @@ public:
   long getNumLabels() const { return _components.getNumLabels(); }
 
 private:
+  /// Of the mask and of what the components take besides the runs. \throw BatchError  more than the machine has
+  double memoryInUse() const
+  {
+    const double numBytes = static_cast<double>(_mask.getNumVoxels() * sizeof(T)) +
+                            ConnectedComponents::workingMemory(_mask.getSize1(), _mask.getSize2(), _mask.getSize3());
+    requireMemory(_maskName, numBytes);
+    return numBytes;
+  }
+  double memoryForRuns() const { return machineMemory() - memoryInUse(); }
   template <class Label> bool fits() const { return getNumLabels() <= std::numeric_limits<Label>::max(); }
 
   template <class Label> void writeAs(const std::string& filename)
   {
-    requireMemory(_maskName, static_cast<double>(_mask.getNumVoxels()) * (sizeof(T) + bytesPerBit + sizeof(Label)));
+    requireMemory(_maskName, memoryInUse() + static_cast<double>(_mask.getNumVoxels() * sizeof(Label)));
     VoxelMatrix<Label> labels(_mask.getSize1(), _mask.getSize2(), _mask.getSize3());
     labels.setVoxelCalibration(_mask.getVoxelCalibration());
     _components.writeLabels(labels, _subject);

@@ -131,9 +131,9 @@ ExitStatus threshold(const Arguments& arguments)
   workOn(arguments.in, volume,
          [&]<class T>(const VoxelMatrix<T>& matrix)
          {
-           const auto [level, mask] = segment(matrix, arguments, subject);
-           writeVolume(mask, arguments.out);
-           std::cout << shortest(level) << "\n";
+           Segmentation<T> segmentation = segment(matrix, arguments, subject);
+           writeVolume(std::move(segmentation.mask), arguments.out);
+           std::cout << shortest(segmentation.threshold) << "\n";
          });
   return Done;
 }

@@ -67,6 +67,11 @@ template <class T> AnyVolume readChannel(ImageSourceLSMStackPlane& source, int c
   {
     source.setPlane(channel * numPlanes + k);
     ImageReader::read(image, source);
+    if (image.getDepth() != 8 * static_cast<int>(sizeof(T)) || image.getWidth() != volume.getSize2() ||
+        image.getHeight() != volume.getSize1())
+      throw FileFormatError("AnyVolume readChannel(ImageSourceLSMStackPlane&, int)",
+                            "Plane " + std::to_string(k) + " has another size or depth than the first",
+                            source.getLSMStackFilename());
     volume[k].convertFromImage(image);
   }
   volume.setVoxelCalibration(calibration);
@@ -120,10 +125,15 @@ ImageHeader imageHeader(const std::string& filename)
   return header;
 }
 
-AnyVolume readVolume(const std::string& filename, int channel, double workingBytesPerVoxel)
+void requireChannels(const std::string& filename, int channel)
 {
   if (channel != 0 && volumeFormat(filename) != VolumeFormat::Lsm)
     throw BatchError(filename + ": only confocal stacks (.lsm) have channels to choose from");
+}
+
+AnyVolume readVolume(const std::string& filename, int channel, double workingBytesPerVoxel)
+{
+  requireChannels(filename, channel);
   try
   {
     switch (volumeFormat(filename))
@@ -147,7 +157,7 @@ AnyVolume readVolume(const std::string& filename, int channel, double workingByt
 
 void requireVolumeOutput(const std::string& filename, bool overwrite)
 {
-  const bool isVoxelMatrix = filename.ends_with(".vm");
+  const bool isVoxelMatrix = std::filesystem::path(filename).extension() == ".vm"; // as VoxelMatrix::save() has it
   if (!isVoxelMatrix && volumeFormat(filename) != VolumeFormat::Tiff)
     throw BatchError(filename + ": volumes are written to files whose name ends with .vm, .tif or .tiff");
   requireWritable(filename, overwrite);

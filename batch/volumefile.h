@@ -25,6 +25,9 @@ VolumeFormat volumeFormat(const std::string& filename);
 /// \throw FileError  it cannot be read
 ImageHeader imageHeader(const std::string& filename);
 
+/// \throw BatchError  a channel is asked for but the file is no confocal stack
+void requireChannels(const std::string& filename, int channel);
+
 /// Reads all planes of an image file; colours become grey levels, and the voxel size has height, width and depth in
 /// their places whatever the file's format. Of a confocal stack, one channel. The work on the volume takes some bytes
 /// for each voxel besides.

@@ -23,10 +23,8 @@ target_compile_options(mirelo_options INTERFACE
 # GCC 12 warns of overlapping copies inside std::string concatenation where there are none (GCC bug 105651).
 target_compile_options(mirelo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(MIRELO_SANITIZE)
-  # The checks make GCC see uninitialised variables where there are none.
   target_compile_options(mirelo_options INTERFACE
-    -fsanitize=${MIRELO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-uninitialized
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+    -fsanitize=${MIRELO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(mirelo_options INTERFACE -fsanitize=${MIRELO_SANITIZE})
 endif()
 

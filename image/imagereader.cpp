@@ -15,8 +15,12 @@
 #include "image/voxelmatrixplanes.h"
 
 #include <atomic>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <new>
+#include <numeric>
+#include <vector>
 
 namespace
 {
@@ -39,38 +43,67 @@ const std::string& requireImage(const std::string& filename, const char* where)
   return filename;
 }
 
-/// An image of the mosaic's size that is like its first tile otherwise.
-Image emptyMosaic(const ImageSourceFileMosaic& source)
+constexpr const char* mosaicSignature = "void ImageReader::read(Image&, const ImageSourceFileMosaic&)";
+
+/// \throw FileFormatError  the tile is not of the given size, or not like the mosaic's first tile
+void requireFit(const ImageHeader& tile, int width, int height, const ImageHeader& first, const std::string& filename)
 {
-  Image tile;
-  ImageReader::read(tile, source.requireFilename(0, 0));
+  if (tile.getWidth() != width || tile.getHeight() != height)
+    throw FileFormatError(mosaicSignature, "Incompatible image dimensions", filename);
+  if (tile.getDepth() != first.getDepth())
+    throw FileFormatError(mosaicSignature, "Incompatible image depths", filename);
+  const bool sameColormaps =
+      tile.hasColormap() == first.hasColormap() && (!tile.hasColormap() || tile.getColormap() == first.getColormap());
+  if (!sameColormaps) throw FileFormatError(mosaicSignature, "Incompatible colormaps", filename);
+}
+
+/// The grid of a mosaic, all its tiles' headers looked at: what the image takes in memory, the files justify.
+struct MosaicGrid
+{
+  ImageHeader first;
+  std::vector<int> heights, widths;
+};
+
+MosaicGrid checkedGrid(const ImageSourceFileMosaic& source)
+{
+  MosaicGrid grid;
+  ImageReader::read(grid.first, source.requireFilename(0, 0));
+  grid.heights = source.rowHeights();
+  grid.widths = source.colWidths();
+  for (int row = 0; row < source.getRows(); ++row)
+  {
+    for (int column = 0; column < source.getCols(); ++column)
+    {
+      ImageHeader tile;
+      ImageReader::read(tile, source.requireFilename(row, column));
+      requireFit(tile, grid.widths[static_cast<std::size_t>(column)], grid.heights[static_cast<std::size_t>(row)],
+                 grid.first, source.getFilename(row, column));
+    }
+  }
+  return grid;
+}
+
+/// An image of the grid's size that is like its first tile otherwise.
+Image emptyMosaic(const MosaicGrid& grid, const std::string& filename)
+{
+  const auto total = [&filename](const std::vector<int>& sizes)
+  {
+    const std::int64_t sum = std::accumulate(sizes.begin(), sizes.end(), std::int64_t{0});
+    if (sum <= std::numeric_limits<int>::max()) return static_cast<int>(sum);
+    throw FileFormatError(mosaicSignature, "The mosaic is too large", filename);
+  };
   try
   {
-    Image mosaic(source.getSize2(), source.getSize1(), tile.getDepth());
-    mosaic.setDescription(tile.getHeader());
+    Image mosaic(total(grid.widths), total(grid.heights), grid.first.getDepth());
+    mosaic.setDescription(grid.first);
     return mosaic;
   }
   catch (const std::bad_alloc&)
   {
-    throw FileFormatError("void ImageReader::read(Image&, const ImageSourceFileMosaic&)",
-                          "There is not enough memory for the mosaic", source.getFilename(0, 0));
+    throw FileFormatError(mosaicSignature, "There is not enough memory for the mosaic", filename);
   }
 }
 
-/// Reads one tile and pastes it into the mosaic, which gets its depth and colormap from the first.
-void pasteTile(Image& mosaic, const std::string& filename, int x, int y, int width, int height)
-{
-  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceFileMosaic&)";
-  Image tile;
-  ImageReader::read(tile, filename);
-  if (tile.getWidth() != width || tile.getHeight() != height)
-    throw FileFormatError(where, "Incompatible image dimensions", filename);
-  if (tile.getDepth() != mosaic.getDepth()) throw FileFormatError(where, "Incompatible image depths", filename);
-  const bool sameColormaps =
-      tile.hasColormap() == mosaic.hasColormap() && (!tile.hasColormap() || tile.getColormap() == mosaic.getColormap());
-  if (!sameColormaps) throw FileFormatError(where, "Incompatible colormaps", filename);
-  mosaic.paste(tile, x, y);
-}
 } // namespace
 
 void ImageReader::read(Image& image, const ImageSource& source)
@@ -106,17 +139,20 @@ void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
 
 void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
 {
-  const std::vector<int> heights = source.rowHeights(), widths = source.colWidths();
-  Image mosaic = emptyMosaic(source);
+  const MosaicGrid grid = checkedGrid(source);
+  Image mosaic = emptyMosaic(grid, source.getFilename(0, 0));
   int y = 0;
   for (int row = 0; row < source.getRows(); ++row)
   {
-    const int height = heights[static_cast<std::size_t>(row)];
+    const int height = grid.heights[static_cast<std::size_t>(row)];
     int x = 0;
     for (int column = 0; column < source.getCols(); ++column)
     {
-      const int width = widths[static_cast<std::size_t>(column)];
-      pasteTile(mosaic, source.requireFilename(row, column), x, y, width, height);
+      const int width = grid.widths[static_cast<std::size_t>(column)];
+      Image tile;
+      read(tile, source.getFilename(row, column));
+      requireFit(tile.getHeader(), width, height, mosaic.getHeader(), source.getFilename(row, column));
+      mosaic.paste(tile, x, y);
       x += width;
     }
     y += height;

@@ -155,7 +155,7 @@ void VoxelMatrixFile::checkLength()
   const std::uint64_t width = numBytes / (planeSize * numPlanes);
   const bool isWhole = numBytes % (planeSize * numPlanes) == 0;
   const std::uint64_t expected = sizeOfType(_header.typeId);
-  const bool isKnown = width == 1 || width == 2 || (_header.format == 0 && (width == 4 || width == 8 || width == 16));
+  const bool isKnown = width == 1 || width == 2 || (_header.format == 0 && (width == 4 || width == 8));
   if (expected != 0 && width < expected) fail("The file is too short for its voxel matrix size");
   if (!isWhole || (expected != 0 ? width != expected : !isKnown))
     fail("The length of the file does not fit its voxel matrix size");

@@ -36,7 +36,15 @@ template <class T> void readPlane(PixelMatrix<T>& plane, Image& image, TiffFile&
     file.failReading(loadSignature, "Plane " + std::to_string(file.getPlane()) + " has another size than the first");
   if (holdsElements<T>(header)) return readTiffPixels(reinterpret_cast<unsigned char*>(plane.data()), header, file);
   readTiffPixels(image, header, file);
-  plane.convertFromImage(image);
+  try
+  {
+    plane.convertFromImage(image);
+  }
+  catch (const RangeError& error)
+  {
+    throw RangeError(loadSignature,
+                     file.getFilename() + ": plane " + std::to_string(file.getPlane()) + ": " + error.getWhat());
+  }
 }
 
 /// The planes from `first` to the one before `end`, through one open file.

@@ -16,6 +16,11 @@ using Node = std::uint32_t;
 
 constexpr int bitsPerWord = 64;
 
+long wordsFor(long columns)
+{
+  return (columns + bitsPerWord - 1) / bitsPerWord;
+}
+
 /// Goes through the words of a row and tells where runs begin.
 class RunStarts
 {
@@ -139,26 +144,34 @@ template <class T> constexpr long largestLabel()
 }
 } // namespace
 
-template <class T> ConnectedComponents::ConnectedComponents(const PixelMatrix<T>& mask, ProgressSubject& subject)
+template <class T>
+ConnectedComponents::ConnectedComponents(const PixelMatrix<T>& mask, ProgressSubject& subject, double memoryLimit)
   : ConnectedComponents(mask.getSize1(), mask.getSize2(), 1)
 {
-  find(mask.data(), subject);
+  find(mask.data(), subject, memoryLimit);
 }
 
-template <class T> ConnectedComponents::ConnectedComponents(const VoxelMatrix<T>& mask, ProgressSubject& subject)
+template <class T>
+ConnectedComponents::ConnectedComponents(const VoxelMatrix<T>& mask, ProgressSubject& subject, double memoryLimit)
   : ConnectedComponents(mask.getSize1(), mask.getSize2(), mask.getSize3())
 {
-  find(mask.data(), subject);
+  find(mask.data(), subject, memoryLimit);
 }
 
 ConnectedComponents::ConnectedComponents(long rowsPerPlane, long columns, long planes)
   : _rowsPerPlane(rowsPerPlane),
     _columns(columns),
     _planes(planes),
-    _wordsPerRow((columns + bitsPerWord - 1) / bitsPerWord),
+    _wordsPerRow(wordsFor(columns)),
     _bits(static_cast<std::size_t>(numRows()) * static_cast<std::size_t>(_wordsPerRow)),
     _firstRun(static_cast<std::size_t>(numRows()) + 1, 0)
 {
+}
+
+double ConnectedComponents::workingMemory(long rowsPerPlane, long columns, long planes)
+{
+  return double{1} * static_cast<double>(rowsPerPlane) * static_cast<double>(planes) *
+         static_cast<double>(wordsFor(columns) * sizeof(Word) + sizeof(long));
 }
 
 long ConnectedComponents::rowsPerReport() const
@@ -167,7 +180,7 @@ long ConnectedComponents::rowsPerReport() const
   return _planes > 1 ? std::max(_rowsPerPlane, 1L) : fewRows;
 }
 
-template <class T> void ConnectedComponents::find(const T* mask, ProgressSubject& subject)
+template <class T> void ConnectedComponents::find(const T* mask, ProgressSubject& subject, double memoryLimit)
 {
   {
     const ProgressStep step(subject, "Reading the mask", numRows());
@@ -179,18 +192,21 @@ template <class T> void ConnectedComponents::find(const T* mask, ProgressSubject
                  });
   }
   subject.throwIfCancelled("void ConnectedComponents::find(const T*, ProgressSubject&)");
-  numberRuns();
+  numberRuns(memoryLimit);
   joinRows(subject);
   subject.throwIfCancelled("void ConnectedComponents::find(const T*, ProgressSubject&)");
   numberComponents();
 }
 
 /// Makes each run a component of its own.
-void ConnectedComponents::numberRuns()
+void ConnectedComponents::numberRuns(double memoryLimit)
 {
   std::partial_sum(_firstRun.begin(), _firstRun.end(), _firstRun.begin());
   if (_firstRun.back() > static_cast<long>(std::numeric_limits<Node>::max()))
-    throw RangeError("void ConnectedComponents::numberRuns()", "There are too many objects to label");
+    throw RangeError("void ConnectedComponents::numberRuns(double)", "There are too many objects to label");
+  if (static_cast<double>(_firstRun.back()) * sizeof(Node) > memoryLimit)
+    throw SizeError("void ConnectedComponents::numberRuns(double)",
+                    "The " + std::to_string(_firstRun.back()) + " runs of the mask take more memory than there is");
   _nodes.resize(static_cast<std::size_t>(_firstRun.back()));
   std::iota(_nodes.begin(), _nodes.end(), Node(0));
 }
@@ -281,8 +297,8 @@ template <class T> void ConnectedComponents::write(T* labels, ProgressSubject& s
 }
 
 #define IMAGE_INSTANTIATE_COMPONENTS(T)                                                                                \
-  template ConnectedComponents::ConnectedComponents(const PixelMatrix<T>&, ProgressSubject&);                          \
-  template ConnectedComponents::ConnectedComponents(const VoxelMatrix<T>&, ProgressSubject&);                          \
+  template ConnectedComponents::ConnectedComponents(const PixelMatrix<T>&, ProgressSubject&, double);                  \
+  template ConnectedComponents::ConnectedComponents(const VoxelMatrix<T>&, ProgressSubject&, double);                  \
   template void ConnectedComponents::writeLabels(PixelMatrix<T>&, ProgressSubject&);                                   \
   template void ConnectedComponents::writeLabels(VoxelMatrix<T>&, ProgressSubject&);
 IMAGE_FOR_EACH_TYPE(IMAGE_INSTANTIATE_COMPONENTS)

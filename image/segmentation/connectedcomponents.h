@@ -6,6 +6,7 @@
 #include "numeric/progresssubject.h"
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 /// The connected components of the elements of a mask that are not 0: of a plane through common sides, of a volume
@@ -20,10 +21,17 @@ class ConnectedComponents
 {
 public:
   /// Finds the components, in two steps of the subject, each as long as the mask has rows.
+  /// \param memoryLimit  bytes that the runs may take, checked before they are allocated
   /// \throw Cancelled   the subject was cancelled
-  /// \throw RangeError  there are 2^32 runs or more
-  template <class T> ConnectedComponents(const PixelMatrix<T>& mask, ProgressSubject& subject);
-  template <class T> ConnectedComponents(const VoxelMatrix<T>& mask, ProgressSubject& subject);
+  /// \throw RangeError  there are 2^32 runs or more \throw SizeError  the runs take more than the limit
+  template <class T>
+  ConnectedComponents(const PixelMatrix<T>& mask, ProgressSubject& subject, double memoryLimit = noLimit);
+  template <class T>
+  ConnectedComponents(const VoxelMatrix<T>& mask, ProgressSubject& subject, double memoryLimit = noLimit);
+  /// Bytes that are allocated for a mask of this size, whatever it holds: besides the runs.
+  static double workingMemory(long rowsPerPlane, long columns, long planes);
+
+  static constexpr double noLimit = std::numeric_limits<double>::infinity();
 
   long getNumLabels() const { return _numLabels; }
 
@@ -40,9 +48,9 @@ private:
   template <class U> using Buffer = std::vector<U, BufferAllocator<U>>;
 
   ConnectedComponents(long rowsPerPlane, long columns, long planes);
-  template <class T> void find(const T* mask, ProgressSubject& subject);
+  template <class T> void find(const T* mask, ProgressSubject& subject, double memoryLimit);
   template <class T> void write(T* labels, ProgressSubject& subject);
-  void numberRuns();
+  void numberRuns(double memoryLimit);
   void joinRows(ProgressSubject& subject);
   void joinWithRowsBefore(long row, long firstRow, long lastRow);
   void join(long earlierRow, long row);

@@ -514,6 +514,7 @@ template <class T> TriMesh<float> MarchingCubes<T>::buildMesh(const VoxelMatrix<
               { builder.fill(first, last, workspace, counts.data(), vertices.data(), triangles.data()); });
 
   progress(2);
+  throwIfCancelled(buildMeshSignature);
   TriMesh<float> mesh(3, std::move(vertices), std::move(triangles));
   if (_areNormalsWanted) mesh.computeNormals();
   return mesh;

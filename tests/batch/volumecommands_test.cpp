@@ -3,6 +3,7 @@
 #include "geometry/trimesh.h"
 #include "image/voxelmatrix.h"
 #include "tests/support/randomvolumes.h"
+#include "tests/support/tifffiles.h"
 
 #include <algorithm>
 #include <array>
@@ -187,6 +188,9 @@ TEST_F(BatchVolumes, AreRefusedWithTheirNameAndTheReason)
   VoxelMatrix<float> nothing(2, 2, 2);
   nothing.fill(nan);
   nothing.save(path("nothing.vm"), true);
+  TiffRecipe().write(path("page.tif"));
+  TiffRecipe().write(path("depths.tif"));
+  TiffRecipe{.bits = 16, .mode = "a"}.write(path("depths.tif")); // a second page
   const struct
   {
     const char* arguments;
@@ -203,6 +207,10 @@ TEST_F(BatchVolumes, AreRefusedWithTheirNameAndTheReason)
       {"threshold infinite.vm --method otsu --out x.vm", "infinite.vm: a voxel is infinite"},
       {"threshold nothing.vm --method isodata --out x.vm", "nothing.vm: no voxel is a number"},
       {"filter dot.vm --kind mean --size 4 --out x.vm", "dot.vm: The size of a mean filter must be odd"},
+      {"image dot.vm --channel 1 --out x.vm", "dot.vm: only confocal stacks (.lsm) have channels"},
+      {"image page.tif --channel 1 --out x.tif", "page.tif: only confocal stacks (.lsm) have channels"},
+      {"image depths.tif --out x.vm", "depths.tif: plane 1: The grey level"},
+      {"image dot.vm --overwrite --out .vm", ".vm: volumes are written to files whose name ends with"},
   };
   for (const auto& c : cases)
   {
@@ -240,6 +248,8 @@ TEST_F(BatchVolumes, TakeLittleMoreMemoryThanInputAndOutput)
   randomVolume<unsigned char>(256, 256, 128, [](double u) { return 255 * u; }).save(path("bytes.vm"), true);
   randomVolume<float>(256, 256, 128, [](double u) { return u; }).save(path("floats.vm"), true);
   randomVolume<unsigned char>(80, 80, 80, [](double u) { return 255 * u; }).save(path("noise.vm"), true);
+  EXPECT_LT(peakMemory("threshold " + path("floats.vm") + " --method otsu --out " + path("mask.vm")),
+            1.1 * static_cast<double>(fs::file_size(path("floats.vm")) + fs::file_size(path("bytes.vm"))) + program);
   for (const std::string name : {"bytes.vm", "floats.vm"})
     for (const char* size : {"255", "20001"})
       EXPECT_LT(

@@ -14,7 +14,8 @@ namespace
 int configurationOf(const double (&values)[8])
 {
   int configuration = 0;
-  for (int n = 0; n < 8; ++n) configuration |= (values[n] >= 0) << n;
+  for (int n = 0; n < 8; ++n)
+    if (values[n] >= 0) configuration |= 1 << n;
   return configuration;
 }
 

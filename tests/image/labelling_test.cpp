@@ -1,5 +1,6 @@
 #include "image/segmentation/componentlabelling.h"
 #include "image/segmentation/connectedcomponents.h"
+#include "tests/support/canceller.h"
 #include "tests/support/errors.h"
 #include "tests/support/randomvolumes.h"
 #include "tests/support/threads.h"
@@ -54,19 +55,6 @@ VoxelMatrix<int> drawing(const std::vector<std::string>& rows)
   return volume;
 }
 
-template <class T> struct Canceller : ProgressObserver
-{
-  Canceller(ComponentLabelling<T>& cancelled, double when) : step(cancelled), share(when) {}
-  void started(const std::string&) override {}
-  void progressed(double done) override
-  {
-    if (done >= share) step.cancel();
-  }
-  void finished() override {}
-
-  ComponentLabelling<T>& step;
-  double share;
-};
 } // namespace
 
 TEST(Labelling, NumbersShapesInRasterOrder)
@@ -168,8 +156,7 @@ TEST(Labelling, StopsWhenCancelled)
   for (const auto& c : cases)
   {
     ComponentLabelling<unsigned char> step;
-    Canceller<unsigned char> canceller(step, c.share);
-    step.addObserver(canceller);
+    const Canceller canceller(step, c.share);
     VoxelMatrix<unsigned char> volume = mask;
     step.apply(volume);
     for (int k = 0; k < 10; ++k)

@@ -84,7 +84,11 @@ TEST_F(Selection, IsSummedUp)
 TEST_F(Selection, OfItemsOfAHundredThousandVerticesAnswersWithinAFrame)
 {
   constexpr int numVertices = 100000;
+#ifdef NDEBUG
   constexpr double frame = 1000.0 / 60;
+#else
+  constexpr double frame = 1000; // without optimisation, and with checks
+#endif
   Vertices<int> ring(2, numVertices);
   for (int i = 0; i < numVertices; ++i)
   {
@@ -107,9 +111,7 @@ TEST_F(Selection, OfItemsOfAHundredThousandVerticesAnswersWithinAFrame)
   time = std::max(time, millisecondsOf([&] { item.moveVertex(numVertices, point); }));
   time = std::max(time, millisecondsOf([&] { item.removeVertex(1); }));
   EXPECT_EQ(item.getSize(), numVertices);
-#ifdef NDEBUG
   EXPECT_LT(time, frame);
-#endif
 }
 
 TEST(Names, FindTheFirstOfMany)
