@@ -284,7 +284,7 @@ bool ModelItem::contains(const int* position) const
 
 bool ModelItem::partiallyContains(const ModelItem& item) const
 {
-  if (_slice != item._slice) return false;
+  if (_slice != item._slice || boundingBox().intersection(item.boundingBox()).isEmpty()) return false;
   if (item.isRegion())
   {
     for (const RLEItem& run : item._rleItemSet.getItems())

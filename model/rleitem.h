@@ -1,5 +1,7 @@
 #pragma once
 
+#include "numeric/vector.h"
+
 /// Run of consecutive positions along the second coordinate: (x, begin) to (x, end), both included.
 class RLEItem
 {
@@ -7,6 +9,8 @@ public:
   /// \throw ProgramError  the length is below 1 or the run ends beyond int
   RLEItem(int x, int y, int length);
 
+  /// (x, begin).
+  Vector<int> getOrigin() const { return Vector<int>{_x, _begin}; }
   int getOriginX() const { return _x; }
   /// Moves the run; its length stays. \throw ProgramError  the run would end beyond int
   void setOrigin(int x, int y);

@@ -1,9 +1,11 @@
 #include "model/rleitemset.h"
 
 #include "model/contourscan.h"
+#include "numeric/exception.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace
@@ -117,12 +119,16 @@ void RLEItemSet::remove(const RLEItemSet& set)
 
 void RLEItemSet::setBall(const Vector<int>& center, int radius)
 {
+  constexpr std::int64_t least = std::numeric_limits<int>::min(), greatest = std::numeric_limits<int>::max();
   Runs runs;
   for (int dx = -radius; dx <= radius; ++dx)
   {
     const double square = static_cast<double>(radius) * radius - static_cast<double>(dx) * dx;
-    const int reach = static_cast<int>(std::sqrt(square)); // exact: squares below 2^53 and correctly rounded roots
-    runs.emplace_back(center[0] + dx, center[1] - reach, 2 * reach + 1);
+    const auto reach = static_cast<std::int64_t>(std::sqrt(square)); // exact up to radii of 2^26: correctly rounded
+    const std::int64_t x = std::int64_t{center[0]} + dx;
+    const std::int64_t begin = std::max(center[1] - reach, least), end = std::min(center[1] + reach, greatest);
+    if (x >= least && x <= greatest)
+      runs.push_back(runBetween(static_cast<int>(x), static_cast<int>(begin), static_cast<int>(end)));
   }
   _runs = std::move(runs);
 }
@@ -185,7 +191,14 @@ IMAGE_FOR_EACH_TYPE(INSTANTIATE_MASKS)
 void RLEItemSet::translate(int dx, int dy)
 {
   Runs moved = _runs;
-  for (RLEItem& run : moved) run.setOrigin(run.getOriginX() + dx, run.begin() + dy);
+  const auto movedBy = [](int coordinate, int distance)
+  {
+    const std::int64_t sum = std::int64_t{coordinate} + distance;
+    if (sum != static_cast<int>(sum))
+      throw ProgramError("void RLEItemSet::translate(int, int)", "Run beyond the coordinate range");
+    return static_cast<int>(sum);
+  };
+  for (RLEItem& run : moved) run.setOrigin(movedBy(run.getOriginX(), dx), movedBy(run.begin(), dy));
   _runs = std::move(moved);
 }
 

@@ -34,7 +34,8 @@ public:
   void remove(const RLEItem& run);
   void remove(int x, int y) { remove(RLEItem(x, y, 1)); }
   void remove(const RLEItemSet& set);
-  /// Replaces the set by the positions at most `radius` away from the centre; none for a negative radius.
+  /// Replaces the set by the positions of the coordinate range at most `radius` away from the centre; none for a
+  /// negative radius.
   void setBall(const Vector<int>& center, int radius);
   /// Replaces the set by the positions of the window inside a closed contour, as ContourScan defines it.
   void setContour(const Vertices<int>& contour, const BoundingBox<int>& window);

@@ -30,7 +30,7 @@ public:
   const ImageSource* getImageSource() const { return _imageSource.get(); }
   ImageSource* getImageSource() { return _imageSource.get(); }
   /// Stores a copy of the source.
-  void setImageSource(const ImageSource& source) { _imageSource = source.clone(); }
+  virtual void setImageSource(const ImageSource& source) { _imageSource = source.clone(); }
   /// True when no image is named.
   bool isEmpty() const { return !_imageSource || !_imageSource->isDefined(); }
 

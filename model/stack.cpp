@@ -148,7 +148,14 @@ void Stack::deleteModel(int i)
 
 void Stack::deleteAllModels()
 {
-  while (getNumModels() > 0) deleteModel(getNumModels() - 1);
+  std::vector<ModelItem*> items;
+  for (const auto& model : _models) items.insert(items.end(), model->getItems().begin(), model->getItems().end());
+  for (const auto& slice : _slices)
+    slice->removeItemsIf([this](const ModelItem& item)
+                         { return item.getModel() && item.getModel()->getStack() == this; });
+  for (const auto& model : _models) model->removeAllItems();
+  for (ModelItem* item : items) delete item;
+  _models.clear();
 }
 
 std::vector<Model*> Stack::listGeometryModels(MPrimitive primitive) const
@@ -228,15 +235,16 @@ ImageColorContent Stack::colorContent() const
   return content;
 }
 
-template <class T> VoxelMatrix<T> Stack::toVoxelMatrix(ImageColorContent content) const
+template <class T> VoxelMatrix<T> Stack::toVoxelMatrix(ImageColorContent content, ProgressSubject* subject) const
 {
   VoxelMatrix<T> volume;
   ProgressSubject nobody;
-  stackToVolume(volume, *this, content, nobody);
+  stackToVolume(volume, *this, content, subject ? *subject : nobody);
   return volume;
 }
 
-#define INSTANTIATE_TO_VOXEL_MATRIX(T) template VoxelMatrix<T> Stack::toVoxelMatrix<T>(ImageColorContent) const;
+#define INSTANTIATE_TO_VOXEL_MATRIX(T)                                                                                 \
+  template VoxelMatrix<T> Stack::toVoxelMatrix<T>(ImageColorContent, ProgressSubject*) const;
 IMAGE_FOR_EACH_TYPE(INSTANTIATE_TO_VOXEL_MATRIX)
 
 void Stack::convertLengthUnit(int scale)

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+class ProgressSubject;
 template <class T> class VoxelMatrix;
 
 /// The user's project: ordered slices, the models drawn on them, and saved viewpoints.
@@ -34,7 +35,8 @@ public:
   void setName(const std::string& name);
   const std::string& getAnnotation() const { return _annotation; }
   void setAnnotation(const std::string& annotation) { _annotation = annotation; }
-  /// The directory against which relative image file names are resolved.
+  /// The directory against which relative image file names are resolved when a slice with an image is added, or a slice
+  /// of the stack gets another image.
   const std::string& getImagesPath() const { return _imagesPath; }
   void setImagesPath(const std::string& path);
   /// Whether stack files name the images by absolute paths.
@@ -114,8 +116,8 @@ public:
   bool isRegular() const;
   /// What all images have in common; Mixed when they differ, Undefined without slices. \throw FileError
   ImageColorContent colorContent() const;
-  /// The images as one volume, see stackToVolume().
-  template <class T> VoxelMatrix<T> toVoxelMatrix(ImageColorContent content) const;
+  /// The images as one volume, see stackToVolume(); a subject is told how far it is and may cancel it.
+  template <class T> VoxelMatrix<T> toVoxelMatrix(ImageColorContent content, ProgressSubject* subject = nullptr) const;
 
   /// Paint the pixels inside closed contours (by the even-odd rule for pixel centres, those on the contour included)
   /// and those of regions into a label volume with a plane per slice; other items leave it as it is, and what lies

@@ -1,5 +1,6 @@
 #include "model/stackslice.h"
 
+#include "model/imagenames.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stack.h"
@@ -26,10 +27,21 @@ void StackSlice::setName(const std::string& name)
   if (_stack) _stack->noteRenamed(*this, oldName);
 }
 
+void StackSlice::setImageSource(const ImageSource& source)
+{
+  if (_stack && !_stack->getImagesPath().empty())
+    Slice::setImageSource(*withResolvedNames(source, _stack->getImagesPath()));
+  else
+    Slice::setImageSource(source);
+}
+
 void StackSlice::setStack(Stack* stack, int index)
 {
+  const bool isNew = stack && stack != _stack;
   _stack = stack;
   _index = index;
+  if (isNew && getImageSource() && !stack->getImagesPath().empty())
+    Slice::setImageSource(*withResolvedNames(*getImageSource(), stack->getImagesPath()));
 }
 
 void StackSlice::setRelativePosition(float distance)

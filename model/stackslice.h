@@ -19,6 +19,8 @@ public:
   ~StackSlice() override;
 
   void setName(const std::string& name) override;
+  /// Relative file names of a slice in a stack are resolved against the stack's images path, if it has one.
+  void setImageSource(const ImageSource& source) override;
 
   /// The stack that holds this slice, or nullptr, and the place there.
   Stack* getStack() const { return _stack; }

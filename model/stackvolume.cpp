@@ -3,13 +3,16 @@
 #include "image/imagesourcefile.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
 #include "image/imagewriter.h"
+#include "image/voxelmatrixfile.h"
 #include "model/io/stackreader.h"
 #include "model/io/stackwriter.h"
 #include "model/stack.h"
 #include "numeric/exception.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -43,23 +46,63 @@ VoxelCalibration voxelCalibration(const Stack& stack)
   return calibration;
 }
 
-template <class T> PixelMatrix<T> levels(const StackSlice& slice, const std::optional<ImageChannel>& channel)
+/// The value as T. \throw RangeError  T cannot hold it
+template <class T, class Stored> T checkedVoxel(Stored x)
+{
+  if constexpr (std::is_integral_v<T>)
+  {
+    const auto value = static_cast<long double>(x);
+    const bool fits = value >= static_cast<long double>(std::numeric_limits<T>::lowest()) &&
+                      value <= static_cast<long double>(std::numeric_limits<T>::max()) && value == std::floor(value);
+    if (!fits)
+      throw RangeError(readSignature,
+                       "The value " + std::to_string(value) + " does not fit voxels of type " + typeName<T>());
+  }
+  return static_cast<T>(x);
+}
+
+/// The voxels of a plane as they are, which an image of it would show scaled.
+template <class T> PixelMatrix<T> voxels(const ImageSourceVoxelMatrixFilePlane& source)
+{
+  const VoxelMatrixFile file(source.getVoxelMatrixFilename());
+  const VoxelMatrixHeader& header = file.getHeader();
+  if (source.getPlane() < 0 || source.getPlane() >= header.size3)
+    throw FileFormatError(readSignature, "There is no plane " + std::to_string(source.getPlane()), file.getFilename());
+  PixelMatrix<T> plane(header.size1, header.size2);
+  withElementType(header,
+                  [&]<class Stored>(Stored)
+                  {
+                    PixelMatrix<Stored> stored(header.size1, header.size2);
+                    const std::size_t size = stored.getNumElements();
+                    file.read(stored.data(), static_cast<std::size_t>(source.getPlane()) * size, size);
+                    std::transform(stored.data(), stored.data() + size, plane.data(), checkedVoxel<T, Stored>);
+                  });
+  return plane;
+}
+
+template <class T> PixelMatrix<T> imageLevels(const StackSlice& slice, const std::optional<ImageChannel>& channel)
 {
   Image image;
   slice.load(image);
   PixelMatrix<T> levels;
+  if (channel)
+    levels.convertFromImage(image, *channel);
+  else
+    levels.convertFromImage(image);
+  return levels;
+}
+
+template <class T> PixelMatrix<T> levels(const StackSlice& slice, const std::optional<ImageChannel>& channel)
+{
   try
   {
-    if (channel)
-      levels.convertFromImage(image, *channel);
-    else
-      levels.convertFromImage(image);
+    const auto* const plane = dynamic_cast<const ImageSourceVoxelMatrixFilePlane*>(slice.getImageSource());
+    return plane ? voxels<T>(*plane) : imageLevels<T>(slice, channel);
   }
   catch (const RangeError& error)
   {
     throw RangeError(readSignature, "Slice \"" + slice.getName() + "\": " + error.getWhat());
   }
-  return levels;
 }
 
 /// Files that were written for one purpose; unless they are kept, they are removed when it fails.
@@ -207,8 +250,6 @@ template <class T> std::vector<std::string> saveVolumeAsStack(const VoxelMatrix<
   files.require(stackFile.string());
   for (const std::string& name : planes.fileNames()) files.require(name);
 
-  const ProgressStep step(subject, "Writing " + stackFile.string(), volume.getSize3());
-  planes.write(files, overwrite, subject);
   Stack stack;
   stack.setName(fs::path(stem).filename().string());
   stack.setDefaultRelativePosition(relativePosition);
@@ -216,6 +257,8 @@ template <class T> std::vector<std::string> saveVolumeAsStack(const VoxelMatrix<
   for (int k = 0; k < volume.getSize3(); ++k)
     stack.addSlice(
         makeSlice(fs::path(planeFile(stem, k)).stem().string(), planes.source(k), stack.getDefaultPixelCalibration()));
+  const ProgressStep step(subject, "Writing " + stackFile.string(), volume.getSize3());
+  planes.write(files, overwrite, subject);
   StackWriter writer;
   writer.write(stack, stackFile.string());
   files.keep();

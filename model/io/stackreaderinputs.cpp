@@ -5,6 +5,7 @@
 #include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
+#include "model/io/calibrationlimits.h"
 #include "model/io/stackarguments.h"
 #include "model/io/stackreader.h"
 
@@ -42,11 +43,6 @@ ImageSourceFileMosaic checkedMosaic(int rows, int columns)
   constexpr int maxPerSide = 10000, maxTiles = 1000000;
   if (rows > maxPerSide || columns > maxPerSide || rows * columns > maxTiles) throw StackReader::ArgValueError();
   return ImageSourceFileMosaic(rows, columns);
-}
-
-bool isPositive(float length)
-{
-  return std::isfinite(length) && length > 0;
 }
 } // namespace
 
@@ -121,9 +117,7 @@ template <class Change> void StackReader::changeCalibration(Change change)
   PixelCalibration calibration = slice ? slice->getPixelCalibration() : stack->getDefaultPixelCalibration();
   change(calibration);
   calibration.compute();
-  const bool isValid = isPositive(calibration.getPixelWidth()) && isPositive(calibration.getPixelHeight()) &&
-                       isPositive(calibration.getAspectRatio());
-  if (!isValid) throw ArgValueError();
+  if (!isStorableCalibration(calibration)) throw ArgValueError();
   if (slice)
     slice->setPixelCalibration(calibration);
   else

@@ -213,16 +213,20 @@ void StackWriter::writeMosaic(const Stack& stack, const StackSlice& slice)
 
 void StackWriter::writeImageSize(const ImageSource& source)
 {
-  try
+  const auto writeSize = [this](StackKeyword keyword, const auto& getSize)
   {
-    const std::vector<int> size = source.getSize();
-    _out->begin(K::SliceSize1).integer(size[0]).end();
-    _out->begin(K::SliceSize2).integer(size[1]).end();
-  }
-  catch (const FileError&)
-  {
-    // A missing image does not prevent saving; its size was never known.
-  }
+    try
+    {
+      const int size = getSize();
+      _out->begin(keyword).integer(size).end();
+    }
+    catch (const FileError&)
+    {
+      // A missing image does not prevent saving; this size was never known.
+    }
+  };
+  writeSize(K::SliceSize1, [&] { return source.getSize1(); });
+  writeSize(K::SliceSize2, [&] { return source.getSize2(); });
 }
 
 std::string StackWriter::enterDirectory(const Stack& stack, const std::string& imageFileName)

@@ -1,5 +1,6 @@
 #include "model/io/stackwriterwarnings.h"
 
+#include "model/io/calibrationlimits.h"
 #include "model/io/stacklexer.h"
 #include "model/io/statementbuffer.h"
 #include "model/storabletext.h"
@@ -93,8 +94,17 @@ private:
   std::vector<std::string>& _warnings;
 };
 
+void requireStorable(const std::string& owner, const PixelCalibration& calibration)
+{
+  if (isStorableCalibration(calibration)) return;
+  throw ValueError("void requireStorable(const std::string&, const PixelCalibration&)",
+                   owner + ": the pixel width " + shortest(calibration.getPixelWidth()) + " or the aspect ratio " +
+                       shortest(calibration.getAspectRatio()) + " is not from 1e-15 to 1e15");
+}
+
 void checkSlice(const Stack& stack, const StackSlice& slice, std::vector<std::string>& warnings)
 {
+  requireStorable("Slice \"" + slice.getName() + "\"", slice.getPixelCalibration());
   LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), warnings);
   if (slice.getPixelCalibration() != stack.getDefaultPixelCalibration()) lengths.check(slice.getPixelCalibration());
   if (!slice.useRelativePosition())
@@ -140,11 +150,21 @@ void checkItems(const Stack& stack, const Model& model, std::vector<std::string>
     warnings.push_back("Model \"" + model.getName() + "\": " + std::to_string(numHomeless) +
                        " items lie on no slice of the stack and are not written.");
 }
+void checkItems(const Stack& stack, const StackSlice& slice, std::vector<std::string>& warnings)
+{
+  const auto isForeign = [&stack](const ModelItem* item)
+  { return !item->getModel() || item->getModel()->getStack() != &stack; };
+  const auto numForeign = std::count_if(slice.getItems().begin(), slice.getItems().end(), isForeign);
+  if (numForeign > 0)
+    warnings.push_back("Slice \"" + slice.getName() + "\": " + std::to_string(numForeign) +
+                       " items belong to no model of the stack and are not written.");
+}
 } // namespace
 
 std::vector<std::string> stackWriterWarnings(const Stack& stack)
 {
   std::vector<std::string> warnings;
+  requireStorable("Stack", stack.getDefaultPixelCalibration());
   LengthCheck lengths("Stack", stack.getLengthUnit(), warnings);
   lengths.check(stack.getDefaultPixelCalibration());
   lengths.check("relative position", stack.getDefaultRelativePosition());
@@ -155,6 +175,7 @@ std::vector<std::string> stackWriterWarnings(const Stack& stack)
     const StackSlice& slice = *stack.getSlice(i);
     checkSlice(stack, slice, warnings);
     checkAnnotation("Slice \"" + slice.getName() + "\"", slice.getAnnotation(), warnings);
+    checkItems(stack, slice, warnings);
     sliceNames.check(slice.getName());
   }
   for (int i = 0; i < stack.getNumModels(); ++i)

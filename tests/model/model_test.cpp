@@ -5,6 +5,7 @@
 #include "tests/support/errors.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace
 {
@@ -51,6 +52,9 @@ TEST(RegistrationSum, CorrectsTheAngleOnce)
                {Registration(0, 0, 700) + Registration(0, 0, 100), 440}};
   for (const auto& c : cases) EXPECT_EQ(c.result.getAngle(), c.angle);
   EXPECT_EQ(Registration(1, 2, 3) - Registration(4, 6, 3), Registration(-3, -4, 0));
+  constexpr int least = std::numeric_limits<int>::min(), greatest = std::numeric_limits<int>::max();
+  EXPECT_EQ(Registration(greatest, 0, 0) + Registration(1, 0, 0), Registration(greatest, 0, 0));
+  EXPECT_EQ(Registration(0, least, 0) - Registration(0, 1, 0), Registration(0, least, 0));
 }
 
 TEST(Slice, CorrectsItsSizeByTheAspectRatio)
@@ -164,6 +168,33 @@ TEST_F(Drawing, ItemsLeaveTheListsWithWhatOwnsThem)
   point->detach();
   EXPECT_EQ(removed->getNumItems(), 0);
   delete point;
+}
+
+TEST_F(Drawing, AllModelsGoWithTheirItemsAtOnce)
+{
+  constexpr int count = 20000;
+  for (int i = 0; i < count; ++i)
+    ModelItem::create(stack.addModel(std::make_unique<Model>("model")), *stack.getSlice(0));
+  stack.deleteAllModels();
+  EXPECT_EQ(stack.getNumModels(), 0);
+  EXPECT_EQ(stack.getSlice(0)->getNumItems(), 0);
+}
+
+TEST_F(Drawing, ResolvesImageNamesAgainstTheImagesPath)
+{
+  const auto nameOf = [this](int i)
+  { return static_cast<const ImageSourceFile*>(stack.getSlice(i)->getImageSource())->getFilename(); };
+  stack.getSlice(0)->setImageSource(ImageSourceFile("a.tif"));
+  EXPECT_EQ(nameOf(0), "a.tif"); // there is no path
+  stack.setImagesPath("/images");
+  stack.getSlice(0)->setImageSource(ImageSourceFile("../a.tif"));
+  stack.getSlice(1)->setImageSource(ImageSourceFile("/b.tif"));
+  auto slice = std::make_unique<StackSlice>();
+  slice->setImageSource(ImageSourceFile("c.tif"));
+  stack.addSlice(std::move(slice), 1);
+  EXPECT_EQ(nameOf(0), "/a.tif");
+  EXPECT_EQ(nameOf(1), "/images/c.tif");
+  EXPECT_EQ(nameOf(2), "/b.tif");
 }
 
 TEST_F(Drawing, OnlyPolygonsTurn)

@@ -71,6 +71,26 @@ TEST(RLEItemSet, AgreesWithASetOfPixels)
   }
 }
 
+TEST(RLEItemSet, EndsAtTheRangeOfCoordinates)
+{
+  constexpr int least = std::numeric_limits<int>::min(), greatest = std::numeric_limits<int>::max();
+  RLEItemSet set({RLEItem(greatest, greatest, 1)});
+  EXPECT_EQ(set.getItem(0).getOrigin(), (Vector<int>{greatest, greatest}));
+  const RLEItemSet before = set;
+  expectError<ProgramError>("Run beyond", [&] { set.translate(0, 1); });
+  expectError<ProgramError>("Run beyond", [&] { set.translate(1, 0); });
+  EXPECT_EQ(set, before);
+  set.translate(-1, least);
+  EXPECT_EQ(set.getItem(0).getOrigin(), (Vector<int>{greatest - 1, -1}));
+  set.setBall(Vector<int>{greatest, least}, 2); // a quarter of it
+  EXPECT_EQ(pixelsOf(set), (Pixels{{greatest - 2, least},
+                                   {greatest - 1, least},
+                                   {greatest - 1, least + 1},
+                                   {greatest, least},
+                                   {greatest, least + 1},
+                                   {greatest, least + 2}}));
+}
+
 TEST(RLEItemSet, PaintsDiscsAndFindsTheirNearestPixel)
 {
   for (int radius = -1; radius < 12; ++radius)

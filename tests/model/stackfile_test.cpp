@@ -312,6 +312,20 @@ TEST(StackFileCalibration, CountsWhatIsStatedInAnyOrder)
   }
 }
 
+TEST(StackFileCalibration, OfAnySizeIsReadAgainInTheOrderItIsWritten)
+{
+  for (const char* statements : {"PIXWIDTH 0.1; PIXASPECT 1e38;", "PIXASPECT 1e14; PIXWIDTH 1e14;", "PIXHEIGHT 1e-45;",
+                                 "PIXASPECT 1e-15; PIXHEIGHT 1e15;", "PIXWIDTH 1e-15; PIXHEIGHT 1e15; PIXASPECT 1e15;"})
+  {
+    SCOPED_TRACE(statements);
+    ReadStack read(std::string("STACK \"s\"; PIXWIDTH 10; SLICE \"a\" \"a.tif\"; ") + statements);
+    const std::string text = textOf(read.stack, read.folder);
+    ReadStack again(text);
+    EXPECT_THAT(again.log(), IsEmpty());
+    EXPECT_EQ(textOf(again.stack, again.folder), text);
+  }
+}
+
 TEST(StackFileImages, LieInTheImagesPathOfTheirStatement)
 {
   ReadStack read("STACK \"s\"; SLICE \"0\" \"0.tif\"; ImagesPath \"a/b\"; SLICE \"1\" \"1.tif\"; ImagesPath \"../c\";"
@@ -337,6 +351,9 @@ TEST(StackFileImages, HaveTheStatedSizeWhenTheyAreMissing)
   EXPECT_EQ(read.stack.getSlice(0)->width(), 30);
   EXPECT_EQ(read.stack.getSlice(1)->getImageSource()->getType(), ImageSourceType::VoxelMatrixFilePlane);
   EXPECT_THROW(read.stack.getSlice(1)->width(), FileError);
+
+  ReadStack partly("STACK \"s\"; StackSlice \"a\" \"a.tif\" 3; SliceSize2 30;");
+  EXPECT_THAT(textOf(partly.stack, partly.folder), testing::HasSubstr("3;\nSliceSize2 30;\n"));
 }
 
 TEST(StackFileStandards, AreReadWithTheirSamplesAndCurves)

@@ -139,6 +139,11 @@ TEST(StackSaving, LeavesTheOldFileWhenItFails)
   expectError<FileWriteError>("must not hold", [&] { StackWriter().write(stack, old); });
   stack.setDefaultRelativePosition(std::numeric_limits<float>::infinity());
   expectError<FileWriteError>("not finite", [&] { StackWriter().write(stack, old); });
+  stack.clear();
+  PixelCalibration reversed;
+  reversed.setPixelWidth(-3);
+  addSlice(stack, "s", "a.tif").setPixelCalibration(reversed); // which could not be read
+  expectError<FileWriteError>("Slice \"s\": the pixel width -3", [&] { StackWriter().write(stack, old); });
   StackWriter cancelled;
   stack.clear();
   for (int i = 0; i < 1000; ++i) addSlice(stack, "s", "a.tif");
@@ -308,4 +313,7 @@ TEST(StackWarnings, NameWhatTwoDecimalsLose)
   }
   EXPECT_THAT(warnings(stack), ElementsAre(HasSubstr("annotation holds"), HasSubstr("several slices named \"s\""),
                                            HasSubstr("1 items lie on no slice")));
+  ModelItem::create(*stack.getModel(0), *stack.getSlice(0));
+  const std::unique_ptr<Model> removed = stack.removeModel(stack.getModel(0));
+  EXPECT_THAT(warnings(stack), testing::Contains(HasSubstr("1 items belong to no model of the stack")));
 }
