@@ -1,14 +1,16 @@
 #include "geometry/curvestacktriangulation2.h"
 
 #include "geometry/coordinates.h"
+#include "geometry/curvejunction.h"
 #include "geometry/optimaltriangulation.h"
 #include "geometry/polygontriangulation.h"
 #include "geometry/triangulationcode.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <numeric>
-#include <sstream>
 
 using Tag = CurveStackTriangulationContourTag;
 
@@ -91,6 +93,40 @@ template <class T> T pairedDistances(const Curve<T>& a, const Curve<T>& b)
   T sum = 0;
   for (int i = 0; i < a.getSize(); ++i) sum += squaredDistance(a.data(i), b.data(i), a.getSpace());
   return sum;
+}
+
+std::vector<int> indexesFrom(int offset, int size)
+{
+  std::vector<int> indexes(size);
+  std::iota(indexes.begin(), indexes.end(), offset);
+  return indexes;
+}
+
+/// The steps along contour a and its copy b, which has the vertices of a and others between them.
+TriangulationCode codeOf(const std::vector<int>& origins)
+{
+  TriangulationCode code;
+  for (std::size_t k = 0; k < origins.size(); ++k)
+  {
+    code.stepsOnB.push_back(true);
+    const int next = k + 1 < origins.size() ? origins[k + 1] : origins[0];
+    if (next != origins[k]) code.stepsOnB.push_back(false);
+  }
+  return code;
+}
+
+/// The steps along a tour a and the merged contour b, on which several stops may share a vertex.
+template <class Stop> TriangulationCode codeOf(const std::vector<Stop>& tour)
+{
+  TriangulationCode code;
+  code.startB = tour[0].merged;
+  for (std::size_t k = 0; k < tour.size(); ++k)
+  {
+    code.stepsOnB.push_back(false);
+    const int next = k + 1 < tour.size() ? tour[k + 1].merged : tour[0].merged;
+    if (next != tour[k].merged) code.stepsOnB.push_back(true);
+  }
+  return code;
 }
 
 template <class T> Curve<T> reversed(const Curve<T>& curve)
@@ -233,19 +269,35 @@ CurveStackTriangulation2<T>::addToMesh(const Level& level, IsTaken isTaken, IsCa
   return added;
 }
 
-template <class T> void CurveStackTriangulation2<T>::localTriangulation(const Level& lower, Level& upper)
+template <class T> void CurveStackTriangulation2<T>::localTriangulation(Level& lower, Level& upper)
 {
-  if (lower.empty() || upper.empty()) return;
-  for (const Group& group : findCurveCorrespondances(lower, upper))
+  if (lower.empty() || upper.empty() || (_method != ganapathy && _method != optimal)) return;
+  const T lowerHeight = lower[0].curve->data()[2], upperHeight = upper[0].curve->data()[2];
+  for (Group& group : findCurveCorrespondances(lower, upper))
   {
-    const int numLower = static_cast<int>(group.lower.size()), numUpper = static_cast<int>(group.upper.size());
-    if (numLower > 1)
-      junctionTriangulation(upper[group.upper[0]], numLower);
-    else if (numUpper == 1)
-      computeMeshBetweenTwoCurves(lower[group.lower[0]], upper[group.upper[0]]);
-    else
-      junctionTriangulation(lower[group.lower[0]], numUpper);
+    const Seam below = seamOf(lower, group.lower, upperHeight);
+    Seam above = seamOf(upper, group.upper, lowerHeight);
+    if (above.curve.isOpen() && fitsReversed(below.curve, above.curve))
+    {
+      std::reverse(group.upper.begin(), group.upper.end());
+      for (const int member : group.upper) upper[member].isReversed = !upper[member].isReversed;
+      above = seamOfOpenCurves(upper, group.upper);
+    }
+    computeMeshBetweenTwoCurves(below, above);
   }
+}
+
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::seamOf(Level& level, std::vector<int>& members, T otherHeight)
+{
+  const MeshCurve& first = level[members[0]];
+  if (first.curve->isOpen())
+  {
+    chainOpenCurves(level, members);
+    return seamOfOpenCurves(level, members);
+  }
+  if (members.size() > 1) return junctionTriangulation(level, members, otherHeight);
+  return {*first.curve, indexesFrom(first.offset, first.curve->getSize())};
 }
 
 template <class T> std::vector<typename CurveStackTriangulation2<T>::Group>
@@ -284,40 +336,105 @@ CurveStackTriangulation2<T>::associationSearch(const Matrix<T>& costs)
   return groups;
 }
 
-template <class T>
-void CurveStackTriangulation2<T>::junctionTriangulation(const MeshCurve& single, int numSeveral) const
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::junctionTriangulation(const Level& level, const std::vector<int>& members, T otherHeight)
 {
-  std::ostringstream text;
-  text << "The contour at height " << single.curve->data()[2] << " meets " << numSeveral
-       << " contours of the neighbouring level: branching surfaces cannot be joined yet";
-  throw ValueError("void CurveStackTriangulation2<T>::junctionTriangulation(...)", text.str());
+  // Below the middle, so that there is room for a junction on the other side.
+  constexpr T copyShare = T(1) / 4, mergedShare = T(9) / 20;
+  const T height = level[0].curve->data()[2];
+  const bool isUpwards = otherHeight >= height;
+  std::vector<const Curve<T>*> curves;
+  for (const int member : members) curves.push_back(level[member].curve);
+  const CurveJunction<T> junction(curves, height + copyShare * (otherHeight - height),
+                                  height + mergedShare * (otherHeight - height));
+
+  std::vector<std::vector<int>> copyIndexes;
+  for (std::size_t i = 0; i < members.size(); ++i)
+  {
+    const std::vector<int> drawn = indexesFrom(level[members[i]].offset, curves[i]->getSize());
+    copyIndexes.push_back(appendToMesh(junction.getCopy(static_cast<int>(i))));
+    addStrip(drawn, copyIndexes.back(), codeOf(junction.getOrigins(static_cast<int>(i))), isUpwards);
+  }
+  Seam merged = {junction.getMerged(), appendToMesh(junction.getMerged())};
+  std::vector<int> tour;
+  for (const auto& stop : junction.getTour()) tour.push_back(copyIndexes[stop.copy][stop.vertex]);
+  addStrip(tour, merged.indexes, codeOf(junction.getTour()), isUpwards);
+  return merged;
 }
 
-template <class T> void CurveStackTriangulation2<T>::computeMeshBetweenTwoCurves(const MeshCurve& a, MeshCurve& b)
+template <class T> void CurveStackTriangulation2<T>::chainOpenCurves(Level& level, std::vector<int>& members)
 {
-  const Curve<T> curveA = a.isReversed ? reversed(*a.curve) : *a.curve;
-  b.isReversed = curveA.isOpen() && fitsReversed(curveA, *b.curve);
-  const Curve<T> curveB = b.isReversed ? reversed(*b.curve) : *b.curve;
+  const auto endOf = [&level](int member, bool isLast)
+  {
+    const Curve<T>& curve = *level[member].curve;
+    return curve.data(isLast != level[member].isReversed ? curve.getSize() - 1 : 0);
+  };
+  for (std::size_t placed = 1; placed < members.size(); ++placed)
+  {
+    T shortest = std::numeric_limits<T>::max();
+    std::size_t next = placed;
+    bool isInFront = false, isTurned = false;
+    for (std::size_t k = placed; k < members.size(); ++k)
+      for (const bool inFront : {false, true})
+        for (const bool turned : {false, true})
+        {
+          const T* const end = inFront ? endOf(members[0], false) : endOf(members[placed - 1], true);
+          const T square = squaredDistance(end, endOf(members[k], inFront != turned), 3);
+          if (!(square < shortest)) continue;
+          shortest = square;
+          next = k;
+          isInFront = inFront;
+          isTurned = turned;
+        }
+    const int member = members[next];
+    level[member].isReversed = level[member].isReversed != isTurned;
+    members.erase(members.begin() + static_cast<std::ptrdiff_t>(next));
+    members.insert(members.begin() + static_cast<std::ptrdiff_t>(isInFront ? 0 : placed), member);
+  }
+}
 
-  const int na = curveA.getSize(), nb = curveB.getSize();
-  const auto indexA = [&a, na](int i) { return a.offset + (a.isReversed ? na - 1 - i : i); };
-  const auto indexB = [&b, nb](int j) { return b.offset + (b.isReversed ? nb - 1 - j : j); };
-  const auto addTriangle = [this, isUpwards = curveB.data()[2] >= curveA.data()[2]](int i, int j, int k)
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::seamOfOpenCurves(const Level& level, const std::vector<int>& members)
+{
+  Seam seam = {Curve<T>(3), {}};
+  seam.curve.setOpen(true);
+  for (const int member : members)
+  {
+    const MeshCurve& part = level[member];
+    std::vector<int> indexes = indexesFrom(part.offset, part.curve->getSize());
+    if (part.isReversed) std::reverse(indexes.begin(), indexes.end());
+    seam.curve.Vertices<T>::append(part.isReversed ? reversed(*part.curve) : *part.curve);
+    seam.indexes.insert(seam.indexes.end(), indexes.begin(), indexes.end());
+  }
+  return seam;
+}
+
+template <class T> std::vector<int> CurveStackTriangulation2<T>::appendToMesh(const Curve<T>& curve)
+{
+  const int offset = _mesh.getSize();
+  _mesh.append(curve);
+  return indexesFrom(offset, curve.getSize());
+}
+
+template <class T> void CurveStackTriangulation2<T>::addStrip(const std::vector<int>& a, const std::vector<int>& b,
+                                                              const TriangulationCode& code, bool isUpwards)
+{
+  const int na = static_cast<int>(a.size()), nb = static_cast<int>(b.size());
+  const auto addTriangle = [this, isUpwards](int i, int j, int k)
   { isUpwards ? _mesh.addTriangle(i, j, k) : _mesh.addTriangle(i, k, j); };
-
-  const TriangulationCode code = computeTriangulationCode(curveA, curveB);
   int i = code.startA, j = code.startB;
   for (const bool isStepOnB : code.stepsOnB)
   {
     int& moving = isStepOnB ? j : i;
-    const int size = isStepOnB ? nb : na;
-    const int next = moving + 1 < size ? moving + 1 : 0;
-    if (isStepOnB)
-      addTriangle(indexA(i), indexB(j), indexB(next));
-    else
-      addTriangle(indexA(i), indexB(j), indexA(next));
+    const int next = moving + 1 < (isStepOnB ? nb : na) ? moving + 1 : 0;
+    addTriangle(a[i], b[j], isStepOnB ? b[next] : a[next]);
     moving = next;
   }
+}
+
+template <class T> void CurveStackTriangulation2<T>::computeMeshBetweenTwoCurves(const Seam& a, const Seam& b)
+{
+  addStrip(a.indexes, b.indexes, computeTriangulationCode(a.curve, b.curve), b.curve.data()[2] >= a.curve.data()[2]);
 }
 
 template <class T>

@@ -39,7 +39,6 @@ public:
   /// Degenerate curves are left out before levels are formed, see getIgnoredCurves().
   /// After an error the mesh is empty.
   /// \throw SizeError   the curves are not in 3D, or there are tags but not one per curve
-  /// \throw ValueError  a curve corresponds to several of the next level, which cannot be joined
   void apply(const CurveStack<T>& stack);
 
   /// The mesh of the last apply().
@@ -77,13 +76,28 @@ private:
   Level nextLowerLevel(const Level& level, const Level& upper);
   template <class IsTaken, class IsCapped>
   Level addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap);
-  void localTriangulation(const Level& lower, Level& upper);
+  void localTriangulation(Level& lower, Level& upper);
   std::vector<Group> findCurveCorrespondances(const Level& lower, const Level& upper) const;
   /// Groups the curves that are linked, each to its cheapest partner in the other level. The costs of all pairs have
   /// a row per lower and a column per upper curve.
   static std::vector<Group> associationSearch(const Matrix<T>& costs);
-  [[noreturn]] void junctionTriangulation(const MeshCurve& single, int numSeveral) const;
-  void computeMeshBetweenTwoCurves(const MeshCurve& a, MeshCurve& b);
+  /// What one side of a group shows to the other one: its only curve, or the contour into which its curves merge.
+  struct Seam
+  {
+    Curve<T> curve;
+    std::vector<int> indexes; // in the mesh, of the curve's vertices
+  };
+  Seam seamOf(Level& level, std::vector<int>& members, T otherHeight);
+  /// Joins several closed curves to one contour between their height and the other one.
+  Seam junctionTriangulation(const Level& level, const std::vector<int>& members, T otherHeight);
+  /// The open curves of a group one behind the other, each walked from the end that is closer to those before.
+  static void chainOpenCurves(Level& level, std::vector<int>& members);
+  std::vector<int> appendToMesh(const Curve<T>& curve);
+  static Seam seamOfOpenCurves(const Level& level, const std::vector<int>& members);
+  /// Adds the strip between two sequences of mesh vertices, which the steps walk along; they start again from the
+  /// front behind their ends.
+  void addStrip(const std::vector<int>& a, const std::vector<int>& b, const TriangulationCode& code, bool isUpwards);
+  void computeMeshBetweenTwoCurves(const Seam& a, const Seam& b);
   TriangulationCode computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const;
   void appendCurveTriangulation(const MeshCurve& curve, bool isEndCap);
 
