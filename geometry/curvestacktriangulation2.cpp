@@ -9,83 +9,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <numeric>
 
 using Tag = CurveStackTriangulationContourTag;
 
 namespace
 {
-
-/// Sets of numbers that grow together by links.
-class LinkedSets
-{
-public:
-  explicit LinkedSets(int size) : _parent(size) { std::iota(_parent.begin(), _parent.end(), 0); }
-
-  int find(int i)
-  {
-    while (_parent[i] != i) i = _parent[i] = _parent[_parent[i]];
-    return i;
-  }
-  void link(int i, int j) { _parent[find(i)] = find(j); }
-
-private:
-  std::vector<int> _parent;
-};
-
-template <class T> std::vector<Vector<T>> centersOfGravity(const std::vector<const Curve<T>*>& curves)
-{
-  std::vector<Vector<T>> centers;
-  centers.reserve(curves.size());
-  for (const Curve<T>* curve : curves) centers.push_back(curve->cog());
-  return centers;
-}
-
-/// Squared distance between the centres of gravity of every pair.
-template <class T>
-Matrix<T> meshCost1(const std::vector<const Curve<T>*>& lower, const std::vector<const Curve<T>*>& upper)
-{
-  const std::vector<Vector<T>> lowerCenters = centersOfGravity(lower), upperCenters = centersOfGravity(upper);
-  Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
-  for (int i = 0; i < costs.getSize1(); ++i)
-    for (int j = 0; j < costs.getSize2(); ++j)
-      costs(i, j) = squaredDistance(lowerCenters[i].data(), upperCenters[j].data(), 3);
-  return costs;
-}
-
-/// Squared distance between the closest vertices of every pair.
-template <class T>
-Matrix<T> meshCost2(const std::vector<const Curve<T>*>& lower, const std::vector<const Curve<T>*>& upper)
-{
-  Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
-  for (int i = 0; i < costs.getSize1(); ++i)
-  {
-    for (int j = 0; j < costs.getSize2(); ++j)
-    {
-      int a, b;
-      lower[i]->closestPoints(*upper[j], a, b);
-      costs(i, j) = squaredDistance(lower[i]->data(a), upper[j]->data(b), 3);
-    }
-  }
-  return costs;
-}
-
-template <class T> int cheapestColumn(const Matrix<T>& costs, int row)
-{
-  int cheapest = 0;
-  for (int j = 1; j < costs.getSize2(); ++j)
-    if (costs(row, j) < costs(row, cheapest)) cheapest = j;
-  return cheapest;
-}
-
-template <class T> int cheapestRow(const Matrix<T>& costs, int column)
-{
-  int cheapest = 0;
-  for (int i = 1; i < costs.getSize1(); ++i)
-    if (costs(i, column) < costs(cheapest, column)) cheapest = i;
-  return cheapest;
-}
 
 /// Sum of the squared distances between the vertices of two curves in order.
 template <class T> T pairedDistances(const Curve<T>& a, const Curve<T>& b)
@@ -145,14 +74,6 @@ template <class T> bool fitsReversed(const Curve<T>& a, const Curve<T>& b)
 }
 
 } // namespace
-
-template <class T> void CurveStackTriangulation2<T>::setCostCriterion(unsigned int criterion)
-{
-  if (criterion >= 3 && criterion <= 5)
-    throw ValueError("void CurveStackTriangulation2<T>::setCostCriterion(unsigned int)",
-                     "Cost criterion " + std::to_string(criterion) + " is not available");
-  _costCriterion = criterion;
-}
 
 // No share of a missing length can be walked.
 template <class T> bool CurveStackTriangulation2<T>::isDegenerate(const Curve<T>& curve)
@@ -273,7 +194,7 @@ template <class T> void CurveStackTriangulation2<T>::localTriangulation(Level& l
 {
   if (lower.empty() || upper.empty() || (_method != ganapathy && _method != optimal)) return;
   const T lowerHeight = lower[0].curve->data()[2], upperHeight = upper[0].curve->data()[2];
-  for (Group& group : findCurveCorrespondances(lower, upper))
+  for (CurveGroup& group : findCurveCorrespondances(lower, upper))
   {
     const Seam below = seamOf(lower, group.lower, upperHeight);
     Seam above = seamOf(upper, group.upper, lowerHeight);
@@ -300,7 +221,7 @@ CurveStackTriangulation2<T>::seamOf(Level& level, std::vector<int>& members, T o
   return {*first.curve, indexesFrom(first.offset, first.curve->getSize())};
 }
 
-template <class T> std::vector<typename CurveStackTriangulation2<T>::Group>
+template <class T> std::vector<CurveGroup>
 CurveStackTriangulation2<T>::findCurveCorrespondances(const Level& lower, const Level& upper) const
 {
   const auto curvesOf = [](const Level& level)
@@ -309,31 +230,7 @@ CurveStackTriangulation2<T>::findCurveCorrespondances(const Level& lower, const 
     for (const MeshCurve& curve : level) curves.push_back(curve.curve);
     return curves;
   };
-  const auto meshCost = _costCriterion == 2 ? meshCost2<T> : meshCost1<T>;
-  return associationSearch(meshCost(curvesOf(lower), curvesOf(upper)));
-}
-
-template <class T> std::vector<typename CurveStackTriangulation2<T>::Group>
-CurveStackTriangulation2<T>::associationSearch(const Matrix<T>& costs)
-{
-  const int numLower = costs.getSize1(), numUpper = costs.getSize2();
-  LinkedSets sets(numLower + numUpper); // the lower curves, then the upper ones
-  for (int i = 0; i < numLower; ++i) sets.link(i, numLower + cheapestColumn(costs, i));
-  for (int j = 0; j < numUpper; ++j) sets.link(cheapestRow(costs, j), numLower + j);
-
-  std::map<int, int> groupOf; // by the representative of its set
-  std::vector<Group> groups;
-  for (int i = 0; i < numLower + numUpper; ++i)
-  {
-    const auto [position, isNew] = groupOf.try_emplace(sets.find(i), static_cast<int>(groups.size()));
-    if (isNew) groups.emplace_back();
-    Group& group = groups[position->second];
-    if (i < numLower)
-      group.lower.push_back(i);
-    else
-      group.upper.push_back(i - numLower);
-  }
-  return groups;
+  return associationSearch(meshCost(_costCriterion, curvesOf(lower), curvesOf(upper)));
 }
 
 template <class T> typename CurveStackTriangulation2<T>::Seam

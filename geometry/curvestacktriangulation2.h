@@ -1,5 +1,6 @@
 #pragma once
 
+#include "geometry/curvecorrespondence.h"
 #include "geometry/curvestack.h"
 #include "geometry/curvestacktriangulationcontourtag.h"
 #include "geometry/triangulationcode.h"
@@ -22,9 +23,8 @@ public:
   static constexpr CurveStackTriangulationMethod optimal = 1;   ///< least sum of squared lengths between the curves
 
   void setMethod(CurveStackTriangulationMethod method) { _method = method; }
-  /// Cost by which curves of two levels correspond: 2 takes the squared distance of the closest vertices, any other
-  /// value, and the default 6, that of the centres of gravity. \throw ValueError  3, 4 or 5, which are not available
-  void setCostCriterion(unsigned int criterion);
+  /// Cost by which curves of two levels correspond, see meshCost(); 6 at first.
+  void setCostCriterion(unsigned int criterion) { _costCriterion = criterion; }
   /// Begin caps on curves tagged Begin and end caps on curves tagged End.
   void setTriangulateCaps(bool caps) { _caps = caps; }
   /// Begin caps on all curves of the first level.
@@ -62,13 +62,6 @@ private:
   };
   using Level = std::vector<MeshCurve>;
 
-  /// Curves of two levels that belong together, by their numbers in their levels.
-  struct Group
-  {
-    std::vector<int> lower;
-    std::vector<int> upper;
-  };
-
   void build(const CurveStack<T>& stack);
   std::vector<Level> levels(const CurveStack<T>& stack);
   Level firstLowerLevel(const Level& level);
@@ -77,10 +70,7 @@ private:
   template <class IsTaken, class IsCapped>
   Level addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap);
   void localTriangulation(Level& lower, Level& upper);
-  std::vector<Group> findCurveCorrespondances(const Level& lower, const Level& upper) const;
-  /// Groups the curves that are linked, each to its cheapest partner in the other level. The costs of all pairs have
-  /// a row per lower and a column per upper curve.
-  static std::vector<Group> associationSearch(const Matrix<T>& costs);
+  std::vector<CurveGroup> findCurveCorrespondances(const Level& lower, const Level& upper) const;
   /// What one side of a group shows to the other one: its only curve, or the contour into which its curves merge.
   struct Seam
   {
