@@ -2,6 +2,7 @@
 
 #include "geometry/coordinates.h"
 #include "geometry/curvejunction.h"
+#include "geometry/junctionshape.h"
 #include "geometry/optimaltriangulation.h"
 #include "geometry/polygontriangulation.h"
 #include "geometry/triangulationcode.h"
@@ -204,7 +205,8 @@ template <class T> void CurveStackTriangulation2<T>::localTriangulation(Level& l
       for (const int member : group.upper) upper[member].isReversed = !upper[member].isReversed;
       above = seamOfOpenCurves(upper, group.upper);
     }
-    computeMeshBetweenTwoCurves(below, above);
+    const bool branches = group.lower.size() + group.upper.size() > 2 && !below.curve.isOpen();
+    branches ? joinBranches(below, above, group) : computeMeshBetweenTwoCurves(below, above);
   }
 }
 
@@ -257,6 +259,70 @@ CurveStackTriangulation2<T>::junctionTriangulation(const Level& level, const std
   for (const auto& stop : junction.getTour()) tour.push_back(copyIndexes[stop.copy][stop.vertex]);
   addStrip(tour, merged.indexes, codeOf(junction.getTour()), isUpwards);
   return merged;
+}
+
+/// Where the deep bays of a merged contour would make the strip cross itself, the bays are filled first.
+template <class T> void CurveStackTriangulation2<T>::joinBranches(Seam below, Seam above, const CurveGroup& group)
+{
+  const auto crossings = [this](const Seam& a, const Seam& b)
+  { return numSectionCrossings(a.curve, b.curve, computeTriangulationCode(a.curve, b.curve)); };
+  const bool isUpwards = above.curve.data()[2] >= below.curve.data()[2];
+  if (const int numCrossings = crossings(below, above); numCrossings > 0)
+  {
+    const bool mergesBelow = group.lower.size() > 1, mergesAbove = group.upper.size() > 1;
+    const Seam filledBelow = mergesBelow ? hullOf(below) : below, filledAbove = mergesAbove ? hullOf(above) : above;
+    if (crossings(filledBelow, filledAbove) < numCrossings)
+    {
+      if (mergesBelow) fillPockets(below, filledBelow, isUpwards);
+      if (mergesAbove) fillPockets(above, filledAbove, !isUpwards);
+      below = filledBelow;
+      above = filledAbove;
+    }
+  }
+  computeMeshBetweenTwoCurves(below, above);
+}
+
+template <class T> typename CurveStackTriangulation2<T>::Seam CurveStackTriangulation2<T>::hullOf(const Seam& merged)
+{
+  Seam hull = {Curve<T>(3), {}};
+  for (const int i : convexHull(merged.curve))
+  {
+    hull.curve.append(merged.curve[i]);
+    hull.indexes.push_back(merged.indexes[i]);
+  }
+  return hull;
+}
+
+template <class T> void CurveStackTriangulation2<T>::fillPockets(const Seam& merged, const Seam& hull, bool isUpwards)
+{
+  const int size = static_cast<int>(merged.indexes.size());
+  const int offset = merged.indexes[0]; // the indexes follow each other
+  for (std::size_t k = 0; k < hull.indexes.size(); ++k)
+  {
+    const int first = hull.indexes[k] - offset;
+    const int next = hull.indexes[k + 1 < hull.indexes.size() ? k + 1 : 0] - offset;
+    const int last = next > first ? next : next + size;
+    if (last - first > 1) fillPocket(merged, first, last, isUpwards);
+  }
+}
+
+/// The pocket between vertices first and last, counted around the contour, with the edge between them as its lid.
+template <class T> void CurveStackTriangulation2<T>::fillPocket(const Seam& merged, int first, int last, bool isUpwards)
+{
+  const int size = static_cast<int>(merged.indexes.size());
+  Curve<T> pocket(3);
+  for (int i = first; i <= last; ++i) pocket.append(merged.curve[i % size]);
+  const bool isReversed = pocket.twiceArea(0, 1) < 0;
+  if (isReversed) pocket.reverse();
+  PolygonTriangulation<T> triangulation;
+  const TriMesh<T>& triangles = triangulation.apply(pocket, 0, 1);
+  const auto index = [&](int k) { return merged.indexes[(isReversed ? last - k : first + k) % size]; };
+  for (int i = 0; i < triangles.getNumTriangleSlots(); ++i)
+  {
+    const int p = index(triangles.corners(i)[0]), q = index(triangles.corners(i)[1]),
+              r = index(triangles.corners(i)[2]);
+    isReversed == isUpwards ? _mesh.addTriangle(p, q, r) : _mesh.addTriangle(p, r, q);
+  }
 }
 
 template <class T> void CurveStackTriangulation2<T>::chainOpenCurves(Level& level, std::vector<int>& members)

@@ -80,6 +80,12 @@ private:
   Seam seamOf(Level& level, std::vector<int>& members, T otherHeight);
   /// Joins several closed curves to one contour between their height and the other one.
   Seam junctionTriangulation(const Level& level, const std::vector<int>& members, T otherHeight);
+  /// The convex outline of a merged contour.
+  static Seam hullOf(const Seam& merged);
+  /// Adds the triangles that fill a merged contour up to its convex outline.
+  void fillPockets(const Seam& merged, const Seam& hull, bool isUpwards);
+  void fillPocket(const Seam& merged, int first, int last, bool isUpwards);
+  void joinBranches(Seam below, Seam above, const CurveGroup& group);
   /// The open curves of a group one behind the other, each walked from the end that is closer to those before.
   static void chainOpenCurves(Level& level, std::vector<int>& members);
   std::vector<int> appendToMesh(const Curve<T>& curve);

@@ -96,6 +96,12 @@ TEST(BranchingSurfaces, HaveTheTopologyOfTheDrawnShape)
   const auto four = [](double z) {
     return Contours{oval(-3, -3, 2, 2, z), oval(3, -3, 2, 2, z), oval(-3, 3, 2, 2, z), oval(3, 3, 2, 2, z)};
   };
+  const auto nine = [](double z)
+  {
+    Contours contours;
+    for (int i = 0; i < 9; ++i) contours.push_back(oval(5 * (i % 3) - 5, 5 * (i / 3) - 5, 1.5, 1.5, z));
+    return contours;
+  };
   const struct
   {
     const char* name;
@@ -108,7 +114,9 @@ TEST(BranchingSurfaces, HaveTheTopologyOfTheDrawnShape)
       {"four corners of a block", {four(0), {oval(0, 0, 6, 6, 1)}, four(2)}, 2},
       {"a branch that leaves and rejoins", {single(0), pair(1), pair(2), single(3)}, 0},
       {"split and rejoined at one level", {single(0), pair(1), single(2)}, 0},
-      {"an H", {pair(0), pair(1), {oval(-0.5, 0, 5.5, 2, 2), oval(30, 0, 1, 1, 2)}, pair(3), pair(4)}, 2},
+      {"an H", {pair(0), pair(1), single(2), pair(3), pair(4)}, 2},
+      {"two on two", {pair(0), {oval(-0.5, 0, 5.5, 2, 1), oval(30, 0, 1, 1, 1)}}, 2},
+      {"nine pillars of a roof", {nine(0), nine(1), {oval(0, 0, 9, 9, 2)}}, 2},
       {"contours of very different size",
        {{oval(0, 0, 10, 10, 0)}, {oval(0, 0, 9, 9, 1), oval(10, 0, 0.1, 0.1, 1)}},
        2},
