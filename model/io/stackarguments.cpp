@@ -28,8 +28,8 @@ template <class T> T parsed(std::string_view text)
   return value;
 }
 
-/// Takes `count` integers joined by commas, and the white space behind them, off the text.
-const char* takeIntegers(const char* text, const char* end, int* values, int count)
+/// Takes `count` numbers joined by commas, and the white space behind them, off the text.
+template <class T> const char* takeNumbers(const char* text, const char* end, T* values, int count)
 {
   for (int i = 0; i < count; ++i)
   {
@@ -79,6 +79,13 @@ float StackArguments::real(int i) const
   return value;
 }
 
+double StackArguments::longReal(int i) const
+{
+  const double value = parsed<double>(getToken(i));
+  if (!std::isfinite(value)) refuse();
+  return value;
+}
+
 float StackArguments::positiveReal(int i) const
 {
   const float value = real(i);
@@ -105,14 +112,12 @@ Vertices<int> StackArguments::vertices() const
   constexpr std::size_t leastLength = 4; // of "x,y "; the last one needs no blank
   const auto numCommas = static_cast<std::size_t>(std::count(_text.begin(), _text.end(), ','));
   if (numCommas > (_text.size() + 1) / leastLength || numCommas > std::numeric_limits<int>::max() / 2) refuse();
-  std::vector<int> coordinates(2 * numCommas);
+  BufferVector<int> coordinates(2 * numCommas);
   const char* text = _text.data();
   const char* const end = text + _text.size();
-  for (std::size_t i = 0; i < numCommas; ++i) text = takeIntegers(text, end, &coordinates[2 * i], 2);
+  for (std::size_t i = 0; i < numCommas; ++i) text = takeNumbers(text, end, &coordinates[2 * i], 2);
   if (text != end) refuse();
-  Vertices<int> vertices(2, static_cast<int>(numCommas)); // much larger than the numbers, which are sound now
-  if (numCommas > 0) std::copy(coordinates.begin(), coordinates.end(), vertices.data());
-  return vertices;
+  return numCommas == 0 ? Vertices<int>() : Vertices<int>(2, std::move(coordinates));
 }
 
 RLEItemSet StackArguments::runs() const
@@ -123,7 +128,7 @@ RLEItemSet StackArguments::runs() const
   while (text != end)
   {
     int values[3];
-    text = takeIntegers(text, end, values, 3);
+    text = takeNumbers(text, end, values, 3);
     const std::int64_t last = std::int64_t{values[1]} + values[2] - 1;
     if (values[2] < 1 || last > std::numeric_limits<int>::max()) refuse();
     runs.emplace_back(values[0], values[1], values[2]);
@@ -131,4 +136,19 @@ RLEItemSet StackArguments::runs() const
   RLEItemSet set(std::move(runs));
   if (set.numVertices() > std::numeric_limits<int>::max()) refuse(); // more than vertices can be counted
   return set;
+}
+
+std::vector<CalibrationCurve::Sample> StackArguments::calibrationSamples() const
+{
+  std::vector<CalibrationCurve::Sample> samples;
+  const char* text = _text.data();
+  const char* const end = text + _text.size();
+  while (text != end)
+  {
+    double values[2];
+    text = takeNumbers(text, end, values, 2);
+    if (!std::isfinite(values[0]) || !std::isfinite(values[1])) refuse();
+    samples.push_back({values[0], values[1]});
+  }
+  return samples;
 }

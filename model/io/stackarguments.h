@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/vertices.h"
+#include "model/calibrationcurve.h"
 #include "model/rleitemset.h"
 
 #include <string>
@@ -26,6 +27,7 @@ public:
   /// An integer of at least `least`.
   int integerFrom(int i, int least) const;
   float real(int i) const;
+  double longReal(int i) const;
   float positiveReal(int i) const;
   /// A real number within the range of int.
   float angle(int i) const;
@@ -35,6 +37,8 @@ public:
   Vertices<int> vertices() const;
   /// All arguments as runs "x,y,length".
   RLEItemSet runs() const;
+  /// All arguments as samples "grey level,value".
+  std::vector<CalibrationCurve::Sample> calibrationSamples() const;
 
 private:
   std::string_view _text;

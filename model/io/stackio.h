@@ -28,6 +28,9 @@ public:
   /// Failures after which the stack must not be used.
   int getNumFatalErrors() const { return _numFatalErrors; }
 
+  static constexpr int numKeywords = 54;
+  /// All spellings of a keyword, the one that is written first.
+  static const std::vector<std::string_view>& getSpellings(StackKeyword keyword);
   /// The spelling that is written.
   static std::string_view getString(StackKeyword keyword);
   /// The keyword of any of its spellings.

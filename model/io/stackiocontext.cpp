@@ -33,6 +33,14 @@ bool StackIOContext::fulfils(Need need) const
     return _slice;
   case Need::Mosaic:
     return _slice && _slice->getImageSource()->getType() == ImageSourceType::FileMosaic;
+  case Need::StandardImage:
+    return _standardImage;
+  case Need::Sample:
+    return _hasSample;
+  case Need::Calibrated:
+    return getCalibrated();
+  case Need::Curve:
+    return _curveOwner;
   case Need::Model:
     return _model;
   case Need::ItemProperties:
@@ -52,8 +60,30 @@ void StackIOContext::openStack(Stack& stack)
   _stack = &stack;
 }
 
+void StackIOContext::closeCalibration()
+{
+  _standardImage = nullptr;
+  _hasFailedStandardImage = false;
+  _hasSample = false;
+  _curveOwner = nullptr;
+}
+
+Calibrated* StackIOContext::getCalibrated() const
+{
+  if (_standardImage) return _standardImage;
+  return _hasFailedStandardImage ? nullptr : _slice;
+}
+
+void StackIOContext::openStandardImage(StandardImage& image)
+{
+  closeCalibration();
+  _standardImage = &image;
+  _keeper = &image;
+}
+
 void StackIOContext::openSlice(StackSlice& slice)
 {
+  closeCalibration();
   _slice = &slice;
   _hasFailedSlice = false;
   _keeper = &slice;
@@ -62,6 +92,7 @@ void StackIOContext::openSlice(StackSlice& slice)
 
 void StackIOContext::openModel(Model& model)
 {
+  closeCalibration();
   _model = &model;
   _item = nullptr;
   _itemProperties = &model.getItemProperties();
@@ -78,12 +109,15 @@ void StackIOContext::openItem(ModelItem& item)
 
 void StackIOContext::openPose(Pose& pose)
 {
+  closeCalibration();
   _pose = &pose;
   _keeper = &pose;
 }
 
 void StackIOContext::failToOpen(Kind kind)
 {
+  if (kind == Kind::Curve) _curveOwner = nullptr;
+  if (kind == Kind::Sample) _hasSample = false;
   if (kind == Kind::Pose) _pose = nullptr;
   if (kind == Kind::Model) _model = nullptr;
   if (kind == Kind::Model || kind == Kind::Item)
@@ -96,6 +130,11 @@ void StackIOContext::failToOpen(Kind kind)
     _slice = nullptr;
     _hasFailedSlice = true;
   }
+  const bool isPart = kind == Kind::Curve || kind == Kind::Sample || kind == Kind::Item;
+  if (isPart) return;
+  closeCalibration();
+  _hasFailedStandardImage = kind == Kind::StandardImage;
+  _keeper = _stack; // what follows does not belong to the object before either
 }
 
 StackSlice* StackIOContext::findSlice(const std::string& name) const

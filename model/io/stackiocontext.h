@@ -19,7 +19,11 @@ public:
     Stack,
     StackOrSlice, ///< the slice when one is current, else the stack
     Slice,
-    Mosaic, ///< a slice whose image is a mosaic
+    Mosaic,        ///< a slice whose image is a mosaic
+    StandardImage, ///< and its samples
+    Sample,
+    Calibrated, ///< what a calibration curve is stated for: the standard image when one is current, else the slice
+    Curve,      ///< the calibration curve stated last
     Model,
     ItemProperties, ///< the model's defaults behind "MODEL", the item's own behind "MODELITEM"
     Item,
@@ -30,6 +34,9 @@ public:
   enum class Kind
   {
     Slice,
+    StandardImage,
+    Sample,
+    Curve,
     Model,
     Item,
     Pose
@@ -50,19 +57,30 @@ public:
 
   Stack* getStack() const { return _stack; }
   StackSlice* getSlice() const { return _slice; }
+  StandardImage* getStandardImage() const { return _standardImage; }
+  StandardSample& getSample() const { return _standardImage->getSamples().back(); }
+  /// What a calibration curve is stated for now, or nullptr.
+  Calibrated* getCalibrated() const;
+  /// What has the calibration curve that was stated last, or nullptr.
+  Calibrated* getCurveOwner() const { return _curveOwner; }
   Model* getModel() const { return _model; }
   ModelItem* getItem() const { return _item; }
   Pose* getPose() const { return _pose; }
   /// The item properties that statements apply to now, or nullptr.
   ModelItemProperties* getItemProperties() const { return _itemProperties; }
-  /// What holds statements that are kept: the object opened last, of an item its model.
-  KeptStatements& getKeeper() const { return *_keeper; }
+  /// What holds statements that are kept: the object opened last (of an item its model), the stack behind one that
+  /// failed to open; nullptr before the stack.
+  KeptStatements* getKeeper() const { return _keeper; }
   float getRelativePosition() const { return _relativePosition; }
   void setRelativePosition(float distance) { _relativePosition = distance; }
 
   void openStack(Stack& stack);
-  /// Makes a new object of the stack current. Opening a model closes the item.
+  /// Makes a new object of the stack current. Opening a model closes the item; opening a slice, a standard image, a
+  /// model or a pose closes the standard image, its sample and the calibration curve.
   void openSlice(StackSlice& slice);
+  void openStandardImage(StandardImage& image);
+  void openSample() { _hasSample = true; }
+  void openCurve() { _curveOwner = getCalibrated(); }
   void openModel(Model& model);
   void openItem(ModelItem& item);
   void openPose(Pose& pose);
@@ -74,6 +92,8 @@ public:
   Model* findModel(const std::string& name) const;
 
 private:
+  void closeCalibration();
+
   std::string _stackFileName;
   std::filesystem::path _stackDirectory;
   std::string _imagesPath;
@@ -85,6 +105,10 @@ private:
   ModelItemProperties* _itemProperties = nullptr;
   KeptStatements* _keeper = nullptr;
   bool _hasFailedSlice = false;
+  StandardImage* _standardImage = nullptr;
+  bool _hasFailedStandardImage = false;
+  bool _hasSample = false; // the last one of the standard image
+  Calibrated* _curveOwner = nullptr;
   float _relativePosition = 0;
   std::unordered_map<std::string, StackSlice*> _slicesByName;
   std::unordered_map<std::string, Model*> _modelsByName;

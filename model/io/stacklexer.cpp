@@ -33,39 +33,68 @@ std::size_t closingQuote(std::string_view text)
 }
 } // namespace
 
-StackLexer::StackLexer(std::string text) : _text(std::move(text))
+StackLexer::StackLexer(Source source, std::size_t pieceSize)
+  : _source(std::move(source)), _pieceSize(std::max(pieceSize, minPieceSize))
 {
-  if (_text.starts_with("\xEF\xBB\xBF")) _position = 3; // byte-order mark
-  dropComments();
 }
 
-void StackLexer::dropComments()
+void StackLexer::readPiece()
 {
-  std::size_t comment = _text.find('#', _position);
-  std::size_t kept = _position; // end of the text that was kept so far
-  std::size_t next = _position; // first character not looked at yet
-  for (; comment != std::string::npos; comment = _text.find('#', next))
+  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+  _text.erase(0, _position); // at most the piece that the statement at hand begins in is moved
+  _searched -= _position;
+  _position = 0;
+  const std::size_t start = _text.size();
+  _text.resize(start + _pieceSize);
+  const std::size_t count = _source(_text.data() + start, _pieceSize);
+  _text.resize(start + count);
+  if (_numRead == 0 && _text.starts_with(byteOrderMark)) _text.erase(0, byteOrderMark.size());
+  _numRead += count;
+  _isComplete = count < _pieceSize;
+  dropComments(start);
+}
+
+void StackLexer::dropComments(std::size_t start)
+{
+  std::size_t kept = start; // end of the text that was kept so far
+  for (std::size_t next = start; next < _text.size();)
   {
-    const std::size_t lineEnd = std::min(_text.find('\n', comment), _text.size());
-    const bool isLineStart = comment == _position || _text[comment - 1] == '\n';
-    const std::size_t end = isLineStart || comment == next ? comment : comment - 1;
-    kept = static_cast<std::size_t>(std::copy(_text.begin() + static_cast<std::ptrdiff_t>(next),
-                                              _text.begin() + static_cast<std::ptrdiff_t>(end),
-                                              _text.begin() + static_cast<std::ptrdiff_t>(kept)) -
-                                    _text.begin());
-    next = lineEnd; // the line's end stays: it is a blank
+    const std::size_t end = std::min(_text.find(_isInComment ? '\n' : '#', next), _text.size());
+    if (!_isInComment)
+    {
+      std::copy(_text.begin() + static_cast<std::ptrdiff_t>(next), _text.begin() + static_cast<std::ptrdiff_t>(end),
+                _text.begin() + static_cast<std::ptrdiff_t>(kept));
+      kept += end - next;
+    }
+    next = end;
+    if (end == _text.size()) break;
+    if (!_isInComment && kept > 0 && _text[kept - 1] != '\n') --kept; // the character before the "#"
+    _isInComment = !_isInComment;                                     // a line's end stays: it is a blank
   }
-  _text.erase(kept, next - kept);
+  _text.resize(kept);
+}
+
+std::size_t StackLexer::findEnd()
+{
+  while (true)
+  {
+    // A "#" at the beginning of the next piece may still drop the last character.
+    const std::size_t certain = _isComplete || _text.empty() ? _text.size() : _text.size() - 1;
+    const std::size_t end = std::string_view(_text).substr(0, certain).find(';', _searched);
+    if (end != std::string_view::npos) return end;
+    _searched = certain;
+    if (_isComplete) return _text.size();
+    readPiece();
+  }
 }
 
 std::optional<StackLexer::Statement> StackLexer::readItemString()
 {
+  const std::size_t end = findEnd();
   if (_position >= _text.size()) return std::nullopt;
-  const std::size_t end = _text.find(';', _position);
-  const bool isTerminated = end != std::string::npos;
-  const std::size_t length = (isTerminated ? end : _text.size()) - _position;
-  Statement statement = {trimmed(std::string_view(_text).substr(_position, length)), {}, {}, isTerminated};
-  _position += length + (isTerminated ? 1 : 0);
+  const bool isTerminated = end < _text.size();
+  Statement statement = {trimmed(std::string_view(_text).substr(_position, end - _position)), {}, {}, isTerminated};
+  _position = _searched = end + (isTerminated ? 1 : 0);
   if (statement.text.empty()) return statement;
   statement.arguments = statement.text;
   if (!takeToken(statement.arguments, statement.keyword)) std::swap(statement.keyword, statement.arguments);

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <sys/stat.h>
@@ -26,8 +27,47 @@ constexpr const char* readSignature = "void StackReader::read(Stack&, const std:
   failOpening(fileName, std::generic_category().message(error));
 }
 
+/// A keyword as it is shown in the log; garbage is cut short.
+std::string shown(std::string_view keyword)
+{
+  constexpr std::size_t maxLength = 64;
+  return keyword.size() <= maxLength ? std::string(keyword) : std::string(keyword.substr(0, maxLength)) + "...";
+}
+
+std::optional<StackIOContext::Kind> openedKind(StackKeyword keyword)
+{
+  switch (keyword)
+  {
+  case StackKeyword::Slice:
+  case StackKeyword::StackSlice:
+    return StackIOContext::Kind::Slice;
+  case StackKeyword::StandardImage:
+    return StackIOContext::Kind::StandardImage;
+  case StackKeyword::Sample:
+    return StackIOContext::Kind::Sample;
+  case StackKeyword::CalibrationCurve:
+    return StackIOContext::Kind::Curve;
+  case StackKeyword::Model:
+    return StackIOContext::Kind::Model;
+  case StackKeyword::ModelItem:
+    return StackIOContext::Kind::Item;
+  case StackKeyword::Pose:
+    return StackIOContext::Kind::Pose;
+  default:
+    return std::nullopt;
+  }
+}
+
+bool isCalibration(StackKeyword keyword)
+{
+  using K = StackKeyword;
+  constexpr K keywords[] = {K::CalibrationCurve, K::Fit, K::Sample, K::SampleCoords, K::SampleValue, K::StandardImage};
+  return std::find(std::begin(keywords), std::end(keywords), keyword) != std::end(keywords);
+}
+} // namespace
+
 /// The descriptor of a regular file that is closed on every path.
-class OpenFile
+class StackReader::OpenFile
 {
 public:
   explicit OpenFile(const std::string& fileName) : _fileName(fileName)
@@ -44,47 +84,34 @@ public:
   OpenFile& operator=(const OpenFile&) = delete;
   ~OpenFile() { close(_descriptor); }
 
-  std::string readAll() const
+  const std::string& getName() const { return _fileName; }
+  std::size_t getLength() const { return _length; }
+
+  /// Fills a buffer with what comes next, up to the length that the file had when it was opened. \return how much it is
+  std::size_t read(char* buffer, std::size_t size)
   {
-    std::string text(_length, '\0');
-    std::size_t size = 0;
-    while (size < text.size())
+    const std::size_t wanted = std::min(size, _length - _position);
+    std::size_t count = 0;
+    while (count < wanted)
     {
-      const ssize_t count = ::read(_descriptor, text.data() + size, text.size() - size);
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0)
+      const ssize_t result = ::read(_descriptor, buffer + count, wanted - count);
+      if (result < 0 && errno == EINTR) continue;
+      if (result < 0)
         throw FileReadError(readSignature, "Cannot read file (" + std::generic_category().message(errno) + ")",
                             _fileName);
-      if (count == 0) break; // shorter than it was a moment ago
-      size += static_cast<std::size_t>(count);
+      if (result == 0) break; // shorter than it was a moment ago
+      count += static_cast<std::size_t>(result);
     }
-    text.resize(size);
-    return text;
+    _position += count;
+    return count;
   }
 
 private:
   std::string _fileName;
   std::size_t _length = 0;
+  std::size_t _position = 0;
   int _descriptor = -1;
 };
-
-/// A keyword as it is shown in the log; garbage is cut short.
-std::string shown(std::string_view keyword)
-{
-  constexpr std::size_t maxLength = 64;
-  return keyword.size() <= maxLength ? std::string(keyword) : std::string(keyword.substr(0, maxLength)) + "...";
-}
-
-std::optional<StackIOContext::Kind> openedKind(std::string_view spelling)
-{
-  const auto keyword = StackIO::getKeyword(spelling);
-  if (keyword == StackKeyword::Slice || keyword == StackKeyword::StackSlice) return StackIOContext::Kind::Slice;
-  if (keyword == StackKeyword::Model) return StackIOContext::Kind::Model;
-  if (keyword == StackKeyword::ModelItem) return StackIOContext::Kind::Item;
-  if (keyword == StackKeyword::Pose) return StackIOContext::Kind::Pose;
-  return std::nullopt;
-}
-} // namespace
 
 /// What a keyword takes, where it is valid, and who executes it.
 struct StackReader::Rule
@@ -106,13 +133,13 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
       {K::Annotation, 1, 1, Need::StackOrSlice, &R::inputAnnotation},
       {K::BeginCap, 1, 1, Need::Model, &R::inputBeginCapFlag},
       {K::Brilliancy, 1, 1, Need::Model, &R::inputBrilliancy},
-      {K::CalibrationCurve, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::CalibrationCurve, 0, any, Need::Calibrated, &R::inputCalibrationCurve},
       {K::Color, 3, 3, Need::ItemProperties, &R::inputColor},
       {K::EcoRendering, 1, 1, Need::Model, &R::inputEcoRendering},
       {K::EndCap, 1, 1, Need::Model, &R::inputEndCapFlag},
       {K::FileFormatVersion, 1, 1, Need::Nothing, &R::inputFileFormatVersion},
       {K::FilledIn, 1, 1, Need::ItemProperties, &R::inputFilledIn},
-      {K::Fit, 0, any, Need::StackOrSlice, &R::keepStatement},
+      {K::Fit, 1, 1, Need::Curve, &R::inputFit},
       {K::Hidden3D, 1, 1, Need::ItemProperties, &R::inputHidden3D},
       {K::Image, 3, 3, Need::Mosaic, &R::inputImage},
       {K::ImagesPath, 1, 1, Need::Stack, &R::inputImagesPath},
@@ -142,16 +169,16 @@ const StackReader::Rule& StackReader::ruleOf(StackKeyword keyword)
       {K::RenderingMode, 1, 1, Need::Model, &R::inputRenderingMode},
       {K::Resampling, 2, 2, Need::Model, &R::inputResampling},
       {K::Rotate, 1, 1, Need::Slice, &R::inputRotate},
-      {K::Sample, 0, any, Need::Stack, &R::keepStatement},
-      {K::SampleCoords, 0, any, Need::Stack, &R::keepStatement},
-      {K::SampleValue, 0, any, Need::Stack, &R::keepStatement},
+      {K::Sample, 1, 1, Need::StandardImage, &R::inputSample},
+      {K::SampleCoords, 4, 4, Need::Sample, &R::inputSampleCoords},
+      {K::SampleValue, 1, 1, Need::Sample, &R::inputSampleValue},
       {K::Shift, 2, 2, Need::Slice, &R::inputShift},
       {K::Slice, 2, 3, Need::Stack, &R::inputSlice},
       {K::SliceSize1, 1, 1, Need::Slice, &R::inputSliceHeight},
       {K::SliceSize2, 1, 1, Need::Slice, &R::inputSliceWidth},
       {K::Stack, 1, 1, Need::Nothing, &R::inputStack},
       {K::StackSlice, 3, 3, Need::Stack, &R::inputStackSlice},
-      {K::StandardImage, 0, any, Need::Stack, &R::keepStatement},
+      {K::StandardImage, 2, 2, Need::Stack, &R::inputStandardImage},
       {K::Thickness, 1, 1, Need::ItemProperties, &R::inputThickness},
       {K::Transparency, 1, 1, Need::Model, &R::inputTransparency},
       {K::TriangulationTag, 1, 1, Need::Item, &R::parseTriangulationTag},
@@ -174,40 +201,51 @@ void StackReader::read(Stack& stack, const std::string& fileName)
   _context = StackIOContext();
   try
   {
-    _lexer = StackLexer(OpenFile(path).readAll());
+    OpenFile file(path);
+    readFile(stack, file);
   }
   catch (const FileError& error)
   {
     addFatalError("Error: " + error.getFilename() + ": " + error.getWhat());
-    return;
   }
-  _context = StackIOContext(path);
+}
+
+void StackReader::readFile(Stack& stack, OpenFile& file)
+{
+  _context = StackIOContext(file.getName());
   stack.clear();
+  StackLexer lexer(
+      [this, &file](char* buffer, std::size_t size)
+      {
+        throwIfCancelled(readSignature);
+        return file.read(buffer, size);
+      });
+  _lexer = &lexer;
   try
   {
+    const ProgressStep step(*this, "Reading " + file.getName(), static_cast<long>(file.getLength()));
     readStatements(stack);
   }
-  catch (const Cancelled&)
+  catch (...)
   {
+    _context = StackIOContext();
     stack.clear();
     throw;
   }
-  _lexer = StackLexer("");
 }
 
 void StackReader::readStatements(Stack& stack)
 {
   constexpr std::size_t reportInterval = 1 << 16;
   _target = &stack;
-  const ProgressStep step(*this, "Reading " + _context.getStackFileName(), static_cast<long>(_lexer.getSize()));
   std::size_t nextReport = 0;
-  while (const auto statement = _lexer.readItemString())
+  while (const auto statement = _lexer->readItemString())
   {
     if (!statement->text.empty()) readStatement(*statement);
-    if (_lexer.getPosition() < nextReport) continue;
+    if (_lexer->getPosition() < nextReport) continue;
     throwIfCancelled(readSignature);
-    progress(static_cast<long>(_lexer.getPosition()));
-    nextReport = _lexer.getPosition() + reportInterval;
+    progress(static_cast<long>(_lexer->getPosition()));
+    nextReport = _lexer->getPosition() + reportInterval;
   }
   shareLengthUnit();
 }
@@ -233,22 +271,37 @@ void StackReader::parseTokens(const StackLexer::Statement& statement)
   const Rule& rule = ruleOf(*keyword);
   const bool readsTokens = rule.maxArguments <= static_cast<int>(StackLexer::maxTokens);
   const auto tokens =
-      readsTokens ? _lexer.splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
+      readsTokens ? _lexer->splitItemString(statement.arguments) : std::make_optional<std::vector<std::string_view>>();
   if (!tokens) return fail(statement, ArgValueError());
   const int numArguments = static_cast<int>(tokens->size());
   if (readsTokens && (numArguments < rule.minArguments || numArguments > rule.maxArguments))
     return fail(statement, NumArgsError());
   if (!_context.fulfils(rule.need)) return fail(statement, ContextError());
-  _statement = &statement;
   (this->*rule.input)(StackArguments(statement.arguments, *tokens));
 }
 
 void StackReader::fail(const StackLexer::Statement& statement, const Exception& error)
 {
-  if (const auto kind = openedKind(statement.keyword)) _context.failToOpen(*kind);
+  if (const auto keyword = getKeyword(statement.keyword))
+  {
+    if (const auto kind = openedKind(*keyword)) _context.failToOpen(*kind);
+    if (isCalibration(*keyword)) keepStatement(statement, error);
+  }
   if (const auto* fileError = dynamic_cast<const FileError*>(&error))
     return addFatalError("Error: " + fileError->getFilename() + ": " + fileError->getWhat());
   addToLog(isLogFull() ? "" : failureLine(shown(statement.keyword), error));
+}
+
+void StackReader::keepStatement(const StackLexer::Statement& statement, const Exception& error)
+{
+  if (!_context.getStack() || !statement.isTerminated) return;
+  std::string text(statement.text);
+  std::replace_if(text.begin(), text.end(), StackLexer::isBlank, ' ');
+  // A sound curve without its object must not be taken for the next one's.
+  const bool isHomeless = getKeyword(statement.keyword) == StackKeyword::CalibrationCurve &&
+                          dynamic_cast<const ContextError*>(&error) != nullptr;
+  KeptStatements& keeper = isHomeless ? *_context.getStack() : *_context.getKeeper();
+  keeper.keepStatement(std::move(text));
 }
 
 std::string StackReader::failureLine(const std::string& keyword, const Exception& error)

@@ -11,7 +11,8 @@ class StackArguments;
 
 /// Reads stack files.
 ///
-/// A statement that fails changes nothing and leaves a line in the log; only a file that cannot be read is fatal.
+/// A statement that fails changes nothing and leaves a line in the log; only a file that cannot be read is fatal. Of
+/// calibration curves and standard images, those that fail are kept with the object they stand behind.
 /// Images are not opened, so that missing ones do not matter here.
 class StackReader : public StackIO
 {
@@ -31,7 +32,8 @@ public:
   };
 
   /// Replaces the stack by the one in the file, ".sdf" being appended to a name that does not end so. A file that
-  /// cannot be read leaves the stack as it was, one line in the log and a fatal error.
+  /// cannot be opened leaves the stack as it was, one line in the log and a fatal error. One whose reading fails on
+  /// the way adds a line and a fatal error; the stack is empty then.
   /// \throw Cancelled  the user stopped it; the stack is empty then
   void read(Stack& stack, const std::string& fileName);
   /// The name of a stack file: ".sdf" is appended to one without this suffix.
@@ -43,13 +45,17 @@ public:
 private:
   struct Rule;
   static const Rule& ruleOf(StackKeyword keyword);
+  class OpenFile;
 
+  void readFile(Stack& stack, OpenFile& file);
   void readStatements(Stack& stack);
   void readStatement(const StackLexer::Statement& statement);
   void parseTokens(const StackLexer::Statement& statement);
   /// Closes what the statement should have replaced and adds a line to the log.
   void fail(const StackLexer::Statement& statement, const Exception& error);
   static std::string failureLine(const std::string& keyword, const Exception& error);
+  /// Keeps a statement of calibration that failed where it will fail again when it was written and is read.
+  void keepStatement(const StackLexer::Statement& statement, const Exception& error);
   void shareLengthUnit() const;
 
   // One input routine per keyword, called with the right number of arguments in the right context.
@@ -101,8 +107,12 @@ private:
   void parseTriangulationTag(const StackArguments& arguments);
   void parseVertexSmoothing(const StackArguments& arguments);
   void inputVertexSymbol(const StackArguments& arguments);
-  /// Calibration curves, standard images and samples are kept as they stand.
-  void keepStatement(const StackArguments& arguments);
+  void inputStandardImage(const StackArguments& arguments);
+  void inputSample(const StackArguments& arguments);
+  void inputSampleCoords(const StackArguments& arguments);
+  void inputSampleValue(const StackArguments& arguments);
+  void inputCalibrationCurve(const StackArguments& arguments);
+  void inputFit(const StackArguments& arguments);
 
   void logDuplicate(const char* kind, const std::string& name);
   void addSlice(const std::string& name, const ImageSource& source);
@@ -113,6 +123,5 @@ private:
 
   Stack* _target = nullptr; // becomes the current stack with the "STACK" statement
   StackIOContext _context;
-  StackLexer _lexer{""};
-  const StackLexer::Statement* _statement = nullptr; // the one that is executed
+  StackLexer* _lexer = nullptr; // while read() runs
 };

@@ -232,11 +232,52 @@ void StackReader::inputShift(const StackArguments& arguments)
   _context.getSlice()->setRegistration(registration);
 }
 
-void StackReader::keepStatement(const StackArguments&)
+// Standard images and calibration curves.
+
+void StackReader::inputStandardImage(const StackArguments& arguments)
 {
-  std::string text(_statement->text);
-  std::replace_if(text.begin(), text.end(), StackLexer::isBlank, ' ');
-  _context.getKeeper().keepStatement(std::move(text));
+  auto image = std::make_unique<StandardImage>();
+  image->setName(arguments.name(0));
+  image->setImageSource(ImageSourceFile(_context.resolved(arguments.name(1))));
+  _context.openStandardImage(_context.getStack()->addStandardImage(std::move(image)));
+}
+
+void StackReader::inputSample(const StackArguments& arguments)
+{
+  StandardSample sample;
+  sample.name = arguments.name(0);
+  _context.getStandardImage()->addSample(sample);
+  _context.openSample();
+}
+
+void StackReader::inputSampleCoords(const StackArguments& arguments)
+{
+  const int x = arguments.integer(0), y = arguments.integer(1);
+  const int width = arguments.integerFrom(2, 1), height = arguments.integerFrom(3, 1);
+  StandardSample& sample = _context.getSample();
+  sample.x = x;
+  sample.y = y;
+  sample.width = width;
+  sample.height = height;
+}
+
+void StackReader::inputSampleValue(const StackArguments& arguments)
+{
+  _context.getSample().value = arguments.longReal(0);
+}
+
+void StackReader::inputCalibrationCurve(const StackArguments& arguments)
+{
+  _context.getCalibrated()->setCalibrationCurve(CalibrationCurve(arguments.calibrationSamples()));
+  _context.openCurve();
+}
+
+void StackReader::inputFit(const StackArguments& arguments)
+{
+  const CalibrationFit fit = known(CalibrationCurve::toFit(arguments.getToken(0)));
+  CalibrationCurve curve = *_context.getCurveOwner()->getCalibrationCurve();
+  curve.setFit(fit);
+  _context.getCurveOwner()->setCalibrationCurve(std::move(curve));
 }
 
 // Models.
@@ -369,7 +410,7 @@ void StackReader::inputPose(const StackArguments& arguments)
 {
   auto pose = std::make_unique<Pose>(_context.getStack());
   pose->setName(arguments.name(0));
-  pose->attach();
+  _context.getStack()->addPose(pose.get()); // attach() would look through all poses for it
   _context.openPose(*pose.release());
 }
 

@@ -83,6 +83,7 @@ void StackWriter::write(const Stack& stack, const std::string& fileName)
     _out = &out;
     const ProgressStep progressStep(*this, "Writing " + fileName, numObjects(stack));
     writeHeader(stack);
+    writeStandardImages(stack);
     writeSlices(stack);
     writeModels(stack);
     writePoses(stack);
@@ -128,6 +129,42 @@ void StackWriter::writeKeptStatements(const KeptStatements& statements)
   for (const std::string& text : statements.getKeptStatements()) _out->statement(text);
 }
 
+// Standard images and calibration curves.
+
+void StackWriter::writeStandardImages(const Stack& stack)
+{
+  for (int i = 0; i < stack.getNumStandardImages(); ++i) writeStandardImage(stack, *stack.getStandardImage(i));
+}
+
+void StackWriter::writeStandardImage(const Stack& stack, const StandardImage& image)
+{
+  const ImageSourceFile noImage;
+  const ImageSource& source = image.getImageSource() ? *image.getImageSource() : noImage;
+  if (source.getType() != ImageSourceType::File)
+    throw UsageError(writeSignature, "The standard image \"" + image.getName() + "\" is no image file of its own");
+  const std::string name = enterDirectory(stack, static_cast<const ImageSourceFile&>(source).getFilename());
+  _out->begin(K::StandardImage).quoted(image.getName()).quoted(name).end();
+  writeKeptStatements(image); // before samples and curve, so that what found none does not find these
+  for (const StandardSample& sample : image.getSamples())
+  {
+    _out->begin(K::Sample).quoted(sample.name).end();
+    _out->begin(K::SampleCoords).integer(sample.x).integer(sample.y).integer(sample.width).integer(sample.height).end();
+    _out->begin(K::SampleValue).exact(sample.value).end();
+  }
+  writeCalibrationCurve(image);
+}
+
+void StackWriter::writeCalibrationCurve(const Calibrated& calibrated)
+{
+  const CalibrationCurve* const curve = calibrated.getCalibrationCurve();
+  if (!curve) return;
+  _out->begin(K::CalibrationCurve);
+  for (const CalibrationCurve::Sample& sample : curve->getSamples())
+    _out->word(exactText(sample.greyLevel) + "," + exactText(sample.value));
+  _out->end();
+  _out->begin(K::Fit).word(CalibrationCurve::toString(curve->getFit())).end();
+}
+
 // Slices.
 
 void StackWriter::writeSlices(const Stack& stack)
@@ -141,7 +178,8 @@ void StackWriter::writeSlice(const Stack& stack, const StackSlice& slice)
   writePosition(stack, slice);
   writeCalibration(stack, slice);
   writeRegistration(slice.getRegistration());
-  writeKeptStatements(slice); // its calibration curve
+  writeKeptStatements(slice); // before the curve, so that what found no curve does not find this one
+  writeCalibrationCurve(slice);
   if (!slice.getAnnotation().empty()) _out->begin(K::Annotation).quoted(slice.getAnnotation()).end();
 }
 

@@ -31,6 +31,9 @@ public:
 
 private:
   void writeHeader(const Stack& stack);
+  void writeStandardImages(const Stack& stack);
+  void writeStandardImage(const Stack& stack, const StandardImage& image);
+  void writeCalibrationCurve(const Calibrated& calibrated);
   void writeSlices(const Stack& stack);
   void writeSlice(const Stack& stack, const StackSlice& slice);
   void writeImage(const Stack& stack, const StackSlice& slice);

@@ -31,15 +31,22 @@ std::string shortest(float value)
   return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-/// The coarsest unit below the given one in which two decimals keep the length; "" when there is none.
-std::string keepingUnit(float length, int scale)
+double writtenLength(float length)
+{
+  return valueOf(lengthText(length));
+}
+
+/// The coarsest unit below the given one in which a length is kept; "" when there is none. `written` gives what becomes
+/// of the length when all lengths are multiplied by a factor.
+template <class Written> std::string keepingUnit(float length, int scale, Written written)
 {
   const std::vector<int> scales = LengthUnit::availableScales();
   for (auto finer = scales.rbegin(); finer != scales.rend(); ++finer)
   {
     if (*finer >= scale) continue;
-    const auto converted = static_cast<float>(length * std::pow(10.0, scale - *finer));
-    if (std::isfinite(converted) && isKept(converted, valueOf(lengthText(converted)))) return LengthUnit(*finer).name();
+    const double factor = std::pow(10.0, scale - *finer);
+    if (std::isfinite(static_cast<float>(length * factor)) && isKept(length * factor, written(factor)))
+      return LengthUnit(*finer).name();
   }
   return "";
 }
@@ -53,27 +60,34 @@ public:
   {
   }
 
-  void check(const std::string& name, float length) { check(name, length, valueOf(lengthText(length))); }
-
-  void check(const std::string& name, float length, double written)
+  void check(const std::string& name, float length)
   {
-    if (isKept(length, written)) return;
-    const std::string unit = keepingUnit(length, _unit.getScale());
-    _warnings.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
-                        shortest(static_cast<float>(written)) +
-                        (unit.empty() ? "." : "; the length unit " + unit + " would keep it."));
+    checkWritten(name, length, [length](double factor) { return writtenLength(static_cast<float>(length * factor)); });
   }
 
   void check(const PixelCalibration& calibration)
   {
-    check("pixel width", calibration.getPixelWidth());
-    const double writtenAspect = valueOf(lengthText(calibration.getAspectRatio()));
-    if (!isKept(calibration.getAspectRatio(), writtenAspect)) // no unit helps here
-      _warnings.push_back(_owner + ": the pixel aspect ratio " + shortest(calibration.getAspectRatio()) +
-                          " is written as " + shortest(static_cast<float>(writtenAspect)) + ".");
+    const float width = calibration.getPixelWidth(), aspect = calibration.getAspectRatio();
+    const double writtenAspect = writtenLength(aspect);
+    check("pixel width", width);
+    if (!isKept(aspect, writtenAspect)) // no unit helps here
+      _warnings.push_back(_owner + ": the pixel aspect ratio " + shortest(aspect) + " is written as " +
+                          shortest(static_cast<float>(writtenAspect)) + ".");
+    else if (isKept(width, writtenLength(width))) // the height is their product
+      checkWritten("pixel height", calibration.getPixelHeight(),
+                   [=](double factor) { return writtenAspect * writtenLength(static_cast<float>(width * factor)); });
   }
 
 private:
+  template <class Written> void checkWritten(const std::string& name, float length, Written written)
+  {
+    if (isKept(length, written(1))) return;
+    const std::string unit = keepingUnit(length, _unit.getScale(), written);
+    _warnings.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
+                        shortest(static_cast<float>(written(1))) +
+                        (unit.empty() ? "." : "; the length unit " + unit + " would keep it."));
+  }
+
   std::string _owner;
   LengthUnit _unit;
   std::vector<std::string>& _warnings;

@@ -10,7 +10,7 @@ namespace
 {
 constexpr std::size_t pieceSize = 1 << 20; // written at once
 
-void requireFinite(float value, const char* where)
+void requireFinite(double value, const char* where)
 {
   if (!std::isfinite(value)) throw ValueError(where, "A number of the stack is not finite");
 }
@@ -32,6 +32,13 @@ std::string lengthText(float value)
   char digits[64]; // the smallest float has 45 decimals
   const auto result = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed);
   return std::string(digits, result.ptr);
+}
+
+std::string exactText(double value)
+{
+  requireFinite(value, "std::string exactText(double)");
+  char digits[32]; // 17 digits, sign, point and exponent
+  return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
 StatementBuffer& StatementBuffer::begin(StackKeyword keyword)

@@ -13,6 +13,9 @@
 std::string decimalText(float value);
 /// Two decimals or, when nothing would be left of the value, its shortest decimals. \throw ValueError  not finite
 std::string lengthText(float value);
+/// The shortest decimals that read back as the value, with a power of ten where that is shorter.
+/// \throw ValueError  not finite
+std::string exactText(double value);
 /// @}
 
 /// Builds statements and writes them to a file in large pieces. Every value is preceded by a blank.
@@ -28,6 +31,7 @@ public:
   StatementBuffer& integer(int value);
   StatementBuffer& decimal(float value) { return word(decimalText(value)); }
   StatementBuffer& length(float value) { return word(lengthText(value)); }
+  StatementBuffer& exact(double value) { return word(exactText(value)); }
   StatementBuffer& boolean(bool value) { return word(value ? "true" : "false"); }
   /// Integers joined by commas.
   StatementBuffer& tuple(const int* values, int count);

@@ -15,6 +15,15 @@ std::string fileOf(const StackSlice& slice)
 {
   return static_cast<const ImageSourceFile&>(*slice.getImageSource()).getFilename();
 }
+
+const KeptStatements& keeperOf(const Stack& stack, std::string_view name)
+{
+  if (name == "standard image") return *stack.getStandardImage(0);
+  if (name == "slice") return *stack.getSlice(0);
+  if (name == "model") return *stack.getModel(0);
+  if (name == "pose") return *stack.getPose(0);
+  return stack;
+}
 } // namespace
 
 TEST(StackFileLog, SaysWhatIsWrongWithAStatement)
@@ -143,6 +152,24 @@ TEST(StackFileLog, NamesFilesThatCannotBeRead)
   EXPECT_EQ(stack.getName(), "kept");
   EXPECT_FALSE(ReadStack("").reader.hasReadStack());
   EXPECT_FALSE(ReadStack(std::string(5000, '\0')).reader.hasReadStack());
+}
+
+TEST(StackFileLog, TellsOfAFileWhoseReadingFails)
+{
+  // The kernel tells no speed of the loopback device: its file can be opened and not read.
+  const std::string unreadable = "/sys/class/net/lo/speed";
+  if (!std::filesystem::exists(unreadable) || std::ifstream(unreadable).get() >= 0) GTEST_SKIP() << "no such file here";
+  const TemporaryFolder folder;
+  std::filesystem::create_symlink(unreadable, folder.file("link.sdf"));
+  Stack stack;
+  stack.setName("old");
+  StackReader reader;
+  reader.read(stack, folder.file("link.sdf"));
+  EXPECT_THAT(reader.getLog(),
+              ElementsAre("Error: " + folder.file("link.sdf") + ": Cannot read file (Invalid argument)"));
+  EXPECT_EQ(reader.getNumFatalErrors(), 1);
+  EXPECT_FALSE(reader.hasReadStack());
+  EXPECT_EQ(stack.getName(), "");
 }
 
 TEST(StackFileContext, NeedsAStackFirst)
@@ -310,4 +337,55 @@ TEST(StackFileImages, HaveTheStatedSizeWhenTheyAreMissing)
   EXPECT_EQ(read.stack.getSlice(0)->width(), 30);
   EXPECT_EQ(read.stack.getSlice(1)->getImageSource()->getType(), ImageSourceType::VoxelMatrixFilePlane);
   EXPECT_THROW(read.stack.getSlice(1)->width(), FileError);
+}
+
+TEST(StackFileStandards, AreReadWithTheirSamplesAndCurves)
+{
+  ReadStack read("STACK \"s\"; ImagesPath \"d\"; STANDARDIMAGE \"wedge\" \"w.tif\"; SAMPLE \"dark\";"
+                 "SAMPLECOORDS 1 -2 3 4; SAMPLEVALUE 0.1; SAMPLE \"light\"; SAMPLEVALUE 1e-7;"
+                 "CALIBRATIONCURVE 0,0.1 200,2.5\n100,0; FIT Polynomial2;"
+                 "STANDARDIMAGE \"bare\" \"\"; SLICE \"a\" \"a.tif\"; CALIBRATIONCURVE 1,2;");
+  EXPECT_THAT(read.log(), IsEmpty());
+  ASSERT_EQ(read.stack.getNumStandardImages(), 2);
+  const StandardImage& image = *read.stack.getStandardImage(0);
+  EXPECT_EQ(image.getName(), "wedge");
+  EXPECT_EQ(static_cast<const ImageSourceFile&>(*image.getImageSource()).getFilename(), read.folder.file("d/w.tif"));
+  EXPECT_THAT(image.getSamples(),
+              ElementsAre(StandardSample{"dark", 1, -2, 3, 4, 0.1}, StandardSample{"light", 0, 0, 1, 1, 1e-7}));
+  ASSERT_TRUE(image.hasCalibrationCurve());
+  EXPECT_EQ(*image.getCalibrationCurve(),
+            CalibrationCurve({{0, 0.1}, {200, 2.5}, {100, 0}}, CalibrationFit::Polynomial2));
+  EXPECT_FALSE(read.stack.getStandardImage(1)->hasCalibrationCurve());
+  EXPECT_EQ(*read.stack.getSlice(0)->getCalibrationCurve(), CalibrationCurve({{1, 2}}, CalibrationFit::Linear));
+}
+
+TEST(StackFileStandards, KeepWhatFailsWhereItFailsAgain)
+{
+  const struct
+  {
+    const char* statements;
+    const char* keeper; // of all of them
+  } cases[] = {
+      {"FIT Linear; SAMPLE \"x\"", "stack"},
+      {"STANDARDIMAGE \"i\" \"f\" 1; SAMPLE \"x\"; CALIBRATIONCURVE 1,2", "stack"},
+      {"SLICE \"a\" \"\"; STANDARDIMAGE \"i\"; CALIBRATIONCURVE 1,2; FIT Linear", "stack"},
+      {"SLICE \"a\" \"\"; SLICE; CALIBRATIONCURVE 1,2; FIT Linear", "stack"},
+      {"STANDARDIMAGE \"i\" \"f\"; SAMPLE; SAMPLEVALUE 1; SAMPLEVALUE x; FIT Linear", "standard image"},
+      {"SLICE \"a\" \"\"; CALIBRATIONCURVE Spline 1; FIT Spline; FIT Linear", "slice"},
+      {"SLICE \"a\" \"\"; FIT Linear; CALIBRATIONCURVE 1,2", "slice"},
+      {"SLICE \"a\" \"\"; CALIBRATIONCURVE 1,2; FIT Polynomial2; MODEL \"m\"; FIT Linear", "model"},
+      {"STANDARDIMAGE \"i\" \"f\"; POSE \"p\"; SAMPLE \"x\"", "pose"},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.statements);
+    ReadStack read("STACK \"s\";" + std::string(c.statements) + ";");
+    const std::size_t numSliceErrors = std::string_view(c.statements).find("SLICE;") != std::string_view::npos ? 1 : 0;
+    const std::size_t numFailed = read.log().size() - numSliceErrors; // of those that are kept
+    EXPECT_EQ(keeperOf(read.stack, c.keeper).getKeptStatements().size(), numFailed);
+    const std::string once = textOf(read.stack, read.folder);
+    ReadStack again(once);
+    EXPECT_EQ(again.log().size(), numFailed) << once;
+    EXPECT_EQ(textOf(again.stack, again.folder), once);
+  }
 }

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
+#include <sstream>
 
 namespace
 {
@@ -28,7 +30,8 @@ public:
     stack->setAbsoluteImagesPathPolicy(chance());
     stack->setInvertZAxis(chance());
     stack->setLastSegmentedSlice(text("last"));
-    stack->keepStatement("STANDARDIMAGE \"a  b\" 1");
+    stack->keepStatement("SAMPLE \"a  b\" 1");
+    for (int i = 0; i < below(3); ++i) addStandardImage(*stack);
     for (int i = 0; i < 1 + below(6); ++i) addSlice(*stack, i);
     for (int i = 0; i < below(5); ++i) addModel(*stack, i);
     for (int i = 0; i < below(3); ++i) addPose(*stack);
@@ -100,7 +103,27 @@ private:
     if (chance()) chance() ? slice.setAbsolutePosition(number()) : slice.setRelativePosition(number());
     if (chance()) slice.setRegistration(Registration(below(9) - 4, below(3), number()));
     if (chance()) slice.setAnnotation(text("about"));
+    if (chance()) slice.setCalibrationCurve(calibrationCurve());
     if (chance()) slice.keepStatement("CALIBRATIONCURVE Linear 1.5");
+    if (chance()) slice.keepStatement("FIT Linear");
+  }
+
+  CalibrationCurve calibrationCurve()
+  {
+    std::vector<CalibrationCurve::Sample> samples;
+    for (int i = 0; i < below(5); ++i) samples.push_back({0.1 * below(2560), 1e-30 + number() / 3.0});
+    return CalibrationCurve(std::move(samples), static_cast<CalibrationFit>(below(3)));
+  }
+
+  void addStandardImage(Stack& stack)
+  {
+    StandardImage& image = stack.addStandardImage(std::make_unique<StandardImage>());
+    image.setName(text("standard"));
+    if (chance()) image.setImageSource(ImageSourceFile(fileName()));
+    for (int i = 0; i < below(3); ++i)
+      image.addSample({text("sample"), below(9) - 4, below(9), 1 + below(9), 1 + below(9), number() / 7.0});
+    if (chance()) image.setCalibrationCurve(calibrationCurve());
+    if (chance()) image.keepStatement("SAMPLEVALUE 1");
   }
 
   ModelItemProperties itemProperties()
@@ -122,8 +145,13 @@ private:
     properties.setGeometry(static_cast<MPrimitive>(below(4)));
     properties.setRenderingMode(static_cast<RenderingMode>(below(6)));
     properties.setSurfaceOpacity(number());
+    if (chance()) properties.setSurfaceShininess(number());
+    if (chance()) properties.setQuadMeshWidth(below(200) - 9);
+    if (chance()) properties.setNormalSmoothing(below(5));
+    if (chance()) properties.setEconomicRendering(chance());
     if (chance()) properties.setVertexSmoothing(below(5));
     if (chance()) properties.setBeginCapFlag(chance());
+    if (chance()) properties.setEndCapFlag(chance());
     model.setItemProperties(itemProperties());
     for (int k = 0; k < below(6); ++k) addItem(model, *stack.getSlice(below(stack.getNumSlices())));
     if (chance()) model.keepStatement("SAMPLE 1 2");
@@ -155,6 +183,22 @@ private:
   std::mt19937 _random;
 };
 
+void expectSameCurve(const Calibrated& a, const Calibrated& b)
+{
+  ASSERT_EQ(a.hasCalibrationCurve(), b.hasCalibrationCurve());
+  if (!a.hasCalibrationCurve()) return;
+  EXPECT_EQ(*a.getCalibrationCurve(), *b.getCalibrationCurve());
+}
+
+/// The keywords of a file that was written: one statement a line.
+std::set<std::string> keywordsOf(const std::string& text)
+{
+  std::set<std::string> keywords;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) keywords.insert(line.substr(0, line.find_first_of(" ;")));
+  return keywords;
+}
+
 /// What must survive exactly, whatever the decimals.
 void expectSameObjects(const Stack& a, const Stack& b)
 {
@@ -173,6 +217,15 @@ void expectSameObjects(const Stack& a, const Stack& b)
     EXPECT_EQ(a.getSlice(i)->useRelativePosition(), b.getSlice(i)->useRelativePosition());
     EXPECT_EQ(a.getSlice(i)->getKeptStatements(), b.getSlice(i)->getKeptStatements());
     EXPECT_EQ(a.getSlice(i)->getNumItems(), b.getSlice(i)->getNumItems());
+    expectSameCurve(*a.getSlice(i), *b.getSlice(i));
+  }
+  ASSERT_EQ(a.getNumStandardImages(), b.getNumStandardImages());
+  for (int i = 0; i < a.getNumStandardImages(); ++i)
+  {
+    EXPECT_EQ(a.getStandardImage(i)->getName(), b.getStandardImage(i)->getName());
+    EXPECT_EQ(a.getStandardImage(i)->getSamples(), b.getStandardImage(i)->getSamples());
+    EXPECT_EQ(a.getStandardImage(i)->getKeptStatements(), b.getStandardImage(i)->getKeptStatements());
+    expectSameCurve(*a.getStandardImage(i), *b.getStandardImage(i));
   }
   for (int i = 0; i < a.getNumModels(); ++i)
   {
@@ -198,19 +251,26 @@ void expectSameObjects(const Stack& a, const Stack& b)
 TEST(StackFileRoundTrip, ASecondSaveChangesNothing)
 {
   const TemporaryFolder folder;
-  RandomStacks stacks(42);
-  for (int round = 0; round < 120; ++round)
+  std::set<std::string> written;
+  for (unsigned seed = 0; seed < 60; ++seed)
   {
-    SCOPED_TRACE(round);
-    const std::unique_ptr<Stack> stack = stacks.draw();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const std::unique_ptr<Stack> stack = RandomStacks(seed).draw();
     const std::string text = textOf(*stack, folder);
+    written.merge(keywordsOf(text));
     EXPECT_EQ(text.find('#'), std::string::npos);
     Stack read;
     StackReader reader;
     reader.read(read, folder.file("out.sdf"));
-    ASSERT_THAT(reader.getLog(), testing::IsEmpty()) << text;
+    ASSERT_THAT(reader.getLog(), testing::Each(saysThatACalibrationFailed())) << text;
     expectSameObjects(*stack, read);
     ASSERT_EQ(textOf(read, folder), text);
+  }
+  for (int keyword = 0; keyword < StackIO::numKeywords; ++keyword)
+  {
+    const auto value = static_cast<StackKeyword>(keyword);
+    EXPECT_EQ(written.count(std::string(StackIO::getString(value))), value == StackKeyword::PixelHeight ? 0 : 1)
+        << StackIO::getString(value);
   }
 }
 
@@ -245,68 +305,5 @@ TEST(StackFileRoundTrip, FindsImagesThroughLinkedFolders)
     EXPECT_THAT(contentOf(folder.file("a/b/new.sdf")), testing::HasSubstr(c.path));
     EXPECT_TRUE(std::filesystem::weakly_canonical(folder.file(c.image)) ==
                 std::filesystem::weakly_canonical(imageOf("l/new.sdf")));
-  }
-}
-
-TEST(StackFileRoundTrip, BringsAnyReadableFileToAFixedPoint)
-{
-  const char* const statements[] = {"PIXHEIGHT 3.333",
-                                    "PIXWIDTH 0.0001",
-                                    "ASPECT 0.3333",
-                                    "RELPOSITION 0.004",
-                                    "DEPTH -0.001",
-                                    "ROTATE 359.999",
-                                    "ROTATE -0.001",
-                                    "POSEROTATION 0.9 -0.9 1e5",
-                                    "FIT Linear",
-                                    "SAMPLE \"a\tb\"  c",
-                                    "CALIBRATIONCURVE 1",
-                                    "MODELITEM \"m\" \"a\"",
-                                    "MODELITEM \"m\" \"x\"",
-                                    "MODELITEMDATA 1,2 3,4",
-                                    "M2DDATA 1,2,3",
-                                    "MODEL \"m\"",
-                                    "MODEL \"n\"",
-                                    "PRIMITIVE Region",
-                                    "PRIMITIVE Polyline",
-                                    "SLICE \"a\" \"b/../c.tif\"",
-                                    "SLICE \"a\" 2 2",
-                                    "SLICE \"b\" \"d/\"",
-                                    "SLICE \"c\" \"/\"",
-                                    "SLICE \"c\" \"..\"",
-                                    "IMAGE 2 2 \"t.tif\"",
-                                    "StackSlice \"p\" \"./p.lsm\" 3",
-                                    "SliceSize1 5",
-                                    "SliceSize2 6",
-                                    "ImagesPath \"./q/\"",
-                                    "ImagesPath \".\"",
-                                    "ImagesPath \"/\"",
-                                    "AbsoluteImagesPathPolicy true",
-                                    "POSE \"p\"",
-                                    "POSESHIFT 1 2",
-                                    "STANDARDIMAGE \"i\"",
-                                    "TriangulationTag None",
-                                    "TriangulationTag End",
-                                    "COLOR 300 0 0",
-                                    "THICKNESS 0.004",
-                                    "BeginCap true",
-                                    "Annotation \"a\tb\"",
-                                    "STACK \"again\"",
-                                    "LengthUnitScale -2",
-                                    "NONSENSE",
-                                    "SHIFT 0 7"};
-  std::mt19937 random(7);
-  const TemporaryFolder folder;
-  for (int round = 0; round < 120; ++round)
-  {
-    std::string text = "STACK \"s\"; SLICE \"a\" \"a.tif\"; MODEL \"m\";";
-    for (int i = 0; i < 40; ++i) text += std::string(statements[random() % std::size(statements)]) + ";\n";
-    Stack first, second;
-    StackReader reader;
-    reader.read(first, folder.write("in.sdf", text));
-    const std::string once = textOf(first, folder);
-    reader.read(second, folder.file("out.sdf"));
-    ASSERT_THAT(reader.getLog(), testing::Each(testing::HasSubstr("There is already a"))) << text << once;
-    ASSERT_EQ(textOf(second, folder), once) << text;
   }
 }

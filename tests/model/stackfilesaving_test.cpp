@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -209,6 +210,42 @@ TEST(StackSaving, RemovesWhatKilledProcessesLeft)
   for (const std::string& name : kept) EXPECT_TRUE(std::filesystem::exists(folder.file(name))) << name;
 }
 
+TEST(StackSaving, LeavesACompleteFileWhenTheProgramIsKilled)
+{
+  const TemporaryFolder folder;
+  const std::string path = folder.file("stack.sdf");
+  Stack stack;
+  for (int i = 0; i < 50; ++i) addSlice(stack, "s" + std::to_string(i), "a.tif");
+  Model& model = stack.addModel(std::make_unique<Model>("m"));
+  for (int i = 0; i < 500; ++i) ModelItem::create(model, *stack.getSlice(i % 50)).setVertices(Vertices<int>(2, 500));
+  std::string contents[2]; // the old file and the new one
+  const auto save = [&](int version)
+  {
+    stack.setName(version == 0 ? "old" : "new");
+    StackWriter().write(stack, path);
+  };
+  for (const int version : {1, 0})
+  {
+    save(version);
+    contents[version] = contentOf(path);
+  }
+  std::mt19937 random(5);
+  int numHalfWritten = 0;
+  for (int round = 0; round < 40; ++round)
+  {
+    const int numFiles = folder.getNumFiles();
+    const pid_t child = fork();
+    for (int version = 1; child == 0; version = 1 - version) save(version);
+    usleep(random() % 20000);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    const std::string content = contentOf(path);
+    ASSERT_TRUE(content == contents[0] || content == contents[1]) << "round " << round;
+    numHalfWritten += folder.getNumFiles() - numFiles;
+  }
+  EXPECT_GT(numHalfWritten, 0); // some were hit in the midst of a save
+}
+
 TEST(StackSaving, KeepsLinksAndPermissions)
 {
   const TemporaryFolder folder;
@@ -253,6 +290,13 @@ TEST(StackWarnings, NameWhatTwoDecimalsLose)
                   "nanometer would keep it."));
   stack.convertLengthUnit(-9);
   EXPECT_THAT(warnings(stack), IsEmpty());
+  PixelCalibration oblong = stack.getDefaultPixelCalibration();
+  oblong.setPixelWidth(1.004f); // by 0.4% each
+  oblong.setAspectRatio(1.004f);
+  oblong.compute();
+  slice.setPixelCalibration(oblong);
+  EXPECT_THAT(warnings(stack), ElementsAre(HasSubstr("is written as 1; the length unit picometer would keep it.")));
+  slice.setPixelCalibration(stack.getDefaultPixelCalibration());
   addSlice(stack, "s", "b.tif").setAnnotation("__NL__");
   ModelItem loose(&stack.addModel(std::make_unique<Model>("m")));
   loose.attach();

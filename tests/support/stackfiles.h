@@ -4,6 +4,7 @@
 #include "model/io/stackwriter.h"
 #include "tests/support/temporaryfolder.h"
 
+#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,13 @@ inline std::string textOf(const Stack& stack, const TemporaryFolder& folder)
 {
   StackWriter().write(stack, folder.file("out.sdf"));
   return contentOf(folder.file("out.sdf"));
+}
+
+/// A log line about a statement of calibration, which is kept.
+inline auto saysThatACalibrationFailed()
+{
+  return testing::ContainsRegex(
+      "^Error(:| on) (CALIBRATIONCURVE|FIT|SAMPLE|SAMPLECOORDS|SAMPLEVALUE|STANDARDIMAGE)[ :]");
 }
 
 /// A stack of one slice, one model and one item, to which statements can be appended.
