@@ -107,7 +107,8 @@ TYPED_TEST_SUITE(RandomStacks, CoordinateTypes);
 
 TYPED_TEST(RandomStacks, BecomeManifolds)
 {
-  std::mt19937 random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()) + 11); // --gtest_random_seed=N
+  std::mt19937 random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()) +
+                      11); // --gtest_random_seed=N
   for (int round = 0; round < 700; ++round)
   {
     SCOPED_TRACE(round);
