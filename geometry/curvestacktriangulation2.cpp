@@ -1,89 +1,21 @@
 #include "geometry/curvestacktriangulation2.h"
 
 #include "geometry/coordinates.h"
+#include "geometry/curvejunction.h"
+#include "geometry/junctionshape.h"
 #include "geometry/optimaltriangulation.h"
 #include "geometry/polygontriangulation.h"
 #include "geometry/triangulationcode.h"
 
+#include <algorithm>
 #include <cmath>
-#include <map>
+#include <limits>
 #include <numeric>
-#include <sstream>
 
 using Tag = CurveStackTriangulationContourTag;
 
 namespace
 {
-
-/// Sets of numbers that grow together by links.
-class LinkedSets
-{
-public:
-  explicit LinkedSets(int size) : _parent(size) { std::iota(_parent.begin(), _parent.end(), 0); }
-
-  int find(int i)
-  {
-    while (_parent[i] != i) i = _parent[i] = _parent[_parent[i]];
-    return i;
-  }
-  void link(int i, int j) { _parent[find(i)] = find(j); }
-
-private:
-  std::vector<int> _parent;
-};
-
-template <class T> std::vector<Vector<T>> centersOfGravity(const std::vector<const Curve<T>*>& curves)
-{
-  std::vector<Vector<T>> centers;
-  centers.reserve(curves.size());
-  for (const Curve<T>* curve : curves) centers.push_back(curve->cog());
-  return centers;
-}
-
-/// Squared distance between the centres of gravity of every pair.
-template <class T>
-Matrix<T> meshCost1(const std::vector<const Curve<T>*>& lower, const std::vector<const Curve<T>*>& upper)
-{
-  const std::vector<Vector<T>> lowerCenters = centersOfGravity(lower), upperCenters = centersOfGravity(upper);
-  Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
-  for (int i = 0; i < costs.getSize1(); ++i)
-    for (int j = 0; j < costs.getSize2(); ++j)
-      costs(i, j) = squaredDistance(lowerCenters[i].data(), upperCenters[j].data(), 3);
-  return costs;
-}
-
-/// Squared distance between the closest vertices of every pair.
-template <class T>
-Matrix<T> meshCost2(const std::vector<const Curve<T>*>& lower, const std::vector<const Curve<T>*>& upper)
-{
-  Matrix<T> costs(static_cast<int>(lower.size()), static_cast<int>(upper.size()));
-  for (int i = 0; i < costs.getSize1(); ++i)
-  {
-    for (int j = 0; j < costs.getSize2(); ++j)
-    {
-      int a, b;
-      lower[i]->closestPoints(*upper[j], a, b);
-      costs(i, j) = squaredDistance(lower[i]->data(a), upper[j]->data(b), 3);
-    }
-  }
-  return costs;
-}
-
-template <class T> int cheapestColumn(const Matrix<T>& costs, int row)
-{
-  int cheapest = 0;
-  for (int j = 1; j < costs.getSize2(); ++j)
-    if (costs(row, j) < costs(row, cheapest)) cheapest = j;
-  return cheapest;
-}
-
-template <class T> int cheapestRow(const Matrix<T>& costs, int column)
-{
-  int cheapest = 0;
-  for (int i = 1; i < costs.getSize1(); ++i)
-    if (costs(i, column) < costs(cheapest, column)) cheapest = i;
-  return cheapest;
-}
 
 /// Sum of the squared distances between the vertices of two curves in order.
 template <class T> T pairedDistances(const Curve<T>& a, const Curve<T>& b)
@@ -91,6 +23,40 @@ template <class T> T pairedDistances(const Curve<T>& a, const Curve<T>& b)
   T sum = 0;
   for (int i = 0; i < a.getSize(); ++i) sum += squaredDistance(a.data(i), b.data(i), a.getSpace());
   return sum;
+}
+
+std::vector<int> indexesFrom(int offset, int size)
+{
+  std::vector<int> indexes(size);
+  std::iota(indexes.begin(), indexes.end(), offset);
+  return indexes;
+}
+
+/// The steps along contour a and its copy b, which has the vertices of a and others between them.
+TriangulationCode codeOf(const std::vector<int>& origins)
+{
+  TriangulationCode code;
+  for (std::size_t k = 0; k < origins.size(); ++k)
+  {
+    code.stepsOnB.push_back(true);
+    const int next = k + 1 < origins.size() ? origins[k + 1] : origins[0];
+    if (next != origins[k]) code.stepsOnB.push_back(false);
+  }
+  return code;
+}
+
+/// The steps along a tour a and the merged contour b, on which several stops may share a vertex.
+template <class Stop> TriangulationCode codeOf(const std::vector<Stop>& tour)
+{
+  TriangulationCode code;
+  code.startB = tour[0].merged;
+  for (std::size_t k = 0; k < tour.size(); ++k)
+  {
+    code.stepsOnB.push_back(false);
+    const int next = k + 1 < tour.size() ? tour[k + 1].merged : tour[0].merged;
+    if (next != tour[k].merged) code.stepsOnB.push_back(true);
+  }
+  return code;
 }
 
 template <class T> Curve<T> reversed(const Curve<T>& curve)
@@ -109,14 +75,6 @@ template <class T> bool fitsReversed(const Curve<T>& a, const Curve<T>& b)
 }
 
 } // namespace
-
-template <class T> void CurveStackTriangulation2<T>::setCostCriterion(unsigned int criterion)
-{
-  if (criterion >= 3 && criterion <= 5)
-    throw ValueError("void CurveStackTriangulation2<T>::setCostCriterion(unsigned int)",
-                     "Cost criterion " + std::to_string(criterion) + " is not available");
-  _costCriterion = criterion;
-}
 
 // No share of a missing length can be walked.
 template <class T> bool CurveStackTriangulation2<T>::isDegenerate(const Curve<T>& curve)
@@ -233,22 +191,39 @@ CurveStackTriangulation2<T>::addToMesh(const Level& level, IsTaken isTaken, IsCa
   return added;
 }
 
-template <class T> void CurveStackTriangulation2<T>::localTriangulation(const Level& lower, Level& upper)
+template <class T> void CurveStackTriangulation2<T>::localTriangulation(Level& lower, Level& upper)
 {
-  if (lower.empty() || upper.empty()) return;
-  for (const Group& group : findCurveCorrespondances(lower, upper))
+  if (lower.empty() || upper.empty() || (_method != ganapathy && _method != optimal)) return;
+  const T lowerHeight = lower[0].curve->data()[2], upperHeight = upper[0].curve->data()[2];
+  for (CurveGroup& group : findCurveCorrespondances(lower, upper))
   {
-    const int numLower = static_cast<int>(group.lower.size()), numUpper = static_cast<int>(group.upper.size());
-    if (numLower > 1)
-      junctionTriangulation(upper[group.upper[0]], numLower);
-    else if (numUpper == 1)
-      computeMeshBetweenTwoCurves(lower[group.lower[0]], upper[group.upper[0]]);
-    else
-      junctionTriangulation(lower[group.lower[0]], numUpper);
+    const Seam below = seamOf(lower, group.lower, upperHeight);
+    Seam above = seamOf(upper, group.upper, lowerHeight);
+    if (above.curve.isOpen() && fitsReversed(below.curve, above.curve))
+    {
+      std::reverse(group.upper.begin(), group.upper.end());
+      for (const int member : group.upper) upper[member].isReversed = !upper[member].isReversed;
+      above = seamOfOpenCurves(upper, group.upper);
+    }
+    const bool branches = group.lower.size() + group.upper.size() > 2 && !below.curve.isOpen();
+    branches ? joinBranches(below, above, group) : computeMeshBetweenTwoCurves(below, above);
   }
 }
 
-template <class T> std::vector<typename CurveStackTriangulation2<T>::Group>
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::seamOf(Level& level, std::vector<int>& members, T otherHeight)
+{
+  const MeshCurve& first = level[members[0]];
+  if (first.curve->isOpen())
+  {
+    chainOpenCurves(level, members);
+    return seamOfOpenCurves(level, members);
+  }
+  if (members.size() > 1) return junctionTriangulation(level, members, otherHeight);
+  return {*first.curve, indexesFrom(first.offset, first.curve->getSize())};
+}
+
+template <class T> std::vector<CurveGroup>
 CurveStackTriangulation2<T>::findCurveCorrespondances(const Level& lower, const Level& upper) const
 {
   const auto curvesOf = [](const Level& level)
@@ -257,67 +232,172 @@ CurveStackTriangulation2<T>::findCurveCorrespondances(const Level& lower, const 
     for (const MeshCurve& curve : level) curves.push_back(curve.curve);
     return curves;
   };
-  const auto meshCost = _costCriterion == 2 ? meshCost2<T> : meshCost1<T>;
-  return associationSearch(meshCost(curvesOf(lower), curvesOf(upper)));
+  return associationSearch(meshCost(_costCriterion, curvesOf(lower), curvesOf(upper)));
 }
 
-template <class T> std::vector<typename CurveStackTriangulation2<T>::Group>
-CurveStackTriangulation2<T>::associationSearch(const Matrix<T>& costs)
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::junctionTriangulation(const Level& level, const std::vector<int>& members, T otherHeight)
 {
-  const int numLower = costs.getSize1(), numUpper = costs.getSize2();
-  LinkedSets sets(numLower + numUpper); // the lower curves, then the upper ones
-  for (int i = 0; i < numLower; ++i) sets.link(i, numLower + cheapestColumn(costs, i));
-  for (int j = 0; j < numUpper; ++j) sets.link(cheapestRow(costs, j), numLower + j);
+  // Below the middle, so that there is room for a junction on the other side.
+  constexpr T copyShare = T(1) / 4, mergedShare = T(9) / 20;
+  const T height = level[0].curve->data()[2];
+  const bool isUpwards = otherHeight >= height;
+  std::vector<const Curve<T>*> curves;
+  for (const int member : members) curves.push_back(level[member].curve);
+  const CurveJunction<T> junction(curves, height + copyShare * (otherHeight - height),
+                                  height + mergedShare * (otherHeight - height));
 
-  std::map<int, int> groupOf; // by the representative of its set
-  std::vector<Group> groups;
-  for (int i = 0; i < numLower + numUpper; ++i)
+  std::vector<std::vector<int>> copyIndexes;
+  for (std::size_t i = 0; i < members.size(); ++i)
   {
-    const auto [position, isNew] = groupOf.try_emplace(sets.find(i), static_cast<int>(groups.size()));
-    if (isNew) groups.emplace_back();
-    Group& group = groups[position->second];
-    if (i < numLower)
-      group.lower.push_back(i);
-    else
-      group.upper.push_back(i - numLower);
+    const std::vector<int> drawn = indexesFrom(level[members[i]].offset, curves[i]->getSize());
+    copyIndexes.push_back(appendToMesh(junction.getCopy(static_cast<int>(i))));
+    addStrip(drawn, copyIndexes.back(), codeOf(junction.getOrigins(static_cast<int>(i))), isUpwards);
   }
-  return groups;
+  Seam merged = {junction.getMerged(), appendToMesh(junction.getMerged())};
+  std::vector<int> tour;
+  for (const auto& stop : junction.getTour()) tour.push_back(copyIndexes[stop.copy][stop.vertex]);
+  addStrip(tour, merged.indexes, codeOf(junction.getTour()), isUpwards);
+  return merged;
 }
 
-template <class T>
-void CurveStackTriangulation2<T>::junctionTriangulation(const MeshCurve& single, int numSeveral) const
+/// Where the deep bays of a merged contour would make the strip cross itself, the bays are filled first.
+template <class T> void CurveStackTriangulation2<T>::joinBranches(Seam below, Seam above, const CurveGroup& group)
 {
-  std::ostringstream text;
-  text << "The contour at height " << single.curve->data()[2] << " meets " << numSeveral
-       << " contours of the neighbouring level: branching surfaces cannot be joined yet";
-  throw ValueError("void CurveStackTriangulation2<T>::junctionTriangulation(...)", text.str());
+  const auto crossings = [this](const Seam& a, const Seam& b)
+  { return numSectionCrossings(a.curve, b.curve, computeTriangulationCode(a.curve, b.curve)); };
+  const bool isUpwards = above.curve.data()[2] >= below.curve.data()[2];
+  if (const int numCrossings = crossings(below, above); numCrossings > 0)
+  {
+    const bool mergesBelow = group.lower.size() > 1, mergesAbove = group.upper.size() > 1;
+    const Seam filledBelow = mergesBelow ? hullOf(below) : below, filledAbove = mergesAbove ? hullOf(above) : above;
+    if (crossings(filledBelow, filledAbove) < numCrossings)
+    {
+      if (mergesBelow) fillPockets(below, filledBelow, isUpwards);
+      if (mergesAbove) fillPockets(above, filledAbove, !isUpwards);
+      below = filledBelow;
+      above = filledAbove;
+    }
+  }
+  computeMeshBetweenTwoCurves(below, above);
 }
 
-template <class T> void CurveStackTriangulation2<T>::computeMeshBetweenTwoCurves(const MeshCurve& a, MeshCurve& b)
+template <class T> typename CurveStackTriangulation2<T>::Seam CurveStackTriangulation2<T>::hullOf(const Seam& merged)
 {
-  const Curve<T> curveA = a.isReversed ? reversed(*a.curve) : *a.curve;
-  b.isReversed = curveA.isOpen() && fitsReversed(curveA, *b.curve);
-  const Curve<T> curveB = b.isReversed ? reversed(*b.curve) : *b.curve;
+  Seam hull = {Curve<T>(3), {}};
+  for (const int i : convexHull(merged.curve))
+  {
+    hull.curve.append(merged.curve[i]);
+    hull.indexes.push_back(merged.indexes[i]);
+  }
+  return hull;
+}
 
-  const int na = curveA.getSize(), nb = curveB.getSize();
-  const auto indexA = [&a, na](int i) { return a.offset + (a.isReversed ? na - 1 - i : i); };
-  const auto indexB = [&b, nb](int j) { return b.offset + (b.isReversed ? nb - 1 - j : j); };
-  const auto addTriangle = [this, isUpwards = curveB.data()[2] >= curveA.data()[2]](int i, int j, int k)
+template <class T> void CurveStackTriangulation2<T>::fillPockets(const Seam& merged, const Seam& hull, bool isUpwards)
+{
+  const int size = static_cast<int>(merged.indexes.size());
+  const int offset = merged.indexes[0]; // the indexes follow each other
+  for (std::size_t k = 0; k < hull.indexes.size(); ++k)
+  {
+    const int first = hull.indexes[k] - offset;
+    const int next = hull.indexes[k + 1 < hull.indexes.size() ? k + 1 : 0] - offset;
+    const int last = next > first ? next : next + size;
+    if (last - first > 1) fillPocket(merged, first, last, isUpwards);
+  }
+}
+
+/// The pocket between vertices first and last, counted around the contour, with the edge between them as its lid.
+template <class T> void CurveStackTriangulation2<T>::fillPocket(const Seam& merged, int first, int last, bool isUpwards)
+{
+  const int size = static_cast<int>(merged.indexes.size());
+  Curve<T> pocket(3);
+  for (int i = first; i <= last; ++i) pocket.append(merged.curve[i % size]);
+  const bool isReversed = pocket.twiceArea(0, 1) < 0;
+  if (isReversed) pocket.reverse();
+  PolygonTriangulation<T> triangulation;
+  const TriMesh<T>& triangles = triangulation.apply(pocket, 0, 1);
+  const auto index = [&](int k) { return merged.indexes[(isReversed ? last - k : first + k) % size]; };
+  for (int i = 0; i < triangles.getNumTriangleSlots(); ++i)
+  {
+    const int p = index(triangles.corners(i)[0]), q = index(triangles.corners(i)[1]),
+              r = index(triangles.corners(i)[2]);
+    isReversed == isUpwards ? _mesh.addTriangle(p, q, r) : _mesh.addTriangle(p, r, q);
+  }
+}
+
+template <class T> void CurveStackTriangulation2<T>::chainOpenCurves(Level& level, std::vector<int>& members)
+{
+  const auto endOf = [&level](int member, bool isLast)
+  {
+    const Curve<T>& curve = *level[member].curve;
+    return curve.data(isLast != level[member].isReversed ? curve.getSize() - 1 : 0);
+  };
+  for (std::size_t placed = 1; placed < members.size(); ++placed)
+  {
+    T shortest = std::numeric_limits<T>::max();
+    std::size_t next = placed;
+    bool isInFront = false, isTurned = false;
+    for (std::size_t k = placed; k < members.size(); ++k)
+      for (const bool inFront : {false, true})
+        for (const bool turned : {false, true})
+        {
+          const T* const end = inFront ? endOf(members[0], false) : endOf(members[placed - 1], true);
+          const T square = squaredDistance(end, endOf(members[k], inFront != turned), 3);
+          if (!(square < shortest)) continue;
+          shortest = square;
+          next = k;
+          isInFront = inFront;
+          isTurned = turned;
+        }
+    const int member = members[next];
+    level[member].isReversed = level[member].isReversed != isTurned;
+    members.erase(members.begin() + static_cast<std::ptrdiff_t>(next));
+    members.insert(members.begin() + static_cast<std::ptrdiff_t>(isInFront ? 0 : placed), member);
+  }
+}
+
+template <class T> typename CurveStackTriangulation2<T>::Seam
+CurveStackTriangulation2<T>::seamOfOpenCurves(const Level& level, const std::vector<int>& members)
+{
+  Seam seam = {Curve<T>(3), {}};
+  seam.curve.setOpen(true);
+  for (const int member : members)
+  {
+    const MeshCurve& part = level[member];
+    std::vector<int> indexes = indexesFrom(part.offset, part.curve->getSize());
+    if (part.isReversed) std::reverse(indexes.begin(), indexes.end());
+    seam.curve.Vertices<T>::append(part.isReversed ? reversed(*part.curve) : *part.curve);
+    seam.indexes.insert(seam.indexes.end(), indexes.begin(), indexes.end());
+  }
+  return seam;
+}
+
+template <class T> std::vector<int> CurveStackTriangulation2<T>::appendToMesh(const Curve<T>& curve)
+{
+  const int offset = _mesh.getSize();
+  _mesh.append(curve);
+  return indexesFrom(offset, curve.getSize());
+}
+
+template <class T> void CurveStackTriangulation2<T>::addStrip(const std::vector<int>& a, const std::vector<int>& b,
+                                                              const TriangulationCode& code, bool isUpwards)
+{
+  const int na = static_cast<int>(a.size()), nb = static_cast<int>(b.size());
+  const auto addTriangle = [this, isUpwards](int i, int j, int k)
   { isUpwards ? _mesh.addTriangle(i, j, k) : _mesh.addTriangle(i, k, j); };
-
-  const TriangulationCode code = computeTriangulationCode(curveA, curveB);
   int i = code.startA, j = code.startB;
   for (const bool isStepOnB : code.stepsOnB)
   {
     int& moving = isStepOnB ? j : i;
-    const int size = isStepOnB ? nb : na;
-    const int next = moving + 1 < size ? moving + 1 : 0;
-    if (isStepOnB)
-      addTriangle(indexA(i), indexB(j), indexB(next));
-    else
-      addTriangle(indexA(i), indexB(j), indexA(next));
+    const int next = moving + 1 < (isStepOnB ? nb : na) ? moving + 1 : 0;
+    addTriangle(a[i], b[j], isStepOnB ? b[next] : a[next]);
     moving = next;
   }
+}
+
+template <class T> void CurveStackTriangulation2<T>::computeMeshBetweenTwoCurves(const Seam& a, const Seam& b)
+{
+  addStrip(a.indexes, b.indexes, computeTriangulationCode(a.curve, b.curve), b.curve.data()[2] >= a.curve.data()[2]);
 }
 
 template <class T>

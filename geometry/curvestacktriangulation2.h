@@ -1,5 +1,6 @@
 #pragma once
 
+#include "geometry/curvecorrespondence.h"
 #include "geometry/curvestack.h"
 #include "geometry/curvestacktriangulationcontourtag.h"
 #include "geometry/triangulationcode.h"
@@ -22,9 +23,8 @@ public:
   static constexpr CurveStackTriangulationMethod optimal = 1;   ///< least sum of squared lengths between the curves
 
   void setMethod(CurveStackTriangulationMethod method) { _method = method; }
-  /// Cost by which curves of two levels correspond: 2 takes the squared distance of the closest vertices, any other
-  /// value, and the default 6, that of the centres of gravity. \throw ValueError  3, 4 or 5, which are not available
-  void setCostCriterion(unsigned int criterion);
+  /// Cost by which curves of two levels correspond, see meshCost(); 6 at first.
+  void setCostCriterion(unsigned int criterion) { _costCriterion = criterion; }
   /// Begin caps on curves tagged Begin and end caps on curves tagged End.
   void setTriangulateCaps(bool caps) { _caps = caps; }
   /// Begin caps on all curves of the first level.
@@ -39,7 +39,6 @@ public:
   /// Degenerate curves are left out before levels are formed, see getIgnoredCurves().
   /// After an error the mesh is empty.
   /// \throw SizeError   the curves are not in 3D, or there are tags but not one per curve
-  /// \throw ValueError  a curve corresponds to several of the next level, which cannot be joined
   void apply(const CurveStack<T>& stack);
 
   /// The mesh of the last apply().
@@ -63,13 +62,6 @@ private:
   };
   using Level = std::vector<MeshCurve>;
 
-  /// Curves of two levels that belong together, by their numbers in their levels.
-  struct Group
-  {
-    std::vector<int> lower;
-    std::vector<int> upper;
-  };
-
   void build(const CurveStack<T>& stack);
   std::vector<Level> levels(const CurveStack<T>& stack);
   Level firstLowerLevel(const Level& level);
@@ -77,13 +69,31 @@ private:
   Level nextLowerLevel(const Level& level, const Level& upper);
   template <class IsTaken, class IsCapped>
   Level addToMesh(const Level& level, IsTaken isTaken, IsCapped isCapped, bool isEndCap);
-  void localTriangulation(const Level& lower, Level& upper);
-  std::vector<Group> findCurveCorrespondances(const Level& lower, const Level& upper) const;
-  /// Groups the curves that are linked, each to its cheapest partner in the other level. The costs of all pairs have
-  /// a row per lower and a column per upper curve.
-  static std::vector<Group> associationSearch(const Matrix<T>& costs);
-  [[noreturn]] void junctionTriangulation(const MeshCurve& single, int numSeveral) const;
-  void computeMeshBetweenTwoCurves(const MeshCurve& a, MeshCurve& b);
+  void localTriangulation(Level& lower, Level& upper);
+  std::vector<CurveGroup> findCurveCorrespondances(const Level& lower, const Level& upper) const;
+  /// What one side of a group shows to the other one: its only curve, or the contour into which its curves merge.
+  struct Seam
+  {
+    Curve<T> curve;
+    std::vector<int> indexes; // in the mesh, of the curve's vertices
+  };
+  Seam seamOf(Level& level, std::vector<int>& members, T otherHeight);
+  /// Joins several closed curves to one contour between their height and the other one.
+  Seam junctionTriangulation(const Level& level, const std::vector<int>& members, T otherHeight);
+  /// The convex outline of a merged contour.
+  static Seam hullOf(const Seam& merged);
+  /// Adds the triangles that fill a merged contour up to its convex outline.
+  void fillPockets(const Seam& merged, const Seam& hull, bool isUpwards);
+  void fillPocket(const Seam& merged, int first, int last, bool isUpwards);
+  void joinBranches(Seam below, Seam above, const CurveGroup& group);
+  /// The open curves of a group one behind the other, each walked from the end that is closer to those before.
+  static void chainOpenCurves(Level& level, std::vector<int>& members);
+  std::vector<int> appendToMesh(const Curve<T>& curve);
+  static Seam seamOfOpenCurves(const Level& level, const std::vector<int>& members);
+  /// Adds the strip between two sequences of mesh vertices, which the steps walk along; they start again from the
+  /// front behind their ends.
+  void addStrip(const std::vector<int>& a, const std::vector<int>& b, const TriangulationCode& code, bool isUpwards);
+  void computeMeshBetweenTwoCurves(const Seam& a, const Seam& b);
   TriangulationCode computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const;
   void appendCurveTriangulation(const MeshCurve& curve, bool isEndCap);
 

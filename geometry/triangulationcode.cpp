@@ -12,7 +12,13 @@ namespace
 template <class T> class ContourWalk
 {
 public:
-  ContourWalk(const Curve<T>& curve, int start) : _curve(curve), _length(curve.length()), _vertex(start)
+  ContourWalk(const Curve<T>& curve, int start)
+    : _points(curve.data()),
+      _size(curve.getSize()),
+      _space(curve.getSpace()),
+      _numEdges(curve.getNumEdges()),
+      _length(curve.length()),
+      _vertex(start)
   {
     measureEdge();
   }
@@ -22,7 +28,7 @@ public:
   /// The same after the next step.
   T progressAhead() const { return progress() + _edge / _length; }
   /// True when every edge has been passed.
-  bool isComplete() const { return _numSteps >= _curve.getNumEdges(); }
+  bool isComplete() const { return _numSteps >= _numEdges; }
 
   void advance()
   {
@@ -33,10 +39,14 @@ public:
   }
 
 private:
-  int next() const { return _vertex + 1 < _curve.getSize() ? _vertex + 1 : 0; }
-  void measureEdge() { _edge = distance(_curve.data(_vertex), _curve.data(next()), _curve.getSpace()); }
+  int next() const { return _vertex + 1 < _size ? _vertex + 1 : 0; }
+  const T* point(int i) const { return _points + static_cast<std::ptrdiff_t>(i) * _space; }
+  void measureEdge() { _edge = distance(point(_vertex), point(next()), _space); }
 
-  const Curve<T>& _curve;
+  const T* _points;
+  int _size;
+  int _space;
+  int _numEdges;
   const T _length;
   int _vertex;
   int _numSteps = 0;
@@ -64,10 +74,18 @@ template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>
   reference.translate(-center);
   matched.match(reference);
   matched.translate(center);
+  const int space = a.getSpace();
   const T* const start = std::as_const(matched).data();
+  const T* const points = a.data();
   int nearest = 0;
+  T shortest = squaredDistance(points, start, space);
   for (int i = 1; i < a.getSize(); ++i)
-    if (distance(a.data(i), start, a.getSpace()) < distance(a.data(nearest), start, a.getSpace())) nearest = i;
+  {
+    const T candidate = squaredDistance(points + static_cast<std::ptrdiff_t>(i) * space, start, space);
+    if (!(candidate < shortest)) continue;
+    nearest = i;
+    shortest = candidate;
+  }
   return nearest;
 }
 

@@ -1,62 +1,12 @@
 #include "geometry/vertices.h"
 
 #include "geometry/coordinates.h"
+#include "geometry/cyclicmatch.h"
 #include "geometry/shapereader.h"
 #include "geometry/textbuffer.h"
 
 #include <algorithm>
 #include <vector>
-
-namespace
-{
-
-/// Sums of scalar products are formed in the coordinate type, those of pixels in a wider one that cannot overflow.
-template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long long, T>;
-
-/// The coordinates of a vertex set axis by axis, over as many laps as fill the length.
-template <class T> std::vector<std::vector<T>> coordinatesByAxis(const Vertices<T>& vertices, int length)
-{
-  std::vector<std::vector<T>> axes(vertices.getSpace(), std::vector<T>(length));
-  const int size = vertices.getSize();
-  for (int i = 0, vertex = 0; i < length; ++i, vertex = vertex + 1 < size ? vertex + 1 : 0)
-    for (int k = 0; k < vertices.getSpace(); ++k) axes[k][i] = vertices.data(vertex)[k];
-  return axes;
-}
-
-/// Adds the scalar products of one vertex with each of n vertices in 3D, given axis by axis, to the n sums.
-template <class T>
-void addScalarProducts(const T* x, const T* y, const T* z, const T* vertex, int n, MatchSum<T>* __restrict sums)
-{
-  using Sum = MatchSum<T>;
-  const Sum vertexX = vertex[0], vertexY = vertex[1], vertexZ = vertex[2];
-  for (int i = 0; i < n; ++i) sums[i] += x[i] * vertexX + y[i] * vertexY + z[i] * vertexZ;
-}
-
-/// The same in 2D.
-template <class T> void addScalarProducts(const T* x, const T* y, const T* vertex, int n, MatchSum<T>* __restrict sums)
-{
-  using Sum = MatchSum<T>;
-  const Sum vertexX = vertex[0], vertexY = vertex[1];
-  for (int i = 0; i < n; ++i) sums[i] += x[i] * vertexX + y[i] * vertexY;
-}
-
-/// For each cyclic shift, the sum of the scalar products of paired vertices, which grows pair by pair.
-template <class T> std::vector<MatchSum<T>> matchSums(const Vertices<T>& vertices, const Vertices<T>& other)
-{
-  const int n = vertices.getSize();
-  const std::vector<std::vector<T>> axes = coordinatesByAxis(vertices, 2 * n);
-  std::vector<MatchSum<T>> sums(n, MatchSum<T>(0));
-  for (int m = 0; m < n; ++m)
-  {
-    if (axes.size() == 3)
-      addScalarProducts(&axes[0][m], &axes[1][m], &axes[2][m], other.data(m), n, sums.data());
-    else
-      addScalarProducts(&axes[0][m], &axes[1][m], other.data(m), n, sums.data());
-  }
-  return sums;
-}
-
-} // namespace
 
 template <class T> void Vertices<T>::reserve(int capacity)
 {
@@ -112,8 +62,7 @@ template <class T> int Vertices<T>::findMatch(const Vertices<T>& other) const
   const int space = this->getSpace();
   if (getNumVertices() != other.getNumVertices() || space != other.getSpace()) throw SizeError(where, "Size mismatch");
   if (space != 2 && space != 3) throw SizeError(where, "The vertices are not in two or three dimensions");
-  const std::vector<MatchSum<T>> sums = matchSums(*this, other);
-  return static_cast<int>(std::max_element(sums.begin(), sums.end()) - sums.begin());
+  return cyclicMatch(*this, other);
 }
 
 template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int& i, int& j) const

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <optional>
 
 namespace
 {
@@ -97,14 +98,42 @@ private:
   typename Fftw<T>::Plan _plan;
 };
 
+/// A transform of one length and direction, ready to be run.
+template <class T> class Transform1D
+{
+public:
+  Transform1D(int size, int sign)
+    : _size(size),
+      _buffer(static_cast<std::size_t>(size)),
+      _plan([&] { return Fftw<T>::plan1D(size, _buffer.data(), _buffer.data(), sign, FFTW_ESTIMATE); })
+  {
+  }
+
+  int getSize() const { return _size; }
+  void run(Vector<T>& re, Vector<T>& im)
+  {
+    _buffer.read(re.data(), im.data());
+    _plan.execute();
+    _buffer.write(re.data(), im.data());
+  }
+
+private:
+  int _size;
+  ComplexBuffer<T> _buffer;
+  Plan<T> _plan;
+};
+
+/// Planning a short transform takes longer than running it: each thread keeps the last one of each direction.
 template <class T> void transform(Vector<T>& re, Vector<T>& im, int sign)
 {
-  if (re.isEmpty()) return;
-  ComplexBuffer<T> buffer(re.getSize());
-  const Plan<T> plan([&] { return Fftw<T>::plan1D(re.getSize(), buffer.data(), buffer.data(), sign, FFTW_ESTIMATE); });
-  buffer.read(re.data(), im.data());
-  plan.execute();
-  buffer.write(re.data(), im.data());
+  constexpr int greatestKeptSize = 1 << 16;
+  const int size = re.getSize();
+  if (size == 0) return;
+  if (size > greatestKeptSize) return Transform1D<T>(size, sign).run(re, im);
+  thread_local std::optional<Transform1D<T>> kept[2];
+  std::optional<Transform1D<T>>& transform1D = kept[sign == FFTW_FORWARD ? 0 : 1];
+  if (!transform1D || transform1D->getSize() != size) transform1D.emplace(size, sign);
+  transform1D->run(re, im);
 }
 
 template <class T> void transform(Matrix<T>& re, Matrix<T>& im, int sign)

@@ -27,20 +27,28 @@ template <class T> void interpolate(const T* a, const T* b, Real<T> fraction, in
 template <class T> class CurveWalk
 {
 public:
-  explicit CurveWalk(const Curve<T>& curve) : _curve(curve), _edgeLength(edgeLength()) {}
+  explicit CurveWalk(const Curve<T>& curve)
+    : _points(curve.data()),
+      _size(curve.getSize()),
+      _space(curve.getSpace()),
+      _numEdges(curve.getNumEdges()),
+      _edgeLength(edgeLength())
+  {
+  }
 
   /// Writes the point at the given distance from the first vertex.
   void pointAt(Real<T> distanceWalked, T* point)
   {
-    while (_passedLength + _edgeLength < distanceWalked && _edge + 1 < _curve.getNumEdges()) stepToNextEdge();
+    while (_passedLength + _edgeLength < distanceWalked && _edge + 1 < _numEdges) stepToNextEdge();
     const Real<T> fraction = _edgeLength > 0 ? (distanceWalked - _passedLength) / _edgeLength : Real<T>(0);
-    interpolate(begin(), end(), std::clamp<Real<T>>(fraction, 0, 1), _curve.getSpace(), point);
+    interpolate(begin(), end(), std::clamp<Real<T>>(fraction, 0, 1), _space, point);
   }
 
 private:
-  const T* begin() const { return _curve.data(_edge); }
-  const T* end() const { return _curve.data(_edge + 1 < _curve.getSize() ? _edge + 1 : 0); }
-  Real<T> edgeLength() const { return distance(begin(), end(), _curve.getSpace()); }
+  const T* point(int i) const { return _points + static_cast<std::ptrdiff_t>(i) * _space; }
+  const T* begin() const { return point(_edge); }
+  const T* end() const { return point(_edge + 1 < _size ? _edge + 1 : 0); }
+  Real<T> edgeLength() const { return distance(begin(), end(), _space); }
 
   void stepToNextEdge()
   {
@@ -49,7 +57,10 @@ private:
     _edgeLength = edgeLength();
   }
 
-  const Curve<T>& _curve;
+  const T* _points;
+  int _size;
+  int _space;
+  int _numEdges;
   int _edge = 0;
   Real<T> _passedLength = 0;
   Real<T> _edgeLength;

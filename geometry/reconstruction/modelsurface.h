@@ -23,7 +23,7 @@ public:
 
   /// Builds the surface of a model of closed or open curves. The triangles of closed ones are seen from outside,
   /// however the contours were drawn.
-  /// \throw UsageError  the items are no curves \throw ValueError  branching contours, which cannot be joined yet
+  /// \throw UsageError  the items are no curves
   void apply(const Model& model);
 
   /// The mesh of the last apply(), with the model's name.

@@ -73,20 +73,8 @@ void StackExporter::export2AsciiSTL(const std::vector<const Model*>& models, Sta
   for (std::size_t i = 0; i < models.size(); ++i)
     if (!overwrite && !hasNoSurface(*models[i])) requireAbsent(filenames[i], exportSignature);
 
-  std::string failures;
   for (std::size_t i = 0; i < models.size(); ++i)
-  {
-    if (hasNoSurface(*models[i])) continue;
-    try
-    {
-      exportModel(*models[i], reconstruction, filenames[i]);
-    }
-    catch (const ValueError& error)
-    {
-      failures += (failures.empty() ? "" : "; ") + ("Model \"" + models[i]->getName() + "\": " + error.getWhat());
-    }
-  }
-  if (!failures.empty()) throw ValueError(exportSignature, failures);
+    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, filenames[i]);
 }
 
 void StackExporter::exportModel(const Model& model, const StackReconstruction<float>& reconstruction,

@@ -15,9 +15,9 @@ public:
 
   /// Exports every model to "<directory>/<stack's name>-<model's name>.stl"; an empty directory or stack name leaves
   /// out its separator. Models of one name are told apart by a number behind it. All target files are checked before
-  /// the first one is written. Models that cannot be reconstructed do not keep the others from being written.
+  /// the first one is written.
   /// \throw FileWriteError  a file exists and `overwrite` is false, or cannot be written
-  /// \throw ValueError  a model's name cannot be part of a file name, or models cannot be reconstructed
+  /// \throw ValueError  a model's name cannot be part of a file name
   void export2AsciiSTL(const Stack& stack, const std::string& directory, bool overwrite);
   /// The same for some models of a stack.
   void export2AsciiSTL(const std::vector<const Model*>& models, StackReconstruction<float>& reconstruction,

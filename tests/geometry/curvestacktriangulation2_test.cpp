@@ -1,5 +1,6 @@
 #include "geometry/curvestacktriangulation2.h"
 #include "geometry/optimaltriangulation.h"
+#include "geometry/overlaparea.h"
 #include "tests/support/curves.h"
 #include "tests/support/errors.h"
 #include "tests/support/manifold.h"
@@ -212,35 +213,63 @@ TEST(CurveStackTriangulation, CapsFaceAwayFromTheStack)
   }
 }
 
-TEST(CurveStackTriangulation, RefusesBranches)
+TEST(CurveStackTriangulation, GroupsTheCurvesOfTwoLevels)
 {
   const Curve<double> near = squareAt(1), far = squareAt(1, 3);
   const struct
   {
     const char* name;
     std::vector<Curve<double>> curves;
-    const char* message; // none: two separate surfaces
+    int numComponents;
   } cases[] = {
-      {"two upper contours on one lower", {squareAt(0), near, far}, "height 0 meets 2"},
-      {"two lower contours on one upper", {near, far, squareAt(2.5)}, "height 2.5 meets 2"},
-      {"one to one", {squareAt(0, 3), squareAt(0), near, far}, nullptr},
-      {"a chain of three", {squareAt(0), squareAt(0, 4), squareAt(1, 1.5), squareAt(1, 5)}, nullptr},
+      {"two upper contours on one lower", {squareAt(0), near, far}, 1},
+      {"two lower contours on one upper", {near, far, squareAt(2.5)}, 1},
+      {"one to one", {squareAt(0, 3), squareAt(0), near, far}, 2},
+      {"a chain of three", {squareAt(0), squareAt(0, 4), squareAt(1, 1.5), squareAt(1, 5)}, 2},
+      {"all in one", {squareAt(0), squareAt(0, 4), squareAt(1, 2, 0.5)}, 1},
   };
-  for (const unsigned int criterion : {6u, 2u, 99u})
+  for (const unsigned int criterion : {6u, 2u, 3u, 5u, 99u})
     for (const auto& c : cases)
     {
       SCOPED_TRACE(c.name);
+      SCOPED_TRACE(criterion);
       CurveStackTriangulation2<double> triangulation;
       triangulation.setCostCriterion(criterion);
-      const auto apply = [&] { triangulation.apply(stackOf(c.curves)); };
-      if (c.message)
-        expectError<ValueError>(c.message, apply);
-      else
-        apply();
-      EXPECT_EQ(triangulation.getTriMesh().getNumTriangles(), c.message ? 0 : 16);
+      triangulation.setTriangulateFirstCaps(true);
+      triangulation.setTriangulateLastCaps(true);
+      triangulation.apply(stackOf(c.curves));
+      EXPECT_TRUE(isClosedManifold(triangulation.getTriMesh()));
+      EXPECT_EQ(eulerCharacteristic(triangulation.getTriMesh()), 2 * c.numComponents);
+      EXPECT_GT(signedVolume(triangulation.getTriMesh()), 0);
     }
-  CurveStackTriangulation2<double> triangulation;
-  expectError<ValueError>("criterion 4", [&] { triangulation.setCostCriterion(4); });
+}
+
+TEST(CurveCorrespondence, CostsAreThoseOfTheCriteria)
+{
+  const Curve<double> square = squareAt(0), moved = squareAt(2, 0.5), small = squareAt(2, 0, 0.5);
+  const struct
+  {
+    unsigned int criterion;
+    const Curve<double>& upper;
+    double cost;
+  } cases[] = {
+      {6, moved, 4.25},
+      {2, moved, 4.25},
+      {3, moved, (2 + std::sqrt(4.25)) / 2}, // each curve: two vertices 0.5 off the other one's side, two above it
+      {4, moved, 1 - 0.5 / 1.5},
+      {4, small, 0.75},
+      {4, square, 0},
+      {5, moved, 2 * 4.25},
+      {5, small, 4 + 4 + 0.5},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.criterion);
+    EXPECT_NEAR((meshCost<double>(c.criterion, {&square}, {&c.upper})(0, 0)), c.cost, 1e-12);
+  }
+  const Curve<double> bow = closedCurve({{0, 0}, {1, 1}, {0, 1}, {1, 0}}); // crosses itself: two triangles
+  EXPECT_NEAR(overlapArea(bow, bow), 0.5, 1e-12);
+  EXPECT_NEAR(overlapArea(bow, closedCurve({{0, 0.5}, {1, 0.5}, {1, 3}, {0, 3}})), 0.25, 1e-12);
 }
 
 TEST(CurveStackTriangulation, LeavesDegenerateCurvesOut)

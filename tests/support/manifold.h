@@ -4,6 +4,7 @@
 
 #include <map>
 #include <utility>
+#include <vector>
 
 /// How the triangles of a mesh meet at their edges.
 struct EdgeCounts
@@ -45,6 +46,29 @@ template <class T> bool isClosedManifold(const TriMesh<T>& mesh)
 template <class T> int eulerCharacteristic(const TriMesh<T>& mesh)
 {
   return mesh.getSize() - countEdges(mesh).numEdges + mesh.getNumTriangles();
+}
+
+/// Number of vertices whose triangles do not hang together, edge by edge, in one fan.
+template <class T> int numSplitVertices(const TriMesh<T>& mesh)
+{
+  std::vector<std::vector<std::pair<int, int>>> edgesAcross(static_cast<std::size_t>(mesh.getSize()));
+  for (int i = 0; i < mesh.getNumTriangleSlots(); ++i)
+    for (int k = 0; mesh.hasTriangle(i) && k < 3; ++k)
+      edgesAcross[mesh.corners(i)[k]].emplace_back(mesh.corners(i)[(k + 1) % 3], mesh.corners(i)[(k + 2) % 3]);
+  int count = 0;
+  for (std::vector<std::pair<int, int>>& edges : edgesAcross)
+  {
+    if (edges.empty()) continue;
+    std::map<int, int> next(edges.begin(), edges.end());
+    std::map<int, int> previous;
+    for (const auto& [a, b] : edges) previous[b] = a;
+    int start = edges[0].first; // walk back to where the fan begins, if it is open
+    for (std::size_t steps = 0; previous.contains(start) && steps < edges.size(); ++steps) start = previous[start];
+    std::size_t length = 0;
+    for (int at = start; next.contains(at) && length < edges.size(); ++length) at = next[at];
+    count += length != edges.size() || next.size() != edges.size();
+  }
+  return count;
 }
 
 /// Enclosed volume, positive when the triangles face out.

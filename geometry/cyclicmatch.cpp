@@ -1,0 +1,116 @@
+#include "geometry/cyclicmatch.h"
+
+#include "numeric/fouriertransform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace
+{
+/// Sums of scalar products are formed in the coordinate type, those of pixels in a wider one that cannot overflow.
+template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long long, T>;
+
+/// One coordinate of all vertices, with the mean taken off.
+template <class T> Vector<double> centeredCoordinates(const Vertices<T>& vertices, int axis)
+{
+  const int n = vertices.getSize(), space = vertices.getSpace();
+  const T* const data = vertices.data() + axis;
+  Vector<double> coordinates(n);
+  double sum = 0;
+  for (std::ptrdiff_t i = 0; i < n; ++i) sum += coordinates[static_cast<int>(i)] = static_cast<double>(data[space * i]);
+  for (double& coordinate : coordinates) coordinate -= sum / n;
+  return coordinates;
+}
+
+template <class T> bool isConstant(const Vertices<T>& vertices, int axis)
+{
+  for (int i = 1; i < vertices.getSize(); ++i)
+    if (vertices.data(i)[axis] != vertices.data()[axis]) return false;
+  return true;
+}
+
+/// Root of the sum of the squared coordinates.
+template <class T> double magnitude(const Vertices<T>& vertices)
+{
+  const T* const data = vertices.data();
+  double sum = 0;
+  for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{vertices.getSize()} * vertices.getSpace(); ++i)
+    sum += static_cast<double>(data[i]) * static_cast<double>(data[i]);
+  return std::sqrt(sum);
+}
+
+/// Adds, for each shift, the sum of the products of two coordinates, seen as complex numbers.
+void addCorrelation(Vector<double> aRe, Vector<double> aIm, Vector<double> bRe, Vector<double> bIm,
+                    std::vector<double>& sums)
+{
+  FourierTransform<double>::computeForward(aRe, aIm);
+  FourierTransform<double>::computeForward(bRe, bIm);
+  const int n = aRe.getSize();
+  for (int i = 0; i < n; ++i)
+  {
+    const double re = aRe[i] * bRe[i] + aIm[i] * bIm[i], im = aIm[i] * bRe[i] - aRe[i] * bIm[i];
+    aRe[i] = re;
+    aIm[i] = im;
+  }
+  FourierTransform<double>::computeBackward(aRe, aIm);
+  for (int i = 0; i < n; ++i) sums[static_cast<std::size_t>(i)] += aRe[i] / n;
+}
+
+/// All sums but for rounding and for what is the same in all of them.
+template <class T> std::vector<double> approximateSums(const Vertices<T>& vertices, const Vertices<T>& other)
+{
+  const int n = vertices.getSize();
+  std::vector<double> sums(static_cast<std::size_t>(n), 0.0);
+  addCorrelation(centeredCoordinates(vertices, 0), centeredCoordinates(vertices, 1), centeredCoordinates(other, 0),
+                 centeredCoordinates(other, 1), sums);
+  if (vertices.getSpace() == 2 || isConstant(vertices, 2) || isConstant(other, 2)) return sums;
+  Vector<double> zeros;
+  zeros.setZeros(n);
+  addCorrelation(centeredCoordinates(vertices, 2), zeros, centeredCoordinates(other, 2), zeros, sums);
+  return sums;
+}
+
+/// The sum for one shift, which grows pair by pair.
+template <class T> MatchSum<T> matchSum(const Vertices<T>& vertices, const Vertices<T>& other, int shift)
+{
+  using Sum = MatchSum<T>;
+  const int n = vertices.getSize(), space = vertices.getSpace();
+  Sum sum = 0;
+  for (int m = 0, i = shift; m < n; ++m, i = i + 1 < n ? i + 1 : 0)
+  {
+    const T *a = vertices.data(i), *b = other.data(m);
+    const Sum planar = Sum(a[0]) * Sum(b[0]) + Sum(a[1]) * Sum(b[1]);
+    sum += space == 2 ? planar : planar + Sum(a[2]) * Sum(b[2]);
+  }
+  return sum;
+}
+} // namespace
+
+template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T>& other)
+{
+  const int n = vertices.getSize();
+  if (n < 2) return 0;
+  const std::vector<double> sums = approximateSums(vertices, other);
+  // What n additions in the coordinate type, and the transforms, can be wrong by at the most.
+  const double unit = std::max<double>(std::numeric_limits<MatchSum<T>>::epsilon(), 0x1p-52);
+  const double rounding = 8 * n * unit * magnitude(vertices) * magnitude(other);
+  const double largest = *std::max_element(sums.begin(), sums.end());
+  int best = -1;
+  MatchSum<T> bestSum = 0;
+  for (int k = 0; k < n; ++k)
+  {
+    if (sums[static_cast<std::size_t>(k)] < largest - 2 * rounding) continue; // NaN is never passed over
+    const MatchSum<T> sum = matchSum(vertices, other, k);
+    if (best >= 0 && !(sum > bestSum)) continue;
+    best = k;
+    bestSum = sum;
+  }
+  return best;
+}
+
+template int cyclicMatch<int>(const Vertices<int>&, const Vertices<int>&);
+template int cyclicMatch<float>(const Vertices<float>&, const Vertices<float>&);
+template int cyclicMatch<double>(const Vertices<double>&, const Vertices<double>&);
+template int cyclicMatch<long double>(const Vertices<long double>&, const Vertices<long double>&);
