@@ -174,7 +174,7 @@ public:
   }
 
 private:
-  static constexpr std::size_t smallest = 10000; // number of searches from which on threads pay
+  static constexpr std::size_t smallest = 2000; // number of searches from which on threads pay
 
   Neighbour<R> search(const R* point, int excluded) const
   {

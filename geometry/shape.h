@@ -113,8 +113,9 @@ public:
   Real<T> rmsDistance(const Shape<T>& other) const;
   /// The vectors from this shape's vertices to those of the same numbers in another shape of equal size, one per row.
   Matrix<Real<T>> deformations(const Shape<T>& other) const;
-  /// Number of the nearest other vertex of each vertex, -1 when there is none, and the distance there (then infinite).
+  /// Number of the nearest other vertex of each vertex; -1 when there is none.
   Vector<int> nearestNeighbors() const;
+  /// From each vertex to the nearest other one; infinite when there is none.
   Vector<Real<T>> squareNearestNeighborDistances() const;
   /// From each vertex to the nearest one of the other shape; infinite when there is none.
   Vector<Real<T>> squareNearestNeighborDistances(const Shape<T>& other) const;

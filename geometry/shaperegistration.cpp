@@ -169,6 +169,9 @@ Shape<T>::computeLSRegistration(const Shape<T>& other, const std::vector<std::pa
     }
   }
   const PairMoments<S> moments = pairMoments(space, pairedHere, pairedThere);
+  if (const S* const all = moments.products.data();
+      !std::all_of(all, all + moments.products.getNumElements(), [](S x) { return std::isfinite(x); }))
+    throw MathError(where, "The coordinates are not finite");
   return transformMoving<Real<T>>(bestRotation(moments.products), moments.meanHere, moments.meanThere);
 }
 

@@ -236,6 +236,8 @@ TEST(LeastSquaresRegistration, OfDegenerateInput)
   expectError<SizeError>("no pairs", [&] { line.computeLSRegistration(line, {}); });
   expectError<RangeError>("vertex 2", [&] { line.computeLSRegistration(line, {{0, 2}}); });
   expectError<SizeError>("no vertices", [] { Vertices<double>(3).principalAxes(); });
+  const Vertices<double> undefinedInPlane(2, {nan, 0, 1, 2});
+  expectError<MathError>("finite", [&] { undefinedInPlane.computeLSRegistration(undefinedInPlane); });
   const Vertices<double> undefined(3, {nan, 0, 0, 1, 2, 3});
   expectError<MathError>("", [&] { undefined.principalAxes(); });
   expectError<MathError>("", [&] { undefined.computeLSRegistration(undefined); });
