@@ -1,6 +1,7 @@
 #pragma once
 
 #include "numeric/elementtypes.h"
+#include "numeric/maths.h"
 
 #include <cmath>
 
@@ -21,4 +22,13 @@ template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
 template <class T> Real<T> distance(const T* a, const T* b, int space)
 {
   return std::sqrt(squaredDistance(a, b, space));
+}
+
+/// The value as a coordinate; pixel coordinates are rounded.
+template <class T> T toCoordinate(Real<T> value)
+{
+  if constexpr (std::is_integral_v<T>)
+    return Maths::fround(value);
+  else
+    return value;
 }

@@ -49,6 +49,7 @@ template <class T> VertexServer<T>& VertexServer<T>::operator=(const VertexServe
 {
   if (this == &server) return *this;
   VertexServer<T> copy(server);
+  noteChange();
   _coordinates.swap(copy._coordinates);
   _vertices.clear();
   _hasViews = false;
@@ -128,6 +129,15 @@ template <class T> void VertexServer<T>::append(const VertexServer<T>& server)
   const int first = _size;
   setSize(sizeWith(numAppended));
   std::copy_n(server.data(), offset(numAppended), data(first));
+}
+
+template <class T> std::uint64_t VertexServer<T>::getStateNumber() const
+{
+  static std::atomic<std::uint64_t> lastNumber = 0;
+  std::uint64_t number = _stateNumber.load();
+  if (number != 0) return number;
+  const std::uint64_t newNumber = ++lastNumber;
+  return _stateNumber.compare_exchange_strong(number, newNumber) ? newNumber : number;
 }
 
 template <class T> int VertexServer<T>::sizeWith(int count) const
