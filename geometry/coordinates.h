@@ -1,10 +1,20 @@
 #pragma once
 
 #include "numeric/elementtypes.h"
+#include "numeric/maths.h"
 
 #include <cmath>
 
 // Small functions of vertices given by pointers to their coordinates, for loops over coordinate blocks.
+
+/// A computed value as a coordinate: rounded to the nearest integer for pixel coordinates.
+template <class T> T toCoordinate(Real<T> value)
+{
+  if constexpr (std::is_integral_v<T>)
+    return Maths::fround(value);
+  else
+    return value;
+}
 
 /// Sum of the squared coordinate differences.
 template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)

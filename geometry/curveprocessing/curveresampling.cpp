@@ -1,20 +1,11 @@
 #include "geometry/curveprocessing/curveresampling.h"
 
 #include "geometry/coordinates.h"
-#include "numeric/maths.h"
 
 #include <algorithm>
 
 namespace
 {
-
-template <class T> T toCoordinate(Real<T> value)
-{
-  if constexpr (std::is_integral_v<T>)
-    return Maths::fround(value);
-  else
-    return value;
-}
 
 /// The point that divides the edge from a to b at the given fraction of its length.
 template <class T> void interpolate(const T* a, const T* b, Real<T> fraction, int space, T* point)
