@@ -131,7 +131,7 @@ void StackExporter::exportModel(const Model& model, const StackReconstruction<fl
   if (surface.getNumCurves() < 2) return;
   if (surface.getTriMesh().getNumTriangles() == 0)
   {
-    _warnings.push_back("Model \"" + model.getName() + "\": no two contours can be joined, nothing is written");
+    _warnings.push_back("Model \"" + model.getName() + "\": no two contours are joined, nothing is written");
     return;
   }
   if (!surface.getQuadMesh().isEmpty())
