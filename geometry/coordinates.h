@@ -7,15 +7,6 @@
 
 // Small functions of vertices given by pointers to their coordinates, for loops over coordinate blocks.
 
-/// A computed value as a coordinate: rounded to the nearest integer for pixel coordinates.
-template <class T> T toCoordinate(Real<T> value)
-{
-  if constexpr (std::is_integral_v<T>)
-    return Maths::fround(value);
-  else
-    return value;
-}
-
 /// Sum of the squared coordinate differences.
 template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
 {
@@ -31,4 +22,13 @@ template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
 template <class T> Real<T> distance(const T* a, const T* b, int space)
 {
   return std::sqrt(squaredDistance(a, b, space));
+}
+
+/// The value as a coordinate; pixel coordinates are rounded.
+template <class T> T toCoordinate(Real<T> value)
+{
+  if constexpr (std::is_integral_v<T>)
+    return Maths::fround(value);
+  else
+    return value;
 }

@@ -52,7 +52,8 @@ public:
   /// more than four times the vertices of the largest curve.
   /// \throw SizeError  as resample()
   QuadMesh<T> optimalResampling(Real<T> maxError) const;
-  /// A stack of the same curves, each vertex replaced by the other stack's vertex that is closest to it.
+  /// A stack of the same curves, each vertex replaced by the other stack's vertex that is closest to it. A vertex that
+  /// is not finite stays.
   /// \throw SizeError  the other stack has no vertices, or another space dimension
   CurveStack<T> closestPointMap(const CurveStack<T>& other) const;
 

@@ -1,7 +1,7 @@
 // Curve stacks and the quad meshes of their surfaces.
 #include "geometry/coordinates.h"
 #include "geometry/curvestack.h"
-#include "geometry/nearestvertices.h"
+#include "geometry/kdtree.h"
 #include "geometry/quadmesh.h"
 
 #include <algorithm>
@@ -201,19 +201,20 @@ template <class T> QuadMesh<T> CurveStack<T>::optimalResampling(Real<T> maxError
 
 template <class T> CurveStack<T> CurveStack<T>::closestPointMap(const CurveStack<T>& other) const
 {
-  if (other.getSpace() != this->getSpace())
-    throw SizeError("CurveStack<T> CurveStack<T>::closestPointMap(const CurveStack<T>&) const",
-                    "The vertices have different dimensions");
-  const NearestVertices<T> vertices(other);
+  const char* const where = "CurveStack<T> CurveStack<T>::closestPointMap(const CurveStack<T>&) const";
+  const int space = this->getSpace();
+  if (other.getSpace() != space) throw SizeError(where, "The vertices have different dimensions");
+  if (other.getNumVertices() == 0) throw SizeError(where, "The other stack has no vertices");
+  const std::vector<Real<T>> there = other.realCoordinates();
+  const std::vector<Neighbour<Real<T>>> neighbours = KdTree<Real<T>>(space, there).nearest(this->realCoordinates());
   CurveStack<T> map = *this;
-  std::vector<Real<T>> point(static_cast<std::size_t>(this->getSpace()));
+  auto neighbour = neighbours.begin();
   for (int i = 0; i < map.getNumCurves(); ++i)
-    for (int j = 0; j < map[i].getSize(); ++j)
+    for (int j = 0; j < map[i].getSize(); ++j, ++neighbour)
     {
-      T* const vertex = map[i].data(j);
-      std::copy_n(vertex, this->getSpace(), point.begin());
-      const Real<T>* const nearest = vertices.getVertex(vertices.find(point.data()));
-      std::transform(nearest, nearest + this->getSpace(), vertex, toCoordinate<T>);
+      if (neighbour->index < 0) continue; // one of the vertices is not finite
+      const Real<T>* const nearest = there.data() + static_cast<std::ptrdiff_t>(neighbour->index) * space;
+      std::transform(nearest, nearest + space, map[i].data(j), toCoordinate<T>);
     }
   return map;
 }

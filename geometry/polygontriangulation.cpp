@@ -1,208 +1,271 @@
 #include "geometry/polygontriangulation.h"
 
-#include <type_traits>
-#include <vector>
+#include "geometry/vertexgrid.h"
+
+#include <deque>
+#include <numeric>
 
 namespace
 {
 
-/// Products of float coordinates are exact in double.
-template <class T> using Plane = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
-
-template <class R> struct Point
-{
-  R x;
-  R y;
-  bool operator==(const Point&) const = default;
-};
-
-/// Twice the signed area of a triangle.
-template <class R> R twiceArea(const Point<R>& a, const Point<R>& b, const Point<R>& c)
-{
-  return (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
-}
-
 /// True when c lies strictly left of the directed segment from a to b.
-template <class R> bool isLeft(const Point<R>& a, const Point<R>& b, const Point<R>& c)
+template <class R> bool isLeft(const PlanePoint<R>& a, const PlanePoint<R>& b, const PlanePoint<R>& c)
 {
-  return twiceArea(a, b, c) > 0;
+  return orientation(a, b, c) > 0;
 }
 
-template <class R> bool isLeftOrOn(const Point<R>& a, const Point<R>& b, const Point<R>& c)
+template <class R> bool isLeftOrOn(const PlanePoint<R>& a, const PlanePoint<R>& b, const PlanePoint<R>& c)
 {
-  return twiceArea(a, b, c) >= 0;
-}
-
-/// True when c, which is on the line through a and b, lies between them, both included.
-template <class R> bool isBetween(const Point<R>& a, const Point<R>& b, const Point<R>& c)
-{
-  if (a.x != b.x) return (a.x <= c.x && c.x <= b.x) || (a.x >= c.x && c.x >= b.x);
-  return (a.y <= c.y && c.y <= b.y) || (a.y >= c.y && c.y >= b.y);
-}
-
-/// True when c lies on the segment from a to b.
-template <class R> bool isOn(const Point<R>& a, const Point<R>& b, const Point<R>& c)
-{
-  return twiceArea(a, b, c) == 0 && isBetween(a, b, c);
-}
-
-/// True when two segments share a point.
-template <class R> bool intersect(const Point<R>& a, const Point<R>& b, const Point<R>& c, const Point<R>& d)
-{
-  const R abc = twiceArea(a, b, c), abd = twiceArea(a, b, d);
-  if ((abc > 0 && abd > 0) || (abc < 0 && abd < 0)) return false;
-  const R cda = twiceArea(c, d, a), cdb = twiceArea(c, d, b);
-  if ((cda > 0 && cdb > 0) || (cda < 0 && cdb < 0)) return false;
-  if (abc != 0 && abd != 0 && cda != 0 && cdb != 0) return true;
-  return isOn(a, b, c) || isOn(a, b, d) || isOn(c, d, a) || isOn(c, d, b);
+  return orientation(a, b, c) >= 0;
 }
 
 /// What is left of the polygon while ears are cut: a cycle of vertices.
+///
+/// A queue holds the vertices that may be ears. One whose diagonal an edge crosses waits for the end of that edge.
 template <class R> class VertexCycle
 {
 public:
-  explicit VertexCycle(std::vector<Point<R>> points);
+  explicit VertexCycle(std::vector<PlanePoint<R>> points);
 
   int getSize() const { return _size; }
-  int next(int i) const { return _next[i]; }
-  int previous(int i) const { return _previous[i]; }
+  int next(int i) const { return _next[static_cast<std::size_t>(i)]; }
+  int previous(int i) const { return _previous[static_cast<std::size_t>(i)]; }
 
-  /// The next vertex at which to cut, from vertex i on: an ear or, when the polygon has none, the least bad vertex.
-  int nextEar(int i);
+  /// The next vertex at which to cut: an ear or, when the polygon has none, the least bad vertex.
+  int nextEar();
   void cut(int ear);
+  /// A vertex that has not been cut.
+  int anyVertex() const { return _last; }
 
 private:
-  // What stands against cutting a vertex: nothing, the shape of the angle there, or else the edge from this vertex on.
-  static constexpr int isEar = -1;
-  static constexpr int badAngle = -2;
-  static constexpr int isCut = -3;
+  struct Status
+  {
+    bool isCut = false;
+    bool isQueued = false;
+    bool isPostponed = false; // its turn in the queue is moved to the end
+    int blocker = -1;         // the vertex whose edge crosses the diagonal
+  };
+  struct Waiting
+  {
+    int vertex;
+    int next; // place of the next one that waits for the same edge, -1 at the end
+  };
 
-  const Point<R>& at(int i) const { return _points[i]; }
+  const PlanePoint<R>& at(int i) const { return _points[static_cast<std::size_t>(i)]; }
+  Status& status(int i) { return _status[static_cast<std::size_t>(i)]; }
+  const Status& status(int i) const { return _status[static_cast<std::size_t>(i)]; }
   bool inCone(int i, int j) const;
   bool blocks(int k, int i, int j) const;
-  int weakDiagonalBlocker(int i, int j) const;
-  int obstacle(int i) const;
-  int findEar(int i) const;
-  void refresh();
-  int leastBad(int i) const;
+  int weakDiagonalBlocker(int ear) const;
+  bool isEar(int i);
+  int earFromQueue();
+  void enqueue(int i);
+  void postpone(int i);
+  void release(int edge);
+  void sortIntoGrid();
+  int leastBad() const;
 
-  std::vector<Point<R>> _points;
+  std::vector<PlanePoint<R>> _points;
   std::vector<int> _next;
   std::vector<int> _previous;
-  std::vector<int> _obstacle;
+  std::vector<Status> _status;
+  std::deque<int> _queue;
+  std::vector<Waiting> _waiting;
+  std::vector<int> _firstWaiting; // for the edge from each vertex to the next one
+  VertexGrid<R> _grid;
   int _size;
+  int _numInGrid = 0;
+  int _last = 0;
+  bool _mayFollowBorder = false; // set when no other ear is left: at points where the polygon touches itself
 };
 
-template <class R> VertexCycle<R>::VertexCycle(std::vector<Point<R>> points)
+template <class R> VertexCycle<R>::VertexCycle(std::vector<PlanePoint<R>> points)
   : _points(std::move(points)),
     _next(_points.size()),
     _previous(_points.size()),
-    _obstacle(_points.size()),
+    _status(_points.size()),
+    _firstWaiting(_points.size(), -1),
     _size(static_cast<int>(_points.size()))
 {
-  for (int i = 0; i < _size; ++i)
-  {
-    _next[i] = i + 1 < _size ? i + 1 : 0;
-    _previous[i] = i > 0 ? i - 1 : _size - 1;
-  }
-  refresh();
+  std::iota(_next.begin(), _next.end(), 1);
+  std::iota(_previous.begin(), _previous.end(), -1);
+  _next.back() = 0;
+  _previous.front() = _size - 1;
+  for (int i = 0; i < _size; ++i) enqueue(i);
+  sortIntoGrid();
 }
 
-/// True when the diagonal from i to j begins inside the polygon's angle at i.
+/// True when the diagonal from i to j begins inside the polygon's angle at i or, where that is allowed, along its
+/// border.
 template <class R> bool VertexCycle<R>::inCone(int i, int j) const
 {
-  const Point<R>&a = at(i), &b = at(j), &before = at(_previous[i]), &after = at(_next[i]);
-  if (isLeftOrOn(a, after, before)) return isLeft(a, b, before) && isLeft(b, a, after);
+  const PlanePoint<R>&a = at(i), &b = at(j), &before = at(previous(i)), &after = at(next(i));
+  const int side = _mayFollowBorder ? 0 : 1;
+  if (isLeftOrOn(a, after, before)) return orientation(a, b, before) >= side && orientation(b, a, after) >= side;
   return !(isLeftOrOn(a, b, after) && isLeftOrOn(b, a, before));
 }
 
 /// True when the edge from k to the next vertex meets the diagonal from i to j outside its ends.
 template <class R> bool VertexCycle<R>::blocks(int k, int i, int j) const
 {
-  const int l = _next[k];
+  const int l = next(k);
   if (k == i || k == j || l == i || l == j) return false;
-  const Point<R>&a = at(i), &b = at(j), &c = at(k), &d = at(l);
+  const PlanePoint<R>&a = at(i), &b = at(j), &c = at(k), &d = at(l);
   const bool cAtEnd = c == a || c == b;
   const bool dAtEnd = d == a || d == b;
   if (cAtEnd && dAtEnd) return false;
-  if (cAtEnd) return isOn(a, b, d) || (c == a ? isOn(c, d, b) : isOn(c, d, a));
-  if (dAtEnd) return isOn(a, b, c) || (d == a ? isOn(c, d, b) : isOn(c, d, a));
-  return intersect(a, b, c, d);
+  if (cAtEnd) return isOnSegment(a, b, d) || (c == a ? isOnSegment(c, d, b) : isOnSegment(c, d, a));
+  if (dAtEnd) return isOnSegment(a, b, c) || (d == a ? isOnSegment(c, d, b) : isOnSegment(c, d, a));
+  return segmentsIntersect(a, b, c, d);
 }
 
-/// The first vertex k whose edge to the next one crosses the candidate diagonal from i to j; isEar when there is none.
-template <class R> int VertexCycle<R>::weakDiagonalBlocker(int i, int j) const
+/// A vertex whose edge to the next one crosses the candidate diagonal between the neighbours of a convex vertex; -1
+/// when there is none. An edge that comes in through the diagonal must end in the ear: it cannot leave it through the
+/// sides.
+template <class R> int VertexCycle<R>::weakDiagonalBlocker(int ear) const
 {
-  for (int k = _next[i]; k != i; k = _next[k])
-    if (blocks(k, i, j)) return k;
-  return isEar;
+  const int before = previous(ear), after = next(ear);
+  const PlanePoint<R>&a = at(before), &b = at(ear), &c = at(after);
+  const auto [left, right] = std::minmax({a.x, b.x, c.x});
+  const auto [bottom, top] = std::minmax({a.y, b.y, c.y});
+  int blocker = -1;
+  _grid.findNear(a, b, c,
+                 [&, left = left, right = right, bottom = bottom, top = top](const typename VertexGrid<R>::Entry& entry)
+                 {
+                   const PlanePoint<R>& p = entry.point;
+                   if (p.x < left || p.x > right || p.y < bottom || p.y > top) return false;
+                   const int k = entry.vertex;
+                   if (k == before || k == ear || k == after || status(k).isCut) return false;
+                   if (!isLeftOrOn(c, a, p) || !isLeftOrOn(a, b, p) || !isLeftOrOn(b, c, p)) return false;
+                   blocker = blocks(k, before, after) ? k : blocks(previous(k), before, after) ? previous(k) : -1;
+                   return blocker >= 0;
+                 });
+  return blocker;
 }
 
-/// What stands against cutting vertex i.
-template <class R> int VertexCycle<R>::obstacle(int i) const
+/// Whether the neighbours of a vertex form a diagonal.
+template <class R> bool VertexCycle<R>::isEar(int i)
 {
-  const int before = _previous[i], after = _next[i];
-  const Point<R>&a = at(before), &b = at(i), &c = at(after);
-  if (a == b || b == c || a == c) return isEar; // a repeated vertex or a spike: nothing is lost
-  if (!isLeft(a, b, c) || !inCone(before, after) || !inCone(after, before)) return badAngle;
-  return weakDiagonalBlocker(before, after);
+  const int before = previous(i), after = next(i);
+  const PlanePoint<R>&a = at(before), &b = at(i), &c = at(after);
+  if (a == b || b == c || a == c) return true; // a repeated vertex or a spike: nothing is lost
+  if (!isLeft(a, b, c) || !inCone(before, after) || !inCone(after, before)) return false;
+  const int blocker = weakDiagonalBlocker(i);
+  if (blocker < 0) return true;
+  status(i).blocker = blocker;
+  int& first = _firstWaiting[static_cast<std::size_t>(blocker)];
+  _waiting.push_back({i, first});
+  first = static_cast<int>(_waiting.size() - 1);
+  return false;
 }
 
-template <class R> int VertexCycle<R>::nextEar(int i)
+template <class R> int VertexCycle<R>::nextEar()
 {
-  int ear = findEar(i);
-  if (ear >= 0) return ear;
-  refresh();
-  ear = findEar(i);
-  return ear >= 0 ? ear : leastBad(i);
+  int ear = earFromQueue();
+  if (ear < 0 && !_mayFollowBorder)
+  {
+    _mayFollowBorder = true;
+    for (int k = 0, i = _last; k < _size; ++k, i = next(i)) enqueue(i);
+    ear = earFromQueue();
+  }
+  return ear >= 0 ? ear : leastBad();
 }
 
-template <class R> int VertexCycle<R>::findEar(int i) const
+template <class R> int VertexCycle<R>::earFromQueue()
 {
-  for (int k = 0; k < _size; ++k, i = _next[i])
-    if (_obstacle[i] == isEar) return i;
+  while (!_queue.empty())
+  {
+    const int i = _queue.front();
+    _queue.pop_front();
+    if (status(i).isCut) continue;
+    status(i).isQueued = false;
+    if (status(i).isPostponed)
+      enqueue(i);
+    else if (isEar(i))
+      return i;
+  }
   return -1;
 }
 
-template <class R> void VertexCycle<R>::refresh()
+/// Without ears the polygon crosses itself or lies on a line: of the next vertices a flat one is cut or, failing that,
+/// a convex one.
+template <class R> int VertexCycle<R>::leastBad() const
 {
-  for (int i = 0; i < static_cast<int>(_points.size()); ++i)
-    if (_obstacle[i] != isCut) _obstacle[i] = obstacle(i);
-}
-
-/// Without ears the polygon crosses itself or lies on a line: a flat vertex is cut first, then a convex one.
-template <class R> int VertexCycle<R>::leastBad(int i) const
-{
+  constexpr int numCandidates = 100;
   int convex = -1;
-  int candidate = i;
-  for (int k = 0; k < _size; ++k, candidate = _next[candidate])
+  int candidate = _last;
+  for (int k = 0; k < std::min(_size, numCandidates); ++k, candidate = next(candidate))
   {
-    const R area = twiceArea(at(_previous[candidate]), at(candidate), at(_next[candidate]));
-    if (area == 0) return candidate;
-    if (convex < 0 && area > 0) convex = candidate;
+    const int side = orientation(at(previous(candidate)), at(candidate), at(next(candidate)));
+    if (side == 0) return candidate;
+    if (convex < 0 && side > 0) convex = candidate;
   }
-  return convex >= 0 ? convex : i;
+  return convex >= 0 ? convex : _last;
 }
 
 // Cutting changes the angles of the neighbours, and frees the vertices that an edge of the ear stood against.
+// Neighbours come last again: ears in turn all around give less slender triangles.
 template <class R> void VertexCycle<R>::cut(int ear)
 {
-  const int before = _previous[ear], after = _next[ear];
-  _next[before] = after;
-  _previous[after] = before;
-  _obstacle[ear] = isCut;
+  const int before = previous(ear), after = next(ear);
+  _next[static_cast<std::size_t>(before)] = after;
+  _previous[static_cast<std::size_t>(after)] = before;
+  status(ear).isCut = true;
   --_size;
-  if (_size <= 3) return;
-  _obstacle[before] = obstacle(before);
-  _obstacle[after] = obstacle(after);
-  for (int i = 0; i < static_cast<int>(_points.size()); ++i)
-    if (_obstacle[i] == ear || _obstacle[i] == before) _obstacle[i] = obstacle(i);
+  _last = after;
+  release(before);
+  release(ear);
+  postpone(after);
+  postpone(before);
+  if (2 * _size < _numInGrid) sortIntoGrid();
 }
 
-template <class T> std::vector<Point<Plane<T>>> projection(const Curve<T>& curve, int i, int j)
+template <class R> void VertexCycle<R>::enqueue(int i)
 {
-  std::vector<Point<Plane<T>>> points(curve.getSize());
-  for (int k = 0; k < curve.getSize(); ++k) points[k] = {curve.data(k)[i], curve.data(k)[j]};
+  status(i).isPostponed = false;
+  status(i).blocker = -1;
+  if (status(i).isQueued) return;
+  status(i).isQueued = true;
+  _queue.push_back(i);
+}
+
+template <class R> void VertexCycle<R>::postpone(int i)
+{
+  if (status(i).isQueued)
+    status(i).isPostponed = true;
+  else
+    enqueue(i);
+}
+
+/// Gives the vertices whose diagonals were crossed by an edge another try.
+template <class R> void VertexCycle<R>::release(int edge)
+{
+  int& first = _firstWaiting[static_cast<std::size_t>(edge)];
+  for (int place = first; place >= 0; place = _waiting[static_cast<std::size_t>(place)].next)
+  {
+    const int vertex = _waiting[static_cast<std::size_t>(place)].vertex;
+    if (status(vertex).blocker == edge && !status(vertex).isCut) enqueue(vertex);
+  }
+  first = -1;
+}
+
+template <class R> void VertexCycle<R>::sortIntoGrid()
+{
+  std::vector<int> vertices(static_cast<std::size_t>(_size));
+  int vertex = _last;
+  for (int& entry : vertices)
+  {
+    entry = vertex;
+    vertex = next(vertex);
+  }
+  _grid.build(_points, vertices);
+  _numInGrid = _size;
+}
+
+template <class T> std::vector<PlanePoint<PredicateReal<T>>> projection(const Curve<T>& curve, int i, int j)
+{
+  std::vector<PlanePoint<PredicateReal<T>>> points(static_cast<std::size_t>(curve.getSize()));
+  for (int k = 0; k < curve.getSize(); ++k) points[static_cast<std::size_t>(k)] = {curve.data(k)[i], curve.data(k)[j]};
   return points;
 }
 
@@ -213,15 +276,15 @@ template <class T> const TriMesh<T>& PolygonTriangulation<T>::apply(const Curve<
   _mesh = TriMesh<T>(static_cast<const Vertices<T>&>(curve));
   if (curve.getSize() < 3) return _mesh;
   _mesh.reserveTriangles(curve.getSize() - 2);
-  VertexCycle<Plane<T>> cycle(projection(curve, i, j));
-  for (int vertex = 0; cycle.getSize() > 2;)
+  VertexCycle<PredicateReal<T>> cycle(projection(curve, i, j));
+  while (cycle.getSize() > 3)
   {
-    const int ear = cycle.getSize() > 3 ? cycle.nextEar(vertex) : vertex;
-    const int after = cycle.next(ear);
-    _mesh.addTriangle(cycle.previous(ear), ear, after);
+    const int ear = cycle.nextEar();
+    _mesh.addTriangle(cycle.previous(ear), ear, cycle.next(ear));
     cycle.cut(ear);
-    vertex = cycle.getSize() > 3 ? cycle.next(after) : after; // ears in turn all around give less slender triangles
   }
+  const int rest = cycle.anyVertex();
+  _mesh.addTriangle(cycle.previous(rest), rest, cycle.next(rest));
   return _mesh;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <limits>
 #include <numeric>
 #include <ostream>
 
@@ -14,21 +15,6 @@ std::string getShapeTypeName(int shapeType)
                                                    "OpenCurveStack", "ClosedQuadMesh", "OpenQuadMesh",
                                                    "Vertices",       "VertexStack",    "TriMesh"};
   return shapeType >= 0 && shapeType < static_cast<int>(names.size()) ? names[shapeType] : "UnkwownShape";
-}
-
-template <class T> template <class F> void Shape<T>::forEachVertex(F&& function) const
-{
-  for (int b = 0; b < getNumBlocks(); ++b)
-  {
-    const VertexServer<T>& block = getBlock(b);
-    for (int i = 0; i < block.getSize(); ++i) function(block.data(i));
-  }
-}
-
-template <class T> template <class F> void Shape<T>::changeEachVertex(F&& function)
-{
-  this->detach(); // from here on the blocks are this shape's own
-  forEachVertex([&function](const T* coordinates) { function(const_cast<T*>(coordinates)); });
 }
 
 template <class T> Vector<Real<T>> Shape<T>::cog() const
@@ -136,6 +122,58 @@ template <class T> void Shape<T>::center()
   translate(shift);
 }
 
+template <class T> Shape<T>& Shape<T>::operator+=(const Shape<T>& other)
+{
+  requireSameLayout(other, "Shape<T>& Shape<T>::operator+=(const Shape<T>&)");
+  const Vector<T> summands = other.toVector(); // the other may be this shape
+  const T* summand = summands.data();
+  changeEachVertex(
+      [&summand, space = this->getSpace()](T* coordinates)
+      {
+        for (int k = 0; k < space; ++k) coordinates[k] += *summand++;
+      });
+  return *this;
+}
+
+template <class T> Shape<T>& Shape<T>::operator-=(const Shape<T>& other)
+{
+  requireSameLayout(other, "Shape<T>& Shape<T>::operator-=(const Shape<T>&)");
+  const Vector<T> subtrahends = other.toVector();
+  const T* subtrahend = subtrahends.data();
+  changeEachVertex(
+      [&subtrahend, space = this->getSpace()](T* coordinates)
+      {
+        for (int k = 0; k < space; ++k) coordinates[k] -= *subtrahend++;
+      });
+  return *this;
+}
+
+template <class T> Vector<T> Shape<T>::toVector() const
+{
+  const int space = this->getSpace();
+  if (getNumVertices() > std::numeric_limits<int>::max() / space)
+    throw SizeError("Vector<T> Shape<T>::toVector() const", "There are too many coordinates");
+  Vector<T> all(getNumVertices() * space);
+  T* next = all.data();
+  forEachVertex([&next, space](const T* coordinates) { next = std::copy_n(coordinates, space, next); });
+  return all;
+}
+
+template <class T> void Shape<T>::fromVector(const Vector<T>& coordinates)
+{
+  const int space = this->getSpace();
+  if (coordinates.getSize() % space != 0 || coordinates.getSize() / space != getNumVertices())
+    throw SizeError("void Shape<T>::fromVector(const Vector<T>&)", "The coordinates are not those of as many vertices");
+  const Vector<T> copy = coordinates; // it may be one of the vertices
+  const T* next = copy.data();
+  changeEachVertex(
+      [&next, space](T* vertex)
+      {
+        std::copy_n(next, space, vertex);
+        next += space;
+      });
+}
+
 template <class T> void Shape<T>::print(const std::string& title, std::ostream& stream) const
 {
   stream << title << '\n'
@@ -179,6 +217,12 @@ template <class T> void Shape<T>::save(const std::string& path, bool overwrite) 
 template <class T> void Shape<T>::requireSpace(const Vector<T>& vector, const char* where) const
 {
   if (vector.getSize() != this->getSpace()) throw SizeError(where, "Vertex and vector dimensions differ");
+}
+
+template <class T> void Shape<T>::requireSameLayout(const Shape<T>& other, const char* where) const
+{
+  if (other.getSpace() != this->getSpace()) throw SizeError(where, "The shapes have different dimensions");
+  if (other.getNumVertices() != getNumVertices()) throw SizeError(where, "Size mismatch");
 }
 
 GEOMETRY_INSTANTIATE(Shape)

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "geometry/boundingbox.h"
+#include "geometry/rigidtransform.h"
 #include "geometry/vertexclient.h"
 #include "geometry/vertexiterator.h"
 #include "numeric/squarematrix.h"
 
 #include <iosfwd>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 template <class T> class Vertices;
 
@@ -27,6 +31,9 @@ enum ShapeType
 /// "ClosedCurve" and so on; "UnkwownShape" for an unknown type.
 std::string getShapeTypeName(int shapeType);
 
+/// Notes that are kept with a shape, by name. Files do not hold them.
+using ShapeExtensions = std::map<std::string, std::string>;
+
 /// Named set of vertices in 2D or 3D: the common base of every vertex container and mesh.
 ///
 /// The vertices lie in one contiguous block or, in a composite shape, in one per component. Centres and moments are
@@ -38,6 +45,10 @@ public:
 
   const std::string& getName() const { return _name; }
   void setName(const std::string& name) { _name = name; }
+
+  bool hasExtensions() const { return !_extensions.empty(); }
+  const ShapeExtensions& getExtensions() const { return _extensions; }
+  ShapeExtensions& getExtensions() { return _extensions; }
 
   /// A copy of this shape. The caller owns it.
   virtual Shape<T>* clone() const = 0;
@@ -80,6 +91,56 @@ public:
   /// Translates the centre of gravity to the origin.
   void center();
 
+  /// Adds the coordinates of the other shape's vertices to those of this one, vertex by vertex.
+  /// \throw SizeError  the shapes differ in size or dimension
+  virtual Shape<T>& operator+=(const Shape<T>& other);
+  /// \throw SizeError  the shapes differ in size or dimension
+  virtual Shape<T>& operator-=(const Shape<T>& other);
+
+  /// All coordinates, vertex after vertex. \throw SizeError  more than a vector can hold
+  Vector<T> toVector() const;
+  /// \throw SizeError  not getSpace() coordinates for each vertex
+  void fromVector(const Vector<T>& coordinates);
+
+  // Distances. Vertices have the numbers of their order, in a composite shape from its first component on. Those that
+  // are not finite have no neighbours. \throw SizeError  the shapes differ in dimension, or where equal sizes are
+  // needed in size.
+  /// Number of the vertex nearest to a point, the first of equally near ones; -1 when there is none.
+  int nearestVertex(const Vector<T>& point) const;
+  /// From each vertex to that of the same number in another shape of equal size.
+  Vector<Real<T>> squareDistances(const Shape<T>& other) const;
+  /// Root of the mean of squareDistances(); 0 without vertices.
+  Real<T> rmsDistance(const Shape<T>& other) const;
+  /// The vectors from this shape's vertices to those of the same numbers in another shape of equal size, one per row.
+  Matrix<Real<T>> deformations(const Shape<T>& other) const;
+  /// Number of the nearest other vertex of each vertex, -1 when there is none, and the distance there (then infinite).
+  Vector<int> nearestNeighbors() const;
+  Vector<Real<T>> squareNearestNeighborDistances() const;
+  /// From each vertex to the nearest one of the other shape; infinite when there is none.
+  Vector<Real<T>> squareNearestNeighborDistances(const Shape<T>& other) const;
+  Vector<Real<T>> nearestNeighborDistances(const Shape<T>& other) const;
+
+  /// Mean and standard deviation (divided by the number of vertices) along each axis.
+  /// \throw SizeError  there is no vertex
+  void stats(Vector<Real<T>>& mean, Vector<Real<T>>& deviation) const;
+  /// The directions of decreasing spread as columns, a right-handed frame; the greatest component of each but the last
+  /// is positive. \throw SizeError  there is no vertex \throw MathError  coordinates that are not finite
+  SquareMatrix<Real<T>> principalAxes() const;
+  /// Principal-axes transform: moves the centre of gravity to the origin and turns the principal axes onto the
+  /// coordinate axes. \throw SizeError, MathError  as principalAxes()
+  RigidTransform<Real<T>> computePAT() const;
+  void applyPAT() { transform(computePAT()); }
+  /// The rotation and translation of this shape that bring its vertices closest to the other's, in the least-squares
+  /// sense: vertices of the same number, or the given pairs (vertex here, vertex there). Never a reflection.
+  /// Source: B. K. P. Horn, "Closed-form solution of absolute orientation using unit quaternions", 1987.
+  /// \throw SizeError  the shapes differ in dimension or size, or there is no pair
+  /// \throw RangeError  there is no such vertex \throw MathError  coordinates that are not finite
+  RigidTransform<Real<T>> computeLSRegistration(const Shape<T>& other) const;
+  RigidTransform<Real<T>> computeLSRegistration(const Shape<T>& other,
+                                                const std::vector<std::pair<int, int>>& pairs) const;
+  /// Moves every vertex; pixel coordinates are rounded. \throw SizeError  the transform has another dimension
+  void transform(const RigidTransform<Real<T>>& transform);
+
   /// Replaces this shape by the one read from its text form. \throw FileFormatError  the text is something else
   virtual void read(std::istream& stream) = 0;
   /// Writes the text form: type, space and counts on lines that begin with "# ", one vertex per line.
@@ -92,12 +153,31 @@ public:
   /// Writes a shape file. \throw FileWriteError  it exists and `overwrite` is false, or cannot be written
   void save(const std::string& path, bool overwrite) const;
 
+protected:
+  /// The coordinates of all vertices, one after the other.
+  std::vector<Real<T>> realCoordinates() const;
+
 private:
   void requireSpace(const Vector<T>& vector, const char* where) const;
-  template <class F> void forEachVertex(F&& function) const; // function(const T* coordinates)
-  template <class F> void changeEachVertex(F&& function);    // function(T* coordinates)
+  void requireSameLayout(const Shape<T>& other, const char* where) const;
+  /// Calls function(const T* coordinates) for every vertex.
+  template <class F> void forEachVertex(F&& function) const
+  {
+    for (int b = 0; b < getNumBlocks(); ++b)
+    {
+      const VertexServer<T>& block = getBlock(b);
+      for (int i = 0; i < block.getSize(); ++i) function(block.data(i));
+    }
+  }
+  /// Calls function(T* coordinates) for every vertex.
+  template <class F> void changeEachVertex(F&& function)
+  {
+    this->detach(); // from here on the blocks are this shape's own
+    forEachVertex([&function](const T* coordinates) { function(const_cast<T*>(coordinates)); });
+  }
 
   std::string _name;
+  ShapeExtensions _extensions;
 };
 
 GEOMETRY_EXTERN_TEMPLATE(Shape)

@@ -62,6 +62,7 @@ template <class T> void TriMesh<T>::addTriangle(int i, int j, int k)
   const int size = this->getSize();
   if (i < 0 || j < 0 || k < 0 || i >= size || j >= size || k >= size)
     throw RangeError("void TriMesh<T>::addTriangle(int, int, int)", "A triangle names a vertex that does not exist");
+  noteTriangleChange();
   _indexes.insert(_indexes.end(), {i, j, k});
   ++_numTriangles;
 }
@@ -78,6 +79,7 @@ template <class T> void TriMesh<T>::setTriangles(const std::vector<Vector<int>>&
   TriMesh<T> mesh(static_cast<const Vertices<T>&>(*this));
   mesh.reserveTriangles(static_cast<int>(triangles.size()));
   for (const Vector<int>& triangle : triangles) mesh.addTriangle(triangle);
+  noteTriangleChange();
   _indexes.swap(mesh._indexes);
   _numTriangles = mesh._numTriangles;
 }
@@ -86,6 +88,7 @@ template <class T> void TriMesh<T>::removeTriangle(int i)
 {
   requireSlot(i, "void TriMesh<T>::removeTriangle(int)");
   if (!hasTriangle(i)) return;
+  noteTriangleChange();
   std::fill_n(_indexes.data() + 3 * static_cast<std::size_t>(i), 3, -1);
   --_numTriangles;
 }
@@ -95,6 +98,7 @@ template <class T> void TriMesh<T>::remove(int vertex)
   requireVertex(vertex, "void TriMesh<T>::remove(int)");
   for (int i = 0; i < getNumTriangleSlots(); ++i)
     if (std::count(corners(i), corners(i) + 3, vertex) > 0) removeTriangle(i);
+  noteTriangleChange();
   for (int& index : _indexes)
     if (index > vertex) --index;
   if (hasNormals()) _normals.remove(vertex);
@@ -111,30 +115,10 @@ template <class T> void TriMesh<T>::clear()
 {
   Vertices<T>::clear();
   _normals.clear();
+  noteTriangleChange();
   _indexes.clear();
   _numTriangles = 0;
   _colors.reset();
-}
-
-template <class T> Vector<int> TriMesh<T>::neighbours(int vertex) const
-{
-  requireVertex(vertex, "Vector<int> TriMesh<T>::neighbours(int) const");
-  std::vector<int> found;
-  for (int i = 0; i < getNumTriangleSlots(); ++i)
-    if (std::count(corners(i), corners(i) + 3, vertex) > 0) found.insert(found.end(), corners(i), corners(i) + 3);
-  std::sort(found.begin(), found.end());
-  found.erase(std::unique(found.begin(), found.end()), found.end());
-  std::erase(found, vertex);
-  return Vector<int>(found);
-}
-
-template <class T> Vector<int> TriMesh<T>::star(int vertex) const
-{
-  requireVertex(vertex, "Vector<int> TriMesh<T>::star(int) const");
-  std::vector<int> found;
-  for (int i = 0; i < getNumTriangleSlots(); ++i)
-    if (std::count(corners(i), corners(i) + 3, vertex) > 0) found.push_back(i);
-  return Vector<int>(found);
 }
 
 template <class T> const Vector<T>& TriMesh<T>::getNormal(int vertex) const

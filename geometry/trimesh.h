@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/lazyindex.h"
+#include "geometry/trimeshindex.h"
 #include "geometry/vertices.h"
 
 #include <memory>
@@ -9,6 +11,9 @@
 ///
 /// A removed triangle leaves an empty slot, which is skipped by counting, measuring and writing; triangle numbers are
 /// numbers of slots. A triangle is seen from outside when its vertices run counter-clockwise.
+///
+/// Queries build an index when they first need it, also from several threads at once. A change of the mesh drops it; a
+/// reference to a vertex that was fetched for writing before a query must not be written through after it.
 template <class T> class TriMesh : public Vertices<T>
 {
 public:
@@ -56,9 +61,9 @@ public:
   /// Becomes a copy of the other mesh.
   void assign(const TriMesh<T>& mesh) { *this = mesh; }
 
-  /// The vertices joined to a vertex by an edge, in ascending order, in time linear in the mesh.
+  /// The vertices joined to a vertex by an edge, in ascending order. \throw RangeError  there is no such vertex
   Vector<int> neighbours(int vertex) const;
-  /// The triangles that use a vertex, in ascending order, in time linear in the mesh.
+  /// The triangles that use a vertex, in ascending order. \throw RangeError  there is no such vertex
   Vector<int> star(int vertex) const;
 
   bool hasNormals() const { return _normals.getSize() > 0 && _normals.getSize() == this->getSize(); }
@@ -71,6 +76,15 @@ public:
   /// Source: Thuermer and Wuethrich, "Computing vertex normals from polygonal facets", 1998.
   /// \throw SizeError  the mesh is not in 3D \throw TypeError  the coordinates are integers
   void computeNormals();
+
+  /// Replaces each normal by the mean direction of its own and those of the neighbours, `iterations` times.
+  /// \throw UsageError  there are no normals \throw TypeError  the coordinates are integers
+  void smoothNormals(int iterations);
+  /// Smooths the surface so that its volume is kept: a step towards the mean of the neighbours, then a longer one away
+  /// from it, `iterations` times. Vertices on the border of an open mesh stay where they are, normals become out of
+  /// date. Source: G. Taubin, "A signal processing approach to fair surface design", 1995, with lambda 0.5 and the
+  /// pass-band frequency 0.1. \throw TypeError  the coordinates are integers
+  void smooth(int iterations);
 
   bool hasVertexColors() const { return _colors && _colors->getSize() == this->getSize(); }
   /// Red, green and blue of each vertex, 0 to 255. \throw SizeError  not one colour per vertex
@@ -88,6 +102,15 @@ public:
   /// Centre of gravity of the surface: the mean of the triangles' centres weighted by their areas.
   /// \throw SizeError  there is no surface
   Vector<Real<T>> centerOfGravity() const;
+
+  /// The point of the surface that is closest to a point, and its distance; the vertices alone do not count.
+  /// \throw SizeError  the mesh or the point is not in 3D, there is no triangle with finite coordinates, or
+  /// a triangle names a vertex that does not exist
+  Real<T> closestPoint(const Vector<T>& point, Vector<Real<T>>& result) const;
+  /// Whether a point lies in the volume that a closed mesh encloses, or exactly on its surface. Of surfaces in each
+  /// other every second one bounds a hollow; the orientation of the triangles does not matter.
+  /// \throw SizeError  the mesh or the point is not in 3D, or a triangle names a vertex that does not exist
+  bool contains(const Vector<T>& point) const;
 
   /// Becomes the unit cube [0, 1]^3 with outward triangles. \throw SizeError  the mesh is not in 3D
   void cube();
@@ -119,11 +142,17 @@ private:
   void requireVertex(int i, const char* where) const;
   void requireSpace3(const char* where) const;
   void requireConsistency(const char* where) const;
+  void noteTriangleChange();
+  const TriangleStars& stars() const;
+  const TriangleTree<T>& tree() const;
+  TriangleView<T> view() const { return {this->data(), _indexes.data(), getNumTriangleSlots()}; }
 
   BufferVector<int> _indexes; // three per slot, negative in empty ones
   int _numTriangles = 0;
   Vertices<T> _normals = Vertices<T>(this->getSpace());
   std::shared_ptr<const TriMesh<int>> _colors;
+  LazyIndex<TriangleStars> _stars;
+  LazyIndex<TriangleTree<T>> _tree;
 };
 
 GEOMETRY_EXTERN_TEMPLATE(TriMesh)

@@ -40,7 +40,7 @@ template <class T> void VertexClient<T>::setServer(VertexServer<T>& server)
 
 template <class T> void VertexClient<T>::detach()
 {
-  if (isShared()) detachServer();
+  ownServer();
 }
 
 template <class T> void VertexClient<T>::detachServer()

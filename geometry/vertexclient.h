@@ -19,7 +19,7 @@ public:
   void assign(const VertexClient<T>& client) { setServer(*client._server); }
   void setServer(VertexServer<T>& server);
 
-  /// Takes a private copy of the vertices when another client shares them.
+  /// Takes a private copy of the vertices when another client shares them; they are about to be changed.
   virtual void detach();
 
   /// Number of coordinates per vertex.
@@ -33,6 +33,7 @@ protected:
   VertexServer<T>& ownServer()
   {
     if (isShared()) detachServer();
+    _server->noteChange();
     return *_server;
   }
 

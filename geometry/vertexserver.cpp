@@ -130,6 +130,15 @@ template <class T> void VertexServer<T>::append(const VertexServer<T>& server)
   std::copy_n(server.data(), offset(numAppended), data(first));
 }
 
+template <class T> std::uint64_t VertexServer<T>::getStateNumber() const
+{
+  static std::atomic<std::uint64_t> lastNumber = 0;
+  std::uint64_t number = _stateNumber.load();
+  if (number != 0) return number;
+  const std::uint64_t newNumber = ++lastNumber;
+  return _stateNumber.compare_exchange_strong(number, newNumber) ? newNumber : number;
+}
+
 template <class T> int VertexServer<T>::sizeWith(int count) const
 {
   if (count > std::numeric_limits<int>::max() - _size)

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 /// Reference-counted storage of vertices, shared by vertex clients.
 ///
@@ -64,6 +65,11 @@ public:
   /// \throw SizeError  the spaces differ, or there would be too many vertices
   void append(const VertexServer<T>& server);
 
+  /// A number that stands for these very vertices: another one, never used before, after noteChange().
+  std::uint64_t getStateNumber() const;
+  /// Called by every client before it writes.
+  void noteChange() { _stateNumber.store(0, std::memory_order_relaxed); }
+
   void ref() { ++_numReferences; }
   /// Drops one reference and destroys the server with the last one; nothing happens without references.
   void deref();
@@ -89,6 +95,7 @@ private:
   int _capacity = 0;
   int _growth;
   std::atomic<int> _numReferences = 0;
+  mutable std::atomic<std::uint64_t> _stateNumber = 0; // 0 until asked for
 };
 
 GEOMETRY_EXTERN_TEMPLATE(VertexServer)

@@ -1,7 +1,7 @@
 #include "geometry/vertices.h"
 
-#include "geometry/coordinates.h"
 #include "geometry/cyclicmatch.h"
+#include "geometry/kdtree.h"
 #include "geometry/shapereader.h"
 #include "geometry/textbuffer.h"
 
@@ -71,19 +71,14 @@ template <class T> void Vertices<T>::closestPoints(const Vertices<T>& other, int
     throw SizeError("void Vertices<T>::closestPoints(const Vertices<T>&, int&, int&) const",
                     "A vertex set is empty or the dimensions differ");
   i = j = 0;
-  const int space = this->getSpace();
-  Real<T> shortest = squaredDistance(data(0), other.data(0), space);
-  for (int a = 0; a < getNumVertices(); ++a)
-  {
-    for (int b = 0; b < other.getNumVertices(); ++b)
-    {
-      const Real<T> candidate = squaredDistance(data(a), other.data(b), space);
-      if (!(candidate < shortest)) continue;
-      shortest = candidate;
-      i = a;
-      j = b;
-    }
-  }
+  const std::vector<Neighbour<Real<T>>> neighbours =
+      KdTree<Real<T>>(this->getSpace(), other.realCoordinates()).nearest(this->realCoordinates());
+  const auto closest =
+      std::min_element(neighbours.begin(), neighbours.end(),
+                       [](const auto& a, const auto& b) { return a.squaredDistance < b.squaredDistance; });
+  if (closest->index < 0) return;
+  i = static_cast<int>(closest - neighbours.begin());
+  j = closest->index;
 }
 
 template <class T> void Vertices<T>::read(std::istream& stream)

@@ -60,8 +60,8 @@ public:
   /// Rotates the order by findMatch().
   void match(const Vertices<T>& other) { setOrigin(findMatch(other)); }
 
-  /// Vertex i of this set and vertex j of the other that are closest; the first such pair in index order.
-  /// \throw SizeError  a set is empty or the dimensions differ
+  /// Vertex i of this set and vertex j of the other that are closest; the first such pair in index order. Both are 0
+  /// when no vertices are at a finite distance. \throw SizeError  a set is empty or the dimensions differ
   void closestPoints(const Vertices<T>& other, int& i, int& j) const;
 
   void read(std::istream& stream) override;
