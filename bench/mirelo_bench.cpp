@@ -12,6 +12,11 @@ int main(int argc, char** argv)
   else if (first == "--help")
     std::cout << timedTasksUsage;
   else
-    return runTimedTasks(arguments, imageTasks());
+  {
+    std::vector<TimedTask> tasks = imageTasks();
+    const std::vector<TimedTask> others = geometryTasks();
+    tasks.insert(tasks.end(), others.begin(), others.end());
+    return runTimedTasks(arguments, tasks);
+  }
   return 0;
 }

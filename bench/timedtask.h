@@ -28,6 +28,8 @@ inline constexpr const char* timedTasksUsage =
 
 /// Image files, segmentation, filters and surfaces.
 std::vector<TimedTask> imageTasks();
+/// Polygons and points.
+std::vector<TimedTask> geometryTasks();
 
 /// Answers `--list`, one line per task, input and number of threads, and `--one TASK INPUT PEER THREADS --data DIR
 /// --runs N --budget SECONDS`: a warm-up and up to N timed runs within the budget, as one line of JSON. Gives the exit

@@ -3,7 +3,6 @@
 #include "numeric/elementtypes.h"
 #include "numeric/maths.h"
 
-#include <algorithm>
 #include <cmath>
 
 // Small functions of vertices given by pointers to their coordinates, for loops over coordinate blocks.
@@ -35,25 +34,4 @@ template <class T> T toCoordinate(Real<T> value)
     return Maths::fround(value);
   else
     return value;
-}
-
-/// The squared distance from a point to the edge from a to b.
-template <class T> Real<T> squaredDistanceToEdge(const T* point, const T* a, const T* b, int space)
-{
-  Real<T> along = 0, squaredLength = 0;
-  for (int k = 0; k < space; ++k)
-  {
-    const Real<T> edge = static_cast<Real<T>>(b[k]) - static_cast<Real<T>>(a[k]);
-    along += edge * (static_cast<Real<T>>(point[k]) - static_cast<Real<T>>(a[k]));
-    squaredLength += edge * edge;
-  }
-  const Real<T> share = squaredLength > 0 ? std::clamp<Real<T>>(along / squaredLength, 0, 1) : 0;
-  Real<T> sum = 0;
-  for (int k = 0; k < space; ++k)
-  {
-    const Real<T> start = static_cast<Real<T>>(a[k]);
-    const Real<T> offset = static_cast<Real<T>>(point[k]) - start - share * (static_cast<Real<T>>(b[k]) - start);
-    sum += offset * offset;
-  }
-  return sum;
 }

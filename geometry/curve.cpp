@@ -4,6 +4,7 @@
 #include "geometry/curveprocessing/curveresampling.h"
 
 #include <algorithm>
+#include <utility>
 
 template <class T> int Curve<T>::getNumEdges() const
 {
@@ -53,6 +54,55 @@ template <class T> int Curve<T>::projectedAreaSign(int i, int j) const
 template <class T> void Curve<T>::setClockwise(bool clockwise, int i, int j)
 {
   if (projectedAreaSign(i, j) == (clockwise ? 1 : -1)) this->reverse();
+}
+
+template <class T> void Curve<T>::join(const Curve<T>& curve)
+{
+  const int space = this->getSpace(), size = this->getSize();
+  if (curve.getSpace() != space)
+    throw SizeError("void Curve<T>::join(const Curve<T>&)", "The curves have different dimensions");
+  const T* const last = std::as_const(*this).data(std::max(size - 1, 0));
+  const bool isRepeated = size > 0 && curve.getSize() > 0 && std::equal(last, last + space, curve.data());
+  this->append(curve);
+  if (isRepeated) this->remove(size);
+}
+
+template <class T> std::vector<Curve<T>> Curve<T>::split(std::vector<int> indexes) const
+{
+  const int size = this->getSize();
+  for (const int i : indexes)
+    if (i < 0 || i >= size)
+      throw RangeError("std::vector<Curve<T>> Curve<T>::split(std::vector<int>) const",
+                       "There is no vertex " + std::to_string(i));
+  if (indexes.empty()) return {*this};
+  if (_open) indexes.insert(indexes.end(), {0, size - 1});
+  std::sort(indexes.begin(), indexes.end());
+  indexes.erase(std::unique(indexes.begin(), indexes.end()), indexes.end());
+  if (!_open) indexes.push_back(indexes.front() + size);
+  std::vector<Curve<T>> pieces;
+  for (std::size_t k = 1; k < indexes.size(); ++k) pieces.push_back(piece(indexes[k - 1], indexes[k]));
+  return pieces;
+}
+
+/// The open curve from vertex first to vertex last, counted around the curve.
+template <class T> Curve<T> Curve<T>::piece(int first, int last) const
+{
+  const int space = this->getSpace();
+  Curve<T> piece(space, last - first + 1);
+  piece.setOpen(true);
+  T* to = piece.data();
+  for (int i = first; i <= last; ++i) to = std::copy_n(this->data(i % this->getSize()), space, to);
+  return piece;
+}
+
+template <class T> void Curve<T>::square(T side)
+{
+  if (this->getSpace() < 2) throw SizeError("void Curve<T>::square(T)", "A curve of one coordinate cannot be a square");
+  this->clear();
+  this->setSize(4);
+  _open = false;
+  for (const int k : {1, 2}) this->data(k)[0] = side;
+  for (const int k : {2, 3}) this->data(k)[1] = side;
 }
 
 template <class T> Curve<T> Curve<T>::resample(int n) const

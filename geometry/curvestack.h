@@ -46,7 +46,7 @@ public:
   /// \throw SizeError  the mesh has no rows, or another space dimension
   void interpolate(const QuadMesh<T>& mesh);
   /// Root of the mean squared distance from this stack's vertices to the mesh where interpolate() cuts it.
-  /// \throw SizeError  as interpolate(), or the stack has no vertices
+  /// \throw SizeError  as interpolate(), or the stack has no vertices, or coordinates are not finite
   Real<T> resamplingError(const QuadMesh<T>& mesh) const;
   /// The resampled mesh with one row per curve and the fewest columns that keep the error within the given one; never
   /// more than four times the vertices of the largest curve.

@@ -86,17 +86,6 @@ template <class T, class Curves> Curve<T> curveAt(const Curves& curves, const Pl
   return curve;
 }
 
-template <class T> Real<T> squaredDistanceToCurve(const T* point, const Curve<T>& curve)
-{
-  Real<T> shortest = squaredDistance(point, curve.data(), curve.getSpace());
-  for (int i = 0; i < curve.getNumEdges(); ++i)
-  {
-    const int next = i + 1 < curve.getSize() ? i + 1 : 0;
-    shortest = std::min(shortest, squaredDistanceToEdge(point, curve.data(i), curve.data(next), curve.getSpace()));
-  }
-  return shortest;
-}
-
 template <class T> void requireMesh(const QuadMesh<T>& mesh, const CurveStack<T>& stack, const char* where)
 {
   if (mesh.getWidth() == 0) throw SizeError(where, "The mesh has no vertices");
@@ -138,7 +127,8 @@ template <class T> Real<T> CurveStack<T>::resamplingError(const QuadMesh<T>& mes
   for (int k = 0; k < getNumCurves(); ++k)
   {
     const Curve<T> section = curveAt<T>(mesh, Place(k, getNumCurves(), mesh.getHeight()));
-    for (int i = 0; i < level(k).getSize(); ++i) sum += squaredDistanceToCurve(level(k).data(i), section);
+    const Real<T> error = level(k).resamplingError(section);
+    sum += error * error * static_cast<Real<T>>(level(k).getSize());
   }
   return std::sqrt(sum / static_cast<Real<T>>(this->getNumVertices()));
 }

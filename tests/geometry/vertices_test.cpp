@@ -70,6 +70,12 @@ TEST(Vertices, AreCopiedWhenOneOfTwoOwnersWrites)
          c.translate(Vector<double>{1, 0});
        }},
       {"scale", [](Curve<double>& c) { c.scale(2); }},
+      {"fromVector", [](Curve<double>& c) { c.fromVector(Vector<double>(6)); }},
+      {"sum", [](Curve<double>& c) { c += Curve<double>(c); }},
+      {"difference", [](Curve<double>& c) { c -= Curve<double>(c); }},
+      {"applyPAT", [](Curve<double>& c) { c.applyPAT(); }},
+      {"join", [](Curve<double>& c) { c.join(Curve<double>(c)); }},
+      {"square", [](Curve<double>& c) { c.square(1); }},
       {"iterator", [](Curve<double>& c) { (*c.vertexIterator())[0] = 9; }},
       {"assignment",
        [](Curve<double>& c) {
