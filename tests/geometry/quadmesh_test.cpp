@@ -291,4 +291,32 @@ TEST(QuadMeshText, RefusesWhatIsNoQuadMesh)
     EXPECT_EQ(mesh.getNumVertices(), 4);
   }
 }
+TEST(QuadMeshText, DamagedTextIsReadOrRefused)
+{
+  QuadMesh<double> mesh = randomMesh<double>(3, 4, 1);
+  mesh.buildVertexColors(Matrix<double>({{0, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}}), Colormap::cold2Hot(8));
+  const std::string text = textOf(mesh);
+  const std::string characters = "# \n0123456789.-e";
+  std::mt19937 engine(11);
+  int numRefused = 0;
+  for (int k = 0; k < 3000; ++k)
+  {
+    std::string damaged = text.substr(0, k % 3 == 0 ? engine() % text.size() : text.size());
+    for (unsigned changes = engine() % 4; changes > 0 && !damaged.empty(); --changes)
+      damaged[engine() % damaged.size()] = characters[engine() % characters.size()];
+    std::istringstream stream(damaged);
+    QuadMesh<double> read;
+    try
+    {
+      read.read(stream);
+      EXPECT_LE(read.getNumVertices(), 12);
+      EXPECT_EQ(read.toTriMesh(true).getSize(), read.getNumVertices());
+    }
+    catch (const FileFormatError&)
+    {
+      ++numRefused;
+    }
+  }
+  EXPECT_GT(numRefused, 1000);
+}
 } // namespace
