@@ -106,6 +106,29 @@ void triangulatePolygon(benchmark::State& state)
 }
 BENCHMARK(triangulatePolygon)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
 
+void testPolygonForCrossings(benchmark::State& state)
+{
+  const Curve<double> polygon = contour<double>(static_cast<int>(state.range(0)), 0);
+  for (auto _ : state) benchmark::DoNotOptimize(polygon.selfIntersects());
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(testPolygonForCrossings)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void findPointsInside(benchmark::State& state)
+{
+  const TriMesh<double> mesh = surface<double>(100, 1000);
+  std::int64_t count = 0;
+  for (auto _ : state)
+  {
+    const double angle = 0.1 * static_cast<double>(count % 1000), radius = 0.1 * static_cast<double>(count % 1301);
+    const Vector<double> point = {radius * std::cos(angle), radius * std::sin(angle), static_cast<double>(count % 97)};
+    benchmark::DoNotOptimize(mesh.contains(point));
+    ++count;
+  }
+  state.SetItemsProcessed(count);
+}
+BENCHMARK(findPointsInside);
+
 void measureAreaAndVolume(benchmark::State& state)
 {
   const TriMesh<double> mesh = surface<double>(100, 1000);

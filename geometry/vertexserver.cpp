@@ -49,6 +49,7 @@ template <class T> VertexServer<T>& VertexServer<T>::operator=(const VertexServe
 {
   if (this == &server) return *this;
   VertexServer<T> copy(server);
+  noteChange();
   _coordinates.swap(copy._coordinates);
   _vertices.clear();
   _hasViews = false;

@@ -68,7 +68,10 @@ public:
   /// A number that stands for these very vertices: another one, never used before, after noteChange().
   std::uint64_t getStateNumber() const;
   /// Called by every client before it writes.
-  void noteChange() { _stateNumber.store(0, std::memory_order_relaxed); }
+  void noteChange()
+  {
+    if (_stateNumber.load(std::memory_order_relaxed) != 0) _stateNumber.store(0, std::memory_order_relaxed);
+  }
 
   void ref() { ++_numReferences; }
   /// Drops one reference and destroys the server with the last one; nothing happens without references.

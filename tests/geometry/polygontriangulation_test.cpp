@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 #include <random>
+#include <set>
 
 namespace
 {
@@ -71,6 +73,53 @@ Curve<double> comb(int numTeeth)
     points.push_back({2. * i + 1, 1});
   }
   points.push_back({0, 10});
+  return closedCurve(points);
+}
+
+using Cell = std::pair<int, int>;
+
+/// Directions 0 to 3 are right, up, left and down.
+Cell neighbour(const Cell& cell, int direction)
+{
+  const int dx[] = {1, 0, -1, 0}, dy[] = {0, 1, 0, -1};
+  return {cell.first + dx[direction], cell.second + dy[direction]};
+}
+
+/// A random tree of neighbouring cells: for each cell the directions to its neighbours in the tree.
+std::map<Cell, std::set<int>> randomTree(int numCells, std::mt19937& generator)
+{
+  std::map<Cell, std::set<int>> tree = {{{0, 0}, {}}};
+  std::vector<Cell> cells = {{0, 0}};
+  while (static_cast<int>(cells.size()) < numCells)
+  {
+    const Cell from = cells[generator() % cells.size()];
+    const int direction = static_cast<int>(generator() % 4);
+    const Cell to = neighbour(from, direction);
+    if (tree.contains(to)) continue;
+    tree[from].insert(direction);
+    tree[to].insert((direction + 2) % 4);
+    cells.push_back(to);
+  }
+  return tree;
+}
+
+/// The way around a tree of cells. It runs along itself wherever cells touch that are not neighbours in the tree.
+Curve<double> outline(const std::map<Cell, std::set<int>>& tree)
+{
+  const int cornerX[] = {1, 1, 0, 0}, cornerY[] = {0, 1, 1, 0}; // where the side in each direction begins
+  Cell cell = tree.begin()->first;                              // has no cell to its left
+  int side = 2;
+  std::vector<std::vector<double>> points;
+  do
+  {
+    points.push_back({1. * cell.first + cornerX[side], 1. * cell.second + cornerY[side]});
+    side = (side + 1) % 4;
+    while (tree.at(cell).contains(side))
+    {
+      cell = neighbour(cell, side);
+      side = (side + 3) % 4;
+    }
+  } while (cell != tree.begin()->first || side != 2);
   return closedCurve(points);
 }
 
@@ -141,6 +190,30 @@ TEST(PolygonTriangulation, OfPolygonsThatTouchThemselves)
       expectTriangulation(polygon, true);
     }
   }
+}
+
+TEST(PolygonTriangulation, OfPolygonsThatRunAlongThemselves)
+{
+  std::mt19937 generator(3);
+  for (int round = 0; round < 500; ++round)
+  {
+    SCOPED_TRACE(round);
+    Curve<double> polygon = outline(randomTree(2 + round % 30, generator));
+    polygon.setOrigin(static_cast<int>(generator() % static_cast<unsigned>(polygon.getSize())));
+    expectTriangulation(polygon, true);
+  }
+}
+
+// A time that grows with the square of the size would be seen here.
+TEST(PolygonTriangulation, OfManyVertices)
+{
+  std::mt19937 generator(4);
+  expectTriangulation(randomStar(50000, generator));
+  expectTriangulation(comb(20000));
+  Curve<double> scribble(2, 50000);
+  for (int i = 0; i < 100000; ++i) scribble.data()[i] = static_cast<double>(generator());
+  PolygonTriangulation<double> triangulation;
+  EXPECT_EQ(triangulation.apply(scribble, 0, 1).getNumTriangles(), 49998);
 }
 
 TEST(PolygonTriangulation, NeverFailsOnWhatIsNoPolygon)
