@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <map>
 
 namespace
 {
@@ -34,6 +35,11 @@ SurfaceCaps surfaceCaps(const std::vector<std::string>& names)
   }
   return caps;
 }
+
+const std::map<std::string, SurfaceFormat> formats = {{"stl", SurfaceFormat::AsciiStl},
+                                                      {"stl-binary", SurfaceFormat::BinaryStl},
+                                                      {"ply", SurfaceFormat::Ply},
+                                                      {"obj", SurfaceFormat::Obj}};
 
 /// The folder that the surfaces go to, made with those around it when it is missing, and taken away again with them
 /// unless it is kept.
@@ -67,14 +73,16 @@ ExitStatus exportSurfaces(const Arguments& arguments)
 {
   const StackFile file = requireStackFile(arguments.stack);
   const std::vector<const Model*> models = selectModels(file, arguments.models);
-  StackReconstruction<float> reconstruction(*file.stack);
+  const StackReconstruction<float> reconstruction(*file.stack);
   OutputFolder folder(arguments.directory);
   StackExporter exporter;
   exporter.setCaps(surfaceCaps(arguments.caps));
+  exporter.setResampling(!arguments.triangulate);
   std::string failure;
   try
   {
-    exporter.export2AsciiSTL(models, reconstruction, arguments.directory, file.stack->getName(), arguments.overwrite);
+    exporter.exportModels(models, reconstruction, arguments.directory, file.stack->getName(),
+                          formats.at(arguments.format), arguments.overwrite);
     folder.keep();
   }
   catch (const ValueError& error)
@@ -95,8 +103,8 @@ void addExportCommand(CLI::App& app, Run& run)
   command->add_option("--out", arguments->directory, "folder to write to, made when it is missing")->required();
   command->add_option("--model", arguments->models, "a model to export, repeatable; by default all")
       ->allow_extra_args(false);
-  command->add_option("--format", arguments->format, "format of the files")
-      ->check(CLI::IsMember({"stl"}))
+  command->add_option("--format", arguments->format, "format of the files: STL as text or binary, PLY or OBJ")
+      ->check(CLI::IsMember({"stl", "stl-binary", "ply", "obj"}))
       ->capture_default_str();
   command
       ->add_option(
@@ -104,8 +112,10 @@ void addExportCommand(CLI::App& app, Run& run)
           "close the surface at tagged contours, at the first or the last level, or wherever it can be; repeatable")
       ->check(CLI::IsMember({"tagged", "first", "last", "all"}))
       ->allow_extra_args(false);
-  command->add_flag("--triangulate", arguments->triangulate,
-                    "join the drawn contours themselves, without resampling (at present always)");
+  command->add_flag(
+      "--triangulate", arguments->triangulate,
+      "join the drawn contours themselves; by default those that do not branch are resampled onto the model's "
+      "quad mesh, which is written to a .qm file, too");
   command->add_flag("--overwrite", arguments->overwrite, "replace existing files");
   command->callback([=, &run] { run = [=] { return exportSurfaces(*arguments); }; });
 }

@@ -1,6 +1,8 @@
+#include "geometry/curveprocessing/douglaspeuckercurvedecimation.h"
 #include "geometry/curvestacktriangulation2.h"
 #include "geometry/optimaltriangulation.h"
 #include "geometry/polygontriangulation.h"
+#include "geometry/quadmesh.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
@@ -50,6 +52,40 @@ template <class T> void stitchContours(benchmark::State& state)
 }
 BENCHMARK(stitchContours<float>)->Args({1000, 1000})->Args({1000, 100})->Unit(benchmark::kMillisecond);
 BENCHMARK(stitchContours<double>)->Args({1000, 1000})->Unit(benchmark::kMillisecond);
+
+void resampleOntoQuadMesh(benchmark::State& state)
+{
+  const int numLevels = static_cast<int>(state.range(0)), numVertices = static_cast<int>(state.range(1));
+  const CurveStack<float> stack = contourStack<float>(numLevels, numVertices);
+  QuadMesh<float> mesh(3, numVertices, numLevels);
+  for (auto _ : state)
+  {
+    stack.resample(mesh);
+    benchmark::DoNotOptimize(mesh.toTriMesh(false).getNumTriangles());
+  }
+  state.SetItemsProcessed(state.iterations() * numLevels * numVertices);
+}
+BENCHMARK(resampleOntoQuadMesh)->Args({1000, 1000})->Args({1000, 100})->Unit(benchmark::kMillisecond);
+
+/// A zigzag whose teeth shrink divides into the most unequal pieces, a wobbling contour into halves.
+void decimateByDouglasPeucker(benchmark::State& state)
+{
+  const int numVertices = static_cast<int>(state.range(0));
+  Curve<double> curve = contour<double>(numVertices, 0);
+  if (state.range(1) != 0)
+    for (int i = 0; i < numVertices; ++i)
+    {
+      curve.data(i)[0] = i;
+      curve.data(i)[1] = (i % 2 == 0 ? 1 : -1) * (3. * numVertices - i);
+    }
+  Curve<double> out;
+  for (auto _ : state) DouglasPeuckerCurveDecimation<double>(1e-3).apply(curve, out);
+  state.SetItemsProcessed(state.iterations() * numVertices);
+}
+BENCHMARK(decimateByDouglasPeucker)
+    ->ArgNames({"vertices", "zigzag"})
+    ->ArgsProduct({{1000, 10000, 100000, 1000000}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
 
 void stitchTwoContoursOptimally(benchmark::State& state)
 {

@@ -7,6 +7,9 @@
 
 // Small functions of vertices given by pointers to their coordinates, for loops over coordinate blocks.
 
+/// Type in which long sums and products of coordinates are formed: double at least.
+template <class T> using Wide = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
+
 /// Sum of the squared coordinate differences.
 template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
 {

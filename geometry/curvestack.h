@@ -3,6 +3,8 @@
 #include "geometry/curve.h"
 #include "geometry/vertexstack.h"
 
+template <class T> class QuadMesh;
+
 /// Ordered list of curves that are all open or all closed (the default).
 template <class T> class CurveStack : public VertexStack<T>
 {
@@ -33,6 +35,27 @@ public:
   Real<T> getHeight(int i) const;
   /// True when a curve lies at exactly the height of the curve before it.
   bool isBranching() const;
+
+  /// Fills a mesh of W by H vertices with this stack's surface. Each of the n curves is resampled to W vertices and
+  /// fitted to the one before: a closed curve is turned clockwise in the x-y plane and rotated to the best match, an
+  /// open curve is reversed when that is closer. Row r lies at curve index r (n - 1) / (H - 1), linear between curves;
+  /// a mesh of one row is the first curve. The mesh becomes open or closed as this stack is. \throw SizeError  the
+  /// stack or one of its curves is empty, or its space is not 2 or 3
+  void resample(QuadMesh<T>& mesh) const;
+  /// Replaces curve k of the n curves by the mesh at row index k (H - 1) / (n - 1), linear between rows.
+  /// \throw SizeError  the mesh has no rows, or another space dimension
+  void interpolate(const QuadMesh<T>& mesh);
+  /// Root of the mean squared distance from this stack's vertices to the mesh where interpolate() cuts it.
+  /// \throw SizeError  as interpolate(), or the stack has no vertices, or coordinates are not finite
+  Real<T> resamplingError(const QuadMesh<T>& mesh) const;
+  /// The resampled mesh with one row per curve and the fewest columns that keep the error within the given one; never
+  /// more than four times the vertices of the largest curve.
+  /// \throw SizeError  as resample()
+  QuadMesh<T> optimalResampling(Real<T> maxError) const;
+  /// A stack of the same curves, each vertex replaced by the other stack's vertex that is closest to it. A vertex that
+  /// is not finite stays.
+  /// \throw SizeError  the other stack has no vertices, or another space dimension
+  CurveStack<T> closestPointMap(const CurveStack<T>& other) const;
 
 protected:
   std::unique_ptr<Vertices<T>> createLevel(const Vertices<T>& vertices) const override;

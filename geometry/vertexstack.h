@@ -41,7 +41,7 @@ public:
   void prepend(const Vertices<T>& vertices) { insert(0, vertices); }
   /// Inserts a copy before level i, 0 <= i <= getNumLevels().
   /// \throw RangeError  there is no such place \throw SizeError  the vertices have another dimension
-  void insert(int i, const Vertices<T>& vertices);
+  virtual void insert(int i, const Vertices<T>& vertices);
   /// \throw RangeError  there is no such level
   void remove(int i);
   void clear() { _levels.clear(); }

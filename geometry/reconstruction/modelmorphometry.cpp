@@ -53,6 +53,20 @@ std::vector<Run> runsOf(const StackReconstruction<double>& reconstruction, const
   return runs;
 }
 
+/// The area of each item's pixels.
+std::vector<double> pixelAreas(const StackReconstruction<double>& reconstruction,
+                               const std::vector<const ModelItem*>& items)
+{
+  std::vector<double> areas;
+  for (const ModelItem* item : items)
+  {
+    const Vector<double>& map = reconstruction.getMap(item->getSlice()->getIndex());
+    const double pixelArea = std::abs(map[0] * map[4] - map[1] * map[3]);
+    areas.push_back(static_cast<double>(item->getRLEItemSet().numVertices()) * pixelArea);
+  }
+  return areas;
+}
+
 double numPositions(const std::vector<Run>& runs)
 {
   double count = 0;
@@ -142,8 +156,9 @@ void ModelMorphometry::run()
   if (!curves) return;
   _area = area(reconstruction, *curves);
   if (curves->isOpen()) return;
-  _volume = slabVolume(reconstruction, *curves);
-  _equivRadius = std::cbrt(3 * _volume / 12.566370614359172);
+  std::vector<double> areas;
+  for (int i = 0; i < curves->getNumCurves(); ++i) areas.push_back(std::abs((*curves)[i].twiceArea(0, 1)) / 2);
+  setVolume(slabVolume(reconstruction, areas));
 }
 
 void ModelMorphometry::measureRegions(const StackReconstruction<double>& reconstruction)
@@ -152,9 +167,18 @@ void ModelMorphometry::measureRegions(const StackReconstruction<double>& reconst
   const std::vector<Run> runs = runsOf(reconstruction, items);
   _numContours = static_cast<int>(items.size());
   _numVertices = static_cast<long>(numPositions(runs));
+  const std::unique_ptr<Shape<double>> boundaries(reconstruction.apply(*_model));
+  _area = area(reconstruction, static_cast<const CurveStack<double>&>(*boundaries));
+  setVolume(slabVolume(reconstruction, pixelAreas(reconstruction, items)));
   if (runs.empty()) return;
   const Vector<double> center = cogOf(runs);
   setMoments(center, inertiaOf(runs, center));
+}
+
+void ModelMorphometry::setVolume(double volume)
+{
+  _volume = volume;
+  _equivRadius = std::cbrt(3 * volume / 12.566370614359172);
 }
 
 void ModelMorphometry::setMoments(const Vector<double>& center, const SquareMatrix<double>& moments)
@@ -175,14 +199,14 @@ double ModelMorphometry::area(const StackReconstruction<double>& reconstruction,
   if (!simpleCurveStack(withoutDegenerateCurves(curves))) return -1;
   ModelSurface<double> surface(reconstruction);
   surface.apply(*_model);
-  _warning = surface.getWarning();
+  if (!surface.getWarnings().empty()) _warning = surface.getWarnings()[0];
   return surface.getTriMesh().area();
 }
 
 // The contours of each slice extend to the next slice with contours, those of the last one over its own distance to
 // the slice before it.
 double ModelMorphometry::slabVolume(const StackReconstruction<double>& reconstruction,
-                                    const CurveStack<double>& curves) const
+                                    const std::vector<double>& areas) const
 {
   const std::vector<const ModelItem*> items = reconstruction.itemsInStackOrder(*_model);
   double volume = 0, previousHeight = 0, previousArea = 0;
@@ -191,8 +215,7 @@ double ModelMorphometry::slabVolume(const StackReconstruction<double>& reconstru
   {
     const StackSlice* const slice = items[i]->getSlice();
     double area = 0;
-    for (; i < items.size() && items[i]->getSlice() == slice; ++i)
-      area += std::abs(curves[static_cast<int>(i)].twiceArea(0, 1)) / 2;
+    for (; i < items.size() && items[i]->getSlice() == slice; ++i) area += areas[i];
     if (area == 0) continue;
     const double height = reconstruction.getZMap()[slice->getIndex()];
     volume += std::abs(height - previousHeight) * previousArea;

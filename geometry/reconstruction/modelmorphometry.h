@@ -26,9 +26,10 @@ public:
   long getNumVertices() const { return _numVertices; }
   /// Number of items.
   int getNumContours() const { return _numContours; }
-  /// Area of the surface without caps; -1 when the contours branch. NaN for points and regions.
+  /// Area of the surface through the contours, or the outer boundaries of regions, without caps; -1 when they branch.
+  /// NaN for points.
   double getArea() const { return _area; }
-  /// Volume by slabs between the slices, for closed curves; NaN for other models.
+  /// Volume by slabs between the slices, for closed curves and for regions, by their pixels; NaN for other models.
   double getVolume() const { return _volume; }
   /// Radius of the ball of equal volume.
   double getEquivRadius() const { return _equivRadius; }
@@ -50,8 +51,10 @@ public:
 private:
   void measureRegions(const StackReconstruction<double>& reconstruction);
   void setMoments(const Vector<double>& center, const SquareMatrix<double>& moments);
+  void setVolume(double volume);
   double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves);
-  double slabVolume(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves) const;
+  /// \param areas  of each item, in stack order
+  double slabVolume(const StackReconstruction<double>& reconstruction, const std::vector<double>& areas) const;
 
   const Model* _model = nullptr;
   long _numVertices = 0;

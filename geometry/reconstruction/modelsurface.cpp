@@ -5,57 +5,149 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
+
+using Tag = CurveStackTriangulationContourTag;
 
 namespace
 {
+
+/// More than any screen or printer shows; a stack file may ask for any size.
+constexpr std::int64_t mostQuadMeshVertices = std::int64_t{1} << 25;
 
 std::string quoted(const std::string& text)
 {
   return "\"" + text + "\"";
 }
 
-std::string warningAbout(const Model& model, const std::vector<const ModelItem*>& items,
-                         const std::vector<int>& ignoredCurves)
+std::string warningAbout(const Model& model, const std::vector<const ModelItem*>& ignoredItems)
 {
-  if (ignoredCurves.empty()) return "";
+  if (ignoredItems.empty()) return "";
   std::string text = "Model " + quoted(model.getName()) + ": contours without extent are left out, on slice";
-  for (std::size_t i = 0; i < ignoredCurves.size(); ++i)
-    text += (i == 0 ? " " : ", ") + quoted(items[ignoredCurves[i]]->getSlice()->getName());
+  for (std::size_t i = 0; i < ignoredItems.size(); ++i)
+    text += (i == 0 ? " " : ", ") + quoted(ignoredItems[i]->getSlice()->getName());
   return text;
 }
 
-/// Turns closed curves clockwise in the x-y plane. The sense is that of the drawn pixels, which is exact in any length
-/// unit; the maps mirror it, because rows run downwards and y upwards.
-template <class T> void orient(CurveStack<T>& curves, const std::vector<const ModelItem*>& items)
+/// Width and height of the model's quad mesh.
+std::pair<int, int> quadMeshSize(const Model& model)
 {
-  for (int i = 0; i < curves.getNumCurves(); ++i)
-    if (items[i]->isClockwise()) curves.level(i).reverse();
+  const ModelProperties& properties = model.getProperties();
+  return {properties.getQuadMeshWidth(), model.getItems().size() > 1 ? properties.getQuadMeshHeight() : 1};
+}
+
+/// What is wrong with the size of a model's quad mesh; empty when it is usable.
+std::string warningAboutSize(const Model& model)
+{
+  const auto [width, height] = quadMeshSize(model);
+  const int fewestColumns = model.getGeometry() == MPrimitive::Polyline ? 2 : 3;
+  const bool isTooSmall = width < fewestColumns || height < 2;
+  if (!isTooSmall && std::int64_t{width} * height <= mostQuadMeshVertices) return "";
+  return "Model " + quoted(model.getName()) + ": a quad mesh of width " + std::to_string(width) + " and height " +
+         std::to_string(height) + " is too " + (isTooSmall ? "small" : "large");
+}
+
+/// Whether tags on contours inside the stack ask for a division, which one grid cannot have.
+bool hasInnerTags(const std::vector<const ModelItem*>& items)
+{
+  for (std::size_t i = 0; i < items.size(); ++i)
+  {
+    const Tag tag = items[i]->getTriangulationTag();
+    if ((tag == Tag::Begin && i > 0) || (tag == Tag::End && i + 1 < items.size())) return true;
+  }
+  return false;
 }
 
 } // namespace
 
 template <class T> void ModelSurface<T>::apply(const Model& model)
 {
+  const Contours contours = contoursOf(model);
+  _numCurves = contours.curves.getNumCurves();
+  _warnings.clear();
+  if (!contours.warning.empty()) _warnings.push_back(contours.warning);
+  _quadMesh = QuadMesh<T>();
+  _mesh = TriMesh<T>();
+  if (_isResampling && canBeResampled(contours.curves))
+    resample(model, contours);
+  else
+    triangulate(model, contours);
+  _quadMesh.setName(model.getName());
+  _mesh.setName(model.getName());
+}
+
+template <class T> bool ModelSurface<T>::isResampled(const Model& model) const
+{
+  return _isResampling && canBeResampled(contoursOf(model).curves) && warningAboutSize(model).empty();
+}
+
+// Closed curves are turned clockwise in the x-y plane. The sense is that of the drawn pixels, which is exact in any
+// length unit; the maps mirror it, because rows run downwards and y upwards. The boundaries of regions have it already.
+template <class T> typename ModelSurface<T>::Contours ModelSurface<T>::contoursOf(const Model& model) const
+{
   const std::unique_ptr<Shape<T>> shape(_reconstruction.apply(model));
-  auto* const curves = dynamic_cast<CurveStack<T>*>(shape.get());
-  if (!curves)
+  auto* const all = dynamic_cast<CurveStack<T>*>(shape.get());
+  if (!all)
     throw UsageError("void ModelSurface<T>::apply(const Model&)",
                      "Model " + quoted(model.getName()) + " consists of points, which have no surface");
-  const std::vector<const ModelItem*> items = _reconstruction.itemsInStackOrder(model);
-  orient(*curves, items);
+  const std::vector<const ModelItem*> items = _reconstruction.itemsOfLevels(model);
+  Contours contours{CurveStack<T>(3, all->isOpen()), {}, ""};
+  std::vector<const ModelItem*> ignoredItems;
+  for (int i = 0; i < all->getNumCurves(); ++i)
+  {
+    const ModelItem* const item = items[static_cast<std::size_t>(i)];
+    if (CurveStackTriangulation2<T>::isDegenerate((*all)[i]))
+    {
+      ignoredItems.push_back(item);
+      continue;
+    }
+    if (item->isClockwise()) all->level(i).reverse();
+    contours.curves.append((*all)[i]);
+    contours.items.push_back(item);
+  }
+  contours.warning = warningAbout(model, ignoredItems);
+  return contours;
+}
 
+template <class T> void ModelSurface<T>::resample(const Model& model, const Contours& contours)
+{
+  if (const std::string warning = warningAboutSize(model); !warning.empty())
+  {
+    _warnings.push_back(warning);
+    return;
+  }
+  if (hasInnerTags(contours.items))
+    _warnings.push_back(
+        "Model " + quoted(model.getName()) +
+        ": tags within the stack have no effect on its quad mesh; the drawn contours can be joined instead");
+  const auto [width, height] = quadMeshSize(model);
+  _quadMesh = QuadMesh<T>(3, width, height);
+  contours.curves.resample(_quadMesh);
+  const ModelProperties& properties = model.getProperties();
+  const bool beginTag = contours.items.front()->getTriangulationTag() == Tag::Begin;
+  const bool endTag = contours.items.back()->getTriangulationTag() == Tag::End;
+  if (_quadMesh.isClosed())
+  {
+    if (_caps.first || (_caps.tagged && (properties.getBeginCapFlag() || beginTag))) _quadMesh.buildBeginCap();
+    if (_caps.last || (_caps.tagged && (properties.getEndCapFlag() || endTag))) _quadMesh.buildEndCap();
+  }
+  _mesh = _quadMesh.toTriMesh(true);
+  _mesh.computeNormals();
+}
+
+template <class T> void ModelSurface<T>::triangulate(const Model& model, const Contours& contours)
+{
+  Vector<Tag> tags(static_cast<int>(contours.items.size()));
+  std::ranges::transform(contours.items, tags.begin(), &ModelItem::getTriangulationTag);
   CurveStackTriangulation2<T> triangulation;
-  triangulation.setContourTags(_reconstruction.contourTags(model));
+  triangulation.setContourTags(tags);
   triangulation.setTriangulateCaps(_caps.tagged);
   triangulation.setTriangulateFirstCaps(_caps.first || (_caps.tagged && model.getProperties().getBeginCapFlag()));
   triangulation.setTriangulateLastCaps(_caps.last || (_caps.tagged && model.getProperties().getEndCapFlag()));
-  triangulation.apply(*curves);
-
-  _numCurves = curves->getNumCurves() - static_cast<int>(triangulation.getIgnoredCurves().size());
-  _warning = warningAbout(model, items, triangulation.getIgnoredCurves());
+  triangulation.apply(contours.curves);
   _mesh = triangulation.getTriMesh();
-  _mesh.setName(model.getName());
 }
 
 GEOMETRY_INSTANTIATE_REAL(ModelSurface)

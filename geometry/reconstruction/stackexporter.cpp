@@ -4,12 +4,43 @@
 #include "model/model.h"
 #include "model/stack.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <set>
 
 namespace
 {
 
 constexpr const char* exportSignature = "void StackExporter::export2AsciiSTL(...)";
+constexpr const char* quadMeshSuffix = ".qm";
+
+const char* suffixOf(SurfaceFormat format)
+{
+  switch (format)
+  {
+  case SurfaceFormat::Ply:
+    return ".ply";
+  case SurfaceFormat::Obj:
+    return ".obj";
+  default:
+    return ".stl";
+  }
+}
+
+void write(const TriMesh<float>& mesh, SurfaceFormat format, std::ostream& stream)
+{
+  switch (format)
+  {
+  case SurfaceFormat::AsciiStl:
+    return mesh.export2AsciiSTL(stream);
+  case SurfaceFormat::BinaryStl:
+    return mesh.export2BinarySTL(stream);
+  case SurfaceFormat::Ply:
+    return mesh.export2PLY(stream);
+  case SurfaceFormat::Obj:
+    return mesh.export2OBJ(stream);
+  }
+}
 
 void requireFilename(const std::string& name)
 {
@@ -49,54 +80,67 @@ bool hasNoSurface(const Model& model)
 
 void StackExporter::export2AsciiSTL(const Stack& stack, const std::string& directory, bool overwrite)
 {
-  StackReconstruction<float> reconstruction(stack);
+  const StackReconstruction<float> reconstruction(stack);
   std::vector<const Model*> models;
   models.reserve(static_cast<std::size_t>(stack.getNumModels()));
   for (int i = 0; i < stack.getNumModels(); ++i) models.push_back(stack.getModel(i));
-  export2AsciiSTL(models, reconstruction, directory, stack.getName(), overwrite);
+  exportModels(models, reconstruction, directory, stack.getName(), SurfaceFormat::AsciiStl, overwrite);
 }
 
 void StackExporter::export2AsciiSTL(const Model& model, StackReconstruction<float>& reconstruction,
                                     const std::string& directory, const std::string& prefix, bool overwrite)
 {
-  export2AsciiSTL(std::vector<const Model*>{&model}, reconstruction, directory, prefix, overwrite);
+  exportModels({&model}, reconstruction, directory, prefix, SurfaceFormat::AsciiStl, overwrite);
 }
 
-void StackExporter::export2AsciiSTL(const std::vector<const Model*>& models, StackReconstruction<float>& reconstruction,
-                                    const std::string& directory, const std::string& prefix, bool overwrite)
+void StackExporter::exportModels(const std::vector<const Model*>& models,
+                                 const StackReconstruction<float>& reconstruction, const std::string& directory,
+                                 const std::string& prefix, SurfaceFormat format, bool overwrite)
 {
   _warnings.clear();
   _filenames.clear();
-  const std::string base = basePath(directory, prefix);
-  std::vector<std::string> filenames;
-  for (const std::string& name : distinctNames(models)) filenames.push_back(base + name + ".stl");
+  std::vector<std::string> basenames = distinctNames(models);
+  for (std::string& name : basenames) name.insert(0, basePath(directory, prefix));
+  for (std::size_t i = 0; i < models.size() && !overwrite; ++i)
+  {
+    if (hasNoSurface(*models[i])) continue;
+    requireAbsent(basenames[i] + suffixOf(format), exportSignature);
+    const std::string quadMesh = basenames[i] + quadMeshSuffix;
+    if (std::error_code ignored;
+        std::filesystem::exists(quadMesh, ignored) && surfaceOf(reconstruction).isResampled(*models[i]))
+      requireAbsent(quadMesh, exportSignature);
+  }
   for (std::size_t i = 0; i < models.size(); ++i)
-    if (!overwrite && !hasNoSurface(*models[i])) requireAbsent(filenames[i], exportSignature);
+    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, basenames[i], format);
+}
 
-  for (std::size_t i = 0; i < models.size(); ++i)
-    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, filenames[i]);
+ModelSurface<float> StackExporter::surfaceOf(const StackReconstruction<float>& reconstruction) const
+{
+  ModelSurface<float> surface(reconstruction);
+  surface.setCaps(_caps);
+  surface.setResampling(_isResampling);
+  return surface;
 }
 
 void StackExporter::exportModel(const Model& model, const StackReconstruction<float>& reconstruction,
-                                const std::string& filename)
+                                const std::string& basename, SurfaceFormat format)
 {
-  if (model.getGeometry() == MPrimitive::Region)
-  {
-    _warnings.push_back("Model \"" + model.getName() + "\": regions cannot be reconstructed yet, nothing is written");
-    return;
-  }
-  ModelSurface<float> surface(reconstruction);
-  surface.setCaps(_caps);
+  ModelSurface<float> surface = surfaceOf(reconstruction);
   surface.apply(model);
-  if (!surface.getWarning().empty()) _warnings.push_back(surface.getWarning());
+  _warnings.insert(_warnings.end(), surface.getWarnings().begin(), surface.getWarnings().end());
   if (surface.getNumCurves() < 2) return;
   if (surface.getTriMesh().getNumTriangles() == 0)
   {
-    _warnings.push_back("Model \"" + model.getName() + "\": no two contours can be joined, nothing is written");
+    _warnings.push_back("Model \"" + model.getName() + "\": no two contours are joined, nothing is written");
     return;
   }
-  OutputFile file(filename, true, exportSignature);
-  surface.getTriMesh().export2AsciiSTL(file.stream());
+  if (!surface.getQuadMesh().isEmpty())
+  {
+    surface.getQuadMesh().save(basename + quadMeshSuffix, true);
+    _filenames.push_back(basename + quadMeshSuffix);
+  }
+  OutputFile file(basename + suffixOf(format), true, exportSignature);
+  write(surface.getTriMesh(), format, file.stream());
   file.commit();
-  _filenames.push_back(filename);
+  _filenames.push_back(basename + suffixOf(format));
 }

@@ -5,26 +5,38 @@
 #include <string>
 #include <vector>
 
-/// Writes the reconstructed surfaces of a stack's models as ASCII STL files.
+/// The formats of surface files.
+enum class SurfaceFormat
+{
+  AsciiStl,
+  BinaryStl,
+  Ply,
+  Obj
+};
+
+/// Writes the reconstructed surfaces of a stack's models.
 ///
-/// Models of points have no surface and are passed over, as are models of fewer than two curves.
+/// Models of points have no surface and are passed over, as are models of fewer than two curves. Contours that do not
+/// branch are resampled onto the model's quad mesh, which is saved beside the surface in a ".qm" file; contours that do
+/// are joined as they were drawn.
 class StackExporter
 {
 public:
   void setCaps(const SurfaceCaps& caps) { _caps = caps; }
+  /// Whether contours that do not branch are resampled, too; they are at first.
+  void setResampling(bool isResampling) { _isResampling = isResampling; }
 
-  /// Exports every model to "<directory>/<stack's name>-<model's name>.stl"; an empty directory or stack name leaves
-  /// out its separator. Models of one name are told apart by a number behind it. All target files are checked before
-  /// the first one is written.
-  /// \throw FileWriteError  a file exists and `overwrite` is false, or cannot be written
-  /// \throw ValueError  a model's name cannot be part of a file name
+  /// Exports every model as ASCII STL to "<directory>/<stack's name>-<model's name>.stl"; an empty directory or stack
+  /// name leaves out its separator. Models of one name are told apart by a number behind it. All target files are
+  /// checked before the first one is written. \throw FileWriteError  a file exists and `overwrite` is false, or cannot
+  /// be written \throw ValueError  a model's name cannot be part of a file name
   void export2AsciiSTL(const Stack& stack, const std::string& directory, bool overwrite);
-  /// The same for some models of a stack.
-  void export2AsciiSTL(const std::vector<const Model*>& models, StackReconstruction<float>& reconstruction,
-                       const std::string& directory, const std::string& prefix, bool overwrite);
   /// The same for one model.
   void export2AsciiSTL(const Model& model, StackReconstruction<float>& reconstruction, const std::string& directory,
                        const std::string& prefix, bool overwrite);
+  /// The same for some models of a stack, in any format: the files end with ".stl", ".ply" or ".obj".
+  void exportModels(const std::vector<const Model*>& models, const StackReconstruction<float>& reconstruction,
+                    const std::string& directory, const std::string& prefix, SurfaceFormat format, bool overwrite);
 
   /// Lines about what the last export left out.
   const std::vector<std::string>& getWarnings() const { return _warnings; }
@@ -32,9 +44,12 @@ public:
   const std::vector<std::string>& getFilenames() const { return _filenames; }
 
 private:
-  void exportModel(const Model& model, const StackReconstruction<float>& reconstruction, const std::string& filename);
+  ModelSurface<float> surfaceOf(const StackReconstruction<float>& reconstruction) const;
+  void exportModel(const Model& model, const StackReconstruction<float>& reconstruction, const std::string& basename,
+                   SurfaceFormat format);
 
   SurfaceCaps _caps;
+  bool _isResampling = true;
   std::vector<std::string> _warnings;
   std::vector<std::string> _filenames;
 };

@@ -1,5 +1,6 @@
 #include "geometry/reconstruction/stackreconstruction.h"
 
+#include "geometry/reconstruction/regionboundaries.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stack.h"
@@ -56,9 +57,9 @@ template <class T> void mapPixel(const Vector<T>& map, T z, T u, T v, T* point)
   point[2] = z;
 }
 
-template <class T> void mapVertices(const Vertices<int>& pixels, const Vector<T>& map, T z, T* points)
+template <class T, class Pixel> void mapVertices(const Vertices<Pixel>& pixels, const Vector<T>& map, T z, T* points)
 {
-  const int* const data = pixels.data();
+  const Pixel* const data = pixels.data();
   for (std::ptrdiff_t i = 0; i < pixels.getSize(); ++i)
     mapPixel<T>(map, z, static_cast<T>(data[2 * i]), static_cast<T>(data[2 * i + 1]), points + 3 * i);
 }
@@ -146,11 +147,8 @@ template <class T> Shape<T>* StackReconstruction<T>::apply(const ModelItem& item
 template <class T> Shape<T>* StackReconstruction<T>::apply(const Model& model) const
 {
   const MPrimitive geometry = model.getGeometry();
-  if (geometry == MPrimitive::Region)
-    throw UsageError("Shape<T>* StackReconstruction<T>::apply(const Model&) const",
-                     "Model \"" + model.getName() + "\" consists of regions, which cannot be reconstructed yet");
   std::unique_ptr<VertexStack<T>> stack;
-  if (isCurve(geometry))
+  if (isCurve(geometry) || geometry == MPrimitive::Region)
     stack = std::make_unique<CurveStack<T>>(3, geometry == MPrimitive::Polyline);
   else
     stack = std::make_unique<VertexStack<T>>(3);
@@ -159,19 +157,43 @@ template <class T> Shape<T>* StackReconstruction<T>::apply(const Model& model) c
   Vertices<T> vertices(3);
   for (const ModelItem* item : itemsInStackOrder(model))
   {
-    map(vertices, *item);
-    stack->append(vertices);
+    if (item->isRegion())
+      appendBoundaries(*stack, *item);
+    else
+    {
+      map(vertices, *item);
+      stack->append(vertices);
+    }
   }
   return stack.release();
+}
+
+template <class T> void StackReconstruction<T>::appendBoundaries(VertexStack<T>& stack, const ModelItem& item) const
+{
+  const int slice = item.getSlice()->getIndex();
+  for (const Curve<double>& boundary : outerBoundaries(item.getRLEItemSet()))
+  {
+    Vertices<T> vertices(3, boundary.getSize());
+    mapVertices(boundary, _maps[slice], _zMap[slice], vertices.data());
+    stack.append(vertices);
+  }
 }
 
 template <class T>
 Vector<CurveStackTriangulationContourTag> StackReconstruction<T>::contourTags(const Model& model) const
 {
-  const std::vector<const ModelItem*> items = itemsInStackOrder(model);
+  const std::vector<const ModelItem*> items = itemsOfLevels(model);
   Vector<CurveStackTriangulationContourTag> tags(static_cast<int>(items.size()));
   std::ranges::transform(items, tags.begin(), &ModelItem::getTriangulationTag);
   return tags;
+}
+
+template <class T> std::vector<const ModelItem*> StackReconstruction<T>::itemsOfLevels(const Model& model) const
+{
+  std::vector<const ModelItem*> items;
+  for (const ModelItem* item : itemsInStackOrder(model))
+    items.insert(items.end(), item->isRegion() ? outerBoundaries(item->getRLEItemSet()).size() : 1, item);
+  return items;
 }
 
 template <class T> std::vector<const ModelItem*> StackReconstruction<T>::itemsInStackOrder(const Model& model) const

@@ -37,17 +37,21 @@ public:
   /// The item in 3D: a curve or, for points and regions, a vertex set. The caller owns it.
   Shape<T>* apply(const ModelItem& item) const;
   /// The model in 3D, slices in stack order and their items in list order: a CurveStack of closed or open curves, or a
-  /// VertexStack for points. Items on slices outside the stack are left out, with a line on the error stream for each.
-  /// The caller owns the result. \throw UsageError  the model's items are regions
+  /// VertexStack for points. Each region becomes its outer boundaries, closed curves along the sides of its pixels.
+  /// Items on slices outside the stack are left out, with a line on the error stream for each. The caller owns the
+  /// result.
   Shape<T>* apply(const Model& model) const;
-  /// The tag of each item, in the order of apply(Model).
+  /// The tag of the item of each curve or vertex set, in the order of apply(Model).
   Vector<CurveStackTriangulationContourTag> contourTags(const Model& model) const;
+  /// The item of each curve or vertex set, in the order of apply(Model); a region once per outer boundary.
+  std::vector<const ModelItem*> itemsOfLevels(const Model& model) const;
   /// The model's items in the order of apply(Model), without those on slices outside the stack.
   std::vector<const ModelItem*> itemsInStackOrder(const Model& model) const;
 
 private:
   /// The index of the item's slice, -1 with a line on the error stream when it is not one of the mapped slices.
   int findSlice(const ModelItem& item) const;
+  void appendBoundaries(VertexStack<T>& stack, const ModelItem& item) const;
 
   const Stack* _stack = nullptr;
   std::vector<Vector<T>> _maps;

@@ -175,6 +175,36 @@ TEST_F(Batch, ExportWritesSurfacesOnce)
   EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
+TEST_F(Batch, ExportResamplesOntoTheModelsQuadMeshAndWritesEveryFormat)
+{
+  const struct
+  {
+    std::string format, suffix, start;
+  } cases[] = {
+      {"stl", ".stl", "solid nucleus"},
+      {"stl-binary", ".stl", "Mirelo nucleus"},
+      {"ply", ".ply", "ply"},
+      {"obj", ".obj", "o nucleus"},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.format);
+    const Result result =
+        run("export " + example + " --out " + c.format + " --model nucleus --caps all --format " + c.format);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, IsEmpty());
+    EXPECT_THAT(contents(folder / c.format / ("specimen-nucleus" + c.suffix)), StartsWith(c.start));
+    EXPECT_THAT(contents(folder / c.format / "specimen-nucleus.qm"), StartsWith("# 4\n# 3\n# 10000\n"));
+  }
+  // The surface is refused as long as the quad mesh beside it exists.
+  fs::remove(folder / "ply" / "specimen-nucleus.ply");
+  const Result refused = run("export " + example + " --out ply --model nucleus --format ply");
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.errors, HasSubstr("specimen-nucleus.qm : file exists"));
+  EXPECT_FALSE(fs::exists(folder / "ply" / "specimen-nucleus.ply"));
+  EXPECT_EQ(run("export " + example + " --out ply --model nucleus --format vrml").status, 2);
+}
+
 TEST_F(Batch, MeasuresAreTheSameInBothForms)
 {
   const Result csv = run("measure " + example + " --sheet models");

@@ -125,6 +125,25 @@ TEST_F(ModelMorphometryTest, RegionsAreMeasuredAsTheirPositions)
   }
 }
 
+TEST_F(ModelMorphometryTest, RegionsHaveTheAreaOfTheirBoundariesAndTheVolumeOfTheirPixels)
+{
+  Model& region = model(MPrimitive::Region);
+  std::vector<RLEItem> runs;
+  for (int x = 0; x < 20; ++x) runs.emplace_back(x, 5, 10);
+  for (int i = 0; i < 3; ++i)
+  {
+    RLEItemSet rectangle(runs);
+    for (int x = 4; x < 10; ++x) rectangle.remove(RLEItem(x, 7, 5)); // a hole of 30 of the 200 pixels
+    ModelItem::create(region, *_stack.getSlice(i)).setRLEItemSet(rectangle);
+  }
+  EXPECT_DOUBLE_EQ(measured(region).getArea(), 2 * (20 * 0.5 + 10 * 0.25) * 4);
+  EXPECT_DOUBLE_EQ(measured(region).getVolume(), 170 * 0.125 * 6);
+  EXPECT_DOUBLE_EQ(measured(region).getEquivRadius(), std::cbrt(3 * 127.5 / (4 * std::numbers::pi)));
+  ModelItem::create(region, *_stack.getSlice(1)).setRLEItemSet(RLEItemSet({RLEItem(30, 0, 4)}));
+  EXPECT_EQ(measured(region).getArea(), -1);
+  EXPECT_DOUBLE_EQ(measured(region).getVolume(), 170 * 0.125 * 6 + 4 * 0.125 * 2);
+}
+
 TEST_F(ModelMorphometryTest, MeasuresOnlyWhatAGeometryHas)
 {
   Model& fibre = model(MPrimitive::Polyline);
@@ -142,7 +161,8 @@ TEST_F(ModelMorphometryTest, MeasuresOnlyWhatAGeometryHas)
   ModelItem::create(regions, *_stack.getSlice(1)).setRLEItemSet(RLEItemSet({RLEItem(20, 10, 3)}));
   EXPECT_EQ(measured(regions).getNumContours(), 1);
   EXPECT_EQ(measured(regions).getNumVertices(), 3);
-  EXPECT_TRUE(std::isnan(measured(regions).getArea()) && std::isnan(measured(regions).getVolume()));
+  EXPECT_EQ(measured(regions).getArea(), 0);
+  EXPECT_DOUBLE_EQ(measured(regions).getVolume(), 3 * 0.125 * 2);
 
   const ModelMorphometry empty = measured(model(MPrimitive::Polypoint));
   EXPECT_EQ(empty.getNumVertices(), 0);

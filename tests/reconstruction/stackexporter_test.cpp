@@ -53,6 +53,17 @@ protected:
     return content.str();
   }
 
+  /// Number of facets of an STL text; 0 without the file.
+  int numFacets(const std::string& name) const
+  {
+    const std::string content = text(name);
+    int count = 0;
+    for (std::size_t at = content.find("facet normal"); at != std::string::npos;
+         at = content.find("facet normal", at + 1))
+      ++count;
+    return count;
+  }
+
   void exportAll(bool overwrite = false) { _exporter.export2AsciiSTL(_stack, _folder, overwrite); }
 
   std::string _folder =
@@ -83,16 +94,71 @@ TEST_F(StackExporterTest, WritesOneFilePerSurface)
   addItem(addModel(_stack, "single", MPrimitive::Polygon), *_stack.getSlice(0), square);
   addModel(_stack, "empty", MPrimitive::Polygon);
   exportAll();
-  EXPECT_EQ(files(), (std::set<std::string>{"specimen-cell.stl", "specimen-fibre.stl"}));
+  EXPECT_EQ(files(), (std::set<std::string>{"specimen-cell.qm", "specimen-cell.stl", "specimen-fibre.qm",
+                                            "specimen-fibre.stl"}));
 
   const std::string cell = text("specimen-cell.stl");
   EXPECT_EQ(cell.substr(0, 11), "solid cell\n");
   EXPECT_NE(cell.find("      vertex -50 50 0\n"), std::string::npos); // pixel (0, 0)
   EXPECT_EQ(cell.substr(cell.size() - 14), "endsolid cell\n");
-  std::size_t numFacets = 0;
-  for (std::size_t at = cell.find("facet normal"); at != std::string::npos; at = cell.find("facet normal", at + 1))
-    ++numFacets;
-  EXPECT_EQ(numFacets, 16u); // open at both ends
+  EXPECT_EQ(numFacets("specimen-cell.stl"), 2 * 100 * 99); // open at both ends
+  EXPECT_EQ(numFacets("specimen-fibre.stl"), 2 * 99 * 99);
+  const QuadMesh<float> quadMesh(_folder + "/specimen-fibre.qm");
+  EXPECT_TRUE(quadMesh.isOpen());
+  EXPECT_EQ(quadMesh.getHeight(99), 4);
+}
+
+TEST_F(StackExporterTest, QuadMeshesHaveTheModelsSize)
+{
+  const struct
+  {
+    int width, height;
+    int numFacets; // 0 when nothing is written
+  } cases[] = {
+      {4, 3, 16}, {7, 2, 14}, {2, 5, 0}, {5, 1, 0}, {0, 0, 0}, {-3, -3, 0}, {2000000000, 2000000000, 0},
+  };
+  Model& model = addColumn("cell");
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(std::to_string(c.width) + " x " + std::to_string(c.height));
+    model.getProperties().setQuadMeshWidth(c.width);
+    model.getProperties().setQuadMeshHeight(c.height);
+    exportAll();
+    EXPECT_EQ(files().size(), c.numFacets > 0 ? 2u : 0u);
+    EXPECT_EQ(_exporter.getWarnings().empty(), c.numFacets > 0);
+    EXPECT_EQ(numFacets("specimen-cell.stl"), c.numFacets);
+    for (const std::string& name : files()) fs::remove(_folder + "/" + name);
+  }
+  _exporter.setResampling(false);
+  exportAll();
+  EXPECT_EQ(files(), (std::set<std::string>{"specimen-cell.stl"}));
+  EXPECT_EQ(numFacets("specimen-cell.stl"), 16);
+}
+
+TEST_F(StackExporterTest, WritesEveryFormat)
+{
+  const struct
+  {
+    SurfaceFormat format;
+    const char* filename;
+    const char* start;
+    std::size_t size; // 0 for text
+  } cases[] = {
+      {SurfaceFormat::AsciiStl, "s-cell.stl", "solid cell\n", 0},
+      {SurfaceFormat::BinaryStl, "s-cell.stl", "Mirelo cell", 84 + 16 * 50},
+      {SurfaceFormat::Ply, "s-cell.ply", "ply\n", 0},
+      {SurfaceFormat::Obj, "s-cell.obj", "o cell\nv ", 0},
+  };
+  const Model& model = addColumn("cell");
+  const StackReconstruction<float> reconstruction(_stack);
+  _exporter.setResampling(false);
+  for (const auto& c : cases)
+  {
+    _exporter.exportModels({&model}, reconstruction, _folder, "s", c.format, true);
+    EXPECT_EQ(_exporter.getFilenames(), (std::vector<std::string>{_folder + "/" + c.filename}));
+    EXPECT_EQ(text(c.filename).substr(0, std::string(c.start).size()), c.start);
+    EXPECT_TRUE(c.size == 0 || text(c.filename).size() == c.size);
+  }
 }
 
 TEST_F(StackExporterTest, LeavesOutSeparatorsOfEmptyNames)
@@ -104,7 +170,7 @@ TEST_F(StackExporterTest, LeavesOutSeparatorsOfEmptyNames)
   _exporter.export2AsciiSTL(model, reconstruction, "", "", false);
   fs::current_path(before);
   _exporter.export2AsciiSTL(model, reconstruction, _folder, "stack", false);
-  EXPECT_EQ(files(), (std::set<std::string>{"cell.stl", "stack-cell.stl"}));
+  EXPECT_EQ(files(), (std::set<std::string>{"cell.qm", "cell.stl", "stack-cell.qm", "stack-cell.stl"}));
 }
 
 TEST_F(StackExporterTest, ChecksEveryTargetBeforeItWritesOne)
@@ -127,6 +193,13 @@ TEST_F(StackExporterTest, ChecksEveryTargetBeforeItWritesOne)
   EXPECT_EQ(text("specimen-b.stl"), "kept");
   exportAll(true);
   EXPECT_EQ(text("specimen-b.stl").substr(0, 8), "solid b\n");
+
+  for (const char* name : {"specimen-a.stl", "specimen-a.qm", "specimen-b.stl"}) fs::remove(_folder + "/" + name);
+  expectError<FileWriteError>("specimen-b.qm : file exists", [&] { exportAll(); });
+  EXPECT_EQ(files(), (std::set<std::string>{"specimen-b.qm"}));
+  addItem(*_stack.getModel(1), *_stack.getSlice(1), farSquare); // a branching model has no quad mesh to write
+  exportAll();
+  EXPECT_EQ(files().size(), 4u);
 }
 
 TEST_F(StackExporterTest, KeepsModelsOfOneNameApart)
@@ -134,21 +207,20 @@ TEST_F(StackExporterTest, KeepsModelsOfOneNameApart)
   addColumn("cell");
   addColumn("cell-2");
   addColumn("cell");
+  _exporter.setResampling(false);
   exportAll();
   EXPECT_EQ(files(), (std::set<std::string>{"specimen-cell.stl", "specimen-cell-2.stl", "specimen-cell-3.stl"}));
   addColumn("in/out");
   expectError<ValueError>("in/out", [&] { exportAll(true); });
 }
 
-TEST_F(StackExporterTest, JoinsBranchesAndTellsOfModelsThatItLeavesOut)
+TEST_F(StackExporterTest, JoinsBranchesAsTheyWereDrawn)
 {
   Model& vessel = addColumn("vessel");
   addItem(vessel, *_stack.getSlice(1), farSquare);
-  addColumn("regions", MPrimitive::Region);
   exportAll();
   EXPECT_EQ(files(), (std::set<std::string>{"specimen-vessel.stl"}));
-  ASSERT_EQ(_exporter.getWarnings().size(), 1u);
-  EXPECT_NE(_exporter.getWarnings()[0].find("\"regions\""), std::string::npos);
+  EXPECT_TRUE(_exporter.getWarnings().empty());
 }
 
 TEST_F(StackExporterTest, LeavesNothingBehindWhenAFolderIsMissing)
@@ -168,11 +240,15 @@ TEST_F(StackExporterTest, SurfacesFaceOutHoweverTheContoursAreDrawn)
   {
     _stack.setInvertZAxis(invertZ);
     const StackReconstruction<float> reconstruction(_stack);
-    ModelSurface<float> surface(reconstruction);
-    surface.setCaps({false, true, true});
-    surface.apply(model);
-    EXPECT_TRUE(isClosedManifold(surface.getTriMesh()));
-    EXPECT_DOUBLE_EQ(signedVolume(surface.getTriMesh()), 400);
+    for (const bool isResampling : {false, true})
+    {
+      ModelSurface<float> surface(reconstruction);
+      surface.setCaps({false, true, true});
+      surface.setResampling(isResampling);
+      surface.apply(model);
+      EXPECT_TRUE(isClosedManifold(surface.getTriMesh()));
+      EXPECT_NEAR(signedVolume(surface.getTriMesh()), 400, 1e-3);
+    }
   }
 }
 
@@ -194,6 +270,8 @@ TEST_F(StackExporterTest, CapsFollowTagsAndTheModelsFlagsWhenAskedTo)
       {"first and last", {false, true, true}, false, false, Tag::None, 20},
   };
   Model& model = addColumn("cell");
+  model.getProperties().setQuadMeshWidth(4);
+  model.getProperties().setQuadMeshHeight(3);
   for (const auto& c : cases)
   {
     SCOPED_TRACE(c.name);
@@ -201,11 +279,54 @@ TEST_F(StackExporterTest, CapsFollowTagsAndTheModelsFlagsWhenAskedTo)
     model.getProperties().setEndCapFlag(c.endFlag);
     model.getItem(0)->setTriangulationTag(c.firstTag);
     const StackReconstruction<float> reconstruction(_stack);
-    ModelSurface<float> surface(reconstruction);
-    surface.setCaps(c.caps);
-    surface.apply(model);
-    EXPECT_EQ(surface.getTriMesh().getNumTriangles(), c.numTriangles);
+    for (const bool isResampling : {false, true})
+    {
+      ModelSurface<float> surface(reconstruction);
+      surface.setCaps(c.caps);
+      surface.setResampling(isResampling);
+      surface.apply(model);
+      EXPECT_EQ(surface.getTriMesh().getNumTriangles(), c.numTriangles);
+      EXPECT_EQ(surface.getQuadMesh().isEmpty(), !isResampling);
+      EXPECT_TRUE(surface.getWarnings().empty());
+    }
   }
+}
+
+TEST_F(StackExporterTest, TellsOfTagsThatAQuadMeshCannotFollow)
+{
+  Model& model = addColumn("cell");
+  model.getItem(1)->setTriangulationTag(CurveStackTriangulationContourTag::Begin);
+  exportAll();
+  EXPECT_EQ(_exporter.getWarnings().size(), 1u);
+  _exporter.setResampling(false);
+  exportAll(true);
+  EXPECT_TRUE(_exporter.getWarnings().empty());
+  EXPECT_EQ(numFacets("specimen-cell.stl"), 8); // nothing joins the first two contours
+}
+
+TEST_F(StackExporterTest, RegionsAreClosedAlongTheirPixels)
+{
+  Model& model = addModel(_stack, "region", MPrimitive::Region);
+  // 4 by 3 pixels, the middle one missing on the second slice: the hole is not on the outer boundary.
+  for (int i = 0; i < 3; ++i)
+  {
+    RLEItemSet region({RLEItem(5, 7, 3), RLEItem(6, 7, 3), RLEItem(7, 7, 3), RLEItem(8, 7, 3)});
+    if (i == 1) region.remove(6, 8);
+    ModelItem::create(model, *_stack.getSlice(i)).setRLEItemSet(region);
+  }
+  const StackReconstruction<double> reconstruction(_stack);
+  for (const bool isResampling : {false, true})
+  {
+    ModelSurface<double> surface(reconstruction);
+    surface.setCaps({false, true, true});
+    model.getProperties().setQuadMeshWidth(14); // the perimeter in pixels
+    surface.setResampling(isResampling);
+    surface.apply(model);
+    EXPECT_TRUE(isClosedManifold(surface.getTriMesh()));
+    EXPECT_NEAR(signedVolume(surface.getTriMesh()), 12 * 4, 1e-9);
+  }
+  exportAll();
+  EXPECT_EQ(files(), (std::set<std::string>{"specimen-region.qm", "specimen-region.stl"}));
 }
 
 TEST_F(StackExporterTest, NamesTheContoursThatItLeavesOut)
@@ -217,5 +338,5 @@ TEST_F(StackExporterTest, NamesTheContoursThatItLeavesOut)
   EXPECT_EQ(_exporter.getWarnings(),
             (std::vector<std::string>{"Model \"cell\": contours without extent are left out, on "
                                       "slice \"slice 0\", \"slice 2\""}));
-  EXPECT_EQ(files().size(), 1u);
+  EXPECT_EQ(files().size(), 2u);
 }

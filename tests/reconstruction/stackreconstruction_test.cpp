@@ -131,7 +131,29 @@ TEST(StackReconstruction, MapsEveryGeometry)
   const std::unique_ptr<Shape<float>> positions(reconstruction.apply(region));
   EXPECT_EQ(pointsOf(dynamic_cast<const Vertices<float>&>(*positions)),
             (std::vector<std::vector<float>>{{-1, 0, 0}, {2, -7, 0}, {2, -8, 0}}));
-  expectError<UsageError>("\"regions\"", [&] { reconstructed<float>(stack, regions); });
+}
+
+TEST(StackReconstruction, RegionsBecomeTheirOuterBoundaries)
+{
+  Stack stack;
+  StackSlice& slice = addSlice(stack, 0, 0);
+  Model& regions = addModel(stack, "regions", MPrimitive::Region);
+  ModelItem::create(regions, slice);
+  ModelItem& two = ModelItem::create(regions, slice); // pixels that meet at a corner only
+  two.setRLEItemSet(RLEItemSet({RLEItem(2, 7, 2), RLEItem(3, 9, 1)}));
+  two.setTriangulationTag(CurveStackTriangulationContourTag::End);
+  ModelItem::create(regions, slice).setRLEItemSet(RLEItemSet({RLEItem(0, 0, 1)}));
+
+  const auto shape = reconstructed<double>(stack, regions);
+  const auto& curves = dynamic_cast<const CurveStack<double>&>(*shape);
+  ASSERT_EQ(curves.getNumCurves(), 3);
+  EXPECT_TRUE(curves.isClosed());
+  EXPECT_EQ(pointsOf(curves[0]),
+            (std::vector<std::vector<double>>{{2.5, -6.5, 0}, {2.5, -8.5, 0}, {1.5, -8.5, 0}, {1.5, -6.5, 0}}));
+  EXPECT_EQ(curves[0].twiceArea(0, 1), -4);
+  EXPECT_EQ(curves[1].twiceArea(0, 1), -2);
+  using Tag = CurveStackTriangulationContourTag;
+  EXPECT_EQ(StackReconstruction<double>(stack).contourTags(regions), (Vector<Tag>{Tag::End, Tag::End, Tag::None}));
 }
 
 TEST(StackReconstruction, IgnoresItemsOfOtherStacks)
