@@ -3,9 +3,11 @@
 #include "geometry/curvecorrespondence.h"
 #include "geometry/curvestack.h"
 #include "geometry/curvestacktriangulationcontourtag.h"
+#include "geometry/measuredcurve.h"
 #include "geometry/triangulationcode.h"
 #include "geometry/trimesh.h"
 
+#include <memory>
 #include <vector>
 
 /// How two contours are joined; any other value joins nothing.
@@ -55,13 +57,15 @@ private:
   struct MeshCurve
   {
     const Curve<T>* curve;
-    int offset;
+    std::shared_ptr<const MeasuredCurve<T>> measured;
     CurveStackTriangulationContourTag tag;
+    int offset = 0;
     bool isClosed = false;   // has got its end cap
     bool isReversed = false; // an open curve that is walked from its end
   };
   using Level = std::vector<MeshCurve>;
 
+  static bool isDegenerate(const MeasuredCurve<T>& curve);
   void build(const CurveStack<T>& stack);
   std::vector<Level> levels(const CurveStack<T>& stack);
   Level firstLowerLevel(const Level& level);
@@ -74,8 +78,10 @@ private:
   /// What one side of a group shows to the other one: its only curve, or the contour into which its curves merge.
   struct Seam
   {
-    Curve<T> curve;
+    std::shared_ptr<const MeasuredCurve<T>> measured;
     std::vector<int> indexes; // in the mesh, of the curve's vertices
+
+    const Curve<T>& curve() const { return measured->getCurve(); }
   };
   Seam seamOf(Level& level, std::vector<int>& members, T otherHeight);
   /// Joins several closed curves to one contour between their height and the other one.
@@ -94,7 +100,7 @@ private:
   /// front behind their ends.
   void addStrip(const std::vector<int>& a, const std::vector<int>& b, const TriangulationCode& code, bool isUpwards);
   void computeMeshBetweenTwoCurves(const Seam& a, const Seam& b);
-  TriangulationCode computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const;
+  TriangulationCode computeTriangulationCode(const Seam& a, const Seam& b) const;
   void appendCurveTriangulation(const MeshCurve& curve, bool isEndCap);
 
   CurveStackTriangulationMethod _method = ganapathy;

@@ -49,6 +49,8 @@ public:
   void addTriangle(int i, int j, int k);
   /// \throw SizeError  not three indexes \throw RangeError  there is no such vertex
   void addTriangle(const Vector<int>& indexes);
+  /// Adds triangles given by three indexes each. \throw SizeError, RangeError  as addTriangle(); nothing is added then
+  void addTriangles(const std::vector<int>& corners);
   /// Replaces all triangles. \throw SizeError, RangeError  as addTriangle()
   void setTriangles(const std::vector<Vector<int>>& triangles);
   void reserveTriangles(int numTriangles) { _indexes.reserve(3 * static_cast<std::size_t>(numTriangles)); }
