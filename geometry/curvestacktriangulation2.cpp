@@ -126,6 +126,7 @@ template <class T> void CurveStackTriangulation2<T>::build(const CurveStack<T>& 
   }
   for (const MeshCurve& curve : upper)
     if (_lastCaps && !curve.isClosed) appendCurveTriangulation(curve, true);
+  if (stack.isOpen() && stack.isBranching()) _mesh.orientConsistently(); // lines run as they were drawn
   _mesh.computeNormals();
 }
 
