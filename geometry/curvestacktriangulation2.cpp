@@ -423,7 +423,8 @@ template <class T>
 TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Seam& a, const Seam& b) const
 {
   if (_method == ganapathy) return computeTriangulationCodeGanapathy(*a.measured, *b.measured);
-  if (_method == optimal) return computeOptimalTriangulationCode(a.curve(), b.curve());
+  if (_method == optimal)
+    return withoutFullTurn(computeOptimalTriangulationCode(a.curve(), b.curve()), a.curve(), b.curve());
   return TriangulationCode();
 }
 
