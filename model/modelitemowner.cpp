@@ -40,12 +40,27 @@ void ModelItemOwner::addItem(ModelItem* item)
   noteMembership(*item, true);
 }
 
+void ModelItemOwner::insertItem(ModelItem* item, int i)
+{
+  _items.insert(_items.begin() + i, item);
+  noteMembership(*item, true);
+}
+
 void ModelItemOwner::removeItem(ModelItem* item)
 {
-  const auto found = std::find(_items.begin(), _items.end(), item);
-  if (found == _items.end()) return;
-  _items.erase(found);
+  takeItem(item);
+}
+
+int ModelItemOwner::takeItem(ModelItem* item)
+{
+  // From the end: what was drawn last goes first, and so do the items of a selection that is deleted.
+  const auto found = std::find(_items.rbegin(), _items.rend(), item);
+  if (found == _items.rend()) return -1;
+  const auto place = found.base() - 1;
+  const auto index = static_cast<int>(place - _items.begin());
+  _items.erase(place);
   noteMembership(*item, false);
+  return index;
 }
 
 void ModelItemOwner::removeAllItems()
@@ -54,15 +69,37 @@ void ModelItemOwner::removeAllItems()
   _items.clear();
 }
 
-void ModelItemOwner::removeItemsIf(const std::function<bool(const ModelItem&)>& test)
+std::vector<ModelItemOwner::Place> ModelItemOwner::takeItemsIf(const std::function<bool(const ModelItem&)>& test)
 {
-  const auto removes = [&](ModelItem* item)
+  std::vector<Place> places;
+  int index = 0;
+  const auto takes = [&](ModelItem* item)
   {
-    const bool goes = test(*item);
-    if (goes) noteMembership(*item, false);
-    return goes;
+    const int i = index++;
+    if (!test(*item)) return false;
+    places.push_back({i, item});
+    noteMembership(*item, false);
+    return true;
   };
-  std::erase_if(_items, removes);
+  _items.erase(std::remove_if(_items.begin(), _items.end(), takes), _items.end());
+  return places;
+}
+
+void ModelItemOwner::restoreItems(const std::vector<Place>& places)
+{
+  std::vector<ModelItem*> items;
+  items.reserve(_items.size() + places.size());
+  auto next = _items.begin();
+  for (const Place& place : places)
+  {
+    const auto numBefore = place.index - static_cast<int>(items.size());
+    items.insert(items.end(), next, next + numBefore);
+    next += numBefore;
+    items.push_back(place.item);
+  }
+  items.insert(items.end(), next, _items.end());
+  _items = std::move(items);
+  for (const Place& place : places) noteMembership(*place.item, true);
 }
 
 ModelItem* ModelItemOwner::getSelectedItem() const

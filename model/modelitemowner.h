@@ -22,7 +22,22 @@ public:
   void removeItem(ModelItem* item);
   void removeAllItems();
   /// Takes all items off the list for which the test holds, in one pass.
-  void removeItemsIf(const std::function<bool(const ModelItem&)>& test);
+  void removeItemsIf(const std::function<bool(const ModelItem&)>& test) { takeItemsIf(test); }
+
+  /// An item and its index in the list.
+  struct Place
+  {
+    int index;
+    ModelItem* item;
+  };
+  /// Takes an item off the list. \return the index that it had, -1 when it is not listed
+  int takeItem(ModelItem* item);
+  /// Inserts an item before item i. Unchecked.
+  void insertItem(ModelItem* item, int i);
+  /// Takes all items off the list for which the test holds, in one pass. \return their places, in ascending order
+  std::vector<Place> takeItemsIf(const std::function<bool(const ModelItem&)>& test);
+  /// Undoes takeItemsIf(), in one pass. Unchecked: the list is as that left it.
+  void restoreItems(const std::vector<Place>& places);
 
   /// The first item whose selection is not empty, or nullptr.
   ModelItem* getSelectedItem() const;

@@ -23,6 +23,8 @@ public:
   int getSize() const { return _numSelected; }
   int getNumVertices() const { return static_cast<int>(_flags.size()); }
 
+  bool operator==(const ModelItemSelection& other) const = default;
+
   /// Makes room for unselected vertices before vertex i. Unchecked.
   void insert(int i, int count = 1);
   /// Drops the flags of the vertices first to last, both included. Unchecked.

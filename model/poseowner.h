@@ -16,6 +16,8 @@ public:
   /// Index of this very pose, -1 when absent.
   int findPose(const Pose* pose) const;
   void addPose(Pose* pose) { _poses.push_back(pose); }
+  /// Inserts a pose before pose i. Unchecked.
+  void insertPose(Pose* pose, int i) { _poses.insert(_poses.begin() + i, pose); }
   /// Takes pose i off the list. Unchecked.
   void removePose(int i) { _poses.erase(_poses.begin() + i); }
   /// Nothing happens when the pose is not listed.

@@ -79,6 +79,8 @@ public:
   StackSlice& addSlice(std::unique_ptr<StackSlice> slice, int i) { return _slices.insert(std::move(slice), i); }
   /// Detaches slice i with its items. Unchecked.
   std::unique_ptr<StackSlice> removeSlice(int i) { return _slices.take(i); }
+  /// Moves slice i to place j; its items and its own depth go with it. Unchecked.
+  void moveSlice(int i, int j) { _slices.move(i, j); }
   /// Detaches slice i and deletes it with its items. Unchecked.
   void deleteSlice(int i) { removeSlice(i); }
   /// The absolute positions of all slices, front to back.
@@ -90,7 +92,11 @@ public:
   /// Index of the first model of this name or of this very model, -1 when absent.
   int findModel(const std::string& name) const { return _models.find(name); }
   int findModel(const Model* model) const { return _models.find(model); }
-  Model& addModel(std::unique_ptr<Model> model) { return _models.insert(std::move(model), getNumModels()); }
+  /// Appends a model or inserts it before model i, and gives it back. Unchecked.
+  Model& addModel(std::unique_ptr<Model> model) { return addModel(std::move(model), getNumModels()); }
+  Model& addModel(std::unique_ptr<Model> model, int i) { return _models.insert(std::move(model), i); }
+  /// Moves model i to place j. Unchecked.
+  void moveModel(int i, int j) { _models.move(i, j); }
   /// Detaches the model; its items stay on their slices. nullptr when it is not in this stack.
   std::unique_ptr<Model> removeModel(const Model* model);
   /// Deletes model i and its items. Unchecked.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -31,6 +32,8 @@ public:
   T& insert(std::unique_ptr<T> element, int i);
   /// Takes element i out. Unchecked.
   std::unique_ptr<T> take(int i);
+  /// Moves element i so that it becomes element j; those between shift by one. Unchecked.
+  void move(int i, int j);
   void clear();
   /// To be told when an element got another name.
   void noteRenamed(T& element, const std::string& oldName);
@@ -69,6 +72,13 @@ template <class T> std::unique_ptr<T> StackList<T>::take(int i)
   forgetName(element->getName(), *element);
   element->setStack(nullptr, -1);
   return element;
+}
+
+template <class T> void StackList<T>::move(int i, int j)
+{
+  const auto first = _elements.begin() + std::min(i, j), last = _elements.begin() + std::max(i, j) + 1;
+  std::rotate(first, i < j ? first + 1 : last - 1, last);
+  number(static_cast<std::size_t>(std::min(i, j)));
 }
 
 template <class T> void StackList<T>::clear()

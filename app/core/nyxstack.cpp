@@ -1,13 +1,34 @@
 #include "app/core/nyxstack.h"
 
+#include "app/core/actions/nyxsliceaction.h"
 #include "app/core/nyxeventserver.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 
+namespace
+{
+const Stack* stackOf(const NYXSliceEvent& event)
+{
+  return event.getSlice().getStack();
+}
+
+const Stack* stackOf(const NYXModelItemEvent& event)
+{
+  const StackSlice* const slice = event.getItem().getSlice();
+  return slice ? slice->getStack() : nullptr;
+}
+} // namespace
+
 NYXStack::NYXStack()
 {
+  QObject::connect(&_histories, &NYXStackHistories::changed, [this] { tellWhenModifiedFlips(); });
   NYXEventServer::attach(*this);
+}
+
+NYXStack::~NYXStack()
+{
+  NYXEventServer::detach(*this); // what ends now is news to the others only
 }
 
 void NYXStack::setFilename(const QString& filename)
@@ -16,9 +37,33 @@ void NYXStack::setFilename(const QString& filename)
   notifyEvent(NYXStackFileNameEvent(*this));
 }
 
+bool NYXStack::isModified() const
+{
+  return _isChangedByOthers || _numLooseChanges != 0 || !_histories.areAtSaved();
+}
+
 void NYXStack::setModified(bool flag)
 {
-  _isModified = flag;
+  _isChangedByOthers = flag;
+  if (!flag)
+  {
+    _numLooseChanges = 0;
+    _histories.setSaved();
+  }
+  _wasModified = isModified();
+  notifyEvent(NYXStackModifyEvent(*this));
+}
+
+void NYXStack::noteLooseChange(int count)
+{
+  _numLooseChanges += count;
+  tellWhenModifiedFlips();
+}
+
+void NYXStack::tellWhenModifiedFlips()
+{
+  if (isModified() == _wasModified) return;
+  _wasModified = !_wasModified;
   notifyEvent(NYXStackModifyEvent(*this));
 }
 
@@ -29,7 +74,128 @@ QString NYXStack::displayName() const
   return QCoreApplication::translate("NYXStack", "Untitled");
 }
 
+void NYXStack::updateReconstruction()
+{
+  _reconstruction.emplace(*this);
+}
+
+StackReconstruction<float>& NYXStack::getReconstruction()
+{
+  if (!_reconstruction) updateReconstruction();
+  return *_reconstruction;
+}
+
+void NYXStack::noteChange(const NYXEvent& event, const Stack* stack)
+{
+  if (stack != this || event.getAction()) return; // the histories know of actions
+  _isChangedByOthers = true;
+  tellWhenModifiedFlips();
+}
+
+void NYXStack::noteMovedSlices(const NYXEvent& event, const Stack* stack)
+{
+  if (stack == this) _reconstruction.reset();
+  noteChange(event, stack);
+}
+
+void NYXStack::processSliceAction(NYXSliceAction& action)
+{
+  if (&action.getStack() == this) _reconstruction.reset();
+}
+
+void NYXStack::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
+{
+  const Stack* const stack = stackOf(event);
+  if (stack == this && !event.getAction()) setLastSegmentedSlice(event.getItem().getSlice()->getName());
+  noteChange(event, stack);
+}
+
 void NYXStack::stackNameEvent(const NYXStackNameEvent& event)
 {
-  if (&event.getStack() == this) setModified(true);
+  noteChange(event, &event.getStack());
+}
+
+void NYXStack::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
+{
+  noteMovedSlices(event, &event.getStack());
+}
+
+void NYXStack::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
+{
+  noteMovedSlices(event, &event.getStack());
+}
+
+void NYXStack::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
+{
+  noteMovedSlices(event, &event.getStack());
+}
+
+void NYXStack::sliceAnnotationEvent(const NYXSliceAnnotationEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
+{
+  noteMovedSlices(event, stackOf(event));
+}
+
+void NYXStack::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
+{
+  noteMovedSlices(event, stackOf(event));
+}
+
+void NYXStack::modelCreateEvent(const NYXModelCreateEvent& event)
+{
+  noteChange(event, event.getStack());
+}
+
+void NYXStack::modelDeleteEvent(const NYXModelDeleteEvent& event)
+{
+  noteChange(event, event.getStack());
+}
+
+void NYXStack::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
+{
+  noteChange(event, event.getStack());
+}
+
+void NYXStack::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::modelItemAttributeEvent(const NYXModelItemAttributeEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  noteChange(event, stackOf(event));
+}
+
+void NYXStack::poseCreateEvent(const NYXPoseCreateEvent& event)
+{
+  noteChange(event, event.getPose().getStack());
+}
+
+void NYXStack::poseDeleteEvent(const NYXPoseDeleteEvent& event)
+{
+  noteChange(event, event.getPose().getStack());
 }

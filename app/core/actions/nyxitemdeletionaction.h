@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/core/actions/nyxdetacheditems.h"
+#include "app/core/actions/nyxitemaction.h"
+
+#include <vector>
+
+/// Items leave their models and slices; the action owns them meanwhile.
+class NYXItemDeletionAction : public NYXItemAction
+{
+public:
+  /// \throw UsageError  an item lies on no slice of an open stack, or there is none
+  explicit NYXItemDeletionAction(ModelItem& item) : NYXItemAction(item), _items({&item}) {}
+  explicit NYXItemDeletionAction(std::vector<ModelItem*> items);
+
+  void apply() override;
+  void revert() override;
+  QString description(bool isDetailed) const override;
+
+  const std::vector<ModelItem*>& getItems() const { return _items.getItems(); }
+
+private:
+  void postEvents() override;
+  bool isEqual(const NYXAction& other) const override;
+
+  NYXDetachedItems _items;
+};
