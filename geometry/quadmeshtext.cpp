@@ -22,6 +22,7 @@ QuadMesh<int> readColors(ShapeReader& reader, int width, int height)
 
 template <class T> void QuadMesh<T>::write(std::ostream& stream) const
 {
+  requireGrid("void QuadMesh<T>::write(std::ostream&) const");
   const int space = this->getSpace(), width = getWidth(), height = width > 0 ? getHeight() : 0;
   TextBuffer text(stream);
   text << "# " << static_cast<int>(getShapeType()) << "\n# " << space << "\n# " << this->getNumVertices() << '\n';

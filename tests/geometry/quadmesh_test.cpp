@@ -178,30 +178,50 @@ TEST(QuadMesh, RowsHaveOneSize)
   uneven.append(polygon(1, 0, 6));
   uneven.append(polygon(1, 1, 7));
   expectError<SizeError>("size", [&] { QuadMesh<double> rows(uneven); });
+  mesh[2].remove(0); // no grid any more
+  expectError<SizeError>("differ in size", [&] { mesh.toTriMesh(false); });
+  expectError<SizeError>("differ in size", [&] { textOf(mesh); });
+  expectError<SizeError>("differ in size", [&] { mesh.findMatch(mesh); });
+  expectError<SizeError>("differ in size", [&] { uneven.interpolate(mesh); });
+}
+
+/// The first shift of the smallest sum of squared distances.
+template <class T> int matchBySearch(const QuadMesh<T>& mesh, const QuadMesh<T>& other)
+{
+  int best = 0;
+  double least = std::numeric_limits<double>::infinity();
+  for (int shift = 0; shift < mesh.getWidth(); ++shift)
+  {
+    double sum = 0;
+    for (int i = 0; i < mesh.getHeight(); ++i)
+      for (int j = 0; j < mesh.getWidth(); ++j)
+        for (int k = 0; k < 3; ++k) sum += std::pow(mesh[i][(j + shift) % mesh.getWidth()][k] - other[i][j][k], 2);
+    if (sum < least) best = shift;
+    least = std::min(least, sum);
+  }
+  return best;
 }
 
 TEST(QuadMesh, MatchesBySquaredDistances)
 {
-  for (unsigned seed = 0; seed < 20; ++seed)
+  for (unsigned seed = 0; seed < 40; ++seed)
   {
-    const int width = 1 + static_cast<int>(seed) % 9;
+    const int width = 1 + static_cast<int>(seed) % 20;
     QuadMesh<double> mesh = randomMesh<double>(width, 3, seed);
-    const QuadMesh<double> other = randomMesh<double>(width, 3, seed + 100);
-    int best = 0;
-    double least = std::numeric_limits<double>::infinity();
-    for (int shift = 0; shift < width; ++shift)
-    {
-      double sum = 0;
-      for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < width; ++j)
-          for (int k = 0; k < 3; ++k) sum += std::pow(mesh[i][(j + shift) % width][k] - other[i][j][k], 2);
-      if (sum < least) best = shift;
-      least = std::min(least, sum);
-    }
+    const QuadMesh<double> other = randomMesh<double>(width, 3, seed + 100), before = mesh;
+    const int best = matchBySearch(mesh, other);
     EXPECT_EQ(mesh.findMatch(other), best);
-    const QuadMesh<double> before = mesh;
     mesh.match(other);
     EXPECT_EQ(pointsOf(mesh[2])[0], pointsOf(before[2])[static_cast<std::size_t>(best)]);
+    QuadMesh<int> period = randomMesh<int>(width, 2, seed), twice(3, 2 * width, 2); // two shifts are equally good
+    for (int i = 0; i < 2; ++i)
+    {
+      twice[i] = period[i];
+      twice[i].append(Vertices<int>(twice[i]));
+    }
+    QuadMesh<int> turned = twice;
+    for (int i = 0; i < 2; ++i) turned[i].setOrigin(width / 2);
+    EXPECT_EQ(twice.findMatch(turned), width / 2);
   }
   expectError<SizeError>("Size mismatch", [] { randomMesh<float>(4, 3, 0).match(randomMesh<float>(3, 4, 0)); });
   EXPECT_EQ(randomMesh<double>(5, 2, 1, true).findMatch(randomMesh<double>(5, 2, 2, true)), 0);
@@ -243,6 +263,11 @@ TEST(QuadMesh, ColoursSpanTheFiniteValues)
     }
   mesh.buildVertexColors({{1, 1, 1}, {1, 1, 1}}, colormap);
   EXPECT_EQ(mesh.getVertexColors()[1][2][0], 0);
+  mesh.buildVertexColors({{0, 1, 2}, {0, 1, 2}}, colormap);
+  QuadMesh<double> turned = mesh;
+  for (int i = 0; i < 2; ++i) turned[i].setOrigin(2);
+  mesh.match(turned); // the colours go with their vertices
+  EXPECT_EQ(mesh.getVertexColors()[1][0][0], 2);
   expectError<SizeError>("Size", [&] { mesh.buildVertexColors(Matrix<double>(3, 2), colormap); });
   expectError<SizeError>("no colours", [&] { mesh.buildVertexColors(Matrix<double>(2, 3), Colormap()); });
   mesh.append(mesh[0]);
