@@ -150,6 +150,35 @@ template <class P> bool foldsBack(const PlanePoint<P>& a, const PlanePoint<P>& b
 
 } // namespace
 
+template <class T> double Curve<T>::twiceArea(int i, int j) const
+{
+  requirePlane(i, j, this->getSpace(), "double Curve<T>::twiceArea(int, int) const");
+  const int size = this->getSize();
+  if (_open || size < 3) return 0;
+  double sum = 0;
+  const T* previous = this->data(size - 1);
+  for (int k = 0; k < size; ++k)
+  {
+    const T* const current = this->data(k);
+    sum += static_cast<double>(previous[i]) * static_cast<double>(current[j]) -
+           static_cast<double>(previous[j]) * static_cast<double>(current[i]);
+    previous = current;
+  }
+  return sum;
+}
+
+template <class T> int Curve<T>::projectedAreaSign(int i, int j) const
+{
+  const double area = twiceArea(i, j);
+  const double tolerance = Vector<T>::epsilon();
+  return area > tolerance ? 1 : area < -tolerance ? -1 : 0;
+}
+
+template <class T> void Curve<T>::setClockwise(bool clockwise, int i, int j)
+{
+  if (projectedAreaSign(i, j) == (clockwise ? 1 : -1)) this->reverse();
+}
+
 template <class T> bool Curve<T>::contains(const Vector<T>& point, int i, int j) const
 {
   const char* const where = "bool Curve<T>::contains(const Vector<T>&, int, int) const";
