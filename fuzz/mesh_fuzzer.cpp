@@ -47,6 +47,8 @@ template <class T> void use(const Curve<T>& curve)
 template <class T> void use(const CurveStack<T>& stack)
 {
   use(static_cast<const Shape<T>&>(stack));
+  for (int i = 0; i < stack.getNumCurves(); ++i)
+    if (stack[i].isOpen() != stack.isOpen()) std::abort();
   stack.isBranching();
   attempt(
       [&]

@@ -3,6 +3,7 @@
 #include "tests/support/manifold.h"
 
 #include <gtest/gtest.h>
+#include <iostream>
 #include <limits>
 #include <sstream>
 
@@ -80,6 +81,8 @@ TEST(TriMeshMeasures, RefuseTrianglesWithoutVertices)
   mesh.setSize(2);
   expectError<SizeError>("does not exist", [&] { mesh.area(); });
   expectError<SizeError>("does not exist", [&] { mesh.volume(); });
+  expectError<SizeError>("does not exist", [&] { mesh.write(std::cerr); });
+  expectError<RangeError>("no vertex 2", [&] { mesh.triangle(0); });
 }
 
 TEST(TriMeshTopology, FollowsEditing)
