@@ -1,21 +1,14 @@
 #include "geometry/quadmesh.h"
 #include "tests/support/curves.h"
+#include "tests/support/shapetext.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace
 {
 const Vector<int> second = {1};
 const Vector<double> three = {1, 2, 3};
 const SquareMatrix<double> quarterTurn = {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}};
-
-template <class AnyShape> std::string textOf(const AnyShape& shape)
-{
-  std::ostringstream stream;
-  shape.write(stream);
-  return stream.str();
-}
 
 template <class AnyShape> struct Writer
 {

@@ -2,12 +2,12 @@
 #include "tests/support/curves.h"
 #include "tests/support/errors.h"
 #include "tests/support/manifold.h"
+#include "tests/support/shapetext.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <random>
-#include <sstream>
 
 namespace
 {
@@ -42,20 +42,6 @@ template <class T> QuadMesh<T> randomMesh(int width, int height, unsigned seed, 
   for (int i = 0; i < height; ++i)
     for (int j = 0; j < 3 * width; ++j) mesh[i].data()[j] = static_cast<T>(coordinates(engine));
   return mesh;
-}
-
-template <class T> bool haveEqualVertices(const QuadMesh<T>& a, const QuadMesh<T>& b)
-{
-  bool areEqual = a.getHeight() == b.getHeight() && a.getWidth() == b.getWidth();
-  for (int i = 0; areEqual && i < a.getHeight(); ++i) areEqual = pointsOf(a[i]) == pointsOf(b[i]);
-  return areEqual;
-}
-
-template <class T> std::string textOf(const QuadMesh<T>& mesh)
-{
-  std::ostringstream stream;
-  mesh.write(stream);
-  return stream.str();
 }
 
 TEST(QuadMesh, TrianglesFollowTheSizes)
@@ -272,76 +258,5 @@ TEST(QuadMesh, ColoursSpanTheFiniteValues)
   expectError<SizeError>("no colours", [&] { mesh.buildVertexColors(Matrix<double>(2, 3), Colormap()); });
   mesh.append(mesh[0]);
   expectError<UsageError>("no colours", [&] { mesh.getVertexColors(); });
-}
-
-TEST(QuadMeshText, ReadsBackWhatItWrites)
-{
-  QuadMesh<float> mesh = randomMesh<float>(3, 2, 9);
-  mesh.buildEndCap();
-  mesh.buildVertexColors({{0, 1, 2}, {3, 4, 5}}, Colormap::cold2Hot(64));
-  QuadMesh<float> open = randomMesh<float>(2, 4, 9, true);
-  for (const QuadMesh<float>& written : {mesh, open, QuadMesh<float>(), QuadMesh<float>(2, 0, 5)})
-  {
-    std::istringstream stream(textOf(written));
-    QuadMesh<float> read(1, 2, 3);
-    read.read(stream);
-    EXPECT_TRUE(haveEqualVertices(read, written) || written.getWidth() == 0);
-    EXPECT_EQ(textOf(read), textOf(written));
-  }
-  EXPECT_EQ(textOf(QuadMesh<double>(3, 2, 1)), "# 4\n# 3\n# 2\n0 0 0\n0 0 0\n# 1\n# 0\n# 0\n# 0\n");
-}
-
-TEST(QuadMeshText, RefusesWhatIsNoQuadMesh)
-{
-  const struct
-  {
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {"", "Line 1"},
-      {"# 2\n# 3\n# 0\n# 0\n", "shape type"},
-      {"# 4\n# 3\n# 2000000000\n0 0 0\n", "Line 5"},
-      {"# 4\n# 1\n# 3\n0\n1\n2\n# 2\n# 0\n# 0\n# 0\n", "do not make up 2 rows"},
-      {"# 4\n# 1\n# 0\n# 2000000000\n# 0\n# 0\n# 0\n", "do not make up"},
-      {"# 4\n# 1\n# 1\n0\n# 0\n# 0\n# 0\n# 0\n", "do not make up 0 rows"},
-      {"# 4\n# 1\n# 1\n0\n# 1\n# 0\n# 0\n# 1\n0 256 0\n", "colour"},
-      {"# 4\n# 1\n# 1\n0\n# 1\n# 0\n", "too early"},
-  };
-  for (const auto& c : cases)
-  {
-    SCOPED_TRACE(c.text);
-    QuadMesh<double> mesh(3, 2, 2);
-    std::istringstream stream(c.text);
-    expectError<FileFormatError>(c.message, [&] { mesh.read(stream); });
-    EXPECT_EQ(mesh.getNumVertices(), 4);
-  }
-}
-TEST(QuadMeshText, DamagedTextIsReadOrRefused)
-{
-  QuadMesh<double> mesh = randomMesh<double>(3, 4, 1);
-  mesh.buildVertexColors(Matrix<double>({{0, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}}), Colormap::cold2Hot(8));
-  const std::string text = textOf(mesh);
-  const std::string characters = "# \n0123456789.-e";
-  std::mt19937 engine(11);
-  int numRefused = 0;
-  for (int k = 0; k < 3000; ++k)
-  {
-    std::string damaged = text.substr(0, k % 3 == 0 ? engine() % text.size() : text.size());
-    for (unsigned changes = engine() % 4; changes > 0 && !damaged.empty(); --changes)
-      damaged[engine() % damaged.size()] = characters[engine() % characters.size()];
-    std::istringstream stream(damaged);
-    QuadMesh<double> read;
-    try
-    {
-      read.read(stream);
-      EXPECT_LE(read.getNumVertices(), 12);
-      EXPECT_EQ(read.toTriMesh(true).getSize(), read.getNumVertices());
-    }
-    catch (const FileFormatError&)
-    {
-      ++numRefused;
-    }
-  }
-  EXPECT_GT(numRefused, 1000);
 }
 } // namespace

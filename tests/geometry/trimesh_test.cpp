@@ -183,54 +183,6 @@ TEST(TriMeshBlocks, AreTakenOver)
   expectError<SizeError>("number of coordinates", [&] { TriMesh<float>(2, BufferVector<float>(points), {}); });
 }
 
-TEST(TriMeshText, IsReadBackAsItWasWritten)
-{
-  TriMesh<float> mesh = rightTriangle<float>();
-  mesh[1][0] = 0.1f;
-  mesh.addTriangle(2, 1, 0);
-  mesh.removeTriangle(0);
-  std::stringstream text;
-  mesh.write(text);
-  EXPECT_EQ(text.str(), "# 8\n# 3\n# 3\n0 0 0\n0.1 0 0\n0 4 0\n# 1\n2 1 0\n# 0\n");
-
-  mesh.computeNormals();
-  std::stringstream withNormals;
-  mesh.write(withNormals);
-  TriMesh<float> copy(2);
-  copy.read(withNormals);
-  EXPECT_EQ(pointsOf(copy), pointsOf(mesh));
-  EXPECT_EQ(pointsOf(copy.getNormals()), (std::vector<std::vector<float>>(3, {0, 0, -1})));
-  EXPECT_EQ(valuesOf(copy.getTriangleIndexes(0)), (std::vector<int>{2, 1, 0}));
-
-  mesh.removeTriangle(1);
-  std::stringstream empty;
-  mesh.write(empty);
-  EXPECT_NE(empty.str().find("0 4 0\n# 0\n# 1\n"), std::string::npos);
-}
-
-TEST(TriMeshText, RefusesWhatIsNoMesh)
-{
-  const struct
-  {
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {"# 8\n# 3\n# 1\n0 0 0\n# 1\n0 0 1\n# 0\n", "Line 6: there is no vertex 1"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 2000000000\n0 0 0\n", "Line 7: the text ends too early"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n", "Line 6: the text ends too early"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n# 1\n0 0\n", "Line 7: expected 3 numbers"},
-      {"# 0\n# 3\n# 0\n", "Line 1: the shape type"},
-  };
-  for (const auto& c : cases)
-  {
-    SCOPED_TRACE(c.text);
-    std::istringstream stream(c.text);
-    TriMesh<double> mesh = rightTriangle();
-    expectError<FileFormatError>(c.message, [&] { mesh.read(stream); });
-    EXPECT_EQ(mesh.getNumTriangles(), 1);
-  }
-}
-
 TEST(TriMeshFiles, AreNeverOverwrittenUnasked)
 {
   const std::string path = testing::TempDir() + "mirelo_trimesh_test.mesh";

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <sstream>
 
 TEST(VertexServer, RaisesTheCapacityInStepsOfTheGrowth)
 {
@@ -111,51 +110,6 @@ TEST(Vertices, CenterOfGravityOfPixelsIsNotRounded)
   EXPECT_EQ(pixels.cog(), (Vector<double>{1.75, 1.25}));
   pixels.center(); // to the nearest pixel
   EXPECT_EQ(pointsOf(pixels)[0], (std::vector<int>{-2, -1}));
-}
-
-TEST(ShapeText, ReadsBackWhatItWrote)
-{
-  CurveStack<float> stack;
-  stack.append(curveThrough<float>({{0, 0.1f, 1e-30f}, {1, 2.5f, -3e20f}, {0, 1, 2}}));
-  stack.append(curveThrough<float>({{7, 8, 9}}));
-  stack.setOpen(true);
-  std::stringstream text;
-  stack.write(text);
-  CurveStack<float> copy(2);
-  copy.read(text);
-  ASSERT_EQ(copy.getNumCurves(), 2);
-  EXPECT_TRUE(copy.isOpen() && copy[1].isOpen());
-  EXPECT_EQ(pointsOf(copy[0]), pointsOf(stack[0]));
-  EXPECT_EQ(pointsOf(copy[1]), pointsOf(stack[1]));
-  std::istringstream mixed("# 2\n# 3\n# 1\n# 1\n# 3\n# 1\n1 2 3\n"); // an open level in a closed stack
-  copy.read(mixed);
-  EXPECT_TRUE(copy.isClosed() && copy[0].isClosed());
-}
-
-TEST(ShapeText, NamesTheLineThatIsWrong)
-{
-  const struct
-  {
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {"", "Line 1: the text ends too early"},
-      {"# 6\n# 2\n# 1\n0 0\n", "Line 1: the shape type"},
-      {"# 0\n# 2\n# 2000000000\n0 0\n", "Line 5: the text ends too early"},
-      {"# 0\n# 2\n# -1\n", "Line 3: expected \"# \" and the number of vertices"},
-      {"# 0\n# 2\n# 99999999999\n", "Line 3"},
-      {"# 0\n# 9\n# 1\n", "Line 2: the space dimension"},
-      {"# 0\n# 2\n# 1\n0 x\n", "Line 4: expected 2 numbers"},
-      {"# 0\n# 2\n# 1\n0 0 0\n", "Line 4: expected 2 numbers and nothing else"},
-  };
-  for (const auto& c : cases)
-  {
-    SCOPED_TRACE(c.text);
-    std::istringstream stream(c.text);
-    Curve<double> curve = closedCurve({{1, 2}});
-    expectError<FileFormatError>(c.message, [&] { curve.read(stream); });
-    EXPECT_EQ(curve.getSize(), 1);
-  }
 }
 
 TEST(ShapeType, HasAName)
