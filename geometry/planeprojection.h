@@ -2,6 +2,7 @@
 
 #include "geometry/curve.h"
 #include "geometry/predicates.h"
+#include "numeric/exception.h"
 
 #include <vector>
 

@@ -125,29 +125,6 @@ TEST(QuadMesh, CapsCoverOutlinesOfAnyForm)
   expectError<UsageError>("open", [&] { mesh.buildCaps(); });
 }
 
-TEST(QuadMesh, VolumeOfATorusConverges)
-{
-  const auto relativeError = [](int n)
-  {
-    QuadMesh<double> mesh;
-    for (int i = 0; i <= n; ++i) // the last row is the first one again
-    {
-      const double angle = 2 * pi * i / n;
-      Curve<double> row(3, n);
-      for (int j = 0; j < n; ++j)
-      {
-        const double radius = 5 + 2 * std::cos(2 * pi * j / n);
-        const double vertex[] = {radius * std::cos(angle), radius * std::sin(angle), 2 * std::sin(2 * pi * j / n)};
-        std::copy_n(vertex, 3, row.data(j));
-      }
-      mesh.append(row);
-    }
-    return std::abs(std::abs(signedVolume(mesh.toTriMesh(false))) / (2 * pi * pi * 5 * 4) - 1);
-  };
-  EXPECT_LT(relativeError(32), 0.02);
-  EXPECT_LT(relativeError(128), 0.02 / 15);
-}
-
 TEST(QuadMesh, RowsHaveOneSize)
 {
   QuadMesh<double> mesh = column({1, 2}, 1, 6);

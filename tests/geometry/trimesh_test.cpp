@@ -83,6 +83,7 @@ TEST(TriMeshMeasures, RefuseTrianglesWithoutVertices)
   expectError<SizeError>("does not exist", [&] { mesh.volume(); });
   expectError<SizeError>("does not exist", [&] { mesh.write(std::cerr); });
   expectError<RangeError>("no vertex 2", [&] { mesh.triangle(0); });
+  EXPECT_EQ(valuesOf(mesh.neighbours(0)), (std::vector<int>{1}));
 }
 
 TEST(TriMeshTopology, FollowsEditing)
