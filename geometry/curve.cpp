@@ -18,6 +18,17 @@ template <class T> Edge<T> Curve<T>::getEdge(int i) const
   return Edge<T>(i, next, (*this)[i], (*this)[next]);
 }
 
+template <class T> std::vector<Real<T>> Curve<T>::edgeLengths() const
+{
+  const int numEdges = getNumEdges(), space = this->getSpace(), size = this->getSize();
+  const T* const points = this->data();
+  std::vector<Real<T>> lengths(static_cast<std::size_t>(numEdges));
+  for (int i = 0; i < numEdges; ++i)
+    lengths[i] =
+        distance(points + std::ptrdiff_t{i} * space, points + std::ptrdiff_t{i + 1 < size ? i + 1 : 0} * space, space);
+  return lengths;
+}
+
 template <class T> Real<T> Curve<T>::length() const
 {
   const int size = this->getSize();

@@ -32,6 +32,8 @@ public:
   Edge<T> getEdge(int i) const;
   int getNumBlockEdges(int) const override { return getNumEdges(); }
 
+  /// The length of each edge.
+  std::vector<Real<T>> edgeLengths() const;
   /// Sum of the lengths of the edges.
   Real<T> length() const;
   /// Twice the signed area in the plane (i, j), positive when counter-clockwise; 0 for an open curve.

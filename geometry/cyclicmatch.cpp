@@ -14,33 +14,44 @@ namespace
 /// below 2^64.
 template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long double, T>;
 
+/// Sum of a function of numbers, in four parts, so that no addition waits for the one before.
+template <class T, class F> double sumOf(const T* values, std::ptrdiff_t count, F function)
+{
+  double sums[4] = {};
+  std::ptrdiff_t i = 0;
+  for (; i + 4 <= count; i += 4)
+    for (int k = 0; k < 4; ++k) sums[k] += function(static_cast<double>(values[i + k]));
+  for (; i < count; ++i) sums[0] += function(static_cast<double>(values[i]));
+  return sums[0] + sums[1] + sums[2] + sums[3];
+}
+
 /// One coordinate of all vertices, with the mean taken off.
 template <class T> Vector<double> centeredCoordinates(const Vertices<T>& vertices, int axis)
 {
   const int n = vertices.getSize(), space = vertices.getSpace();
   const T* const data = vertices.data() + axis;
   Vector<double> coordinates(n);
-  double sum = 0;
-  for (std::ptrdiff_t i = 0; i < n; ++i) sum += coordinates[static_cast<int>(i)] = static_cast<double>(data[space * i]);
-  for (double& coordinate : coordinates) coordinate -= sum / n;
+  double* const values = coordinates.data();
+  for (std::ptrdiff_t i = 0; i < n; ++i) values[i] = static_cast<double>(data[space * i]);
+  const double mean = sumOf(values, n, [](double value) { return value; }) / n;
+  for (int i = 0; i < n; ++i) values[i] -= mean;
   return coordinates;
 }
 
 template <class T> bool isConstant(const Vertices<T>& vertices, int axis)
 {
-  for (int i = 1; i < vertices.getSize(); ++i)
-    if (vertices.data(i)[axis] != vertices.data()[axis]) return false;
+  const int n = vertices.getSize(), space = vertices.getSpace();
+  const T* const data = vertices.data() + axis;
+  for (std::ptrdiff_t i = 1; i < n; ++i)
+    if (data[space * i] != data[0]) return false;
   return true;
 }
 
 /// Root of the sum of the squared coordinates.
 template <class T> double magnitude(const Vertices<T>& vertices)
 {
-  const T* const data = vertices.data();
-  double sum = 0;
-  for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{vertices.getSize()} * vertices.getSpace(); ++i)
-    sum += static_cast<double>(data[i]) * static_cast<double>(data[i]);
-  return std::sqrt(sum);
+  const std::ptrdiff_t count = std::ptrdiff_t{vertices.getSize()} * vertices.getSpace();
+  return std::sqrt(sumOf(vertices.data(), count, [](double value) { return value * value; }));
 }
 
 /// Adds, for each shift, the sum of the products of two coordinates, seen as complex numbers.
@@ -79,10 +90,11 @@ template <class T> MatchSum<T> matchSum(const Vertices<T>& vertices, const Verti
 {
   using Sum = MatchSum<T>;
   const int n = vertices.getSize(), space = vertices.getSpace();
+  const T *const data = vertices.data(), *const otherData = other.data();
   Sum sum = 0;
-  for (int m = 0, i = shift; m < n; ++m, i = i + 1 < n ? i + 1 : 0)
+  for (std::ptrdiff_t m = 0, i = shift; m < n; ++m, i = i + 1 < n ? i + 1 : 0)
   {
-    const T *a = vertices.data(i), *b = other.data(m);
+    const T *a = data + space * i, *b = otherData + space * m;
     const Sum planar = Sum(a[0]) * Sum(b[0]) + Sum(a[1]) * Sum(b[1]);
     sum += space == 2 ? planar : planar + Sum(a[2]) * Sum(b[2]);
   }

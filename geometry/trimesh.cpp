@@ -77,6 +77,19 @@ template <class T> void TriMesh<T>::addTriangle(const Vector<int>& indexes)
   addTriangle(indexes[0], indexes[1], indexes[2]);
 }
 
+template <class T> void TriMesh<T>::addTriangles(const std::vector<int>& corners)
+{
+  const char* const where = "void TriMesh<T>::addTriangles(const std::vector<int>&)";
+  if (corners.size() % 3 != 0) throw SizeError(where, "A triangle has three vertices");
+  const int size = this->getSize();
+  const auto isVertex = [size](int i) { return i >= 0 && i < size; };
+  if (!std::all_of(corners.begin(), corners.end(), isVertex))
+    throw RangeError(where, "A triangle names a vertex that does not exist");
+  noteTriangleChange();
+  _indexes.insert(_indexes.end(), corners.begin(), corners.end());
+  _numTriangles += static_cast<int>(corners.size() / 3);
+}
+
 template <class T> void TriMesh<T>::setTriangles(const std::vector<Vector<int>>& triangles)
 {
   TriMesh<T> mesh(static_cast<const Vertices<T>&>(*this));

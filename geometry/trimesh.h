@@ -49,6 +49,8 @@ public:
   void addTriangle(int i, int j, int k);
   /// \throw SizeError  not three indexes \throw RangeError  there is no such vertex
   void addTriangle(const Vector<int>& indexes);
+  /// Adds triangles given by three indexes each. \throw SizeError, RangeError  as addTriangle(); nothing is added then
+  void addTriangles(const std::vector<int>& corners);
   /// Replaces all triangles. \throw SizeError, RangeError  as addTriangle()
   void setTriangles(const std::vector<Vector<int>>& triangles);
   void reserveTriangles(int numTriangles) { _indexes.reserve(3 * static_cast<std::size_t>(numTriangles)); }
@@ -56,6 +58,9 @@ public:
   void removeTriangle(int i);
   /// Turns all triangles around, and with them the normals, so that the surface faces the other way.
   void flip();
+  /// Turns triangles so that two that share an edge, and no third one does, run along it in opposite directions, as far
+  /// as the surface allows. The first triangle of each connected piece stays; normals are not changed.
+  void orientConsistently();
   /// Removes a vertex with its triangles; the vertices behind it move up. \throw RangeError  there is no such vertex
   void remove(int vertex);
   /// Removes vertices, triangles, normals and colours.
