@@ -39,34 +39,6 @@ template <class T> Real<T> Curve<T>::length() const
   return sum;
 }
 
-template <class T> double Curve<T>::twiceArea(int i, int j) const
-{
-  const int size = this->getSize();
-  if (_open || size < 3) return 0;
-  double sum = 0;
-  const T* previous = this->data(size - 1);
-  for (int k = 0; k < size; ++k)
-  {
-    const T* const current = this->data(k);
-    sum += static_cast<double>(previous[i]) * static_cast<double>(current[j]) -
-           static_cast<double>(previous[j]) * static_cast<double>(current[i]);
-    previous = current;
-  }
-  return sum;
-}
-
-template <class T> int Curve<T>::projectedAreaSign(int i, int j) const
-{
-  const double area = twiceArea(i, j);
-  const double tolerance = Vector<T>::epsilon();
-  return area > tolerance ? 1 : area < -tolerance ? -1 : 0;
-}
-
-template <class T> void Curve<T>::setClockwise(bool clockwise, int i, int j)
-{
-  if (projectedAreaSign(i, j) == (clockwise ? 1 : -1)) this->reverse();
-}
-
 template <class T> void Curve<T>::join(const Curve<T>& curve)
 {
   const int space = this->getSpace(), size = this->getSize();

@@ -1,5 +1,6 @@
 #include "geometry/shape.h"
 
+#include "geometry/coordinates.h"
 #include "geometry/outputfile.h"
 
 #include <algorithm>
@@ -125,7 +126,7 @@ template <class T> void Shape<T>::center()
 {
   const Vector<Real<T>> center = cog();
   Vector<T> shift(center.getSize());
-  for (int k = 0; k < shift.getSize(); ++k) shift[k] = static_cast<T>(-center[k]);
+  for (int k = 0; k < shift.getSize(); ++k) shift[k] = toCoordinate<T>(-center[k]);
   translate(shift);
 }
 

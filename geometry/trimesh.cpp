@@ -52,7 +52,9 @@ template <class T> Vector<int> TriMesh<T>::getTriangleIndexes(int i) const
 
 template <class T> Vertices<T> TriMesh<T>::triangle(int i) const
 {
-  requireSlot(i, "Vertices<T> TriMesh<T>::triangle(int) const");
+  const char* const where = "Vertices<T> TriMesh<T>::triangle(int) const";
+  requireSlot(i, where);
+  for (int k = 0; k < 3 && hasTriangle(i); ++k) requireVertex(corners(i)[k], where);
   Vertices<T> vertices(this->getSpace());
   for (int k = 0; k < 3 && hasTriangle(i); ++k) vertices.append((*this)[corners(i)[k]]);
   return vertices;
@@ -154,6 +156,7 @@ template <class T> void TriMesh<T>::setNormal(int vertex, const Vector<T>& norma
   const char* const where = "void TriMesh<T>::setNormal(int, const Vector<T>&)";
   requireVertex(vertex, where);
   if (normal.getSize() != this->getSpace()) throw SizeError(where, "The normal has another dimension");
+  if (_normals.getSpace() != this->getSpace()) _normals = Vertices<T>(this->getSpace());
   _normals.setSize(this->getSize());
   _normals[vertex] = normal;
 }

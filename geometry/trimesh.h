@@ -42,7 +42,7 @@ public:
   const int* corners(int i) const { return _indexes.data() + 3 * static_cast<std::size_t>(i); }
   /// The vertex indexes of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
   Vector<int> getTriangleIndexes(int i) const;
-  /// The three vertices of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
+  /// The three vertices of triangle i, none when the slot is empty. \throw RangeError  there is no such slot or vertex
   Vertices<T> triangle(int i) const;
 
   /// Adds a triangle behind the last slot. \throw RangeError  there is no such vertex
@@ -73,7 +73,10 @@ public:
   /// The triangles that use a vertex, in ascending order. \throw RangeError  there is no such vertex
   Vector<int> star(int vertex) const;
 
-  bool hasNormals() const { return _normals.getSize() > 0 && _normals.getSize() == this->getSize(); }
+  bool hasNormals() const
+  {
+    return _normals.getSize() > 0 && _normals.getSize() == this->getSize() && _normals.getSpace() == this->getSpace();
+  }
   /// \throw UsageError  there are no normals
   const Vector<T>& getNormal(int vertex) const;
   /// Normals that were missing become 0. \throw RangeError  there is no such vertex \throw SizeError  another dimension
