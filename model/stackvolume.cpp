@@ -190,8 +190,9 @@ public:
   explicit FolderBeside(const fs::path& place) : _path((place.parent_path() / ".mirelo-XXXXXX").string())
   {
     if (!mkdtemp(_path.data()))
-      throw FileWriteError(
-          saveSignature, "Cannot open file for writing (" + std::generic_category().message(errno) + ")", place.string());
+      throw FileWriteError(saveSignature,
+                           "Cannot open file for writing (" + std::generic_category().message(errno) + ")",
+                           place.string());
   }
   FolderBeside(const FolderBeside&) = delete;
   FolderBeside& operator=(const FolderBeside&) = delete;

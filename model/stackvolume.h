@@ -10,13 +10,12 @@
 class Stack;
 
 /// Replaces the volume by the images of the slices, one plane per slice in stack order: of one colour only, that
-/// channel; of any other content, the grey levels. Planes of voxel matrices, in files or in memory, give their voxels as
-/// they are. The voxels have the first slice's pixel size, and the distance of the second slice to it (the default one,
-/// when there is a single slice) as depth, in the stack's length unit. On an error the volume stays.
-/// \throw SizeError   the images have different sizes, or there are no slices
-/// \throw RangeError  a value does not fit T, also a finite one that would become infinite
-/// \throw UsageError  a slice has no image \throw FileError   an image cannot be read \throw Cancelled  the user
-/// stopped it
+/// channel; of any other content, the grey levels. Planes of voxel matrices, in files or in memory, give their voxels
+/// as they are. The voxels have the first slice's pixel size, and the distance of the second slice to it (the default
+/// one, when there is a single slice) as depth, in the stack's length unit. On an error the volume stays. \throw
+/// SizeError   the images have different sizes, or there are no slices \throw RangeError  a value does not fit T, also
+/// a finite one that would become infinite \throw UsageError  a slice has no image \throw FileError   an image cannot
+/// be read \throw Cancelled  the user stopped it
 template <class T>
 void stackToVolume(VoxelMatrix<T>& volume, const Stack& stack, ImageColorContent content, ProgressSubject& subject);
 

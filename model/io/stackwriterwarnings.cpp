@@ -151,10 +151,10 @@ void requireReadable(const ModelItem& item)
 {
   const std::int64_t numPositions = item.isRegion() ? item.getRLEItemSet().numVertices() : 0;
   if (numPositions <= std::numeric_limits<int>::max()) return;
-  throw ValueError("void requireReadable(const ModelItem&)",
-                   "Model \"" + item.getModel()->getName() + "\", slice \"" + item.getSlice()->getName() +
-                       "\": the region has " + std::to_string(numPositions) +
-                       " positions, more than a stack file can hold");
+  throw ValueError("void requireReadable(const ModelItem&)", "Model \"" + item.getModel()->getName() + "\", slice \"" +
+                                                                 item.getSlice()->getName() + "\": the region has " +
+                                                                 std::to_string(numPositions) +
+                                                                 " positions, more than a stack file can hold");
 }
 
 void checkItems(const Stack& stack, const Model& model, std::vector<std::string>& warnings)
