@@ -126,6 +126,7 @@ template <class T> void CurveStackTriangulation2<T>::build(const CurveStack<T>& 
   }
   for (const MeshCurve& curve : upper)
     if (_lastCaps && !curve.isClosed) appendCurveTriangulation(curve, true);
+  if (stack.isOpen() && stack.isBranching()) _mesh.orientConsistently(); // lines run as they were drawn
   _mesh.computeNormals();
 }
 
@@ -422,7 +423,8 @@ template <class T>
 TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Seam& a, const Seam& b) const
 {
   if (_method == ganapathy) return computeTriangulationCodeGanapathy(*a.measured, *b.measured);
-  if (_method == optimal) return computeOptimalTriangulationCode(a.curve(), b.curve());
+  if (_method == optimal)
+    return withoutFullTurn(computeOptimalTriangulationCode(a.curve(), b.curve()), a.curve(), b.curve());
   return TriangulationCode();
 }
 

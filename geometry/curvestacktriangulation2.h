@@ -2,6 +2,7 @@
 
 #include "geometry/curvecorrespondence.h"
 #include "geometry/curvestack.h"
+#include "geometry/curvestackcheck.h"
 #include "geometry/curvestacktriangulationcontourtag.h"
 #include "geometry/measuredcurve.h"
 #include "geometry/triangulationcode.h"
@@ -35,6 +36,13 @@ public:
   void setTriangulateLastCaps(bool caps) { _lastCaps = caps; }
   /// One tag per curve, in stack order; without tags every curve counts as None.
   void setContourTags(const Vector<CurveStackTriangulationContourTag>& tags) { _tags = tags; }
+
+  /// What may not be meant as it is in a stack and in the number of tags; apply() takes it all but WrongTags.
+  /// \throw SizeError  the curves are not in 3D
+  std::vector<CurveStackFinding> check(const CurveStack<T>& stack) const
+  {
+    return checkCurveStack(stack, _tags.getSize());
+  }
 
   /// Builds the mesh; the curves' vertices are added to it in the order in which the curves are met.
   ///

@@ -58,6 +58,9 @@ public:
   void removeTriangle(int i);
   /// Turns all triangles around, and with them the normals, so that the surface faces the other way.
   void flip();
+  /// Turns triangles so that two that share an edge, and no third one does, run along it in opposite directions, as far
+  /// as the surface allows. The first triangle of each connected piece stays; normals are not changed.
+  void orientConsistently();
   /// Removes a vertex with its triangles; the vertices behind it move up. \throw RangeError  there is no such vertex
   void remove(int vertex);
   /// Removes vertices, triangles, normals and colours.
