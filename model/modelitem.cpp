@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ranges>
 #include <utility>
 
 namespace
@@ -293,9 +292,15 @@ std::pair<std::int64_t, std::int64_t> leftOfEdge(const RLEItem& run, const int* 
   const auto last = std::min<std::int64_t>(std::int64_t{run.end()} + 1, std::max(a[1], b[1]));
   if (first >= last) return {first, first};
   const bool beginsLeft = isLeftOfEdge(x, first, a, b);
-  const auto rest = std::ranges::partition_point(std::views::iota(first, last), [=](std::int64_t y)
-                                                 { return isLeftOfEdge(x, y, a, b) == beginsLeft; });
-  const std::int64_t turn = *rest;
+  std::int64_t turn = first, end = last; // bisected: from `turn` on it is the other way
+  while (turn < end)
+  {
+    const std::int64_t middle = turn + (end - turn) / 2;
+    if (isLeftOfEdge(x, middle, a, b) == beginsLeft)
+      turn = middle + 1;
+    else
+      end = middle;
+  }
   return beginsLeft ? std::pair(first, turn) : std::pair(turn, last);
 }
 } // namespace

@@ -175,7 +175,8 @@ public:
   /// To be told before a file takes its place.
   void add(const std::string& name)
   {
-    if (!fs::exists(name)) _names.push_back(name);
+    std::error_code ignored;
+    if (!fs::exists(name, ignored)) _names.push_back(name);
   }
   void keep() { _names.clear(); }
 
