@@ -60,8 +60,10 @@ template <class Number> std::string shortest(Number value)
 /// Whether T has the value: as a whole number of its range, or as a finite one (rounded) when the value is finite.
 template <class T, class Stored> bool fits(Stored x)
 {
+  constexpr bool isWider = std::is_integral_v<Stored> || sizeof(T) >= sizeof(Stored);
+  if constexpr (std::is_floating_point_v<T> && isWider) return true;
   const auto value = static_cast<long double>(x);
-  if constexpr (!std::is_integral_v<T>) return std::isfinite(static_cast<T>(x)) || !std::isfinite(value);
+  if constexpr (std::is_floating_point_v<T>) return std::isfinite(static_cast<T>(x)) || !std::isfinite(value);
   return value >= static_cast<long double>(std::numeric_limits<T>::lowest()) &&
          value <= static_cast<long double>(std::numeric_limits<T>::max()) && value == std::floor(value);
 }

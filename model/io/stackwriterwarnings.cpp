@@ -102,7 +102,8 @@ void requireStorable(const std::string& owner, const PixelCalibration& calibrati
   if (isStorableCalibration(calibration)) return;
   const float width = calibration.getPixelWidth(), aspect = calibration.getAspectRatio();
   if (isStorableFactor(width) && isStorableFactor(aspect))
-    throw ValueError(where, owner + ": the pixel height " + shortest(calibration.getPixelHeight()) + " is none");
+    throw ValueError(where,
+                     owner + ": the pixel height " + shortest(calibration.getPixelHeight()) + " is not positive");
   throw ValueError(where, owner + ": the pixel width " + shortest(width) + " or the aspect ratio " + shortest(aspect) +
                               " is not from 1e-15 to 1e15");
 }
