@@ -147,7 +147,7 @@ NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenam
     ImageReader::read(header, filename);
     auto slice = std::make_unique<StackSlice>();
     slice->setName(names.take(std::filesystem::path(filename).stem().string()));
-    slice->setImageSource(ImageSourceFile(filename));
+    slice->setImageSource(ImageSourceFile(std::filesystem::absolute(filename).string()));
     if (usesFileCalibration && tellsPixelSize(header.getPixelCalibration()))
     {
       if (!isCalibrated) made.defaultCalibration = header.getPixelCalibration();
@@ -176,9 +176,9 @@ int numChannelsOf(const std::string& filename)
   return suffixOf(filename) == ".lsm" ? ImageSourceLSMStackPlane(filename).getNumChannels() : 1;
 }
 
-void addPlanesOf(Stack& stack, const std::string& filename, int channel)
+void addPlanesOf(Stack& stack, const std::string& name, int channel)
 {
-  const std::string suffix = suffixOf(filename);
+  const std::string filename = std::filesystem::absolute(name).string(), suffix = suffixOf(filename);
   if (suffix == ".vm")
     addVoxelMatrixPlanes(stack, filename);
   else if (suffix == ".lsm")

@@ -22,7 +22,7 @@ NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenam
                      ProgressSubject& subject);
 
 /// Appends a slice for each image file to a stack, in their order, named after the files without folder and suffix; a
-/// name that is taken gets a number. The file names are kept as they are given.
+/// name that is taken gets a number. File names are made absolute.
 ///
 /// With file calibration, the pixel size and unit of the first file that has them become the stack's default, in an
 /// empty stack, and each slice has the pixel size of its file, converted to the stack's unit; a file without
