@@ -254,6 +254,49 @@ TEST_F(Drawing, ContainmentNeedsOneSliceAndAnAreaAroundAVertex)
   EXPECT_TRUE(stack.getModel(0)->partiallyContains(*stack.getModel(1)));
 }
 
+TEST_F(Drawing, ContainmentOfRunsIsThatOfTheirPositions)
+{
+  std::mt19937 random(9);
+  const auto coordinate = [&random] { return static_cast<int>(random() % 12); };
+  int numContained = 0;
+  for (int round = 0; round < 2000; ++round)
+  {
+    std::vector<std::pair<int, int>> corners(3 + random() % 5);
+    for (auto& [x, y] : corners) x = coordinate(), y = coordinate();
+    ModelItem& polygon = draw(MPrimitive::Polygon, 0, corners);
+    ModelItem& area = draw(MPrimitive::Region, 0, {});
+    area.setRLEItemSet(RLEItemSet({RLEItem(coordinate(), coordinate(), 4), RLEItem(coordinate(), coordinate(), 4)}));
+    const RLEItem run(coordinate() - 1, coordinate() - 1, 1 + coordinate());
+    ModelItem& region = draw(MPrimitive::Region, 0, {});
+    region.setRLEItemSet(RLEItemSet({run}));
+    std::vector<std::pair<int, int>> positions;
+    for (int y = run.begin(); y <= run.end(); ++y) positions.emplace_back(run.getOriginX(), y);
+    const ModelItem& points = draw(MPrimitive::Polypoint, 0, positions);
+    ASSERT_EQ(polygon.partiallyContains(region), polygon.partiallyContains(points)) << "round " << round;
+    ASSERT_EQ(area.partiallyContains(region), area.partiallyContains(points)) << "round " << round;
+    numContained += polygon.partiallyContains(region);
+  }
+  EXPECT_GT(numContained, 200);
+  EXPECT_LT(numContained, 1800);
+}
+
+TEST_F(Drawing, ContainmentTakesNoLongerForLongRuns)
+{
+  constexpr int far = 2000000000;
+  const ModelItem& wide = draw(MPrimitive::Polygon, 0, {{-far, -far}, {far, -far}, {far, far}});
+  ModelItem& region = draw(MPrimitive::Region, 0, {});
+  std::vector<RLEItem> runs;
+  for (int x = 0; x < 1000; ++x) runs.emplace_back(-1000 + x, -far / 2, far); // ends before the slanting side
+  runs.emplace_back(5, 6, far);
+  region.setRLEItemSet(RLEItemSet(runs));
+  EXPECT_TRUE(wide.partiallyContains(region));
+  region.setRLEItemSet(RLEItemSet({RLEItem(5, 6, far)})); // right of it, the run is outside
+  EXPECT_FALSE(wide.partiallyContains(region));
+  ModelItem& other = draw(MPrimitive::Region, 0, {});
+  other.setRLEItemSet(RLEItemSet({RLEItem(4, 6, far), RLEItem(5, -far, far), RLEItem(6, 6, far)}));
+  EXPECT_FALSE(other.partiallyContains(region));
+}
+
 TEST_F(Drawing, BuddiesHaveTheSameModelAndProperties)
 {
   ModelItem& item = draw(MPrimitive::Polypoint, 0, {});
