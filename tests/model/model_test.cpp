@@ -3,7 +3,9 @@
 #include "model/stack.h"
 #include "model/wmconverter.h"
 #include "tests/support/errors.h"
+#include "tests/support/stacks.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -362,4 +364,63 @@ TEST_F(Drawing, ChangesItsUnitWithAllLengths)
   EXPECT_FLOAT_EQ(stack.getDefaultPixelCalibration().getPixelWidth(), 64.5f);
   EXPECT_EQ(stack.getLengthUnit().name(), "nanometer");
   EXPECT_EQ(stack.absolutePositions(), (std::vector<float>{1500, 3500}));
+}
+
+TEST(ModelItemOwner, ItemsComeBackBetweenTheSameNeighbours)
+{
+  Stack stack;
+  Model& model = addModel(stack, "cells", MPrimitive::Polygon);
+  StackSlice& slice = addSlice(stack, 10, 10);
+  for (int i = 0; i < 20; ++i) ModelItem::create(model, slice);
+  const std::vector<ModelItem*> all = model.getItems();
+  std::mt19937 random(1);
+  for (int round = 0; round < 20; ++round)
+  {
+    std::vector<ModelItemOwner::Place> singles;
+    for (int i = 0; i < 5; ++i)
+    {
+      ModelItem* const item = model.getItem(static_cast<int>(random() % model.getItems().size()));
+      singles.push_back({model.takeItem(item), item});
+    }
+    const auto places = model.takeItemsIf([&](const ModelItem&) { return random() % 3 == 0; });
+    EXPECT_EQ(model.getItems().size() + places.size() + singles.size(), all.size());
+    std::shuffle(singles.begin(), singles.end(), random);
+    for (std::size_t i = 0; i < 2; ++i) model.restoreItem(singles[i].item, singles[i].number);
+    model.restoreItems(places);
+    for (std::size_t i = 2; i < 5; ++i) model.restoreItem(singles[i].item, singles[i].number);
+    EXPECT_EQ(model.getItems(), all);
+  }
+  EXPECT_EQ(slice.getItems(), all);
+  ModelItem stranger;
+  EXPECT_EQ(model.takeItem(&stranger), 0);
+}
+
+TEST(Stack, SlicesAndModelsMoveToOtherPlaces)
+{
+  const struct
+  {
+    int from, to;
+    const char* order;
+  } cases[] = {{0, 0, "abcd"}, {0, 3, "bcda"}, {3, 0, "dabc"}, {1, 2, "acbd"}, {2, 1, "acbd"}};
+  for (const auto& c : cases)
+  {
+    Stack stack;
+    for (const char* name : {"a", "b", "c", "d"})
+    {
+      addModel(stack, name, MPrimitive::Polygon);
+      addSlice(stack, 10, 10).setName(name);
+    }
+    stack.moveModel(c.from, c.to);
+    stack.moveSlice(c.from, c.to);
+    std::string models, slices;
+    for (int i = 0; i < 4; ++i)
+    {
+      models += stack.getModel(i)->getName();
+      slices += stack.getSlice(i)->getName();
+      EXPECT_EQ(stack.findModel(stack.getModel(i)), i);
+      EXPECT_EQ(stack.findSlice(stack.getSlice(i)->getName()), i);
+    }
+    EXPECT_EQ(models, c.order);
+    EXPECT_EQ(slices, c.order);
+  }
 }
