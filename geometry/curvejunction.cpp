@@ -27,15 +27,28 @@ template <class T> struct Box
   T minX, maxX, minY, maxY;
 };
 
-template <class T> Box<T> boxOf(const Curve<T>& curve)
+/// The box of a number of vertices from the given one on, around the curve.
+template <class T> Box<T> boxOf(const Curve<T>& curve, int first, int count)
 {
-  Box<T> box = {curve.data()[0], curve.data()[0], curve.data()[1], curve.data()[1]};
-  for (int i = 1; i < curve.getSize(); ++i)
+  const T* p = curve.data(first);
+  Box<T> box = {p[0], p[0], p[1], p[1]};
+  for (int i = first, k = 1; k < count; ++k)
   {
-    const T* const p = curve.data(i);
+    p = curve.data(i = following(i, curve.getSize()));
     box = {std::min(box.minX, p[0]), std::max(box.maxX, p[0]), std::min(box.minY, p[1]), std::max(box.maxY, p[1])};
   }
   return box;
+}
+
+constexpr int piece = 32; // edges that are passed over together
+
+/// The boxes of the pieces of a closed curve.
+template <class T> std::vector<Box<T>> pieceBoxes(const Curve<T>& curve)
+{
+  std::vector<Box<T>> boxes;
+  for (int first = 0; first < curve.getSize(); first += piece)
+    boxes.push_back(boxOf(curve, first, std::min(piece, curve.getSize() - first) + 1));
+  return boxes;
 }
 
 /// A lower bound of the squared distance of what lies in two boxes.
@@ -79,7 +92,7 @@ CurveJunction<T>::CurveJunction(const std::vector<const Curve<T>*>& contours, T 
 template <class T> void CurveJunction<T>::findBridges(const std::vector<const Curve<T>*>& contours)
 {
   std::vector<Box<T>> boxes;
-  for (const Curve<T>* contour : contours) boxes.push_back(boxOf(*contour));
+  for (const Curve<T>* contour : contours) boxes.push_back(boxOf(*contour, 0, contour->getSize()));
   std::vector<int> outside(contours.size() - 1);
   std::iota(outside.begin(), outside.end(), 1);
   // The shortest bridge from the tree to each contour outside.
@@ -91,7 +104,7 @@ template <class T> void CurveJunction<T>::findBridges(const std::vector<const Cu
     for (const int i : outside)
     {
       if (!(squaredDistance(boxes[added], boxes[i]) < bridges[i].squaredLength)) continue;
-      const Bridge bridge = closestPlaces(contours, added, i);
+      const Bridge bridge = closestPlaces(contours, added, i, bridges[i].squaredLength);
       if (bridge.squaredLength < bridges[i].squaredLength) bridges[i] = bridge;
     }
     const auto next =
@@ -105,18 +118,25 @@ template <class T> void CurveJunction<T>::findBridges(const std::vector<const Cu
 }
 
 template <class T> typename CurveJunction<T>::Bridge
-CurveJunction<T>::closestPlaces(const std::vector<const Curve<T>*>& contours, int from, int to)
+CurveJunction<T>::closestPlaces(const std::vector<const Curve<T>*>& contours, int from, int to, T squaredLimit)
 {
-  Bridge closest = {std::numeric_limits<T>::max(), {from, {}, 0}, {to, {}, 0}};
+  Bridge closest = {squaredLimit, {from, {}, 0}, {to, {}, 0}};
   const auto search =
       [&closest](const Curve<T>& vertices, const Curve<T>& edges, BridgeEnd& vertexEnd, BridgeEnd& edgeEnd)
   {
     const int numVertices = vertices.getSize(), numEdges = edges.getSize();
+    const std::vector<Box<T>> boxes = pieceBoxes(edges);
     for (int i = 0; i < numVertices; ++i)
     {
       const T* const p = vertices.data(i);
       for (int j = 0; j < numEdges; ++j)
       {
+        if (j % piece == 0 &&
+            !(squaredDistance(Box<T>{p[0], p[0], p[1], p[1]}, boxes[j / piece]) < closest.squaredLength))
+        {
+          j += piece - 1;
+          continue;
+        }
         const T *a = edges.data(j), *b = edges.data(following(j, numEdges));
         const T share = closestShare(p, a, b);
         const T q[] = {a[0] + share * (b[0] - a[0]), a[1] + share * (b[1] - a[1])};

@@ -63,7 +63,8 @@ private:
   };
 
   void findBridges(const std::vector<const Curve<T>*>& contours);
-  static Bridge closestPlaces(const std::vector<const Curve<T>*>& contours, int from, int to);
+  /// The shortest bridge between two contours, if it is shorter than the limit; else one of the limit's length.
+  static Bridge closestPlaces(const std::vector<const Curve<T>*>& contours, int from, int to, T squaredLimit);
   void makeCopy(int i, const Curve<T>& contour, T height);
   void sortBridges(Copy& copy) const;
   void walk(T mergedHeight);

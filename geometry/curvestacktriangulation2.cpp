@@ -432,7 +432,7 @@ TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Se
 template <class T> void CurveStackTriangulation2<T>::appendCurveTriangulation(const MeshCurve& curve, bool isEndCap)
 {
   if (curve.curve->isOpen()) return;
-  const bool isReversed = curve.curve->twiceArea(0, 1) < 0;
+  const bool isReversed = !(curve.curve->twiceArea(0, 1) > 0); // as the strips take a curve without area
   const bool facesUp = isEndCap != _descending;
   const int last = curve.curve->getSize() - 1;
   const auto index = [&](int k) { return curve.offset + (isReversed ? last - k : k); };

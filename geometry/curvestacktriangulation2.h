@@ -52,6 +52,7 @@ public:
   /// Degenerate curves are left out before levels are formed, see getIgnoredCurves().
   /// After an error the mesh is empty.
   /// \throw SizeError   the curves are not in 3D, or there are tags but not one per curve
+  /// \throw ValueError  curves of one level lie so far apart that the length around them is no number
   void apply(const CurveStack<T>& stack);
 
   /// The mesh of the last apply().

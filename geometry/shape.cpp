@@ -25,17 +25,17 @@ template <class T> Vector<Real<T>> Shape<T>::cog() const
   for (int k = 0; k < center.getSize(); k += 2) // two sums at a time stay in registers
   {
     const int l = std::min(k + 1, center.getSize() - 1);
-    Real<T> sumK = 0, sumL = 0;
+    Wide<T> sumK = 0, sumL = 0;
     forEachVertex(
         [&sumK, &sumL, k, l](const T* coordinates)
         {
           sumK += coordinates[k];
           sumL += coordinates[l];
         });
-    center[k] = sumK;
-    center[l] = sumL;
+    center[k] = static_cast<Real<T>>(sumK / getNumVertices());
+    center[l] = static_cast<Real<T>>(sumL / getNumVertices());
   }
-  return center /= static_cast<Real<T>>(getNumVertices());
+  return center;
 }
 
 template <class T> SquareMatrix<Real<T>> Shape<T>::inertia() const

@@ -81,6 +81,11 @@ template <class T> int findCurvesClosestPoints(const MeasuredCurve<T>& first, co
 template <class T>
 TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>& a, const MeasuredCurve<T>& b)
 {
+  for (const T length : {a.getLength(), b.getLength()})
+    if (!(length > 0) || !std::isfinite(length))
+      throw ValueError("TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>&, const "
+                       "MeasuredCurve<T>&)",
+                       "The contours lie too far apart, or too close, for their lengths to be numbers");
   TriangulationCode code;
   const bool isOpen = a.getCurve().isOpen();
   if (!isOpen) code.startA = findCurvesClosestPoints(a, b);

@@ -18,7 +18,8 @@ template <class T> int findCurvesClosestPoints(const MeasuredCurve<T>& a, const 
 
 /// Each step takes the curve whose next vertex stays closest to the progress (share of the length) of the other, b on
 /// a tie. Both curves are closed or both open; open ones are walked from their first to their last vertices, closed
-/// ones all around from the start that findCurvesClosestPoints() gives. Lengths must be positive and finite.
+/// ones all around from the start that findCurvesClosestPoints() gives.
+/// \throw ValueError  a curve's length is 0 or not finite
 /// Source: Ganapathy and Dennehy, "A new general triangulation method for planar contours", 1982.
 template <class T>
 TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>& a, const MeasuredCurve<T>& b);

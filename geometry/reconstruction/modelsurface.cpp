@@ -16,7 +16,7 @@ namespace
 {
 
 /// More than any screen or printer shows; a stack file may ask for any size.
-constexpr std::int64_t mostQuadMeshVertices = std::int64_t{1} << 25;
+constexpr std::int64_t mostQuadMeshVertices = std::int64_t{1} << 22;
 
 std::string quoted(const std::string& text)
 {
@@ -44,6 +44,7 @@ template <class T> std::vector<std::string> warningsAbout(const Model& model, co
 {
   const std::vector<CurveStackFinding> findings = checkCurveStack(curves);
   const std::pair<CurveStackFinding::Kind, const char*> kinds[] = {
+      {CurveStackFinding::OutOfOrder, "the slices do not lie one above the other in their order"},
       {CurveStackFinding::CrossesItself, "contours cross themselves"},
       {CurveStackFinding::Touches, "contours touch or cross each other"},
       {CurveStackFinding::Nested, "contours lie inside others; what they enclose counts twice"},
@@ -96,7 +97,7 @@ template <class T> void ModelSurface<T>::apply(const Model& model)
   _numCurves = contours.curves.getNumCurves();
   _warnings.clear();
   if (!contours.warning.empty()) _warnings.push_back(contours.warning);
-  if (model.getGeometry() == MPrimitive::Polygon)
+  if (model.getGeometry() != MPrimitive::Region)
     std::ranges::move(warningsAbout(model, contours.curves, contours.items), std::back_inserter(_warnings));
   _quadMesh = QuadMesh<T>();
   _mesh = TriMesh<T>();

@@ -199,7 +199,8 @@ template <class T> std::vector<const ModelItem*> StackReconstruction<T>::itemsOf
 template <class T> std::vector<const ModelItem*> StackReconstruction<T>::itemsInStackOrder(const Model& model) const
 {
   std::vector<const ModelItem*> items;
-  for (int i = 0; i < _zMap.getSize(); ++i)
+  const int numSlices = _stack ? std::min(_zMap.getSize(), _stack->getNumSlices()) : 0;
+  for (int i = 0; i < numSlices; ++i)
     for (const ModelItem* item : _stack->getSlice(i)->getItems())
       if (item->getModel() == &model) items.push_back(item);
   return items;

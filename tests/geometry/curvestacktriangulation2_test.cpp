@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <numbers>
 #include <random>
 
 namespace
@@ -287,6 +288,65 @@ TEST(CurveStackTriangulation, LeavesDegenerateCurvesOut)
   EXPECT_TRUE(isClosedManifold(triangulation.getTriMesh()));
   EXPECT_DOUBLE_EQ(signedVolume(triangulation.getTriMesh()), 2); // joined across the level left out
   expectError<SizeError>("contour tags", [&] { triangulation.apply(stackOf({squareAt(0)})); });
+}
+
+TEST(CurveStackTriangulation, RefusesContoursWhoseDistanceIsNoNumber)
+{
+  for (const int method : {0, 1})
+  {
+    CurveStackTriangulation2<double> triangulation;
+    triangulation.setMethod(method);
+    const auto apply = [&] {
+      triangulation.apply(stackOf({squareAt(0, 0, 1e100), squareAt(1, 0, 1e100), squareAt(1, 1e160, 1e100)}));
+    };
+    if (method == 0)
+      expectError<ValueError>("too far apart", apply);
+    else
+      apply(); // needs no length
+  }
+}
+
+TEST(CurveStackTriangulation, CapsContoursWithoutArea)
+{
+  for (const bool isReversed : {false, true})
+  {
+    Curve<double> flat = closedCurve({{0, 0, 0}, {0.5, 0.5, 0}, {1, 1, 0}});
+    if (isReversed) flat.reverse();
+    CurveStackTriangulation2<double> triangulation;
+    triangulation.setTriangulateFirstCaps(true);
+    triangulation.setTriangulateLastCaps(true);
+    triangulation.apply(stackOf({flat, squareAt(1), squareAt(2)}));
+    EXPECT_TRUE(isClosedManifold(triangulation.getTriMesh())) << isReversed;
+  }
+}
+
+TEST(CurveStackTriangulation, KeepsTubesApartFarFromTheOrigin)
+{
+  // Six tubes, each level with another number of vertices; single precision at 10^6 has a step of 0.06.
+  const auto verticesAt = [](float offset)
+  {
+    CurveStack<float> stack;
+    for (int level = 0; level < 2; ++level)
+      for (int tube = 0; tube < 6; ++tube)
+      {
+        const int n = 2011 + 1200 * level + 37 * tube;
+        Curve<float> curve(3, n);
+        for (int i = 0; i < n; ++i)
+        {
+          const double angle = -2 * std::numbers::pi * i / n;
+          curve.data(i)[0] = offset + static_cast<float>(4 * tube + 1.5 * std::cos(angle));
+          curve.data(i)[1] = offset + static_cast<float>(1.5 * std::sin(angle));
+          curve.data(i)[2] = static_cast<float>(level);
+        }
+        stack.append(curve);
+      }
+    CurveStackTriangulation2<float> triangulation;
+    triangulation.apply(stack);
+    return triangulation.getTriMesh().getSize();
+  };
+  const int numDrawn = 6 * (2011 + 3211) + 2 * 37 * 15; // no vertices of junctions
+  EXPECT_EQ(verticesAt(0), numDrawn);
+  EXPECT_EQ(verticesAt(1e6f), numDrawn);
 }
 
 TEST(CurveStackTriangulation, EndsOnRepeatedVertices)

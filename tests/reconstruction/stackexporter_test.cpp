@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
@@ -345,6 +346,18 @@ TEST_F(StackExporterTest, RegionsAreClosedAlongTheirPixels)
   }
   exportAll();
   EXPECT_EQ(files(), (std::set<std::string>{"specimen-region.qm", "specimen-region.stl"}));
+}
+
+TEST_F(StackExporterTest, TellsOfContoursThatMayNotBeMeant)
+{
+  Model& model = addColumn("cell");
+  addItem(model, *_stack.getSlice(0), {{0, 0}, {8, 8}, {8, 0}, {0, 8}});
+  _stack.getSlice(1)->setAbsolutePosition(-7);
+  exportAll();
+  std::vector<std::string> texts;
+  for (const std::string& line : _exporter.getWarnings()) texts.push_back(line.substr(0, line.find(", on slice")));
+  EXPECT_THAT(texts, testing::IsSupersetOf({"Model \"cell\": the slices do not lie one above the other in their order",
+                                            "Model \"cell\": contours cross themselves"}));
 }
 
 TEST_F(StackExporterTest, NamesTheContoursThatItLeavesOut)

@@ -113,6 +113,18 @@ TEST(StackReconstruction, OrdersItemsBySliceAndThenAsListed)
   EXPECT_TRUE(dynamic_cast<const CurveStack<double>&>(*reconstructed<double>(stack, other)).isOpen());
 }
 
+TEST(StackReconstruction, SkipsSlicesThatWereRemovedSinceTheMapsWereMade)
+{
+  Stack stack;
+  for (int i = 0; i < 3; ++i) addSlice(stack, 0, 0);
+  Model& model = addModel(stack, "cell", MPrimitive::Polygon);
+  for (int i = 0; i < 3; ++i) addItem(model, *stack.getSlice(i), {{i, 0}});
+  const StackReconstruction<double> reconstruction(stack);
+  const auto removed = stack.removeSlice(2);
+  const std::unique_ptr<Shape<double>> shape(reconstruction.apply(model));
+  EXPECT_EQ(dynamic_cast<const CurveStack<double>&>(*shape).getNumCurves(), 2);
+}
+
 TEST(StackReconstruction, MapsEveryGeometry)
 {
   Stack stack;
