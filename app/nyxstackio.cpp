@@ -1,5 +1,6 @@
 #include "app/nyxstackio.h"
 
+#include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxpreferences.h"
@@ -14,6 +15,7 @@
 #include "app/nyxstackerrordialog.h"
 #include "model/io/stackreader.h"
 #include "model/io/stackwriter.h"
+#include "model/io/stackwriterwarnings.h"
 #include "model/stackcreation.h"
 #include "model/stackslice.h"
 #include "model/storabletext.h"
@@ -24,6 +26,7 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include <memory>
 #include <optional>
@@ -237,13 +240,16 @@ void NYXStackIO::openStack(const QString& filename)
   }
   if (!reader.getLog().empty()) NYXStackErrorDialog(file, toQStrings(reader.getLog()), _parent).exec();
   if (reader.getNumFatalErrors() != 0) return;
+  stack->noteFile(reader.getLog().empty());
   NYXStackServer::server().addStack(std::move(stack));
   NYXSettings::settings().addRecentFile(file);
 }
 
-void NYXStackIO::showWarnings(const QString& filename, const StackWriter& writer) const
+/// The losses of lengths were told before.
+void NYXStackIO::showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const
 {
-  const QStringList lines = toQStrings(writer.getWarnings());
+  QStringList lines = toQStrings(writer.getWarnings());
+  for (const std::string& told : lengthLosses(stack).lines) lines.removeOne(QString::fromStdString(told));
   if (lines.isEmpty()) return;
   warn(_parent, {tr("Saved with losses"), tr("%1 does not say all that the stack does.").arg(filename),
                  lines.mid(0, maxNumWarnings).join('\n')});
@@ -258,7 +264,7 @@ NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, Q
     writer.setBeforeReplace([&] { makeBackups(filename, NYXPreferences::getMaxNumBackups()); });
     const auto write = [&] { writer.write(stack, filename.toStdString()); };
     if (!runWithProgress(_parent, tr("Saving stack"), writer, _statusBar, write)) return Result::Canceled;
-    showWarnings(filename, writer);
+    showWarnings(stack, filename, writer);
     return Result::Done;
   }
   catch (const Exception& error)
@@ -268,8 +274,63 @@ NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, Q
   }
 }
 
+/// Lengths that the file cannot hold in the stack's unit: asks once whether the stack is converted to a finer one.
+/// False when the user cancels.
+bool NYXStackIO::settleLosses(NYXStack& stack) const
+{
+  if (stack.acceptsLosses()) return true;
+  LengthLosses losses;
+  try
+  {
+    losses = lengthLosses(stack);
+  }
+  catch (const ValueError&)
+  {
+    return true; // the writer will say why it refuses
+  }
+  if (losses.lines.empty()) return true;
+  const QString unit = QString::fromStdString(stack.getLengthUnit().name());
+  QMessageBox box(QMessageBox::Warning, tr("Saving stack"),
+                  tr("Stack files hold two decimals of each length, fewer than this stack has in %1.").arg(unit),
+                  QMessageBox::Cancel, _parent);
+  box.setObjectName("lossesDialog");
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(plainText(toQStrings(losses.lines).mid(0, maxNumWarnings).join('\n')));
+  QAbstractButton* convert = nullptr;
+  if (losses.keepingUnit)
+    convert = box.addButton(tr("Convert to %1").arg(QString::fromStdString(losses.keepingUnit->name())),
+                            QMessageBox::AcceptRole);
+  const QAbstractButton* keep = box.addButton(tr("Keep %1, lose digits").arg(unit), QMessageBox::DestructiveRole);
+  if (convert) box.setDefaultButton(qobject_cast<QPushButton*>(convert));
+  box.exec();
+  if (box.clickedButton() == keep)
+    stack.setAcceptsLosses(true);
+  else if (convert && box.clickedButton() == convert)
+    stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, losses.keepingUnit->getScale()));
+  else
+    return false;
+  return true;
+}
+
+/// Asks before a save over a file of which something is not in the stack.
+bool NYXStackIO::mayOverwrite(const NYXStack& stack, const QString& filename) const
+{
+  if (filename != stack.getFilename() || !QFileInfo::exists(filename)) return true;
+  QString question;
+  if (stack.hasFileChanged())
+    question = tr("%1 has changed on disk since it was read or saved here.").arg(filename);
+  else if (!stack.getFileState().wasReadWhole)
+    question = tr("Not all of %1 could be read.").arg(filename);
+  if (question.isEmpty()) return true;
+  return warn(_parent, {tr("Saving stack"), question,
+                        tr("Saving replaces it by what this window shows; the former file is kept as a backup if "
+                           "backups are on."),
+                        QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel}) == QMessageBox::Save;
+}
+
 bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
 {
+  if (!mayOverwrite(stack, filename) || !settleLosses(stack)) return false;
   showMessage(tr("Saving ") + filename);
   QString reason;
   const Result result = write(stack, filename, reason);
@@ -280,6 +341,7 @@ bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
     return false;
   }
   if (filename != stack.getFilename()) stack.setFilename(filename);
+  stack.noteFile(true);
   stack.setModified(false);
   NYXSettings::settings().addRecentFile(filename);
   showMessage(tr("Saved ") + filename, 2000);
@@ -324,6 +386,7 @@ bool NYXStackIO::mayReplace(const QString& typed, const QString& file) const
 bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
 {
   if (stack.getFilename().isEmpty()) return saveStackAs(stack);
+  if (!mayOverwrite(stack, stack.getFilename()) || !settleLosses(stack)) return false;
   for (QString reason;;)
   {
     const Result result = write(stack, stack.getFilename(), reason);

@@ -58,8 +58,10 @@ private:
   bool askForSpacing(NYXStack& stack) const;
   void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
   void showFormatError(const Exception& error) const;
-  void showWarnings(const QString& filename, const StackWriter& writer) const;
+  void showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const;
   Result write(NYXStack& stack, const QString& filename, QString& reason);
+  bool settleLosses(NYXStack& stack) const;
+  bool mayOverwrite(const NYXStack& stack, const QString& filename) const;
   bool mayReplace(const QString& typed, const QString& file) const;
   bool writeBeforeClosing(NYXStack& stack);
   bool saveTo(NYXStack& stack, const QString& filename);

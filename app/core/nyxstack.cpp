@@ -37,6 +37,19 @@ void NYXStack::setFilename(const QString& filename)
   notifyEvent(NYXStackFileNameEvent(*this));
 }
 
+void NYXStack::noteFile(bool wasReadWhole)
+{
+  const QFileInfo file(_filename);
+  _fileState = {wasReadWhole, file.lastModified(), file.size()};
+}
+
+bool NYXStack::hasFileChanged() const
+{
+  const QFileInfo file(_filename);
+  return _fileState.lastModified.isValid() && file.exists() &&
+         (file.lastModified() != _fileState.lastModified || file.size() != _fileState.size);
+}
+
 bool NYXStack::isModified() const
 {
   return _isChangedByOthers || _numLooseChanges != 0 || !_histories.areAtSaved();

@@ -6,6 +6,7 @@
 #include "geometry/reconstruction/stackreconstruction.h"
 #include "model/stack.h"
 
+#include <QDateTime>
 #include <QString>
 
 #include <memory>
@@ -24,6 +25,23 @@ public:
   /// The stack file; empty for a stack that was never saved.
   const QString& getFilename() const { return _filename; }
   void setFilename(const QString& filename);
+
+  /// What is known of the stack file, to tell whether saving over it may lose something.
+  struct FileState
+  {
+    bool wasReadWhole = true; ///< nothing of it was refused when it was read
+    QDateTime lastModified;   ///< when it was read or written last; invalid for a stack that was neither
+    qint64 size = 0;
+  };
+  const FileState& getFileState() const { return _fileState; }
+  /// Notes that the file was read or written just now.
+  void noteFile(bool wasReadWhole);
+  /// Whether the file is another one than when it was read or written last.
+  bool hasFileChanged() const;
+
+  /// Whether the user wants the length unit kept although the file holds fewer digits than the stack.
+  bool acceptsLosses() const { return _acceptsLosses; }
+  void setAcceptsLosses(bool flag) { _acceptsLosses = flag; }
 
   bool isModified() const;
   /// Posts NYXStackModifyEvent. Not modified: the stack is saved as it is now. Modified: it stays so until saved.
@@ -90,6 +108,8 @@ private:
   void tellWhenModifiedFlips();
 
   QString _filename;
+  FileState _fileState;
+  bool _acceptsLosses = false;
   bool _isChangedByOthers = false; // since it was saved, by what no history knows
   int _numLooseChanges = 0;
   bool _wasModified = false; // as told last

@@ -39,9 +39,9 @@ double writtenLength(float length)
   return valueOf(lengthText(length));
 }
 
-/// The coarsest unit below the given one in which a length is kept; "" when there is none. `written` gives what becomes
-/// of the length when all lengths are multiplied by a factor.
-template <class Written> std::string keepingUnit(float length, int scale, Written written)
+/// The coarsest unit below the given one in which a length is kept, if there is one. `written` gives what becomes of
+/// the length when all lengths are multiplied by a factor.
+template <class Written> std::optional<LengthUnit> keepingUnit(float length, int scale, Written written)
 {
   const std::vector<int> scales = LengthUnit::availableScales();
   for (auto finer = scales.rbegin(); finer != scales.rend(); ++finer)
@@ -49,17 +49,17 @@ template <class Written> std::string keepingUnit(float length, int scale, Writte
     if (*finer >= scale) continue;
     const double factor = std::pow(10.0, scale - *finer);
     if (std::isfinite(static_cast<float>(length * factor)) && isKept(length * factor, written(factor)))
-      return LengthUnit(*finer).name();
+      return LengthUnit(*finer);
   }
-  return "";
+  return std::nullopt;
 }
 
-/// Collects the warnings about one slice or about the stack's defaults.
+/// Collects the losses of one slice or of the stack's defaults.
 class LengthCheck
 {
 public:
-  LengthCheck(std::string owner, const LengthUnit& unit, std::vector<std::string>& warnings)
-    : _owner(std::move(owner)), _unit(unit), _warnings(warnings)
+  LengthCheck(std::string owner, const LengthUnit& unit, LengthLosses& losses)
+    : _owner(std::move(owner)), _unit(unit), _losses(losses)
   {
   }
 
@@ -74,8 +74,8 @@ public:
     const double writtenAspect = writtenLength(aspect);
     check("pixel width", width);
     if (!isKept(aspect, writtenAspect)) // no unit helps here
-      _warnings.push_back(_owner + ": the pixel aspect ratio " + shortest(aspect) + " is written as " +
-                          shortest(static_cast<float>(writtenAspect)) + ".");
+      _losses.lines.push_back(_owner + ": the pixel aspect ratio " + shortest(aspect) + " is written as " +
+                              shortest(static_cast<float>(writtenAspect)) + ".");
     else if (isKept(width, writtenLength(width))) // the height is their product
       checkWritten("pixel height", calibration.getPixelHeight(),
                    [=](double factor) { return writtenAspect * writtenLength(static_cast<float>(width * factor)); });
@@ -85,15 +85,17 @@ private:
   template <class Written> void checkWritten(const std::string& name, float length, Written written)
   {
     if (isKept(length, written(1))) return;
-    const std::string unit = keepingUnit(length, _unit.getScale(), written);
-    _warnings.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
-                        shortest(static_cast<float>(written(1))) +
-                        (unit.empty() ? "." : "; the length unit " + unit + " would keep it."));
+    const std::optional<LengthUnit> unit = keepingUnit(length, _unit.getScale(), written);
+    if (unit && (!_losses.keepingUnit || unit->getScale() < _losses.keepingUnit->getScale()))
+      _losses.keepingUnit = unit;
+    _losses.lines.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
+                            shortest(static_cast<float>(written(1))) +
+                            (unit ? "; the length unit " + unit->name() + " would keep it." : "."));
   }
 
   std::string _owner;
   LengthUnit _unit;
-  std::vector<std::string>& _warnings;
+  LengthLosses& _losses;
 };
 
 void requireStorable(const std::string& owner, const PixelCalibration& calibration)
@@ -108,10 +110,18 @@ void requireStorable(const std::string& owner, const PixelCalibration& calibrati
                               " is not from 1e-15 to 1e15");
 }
 
-void checkSlice(const Stack& stack, const StackSlice& slice, std::vector<std::string>& warnings)
+void checkLengths(const Stack& stack, LengthLosses& losses)
+{
+  requireStorable("Stack", stack.getDefaultPixelCalibration());
+  LengthCheck lengths("Stack", stack.getLengthUnit(), losses);
+  lengths.check(stack.getDefaultPixelCalibration());
+  lengths.check("relative position", stack.getDefaultRelativePosition());
+}
+
+void checkLengths(const Stack& stack, const StackSlice& slice, LengthLosses& losses)
 {
   requireStorable("Slice \"" + slice.getName() + "\"", slice.getPixelCalibration());
-  LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), warnings);
+  LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), losses);
   if (slice.getPixelCalibration() != stack.getDefaultPixelCalibration()) lengths.check(slice.getPixelCalibration());
   if (!slice.useRelativePosition())
     lengths.check("position", slice.getAbsolutePosition());
@@ -184,19 +194,25 @@ void checkItems(const Stack& stack, const StackSlice& slice, std::vector<std::st
 }
 } // namespace
 
+LengthLosses lengthLosses(const Stack& stack)
+{
+  LengthLosses losses;
+  checkLengths(stack, losses);
+  for (int i = 0; i < stack.getNumSlices(); ++i) checkLengths(stack, *stack.getSlice(i), losses);
+  return losses;
+}
+
 std::vector<std::string> stackWriterWarnings(const Stack& stack)
 {
-  std::vector<std::string> warnings;
-  requireStorable("Stack", stack.getDefaultPixelCalibration());
-  LengthCheck lengths("Stack", stack.getLengthUnit(), warnings);
-  lengths.check(stack.getDefaultPixelCalibration());
-  lengths.check("relative position", stack.getDefaultRelativePosition());
+  LengthLosses losses;
+  std::vector<std::string>& warnings = losses.lines;
+  checkLengths(stack, losses);
   checkAnnotation("Stack", stack.getAnnotation(), warnings);
   NameCheck sliceNames("slices", warnings), modelNames("models", warnings);
   for (int i = 0; i < stack.getNumSlices(); ++i)
   {
     const StackSlice& slice = *stack.getSlice(i);
-    checkSlice(stack, slice, warnings);
+    checkLengths(stack, slice, losses);
     checkAnnotation("Slice \"" + slice.getName() + "\"", slice.getAnnotation(), warnings);
     checkItems(stack, slice, warnings);
     sliceNames.check(slice.getName());

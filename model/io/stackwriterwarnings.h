@@ -2,8 +2,19 @@
 
 #include "model/stack.h"
 
+#include <optional>
 #include <string>
 #include <vector>
+
+/// The lengths of a stack that lose more than half a percent with the decimals that are written, a line each, and the
+/// length unit in which those that can be kept in a finer one are all kept.
+struct LengthLosses
+{
+  std::vector<std::string> lines;
+  std::optional<LengthUnit> keepingUnit;
+};
+/// \throw ValueError  a calibration is beyond what the reader takes
+LengthLosses lengthLosses(const Stack& stack);
 
 /// What a stack file will not say as the stack does: one line per length that loses more than half a percent with the
 /// decimals that are written, per name that occurs twice, per note that holds an escape and per item that cannot be

@@ -42,6 +42,30 @@ NYXStack& addStack(const QString& name, const QString& filename, bool isModified
   return NYXStackServer::server().addStack(std::move(stack));
 }
 
+void inDialogs(const std::function<void(QDialog&)>& act, const std::function<void()>& work)
+{
+  QTimer timer;
+  QDialog* last = nullptr;
+  QObject::connect(&timer, &QTimer::timeout,
+                   [&]
+                   {
+                     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                     if (dialog == last) return;
+                     last = dialog;
+                     if (dialog != nullptr) act(*dialog);
+                   });
+  timer.start(5);
+  work();
+}
+
+void click(const QDialog& dialog, const QString& button)
+{
+  for (QAbstractButton* candidate : dialog.findChildren<QAbstractButton*>())
+  {
+    if (candidate->text().remove('&') == button) return candidate->click();
+  }
+}
+
 QStringList answering(const QList<QMessageBox::StandardButton>& answers, const std::function<void()>& work)
 {
   QStringList seen;
