@@ -33,5 +33,7 @@ QIcon colorSwatch(const QColor& color, const QSize& size)
   sample.setDevicePixelRatio(ratio);
   sample.fill(color);
   QPainter(&sample).drawRect(0, 0, size.width() - 1, size.height() - 1);
-  return QIcon(sample);
+  QIcon icon(sample);
+  icon.addPixmap(sample, QIcon::Selected); // not tinted
+  return icon;
 }

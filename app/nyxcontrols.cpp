@@ -7,13 +7,22 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
+
+#include <algorithm>
 
 namespace
 {
 QString several()
 {
   return QCoreApplication::translate("NYXNumberBox", "(several)");
+}
+
+QColor mixture(const QColor& a, const QColor& b)
+{
+  return QColor((a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2);
 }
 } // namespace
 
@@ -30,6 +39,10 @@ void showValue(QCheckBox& box, std::optional<bool> isChecked)
 
 void showValue(QComboBox& box, std::optional<int> index)
 {
+  QPalette palette; // the default color has a transparency that the box draws as nothing
+  palette.setColor(QPalette::PlaceholderText,
+                   mixture(box.palette().color(QPalette::ButtonText), box.palette().color(QPalette::Button)));
+  box.setPalette(palette);
   box.setPlaceholderText(several());
   box.setCurrentIndex(index.value_or(-1));
 }
@@ -114,4 +127,16 @@ void whenEdited(NYXColorButton& button, const std::function<void()>& f)
 void whenEdited(NYXCalibrationEditor& editor, const std::function<void()>& f)
 {
   QObject::connect(&editor, &NYXCalibrationEditor::edited, &editor, f);
+}
+
+void lineUpFields(const std::vector<QFormLayout*>& forms)
+{
+  std::vector<QWidget*> labels;
+  for (const QFormLayout* form : forms)
+    for (int row = 0; row < form->rowCount(); ++row)
+      if (QLayoutItem* const item = form->itemAt(row, QFormLayout::LabelRole); item && item->widget())
+        labels.push_back(item->widget());
+  int width = 0;
+  for (const QWidget* label : labels) width = std::max(width, label->sizeHint().width());
+  for (QWidget* label : labels) label->setMinimumWidth(width);
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 class NYXCalibrationEditor;
 class NYXColorButton;
@@ -12,6 +13,7 @@ class NYXNumberBox;
 class PixelCalibration;
 class QCheckBox;
 class QComboBox;
+class QFormLayout;
 class QLineEdit;
 
 /// One interface for the controls of property forms. A value that is none stands for several that differ.
@@ -41,3 +43,6 @@ void whenEdited(QLineEdit& edit, const std::function<void()>& f);
 void whenEdited(NYXColorButton& button, const std::function<void()>& f);
 void whenEdited(NYXCalibrationEditor& editor, const std::function<void()>& f);
 /// @}
+
+/// Gives the labels of forms that stand below each other one width, so that the fields line up.
+void lineUpFields(const std::vector<QFormLayout*>& forms);

@@ -1,6 +1,7 @@
 #include "app/nyxmodelchecklist.h"
 
 #include "app/nyxcolorbutton.h"
+#include "app/nyxmodelcolor.h"
 #include "model/modelfilter.h"
 #include "model/stack.h"
 
@@ -17,16 +18,12 @@ QString rowText(const Model& model)
   return model.getNumItems() == 1 ? NYXModelCheckList::tr("%1 (1 item)").arg(name)
                                   : NYXModelCheckList::tr("%1 (%2 items)").arg(name).arg(model.getNumItems());
 }
-
-QColor colorOf(const Model& model)
-{
-  const ModelItemProperties::Color color = model.getItemProperties().getColor();
-  return QColor(color[0], color[1], color[2]);
-}
 } // namespace
 
 NYXModelCheckList::NYXModelCheckList(QWidget* parent) : QListWidget(parent)
 {
+  const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  setIconSize({side, side});
   setUniformItemSizes(true);
   connect(this, &QListWidget::itemChanged, this, &NYXModelCheckList::checkedModelsChanged);
 }
@@ -39,13 +36,13 @@ void NYXModelCheckList::setStack(const Stack* stack)
   _stack = stack;
   const QSignalBlocker blocker(this);
   const int row = currentRow();
-  const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
   clear();
   for (int i = 0; stack && i < stack->getNumModels(); ++i)
   {
     const Model& model = *stack->getModel(i);
     const QString name = QString::fromStdString(model.getName());
-    auto* const entry = new QListWidgetItem(colorSwatch(colorOf(model), {side, side}), rowText(model), this);
+    auto* const entry =
+        new QListWidgetItem(colorSwatch(colorOf(model.getItemProperties()), iconSize()), rowText(model), this);
     entry->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
     entry->setData(nameRole, name);
     entry->setCheckState(unchecked.contains(name) ? Qt::Unchecked : Qt::Checked);

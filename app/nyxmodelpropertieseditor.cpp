@@ -2,6 +2,7 @@
 
 #include "app/core/nyxactionstep.h"
 #include "app/nyxcolorbutton.h"
+#include "app/nyxmodelcolor.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
 #include "model/model.h"
@@ -50,12 +51,6 @@ template <class Value, class Get> auto as(Get get)
 {
   return [get](const Properties& p) { return static_cast<Value>(get(p)); };
 }
-
-QColor colorOf(const Properties& properties)
-{
-  const ModelItemProperties::Color color = properties.itemProperties.getColor();
-  return QColor(color[0], color[1], color[2]);
-}
 } // namespace
 
 NYXModelPropertiesEditor::NYXModelPropertiesEditor(QWidget* parent) : QWidget(parent), _form([this] { emit edited(); })
@@ -65,6 +60,9 @@ NYXModelPropertiesEditor::NYXModelPropertiesEditor(QWidget* parent) : QWidget(pa
   left->addWidget(createModelGroup());
   left->addWidget(createItemsGroup());
   left->addStretch(1);
+  std::vector<QFormLayout*> forms;
+  for (QGroupBox* const group : findChildren<QGroupBox*>()) forms.push_back(static_cast<QFormLayout*>(group->layout()));
+  lineUpFields(forms);
   auto* const right = new QVBoxLayout;
   right->addWidget(createSurfaceGroup());
   right->addStretch(1);
@@ -93,8 +91,9 @@ QWidget* NYXModelPropertiesEditor::createModelGroup()
   color->setAutoDefault(false);
   color->setAlphaEnabled(false);
   form->addRow(tr("Color"), color);
-  _form.bind(*color, colorOf,
-             [](Properties& p, const QColor& c) { p.itemProperties.setColor(c.red(), c.green(), c.blue()); });
+  _form.bind(
+      *color, [](const Properties& p) { return colorOf(p.itemProperties); },
+      [](Properties& p, const QColor& c) { p.itemProperties.setColor(c.red(), c.green(), c.blue()); });
   _geometry = createChoice(
       *form, "modelGeometry", tr("Geometry"), {},
       {tr("Polygon (closed curves)"), tr("Polyline (open curves)"), tr("Polypoint (points)"), tr("Region (areas)")});

@@ -16,6 +16,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
@@ -84,6 +85,8 @@ QWidget* NYXModelsDialog::createList()
   _list->setToolTip(tr("Double-click a name to change it; drag models into another order"));
   _list->setModel(_table);
   _list->setItemDelegateForColumn(NYXModelsTable::Name, new NameDelegate(*_table, _list));
+  const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  _list->setIconSize({side, side});
   _list->setRootIsDecorated(false);
   _list->setUniformRowHeights(true);
   _list->setAllColumnsShowFocus(true);

@@ -2,6 +2,7 @@
 
 #include "app/core/nyxstack.h"
 #include "app/nyxcolorbutton.h"
+#include "app/nyxmodelcolor.h"
 
 #include <QApplication>
 #include <QStyle>
@@ -10,9 +11,8 @@ namespace
 {
 QIcon swatchOf(const Model& model)
 {
-  const ModelItemProperties::Color color = model.getItemProperties().getColor();
   const int side = qApp->style()->pixelMetric(QStyle::PM_SmallIconSize);
-  return colorSwatch(QColor(color[0], color[1], color[2]), {side, side});
+  return colorSwatch(colorOf(model.getItemProperties()), {side, side});
 }
 } // namespace
 

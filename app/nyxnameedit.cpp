@@ -42,7 +42,7 @@ void NYXNameEdit::showRefusal()
   const QString reason = refusal();
   _sign->setVisible(!reason.isEmpty());
   _sign->setToolTip(plainText(reason));
-  if (!isVisible() || !hasFocus()) return;
+  if (!isVisible()) return;
   if (reason.isEmpty())
     QToolTip::hideText();
   else

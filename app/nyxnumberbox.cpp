@@ -8,9 +8,8 @@
 
 namespace
 {
-constexpr int shownDecimals = 6;
 constexpr int keptDecimals = 15; // of what is typed; the base class rounds to them
-constexpr int shownDigits = 7;   // of numbers that need an exponent
+constexpr int shownDigits = 7;   // all that single-precision numbers have
 constexpr double leastPlain = 1e-4;
 constexpr double greatestPlain = 1e12;
 
@@ -69,7 +68,10 @@ QString NYXNumberBox::textFromValue(double number) const
   if (decimals() == 0) return locale().toString(number, 'f', 0).remove(locale().groupSeparator());
   const double size = std::abs(number);
   if (size != 0 && (size < leastPlain || size >= greatestPlain)) return locale().toString(number, 'g', shownDigits);
-  QString text = locale().toString(number, 'f', shownDecimals).remove(locale().groupSeparator());
+  const int numWholeDigits = size == 0 ? 1 : static_cast<int>(std::floor(std::log10(size))) + 1;
+  const int numDecimals = std::max(shownDigits - numWholeDigits, 0);
+  QString text = locale().toString(number, 'f', numDecimals).remove(locale().groupSeparator());
+  if (numDecimals == 0) return text;
   while (text.endsWith(locale().zeroDigit())) text.chop(1);
   if (text.endsWith(locale().decimalPoint())) text.chop(1);
   return text;

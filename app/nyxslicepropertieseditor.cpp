@@ -277,7 +277,7 @@ void NYXSlicePropertiesEditor::showPosition()
 void NYXSlicePropertiesEditor::showResultingDepth()
 {
   const QString unit = " " + _depth->getUnit();
-  if (_slices.size() != 1 || !_depth->hasNumber()) return _resultingDepth->setText(tr("of each its own"));
+  if (_slices.size() != 1 || !_depth->hasNumber()) return _resultingDepth->setText(tr("(several)"));
   const StackSlice* const before = _slices.front()->prevSlice();
   double depth = _depth->getNumber();
   if (_position->currentIndex() != Properties::Absolute)
@@ -289,7 +289,7 @@ void NYXSlicePropertiesEditor::showImage()
 {
   const bool isOne = _slices.size() == 1;
   const ImageSource* const source = _newImage ? &*_newImage : isOne ? _slices.front()->getImageSource() : nullptr;
-  const QString text = isOne ? QDir::toNativeSeparators(sourceText(source)) : tr("of each its own");
+  const QString text = isOne ? QDir::toNativeSeparators(sourceText(source)) : tr("(several)");
   const QString size = source ? sizeTextOrNone(*source) : QString();
   if (_image->text() != text) _image->setText(text);
   _image->setToolTip(size.isEmpty() ? tr("The image cannot be read") : size);

@@ -134,6 +134,7 @@ QWidget* NYXStackPropertiesEditor::createCalibrationGroup()
   _appliesToAll->setObjectName("applyToAllSlices");
   _appliesToAll->setToolTip(tr("Each slice gets this calibration; otherwise slices keep theirs, and new ones get it"));
   layout->addRow(_appliesToAll);
+  lineUpFields({layout, static_cast<QFormLayout*>(_calibration->layout())});
   connect(_unit, qOverload<int>(&QComboBox::activated), this, &NYXStackPropertiesEditor::chooseUnit);
   connect(_convertLengths, &QRadioButton::clicked, this, &NYXStackPropertiesEditor::chooseUnit);
   connect(_changeUnitOnly, &QRadioButton::clicked, this, &NYXStackPropertiesEditor::chooseUnit);
@@ -255,7 +256,7 @@ void NYXStackPropertiesEditor::chooseUnit()
   const double factor = conversionFactor() / _shownFactor;
   _shownFactor = conversionFactor();
   _calibration->scale(factor);
-  for (NYXNumberBox* const box : {_spacing, _thickness}) box->setNumber(box->getNumber() * factor);
+  for (NYXNumberBox* const box : {_spacing, _thickness}) box->setNumber(static_cast<float>(box->getNumber() * factor));
   showUnit();
   emit edited();
 }
