@@ -149,7 +149,7 @@ void NYXFilterModelsDialog::showOutcome()
   QString text =
       tr("%1 of %2 items would stay, %3 would be deleted.").arg(numItems - numRemoved).arg(numItems).arg(numRemoved);
   if (numUnmeasured > 0 && (_from->hasNumber() || _to->hasNumber()))
-    text += " " + tr("%1 items have no such size and count as fitting.").arg(numUnmeasured);
+    text += " " + tr("Items without such a size, which stay: %1.").arg(numUnmeasured);
   _outcome->setText(text);
   enableApplying(numRemoved > 0, true);
 }

@@ -230,6 +230,7 @@ void NYXModelsDialog::reorder(const std::vector<Model*>& order)
           if (Model* const model = order[static_cast<std::size_t>(i)]; model->getIndex() != i)
             step.push(std::make_unique<NYXModelOrderAction>(*model, i));
       });
+  refresh();
 }
 
 /// Changes to the properties of the models shown so far are applied first.

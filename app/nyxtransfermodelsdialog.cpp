@@ -128,11 +128,11 @@ void NYXTransferModelsDialog::showOutcome()
   if (chosenStack(*_from)->getDefaultPixelCalibration() != chosenStack(*_to)->getDefaultPixelCalibration())
     lines.append(tr("The pixels of the two stacks differ in size, so the copies will, too."));
   if (planned.numWithoutSlice > 0)
-    lines.append(tr("%1 left out: there is no slice for them.").arg(itemsText(planned.numWithoutSlice)));
+    lines.append(tr("%1 left out: no slice matches.").arg(itemsText(planned.numWithoutSlice)));
   if (planned.numOutside > 0)
   {
-    const QString text = _keepsItemsOutside->isChecked() ? tr("%1 of these reach beyond the image and are kept.")
-                                                         : tr("%1 left out: they reach beyond the image.");
+    const QString text = _keepsItemsOutside->isChecked() ? tr("%1 kept although beyond the image.")
+                                                         : tr("%1 left out: beyond the image.");
     lines.append(text.arg(itemsText(planned.numOutside)));
   }
   _outcome->setText(lines.join('\n'));
