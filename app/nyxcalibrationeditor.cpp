@@ -21,10 +21,11 @@ NYXCalibrationEditor::NYXCalibrationEditor(QWidget* parent) : QWidget(parent)
 {
   auto* const form = new QFormLayout(this);
   form->setContentsMargins(0, 0, 0, 0);
-  _width = addBox(*form, "pixelWidth", tr("Pixel width"), tr("Width of a pixel; the aspect ratio stays"));
-  _height = addBox(*form, "pixelHeight", tr("Pixel height"), tr("Height of a pixel; the width stays"));
-  _aspectRatio =
-      addBox(*form, "aspectRatio", tr("Aspect ratio"), tr("Height of a pixel divided by its width; the width stays"));
+  _width = NYXNumberBox::addTo(*form, "pixelWidth", tr("Pixel width"), tr("Width of a pixel; the aspect ratio stays"));
+  _height = NYXNumberBox::addTo(*form, "pixelHeight", tr("Pixel height"), tr("Height of a pixel; the width stays"));
+  _aspectRatio = NYXNumberBox::addTo(*form, "aspectRatio", tr("Aspect ratio"),
+                                     tr("Height of a pixel divided by its width; the width stays"));
+  for (NYXNumberBox* const box : {_width, _height, _aspectRatio}) box->setRange(least, greatest);
   setFocusProxy(_width);
   connect(_width, &NYXNumberBox::edited, this,
           [this]
@@ -56,17 +57,6 @@ NYXCalibrationEditor::NYXCalibrationEditor(QWidget* parent) : QWidget(parent)
                   calibration.setAspectRatio(static_cast<float>(_aspectRatio->getNumber()));
                 });
           });
-}
-
-NYXNumberBox* NYXCalibrationEditor::addBox(QFormLayout& form, const char* name, const QString& label,
-                                           const QString& toolTip)
-{
-  auto* const box = new NYXNumberBox(this);
-  box->setObjectName(name);
-  box->setToolTip(toolTip);
-  box->setRange(least, greatest);
-  form.addRow(label, box);
-  return box;
 }
 
 /// The two numbers that are set give the third one.

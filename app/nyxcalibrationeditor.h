@@ -7,7 +7,6 @@
 #include <optional>
 
 class NYXNumberBox;
-class QFormLayout;
 
 /// Pixel width, height and aspect ratio, which stay consistent: a new width or aspect ratio gives another height, a new
 /// height another aspect ratio.
@@ -34,7 +33,6 @@ signals:
   void edited();
 
 private:
-  NYXNumberBox* addBox(QFormLayout& form, const char* name, const QString& label, const QString& toolTip);
   template <class Set> void change(Set set);
   void show();
 

@@ -133,7 +133,7 @@ QWidget* NYXModelPropertiesEditor::createSurfaceGroup()
   _form.bind(*mode, as<int>(getModel(&ModelProperties::getRenderingMode)),
              setModel(&ModelProperties::setRenderingMode));
   NYXNumberBox* const opacity =
-      createBox(*form, "surfaceOpacity", tr("Opacity"), tr("100 % hides what is behind the surface"));
+      NYXNumberBox::addTo(*form, "surfaceOpacity", tr("Opacity"), tr("100 % hides what is behind the surface"));
   opacity->setDecimals(0);
   opacity->setSingleStep(5);
   opacity->setRange(0, 100);
@@ -166,16 +166,6 @@ QWidget* NYXModelPropertiesEditor::createSurfaceGroup()
   return group;
 }
 
-NYXNumberBox* NYXModelPropertiesEditor::createBox(QFormLayout& form, const char* name, const QString& label,
-                                                  const QString& toolTip)
-{
-  auto* const box = new NYXNumberBox(this);
-  box->setObjectName(name);
-  box->setToolTip(toolTip);
-  form.addRow(label, box);
-  return box;
-}
-
 QComboBox* NYXModelPropertiesEditor::createChoice(QFormLayout& form, const char* name, const QString& label,
                                                   const QString& toolTip, const QStringList& entries)
 {
@@ -191,7 +181,7 @@ template <class Get, class Set> void NYXModelPropertiesEditor::addNumber(QFormLa
                                                                          const QString& label, const QString& toolTip,
                                                                          Get get, Set set)
 {
-  NYXNumberBox* const box = createBox(form, name, label, toolTip);
+  NYXNumberBox* const box = NYXNumberBox::addTo(form, name, label, toolTip);
   box->setRange(0, greatestSize);
   box->setUnit(tr("px"));
   _form.bind(*box, as<double>(get), set);
@@ -201,7 +191,7 @@ template <class Get, class Set>
 void NYXModelPropertiesEditor::addWholeNumber(QFormLayout& form, const char* name, const QString& label,
                                               const QString& toolTip, Get get, Set set, int least, int greatest)
 {
-  NYXNumberBox* const box = createBox(form, name, label, toolTip);
+  NYXNumberBox* const box = NYXNumberBox::addTo(form, name, label, toolTip);
   box->setDecimals(0);
   box->setRange(least, greatest);
   _form.bind(*box, as<double>(get), set);

@@ -10,8 +10,6 @@
 class Model;
 class NYXActionStep;
 class NYXNameEdit;
-class NYXNumberBox;
-class QCheckBox;
 class QComboBox;
 class QFormLayout;
 
@@ -53,7 +51,6 @@ private:
                                                       int greatest);
   template <class Get, class Set>
   void addFlag(QFormLayout& form, const char* name, const QString& label, const QString& toolTip, Get get, Set set);
-  NYXNumberBox* createBox(QFormLayout& form, const char* name, const QString& label, const QString& toolTip);
   QComboBox* createChoice(QFormLayout& form, const char* name, const QString& label, const QString& toolTip,
                           const QStringList& entries);
   std::vector<NYXModelProperties> propertiesOfModels() const;

@@ -109,7 +109,13 @@ QWidget* NYXModelsDialog::createList()
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(_list, 0, 0, 1, 4);
   int column = 0;
-  for (QPushButton* const button : {create, _delete, _up, _down}) layout->addWidget(button, 1, column++);
+  QWidget* before = _list;
+  for (QPushButton* const button : {create, _delete, _up, _down})
+  {
+    layout->addWidget(button, 1, column++);
+    setTabOrder(before, button);
+    before = button;
+  }
   auto* const deleteShortcut = new QAction(this); // in the list only: elsewhere the key deletes text
   deleteShortcut->setObjectName("deleteModelAction");
   deleteShortcut->setShortcut(QKeySequence::Delete);

@@ -7,7 +7,6 @@
 class Model;
 class NYXModelPropertiesEditor;
 class NYXModelsTable;
-class QAbstractButton;
 class QPushButton;
 class QTreeView;
 

@@ -1,5 +1,6 @@
 #include "app/nyxnumberbox.h"
 
+#include <QFormLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -33,6 +34,15 @@ NYXNumberBox::NYXNumberBox(QWidget* parent) : QDoubleSpinBox(parent), _number(0)
             _isTyping = false;
             showUnit();
           });
+}
+
+NYXNumberBox* NYXNumberBox::addTo(QFormLayout& form, const char* name, const QString& label, const QString& toolTip)
+{
+  auto* const box = new NYXNumberBox(form.parentWidget());
+  box->setObjectName(name);
+  box->setToolTip(toolTip);
+  form.addRow(label, box);
+  return box;
 }
 
 void NYXNumberBox::setUnit(const QString& unit)

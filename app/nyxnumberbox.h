@@ -4,6 +4,8 @@
 
 #include <optional>
 
+class QFormLayout;
+
 /// A spin box for a number with a unit. It may stand for several objects whose numbers differ, and gives a number back
 /// exactly as it was set until the user changes it, whatever digits it shows.
 ///
@@ -15,6 +17,8 @@ class NYXNumberBox : public QDoubleSpinBox
 
 public:
   explicit NYXNumberBox(QWidget* parent = nullptr);
+  /// A box in a new row of a form.
+  static NYXNumberBox* addTo(QFormLayout& form, const char* name, const QString& label, const QString& toolTip);
 
   /// Shown behind the number.
   void setUnit(const QString& unit);

@@ -174,13 +174,14 @@ QWidget* NYXSlicePropertiesEditor::createDepthGroup()
   _position->setToolTip(tr("How the depth of the slice is told"));
   _position->addItems({tr("Default spacing"), tr("Relative"), tr("Absolute")});
   form->addRow(tr("Position"), _position);
-  _depth = addLength(*form, "sliceDepth", tr("Value"),
-                     tr("Distance to the slice before or, for an absolute position, the depth"));
-  _depth->setMinimum(-greatestLength);
+  _depth = NYXNumberBox::addTo(*form, "sliceDepth", tr("Value"),
+                               tr("Distance to the slice before or, for an absolute position, the depth"));
+  _depth->setRange(-greatestLength, greatestLength);
   _resultingDepth = new QLabel(group);
   _resultingDepth->setObjectName("resultingDepth");
   form->addRow(tr("Depth in the stack"), _resultingDepth);
-  _thickness = addLength(*form, "thickness", tr("Thickness"), tr("Thickness of the slice"));
+  _thickness = NYXNumberBox::addTo(*form, "thickness", tr("Thickness"), tr("Thickness of the slice"));
+  _thickness->setRange(0, greatestLength);
   _form.bind(
       *_thickness, [](const Properties& p) { return double{p.thickness}; },
       [](Properties& p, double length) { p.thickness = static_cast<float>(length); });
@@ -193,17 +194,6 @@ QWidget* NYXSlicePropertiesEditor::createDepthGroup()
                emit edited();
              });
   return group;
-}
-
-NYXNumberBox* NYXSlicePropertiesEditor::addLength(QFormLayout& form, const char* name, const QString& label,
-                                                  const QString& toolTip)
-{
-  auto* const box = new NYXNumberBox(this);
-  box->setObjectName(name);
-  box->setToolTip(toolTip);
-  box->setRange(0, greatestLength);
-  form.addRow(label, box);
-  return box;
 }
 
 void NYXSlicePropertiesEditor::forgetMissing()

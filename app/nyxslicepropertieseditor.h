@@ -16,7 +16,6 @@ class NYXNumberBox;
 class NYXStack;
 class QCheckBox;
 class QComboBox;
-class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -53,7 +52,6 @@ private:
   QWidget* createSliceGroup();
   QWidget* createCalibrationGroup();
   QWidget* createDepthGroup();
-  NYXNumberBox* addLength(QFormLayout& form, const char* name, const QString& label, const QString& toolTip);
 
   std::vector<NYXSliceProperties> propertiesOfSlices() const;
   /// The properties after the changes, of a slice as it is now.

@@ -50,26 +50,18 @@ bool haveAllSlicesTheDefault(const NYXStack& stack)
   return true;
 }
 
-/// "512 x 400 px", or that the sizes differ or are not known.
+/// Of the first image only: those of a large stack take a while to read.
 QString imageSizeText(const NYXStack& stack)
 {
-  QString text;
+  const ImageSource* const source = stack.getSlice(0)->getImageSource();
   try
   {
-    for (int i = 0; i < stack.getNumSlices(); ++i)
-    {
-      const ImageSource* const source = stack.getSlice(i)->getImageSource();
-      if (!source) return NYXStackPropertiesEditor::tr("unknown");
-      const QString size = QString::fromUtf8("%1 × %2 px").arg(source->getSize2()).arg(source->getSize1());
-      if (i > 0 && size != text) return NYXStackPropertiesEditor::tr("of several sizes");
-      text = size;
-    }
+    if (source) return QString::fromUtf8("%1 × %2 px").arg(source->getSize2()).arg(source->getSize1());
   }
   catch (const FileError&)
   {
-    return NYXStackPropertiesEditor::tr("of unknown size");
   }
-  return text;
+  return NYXStackPropertiesEditor::tr("unknown");
 }
 } // namespace
 
@@ -159,13 +151,14 @@ QWidget* NYXStackPropertiesEditor::createDepthGroup()
 {
   auto* const group = new QGroupBox(tr("Depth"), this);
   auto* const form = new QFormLayout(group);
-  _spacing = addLength(*form, "sliceSpacing", tr("Slice spacing"),
-                       tr("Distance of slices that have none of their own from the slice before"));
+  _spacing = NYXNumberBox::addTo(*form, "sliceSpacing", tr("Slice spacing"),
+                                 tr("Distance of slices that have none of their own from the slice before"));
   _spacing->setRange(-greatestLength, greatestLength);
   _form.bind(
       *_spacing, [](const Properties& p) { return double{p.defaultRelativePosition}; },
       [](Properties& p, double length) { p.defaultRelativePosition = static_cast<float>(length); });
-  _thickness = addLength(*form, "sliceThickness", tr("Slice thickness"), tr("Thickness of new slices"));
+  _thickness = NYXNumberBox::addTo(*form, "sliceThickness", tr("Slice thickness"), tr("Thickness of new slices"));
+  _thickness->setRange(0, greatestLength);
   _form.bind(
       *_thickness, [](const Properties& p) { return double{p.defaultSliceThickness}; },
       [](Properties& p, double length) { p.defaultSliceThickness = static_cast<float>(length); });
@@ -177,17 +170,6 @@ QWidget* NYXStackPropertiesEditor::createDepthGroup()
       *invertZ, [](const Properties& p) { return p.invertZAxis; },
       [](Properties& p, bool isInverted) { p.invertZAxis = isInverted; });
   return group;
-}
-
-NYXNumberBox* NYXStackPropertiesEditor::addLength(QFormLayout& form, const char* name, const QString& label,
-                                                  const QString& toolTip)
-{
-  auto* const box = new NYXNumberBox(this);
-  box->setObjectName(name);
-  box->setToolTip(toolTip);
-  box->setRange(0, greatestLength);
-  form.addRow(label, box);
-  return box;
 }
 
 QWidget* NYXStackPropertiesEditor::createImagesGroup()
@@ -283,7 +265,8 @@ void NYXStackPropertiesEditor::refresh()
 void NYXStackPropertiesEditor::showInformation()
 {
   const int numSlices = _stack.getNumSlices();
-  _information->setText(numSlices == 0 ? tr("none") : tr("%1, images %2").arg(numSlices).arg(imageSizeText(_stack)));
+  _information->setText(
+      numSlices == 0 ? tr("none") : tr("%1; size of the first image: %2").arg(numSlices).arg(imageSizeText(_stack)));
 }
 
 bool NYXStackPropertiesEditor::isChanged() const

@@ -11,7 +11,6 @@ class NYXNameEdit;
 class NYXNumberBox;
 class QCheckBox;
 class QComboBox;
-class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QRadioButton;
@@ -41,7 +40,6 @@ private:
   QWidget* createCalibrationGroup();
   QWidget* createDepthGroup();
   QWidget* createImagesGroup();
-  NYXNumberBox* addLength(QFormLayout& form, const char* name, const QString& label, const QString& toolTip);
   QRadioButton* createChoice(const char* name, const QString& text, const QString& toolTip);
 
   int chosenScale() const;

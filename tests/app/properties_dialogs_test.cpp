@@ -131,7 +131,8 @@ TEST_F(PropertiesDialogs, OtherPropertiesOfAStack)
 {
   NYXStackPropertiesDialog dialog(stack);
   dialog.show();
-  EXPECT_EQ(find<QLabel>(dialog, "stackInformation").text(), QString::fromUtf8("3, images 100 × 80 px"));
+  EXPECT_EQ(find<QLabel>(dialog, "stackInformation").text(),
+            QString::fromUtf8("3; size of the first image: 100 × 80 px"));
   type(dialog, "sliceSpacing", "-1.5");
   type(dialog, "sliceThickness", "0.08");
   type(dialog, "imagesPath", "/data/images");
