@@ -116,6 +116,7 @@ void addExportCommand(CLI::App& app, Run& run)
       "--triangulate", arguments->triangulate,
       "join the drawn contours themselves; by default those that do not branch are resampled onto the model's "
       "quad mesh, which is written to a .qm file, too");
-  command->add_flag("--overwrite", arguments->overwrite, "replace existing files");
+  command->add_flag("--overwrite", arguments->overwrite,
+                    "replace existing files; the .qm file of a surface that has no quad mesh any more is removed");
   command->callback([=, &run] { run = [=] { return exportSurfaces(*arguments); }; });
 }

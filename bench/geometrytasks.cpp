@@ -1,4 +1,5 @@
 #include "bench/timedtask.h"
+#include "geometry/curvestacktriangulation2.h"
 #include "geometry/kdtree.h"
 #include "geometry/polygontriangulation.h"
 #include "geometry/trimesh.h"
@@ -52,6 +53,26 @@ TimedTask polygonTask(const std::string& input)
                      "kvertex", [=] { return triangulationResult(*polygon, triangulation->getTriMesh()); }};
   };
   return {"triangulate_polygon", input, {1}, prepare};
+}
+
+/// Strips between closed contours, whose file holds a row per vertex and a plane per contour.
+TimedTask stitchTask(const std::string& input)
+{
+  const auto prepare = [](const std::string& folder, const std::string& name)
+  {
+    const VoxelMatrix<double> contours(folder + "/" + name + ".vm");
+    auto stack = std::make_shared<CurveStack<double>>();
+    for (int k = 0; k < contours.getSize3(); ++k)
+    {
+      Curve<double> contour(3, contours.getSize1());
+      std::copy_n(contours[k].data(), contours[k].getNumElements(), contour.data());
+      stack->append(contour);
+    }
+    auto triangulation = std::make_shared<CurveStackTriangulation2<double>>();
+    return TimedWork{[=] { triangulation->apply(*stack); }, stack->getNumVertices() / 1e3, "kvertex",
+                     [=] { return "tris=" + std::to_string(triangulation->getTriMesh().getNumTriangles()); }};
+  };
+  return {"contour_stitch", input, {1}, prepare};
 }
 
 double meanDistance(const std::vector<Neighbour<double>>& neighbours)
@@ -123,6 +144,7 @@ std::vector<TimedTask> geometryTasks()
   std::vector<TimedTask> tasks;
   for (const char* input : {"poly_star_500", "poly_star_5000", "poly_spiral_5000", "poly_comb_5000"})
     tasks.push_back(polygonTask(input));
+  tasks.push_back(stitchTask("contours_200x1000"));
   for (const char* input : {"points2d_10000", "points3d_10000"}) tasks.push_back(nearestOthersTask(input));
   tasks.push_back(nearestPointsTask("points2d_10000", "eval2d_100000"));
   tasks.push_back(nearestPointsTask("points3d_10000", "eval3d_100000"));

@@ -13,12 +13,14 @@ template <class T> using Wide = std::conditional_t<std::is_same_v<T, long double
 /// Sum of the squared coordinate differences.
 template <class T> Real<T> squaredDistance(const T* a, const T* b, int space)
 {
-  Real<T> sum = 0;
-  for (int k = 0; k < space; ++k)
+  const auto square = [a, b](int k)
   {
     const Real<T> difference = static_cast<Real<T>>(a[k]) - static_cast<Real<T>>(b[k]);
-    sum += difference * difference;
-  }
+    return difference * difference;
+  };
+  if (space == 3) return square(0) + square(1) + square(2);
+  Real<T> sum = 0;
+  for (int k = 0; k < space; ++k) sum += square(k);
   return sum;
 }
 

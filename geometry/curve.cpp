@@ -18,6 +18,17 @@ template <class T> Edge<T> Curve<T>::getEdge(int i) const
   return Edge<T>(i, next, (*this)[i], (*this)[next]);
 }
 
+template <class T> std::vector<Real<T>> Curve<T>::edgeLengths() const
+{
+  const int numEdges = getNumEdges(), space = this->getSpace(), size = this->getSize();
+  const T* const points = this->data();
+  std::vector<Real<T>> lengths(static_cast<std::size_t>(numEdges));
+  for (int i = 0; i < numEdges; ++i)
+    lengths[i] =
+        distance(points + std::ptrdiff_t{i} * space, points + std::ptrdiff_t{i + 1 < size ? i + 1 : 0} * space, space);
+  return lengths;
+}
+
 template <class T> Real<T> Curve<T>::length() const
 {
   const int size = this->getSize();
@@ -26,34 +37,6 @@ template <class T> Real<T> Curve<T>::length() const
   for (int i = 0; i + 1 < size; ++i) sum += distance(this->data(i), this->data(i + 1), space);
   if (!_open && size > 0) sum += distance(this->data(size - 1), this->data(0), space);
   return sum;
-}
-
-template <class T> double Curve<T>::twiceArea(int i, int j) const
-{
-  const int size = this->getSize();
-  if (_open || size < 3) return 0;
-  double sum = 0;
-  const T* previous = this->data(size - 1);
-  for (int k = 0; k < size; ++k)
-  {
-    const T* const current = this->data(k);
-    sum += static_cast<double>(previous[i]) * static_cast<double>(current[j]) -
-           static_cast<double>(previous[j]) * static_cast<double>(current[i]);
-    previous = current;
-  }
-  return sum;
-}
-
-template <class T> int Curve<T>::projectedAreaSign(int i, int j) const
-{
-  const double area = twiceArea(i, j);
-  const double tolerance = Vector<T>::epsilon();
-  return area > tolerance ? 1 : area < -tolerance ? -1 : 0;
-}
-
-template <class T> void Curve<T>::setClockwise(bool clockwise, int i, int j)
-{
-  if (projectedAreaSign(i, j) == (clockwise ? 1 : -1)) this->reverse();
 }
 
 template <class T> void Curve<T>::join(const Curve<T>& curve)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "geometry/edgeiterator.h"
 #include "geometry/vertices.h"
 
 #include <utility>
@@ -8,7 +7,8 @@
 
 /// Polygonal curve: vertices in order, closed by default; a closed curve joins its last vertex to the first.
 ///
-/// Planar tests take the two coordinates that span the plane, usually 0 and 1.
+/// Planar tests take the two coordinates that span the plane, usually 0 and 1. \throw RangeError  there are no such
+/// coordinates, or they are the same
 template <class T> class Curve : public Vertices<T>
 {
 public:
@@ -30,8 +30,10 @@ public:
   int getNumEdges() const;
   /// Edge i joins vertex i to the next one. Unchecked.
   Edge<T> getEdge(int i) const;
-  EdgeIterator<T> edgeIterator() const { return EdgeIterator<T>(*this); }
+  int getNumBlockEdges(int) const override { return getNumEdges(); }
 
+  /// The length of each edge.
+  std::vector<Real<T>> edgeLengths() const;
   /// Sum of the lengths of the edges.
   Real<T> length() const;
   /// Twice the signed area in the plane (i, j), positive when counter-clockwise; 0 for an open curve.
@@ -50,7 +52,7 @@ public:
   Real<T> resamplingError(const Curve<T>& resampled) const;
 
   // In the plane of coordinates i and j, exactly for the coordinates as they are. Coordinates that are not finite take
-  // no part. \throw RangeError  there is no such coordinate
+  // no part.
   /// Whether a point lies inside a closed curve or on it; where the curve crosses itself, every second part is inside.
   /// An open curve contains nothing.
   bool contains(const Vector<T>& point, int i = 0, int j = 1) const;

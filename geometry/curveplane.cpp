@@ -1,6 +1,5 @@
 #include "geometry/boxtree.h"
-#include "geometry/curve.h"
-#include "geometry/predicates.h"
+#include "geometry/planeprojection.h"
 
 #include <algorithm>
 #include <limits>
@@ -110,25 +109,9 @@ private:
   BoxTree<P> _tree;
 };
 
-template <class T> std::vector<PlanePoint<PredicateReal<T>>> projection(const Curve<T>& curve, int i, int j)
-{
-  std::vector<PlanePoint<PredicateReal<T>>> points;
-  points.reserve(static_cast<std::size_t>(curve.getSize()));
-  for (int k = 0; k < curve.getSize(); ++k)
-    points.push_back(
-        {static_cast<PredicateReal<T>>(curve.data(k)[i]), static_cast<PredicateReal<T>>(curve.data(k)[j])});
-  return points;
-}
-
 template <class T> PlaneEdges<PredicateReal<T>> planeEdges(const Curve<T>& curve, int i, int j)
 {
-  return {projection(curve, i, j), curve.getNumEdges()};
-}
-
-void requirePlane(int i, int j, int space, const char* where)
-{
-  if (i < 0 || i >= space || j < 0 || j >= space || i == j)
-    throw RangeError(where, "There is no such plane of coordinates");
+  return {planeProjection(curve, i, j), curve.getNumEdges()};
 }
 
 /// Calls visit(edge of a, edge of b) for the edges that share a point, until it returns true.
@@ -149,6 +132,35 @@ template <class P> bool foldsBack(const PlanePoint<P>& a, const PlanePoint<P>& b
 }
 
 } // namespace
+
+template <class T> double Curve<T>::twiceArea(int i, int j) const
+{
+  requirePlane(i, j, this->getSpace(), "double Curve<T>::twiceArea(int, int) const");
+  const int size = this->getSize();
+  if (_open || size < 3) return 0;
+  double sum = 0;
+  const T* previous = this->data(size - 1);
+  for (int k = 0; k < size; ++k)
+  {
+    const T* const current = this->data(k);
+    sum += static_cast<double>(previous[i]) * static_cast<double>(current[j]) -
+           static_cast<double>(previous[j]) * static_cast<double>(current[i]);
+    previous = current;
+  }
+  return sum;
+}
+
+template <class T> int Curve<T>::projectedAreaSign(int i, int j) const
+{
+  const double area = twiceArea(i, j);
+  const double tolerance = Vector<T>::epsilon();
+  return area > tolerance ? 1 : area < -tolerance ? -1 : 0;
+}
+
+template <class T> void Curve<T>::setClockwise(bool clockwise, int i, int j)
+{
+  if (projectedAreaSign(i, j) == (clockwise ? 1 : -1)) this->reverse();
+}
 
 template <class T> bool Curve<T>::contains(const Vector<T>& point, int i, int j) const
 {
@@ -214,7 +226,7 @@ std::vector<std::pair<int, int>> Curve<T>::intersectionIndexes(const Curve<T>& c
 template <class T> bool Curve<T>::selfIntersects(int i, int j) const
 {
   requirePlane(i, j, this->getSpace(), "bool Curve<T>::selfIntersects(int, int) const");
-  auto points = projection(*this, i, j);
+  auto points = planeProjection(*this, i, j);
   points.erase(std::unique(points.begin(), points.end()), points.end());
   while (!_open && points.size() > 1 && points.back() == points.front()) points.pop_back();
   const int size = static_cast<int>(points.size());

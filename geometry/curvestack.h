@@ -11,6 +11,8 @@ template <class T> class CurveStack : public VertexStack<T>
 public:
   explicit CurveStack(int space = 3, bool open = false) : VertexStack<T>(space), _open(open) {}
 
+  /// Becomes a copy of the other stack.
+  void assign(const CurveStack<T>& stack) { *this = stack; }
   CurveStack<T>* clone() const override { return new CurveStack<T>(*this); }
   ShapeType getShapeType() const override { return _open ? OpenCurveStackShape : ClosedCurveStackShape; }
 
@@ -20,6 +22,7 @@ public:
   void setOpen(bool open);
 
   int getNumCurves() const { return this->getNumLevels(); }
+  int getNumBlockEdges(int i) const override { return level(i).getNumEdges(); }
   /// Curve i. Unchecked: the caller guarantees 0 <= i < getNumCurves().
   Curve<T>& operator[](int i) { return level(i); }
   const Curve<T>& operator[](int i) const { return level(i); }
@@ -63,7 +66,7 @@ protected:
   {
     return shapeType == ClosedCurveStackShape || shapeType == OpenCurveStackShape;
   }
-  void setShapeType(int shapeType) override { _open = shapeType == OpenCurveStackShape; }
+  void setShapeType(int shapeType) override { setOpen(shapeType == OpenCurveStackShape); }
 
 private:
   bool _open;

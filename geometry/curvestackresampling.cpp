@@ -89,6 +89,7 @@ template <class T, class Curves> Curve<T> curveAt(const Curves& curves, const Pl
 template <class T> void requireMesh(const QuadMesh<T>& mesh, const CurveStack<T>& stack, const char* where)
 {
   if (mesh.getWidth() == 0) throw SizeError(where, "The mesh has no vertices");
+  if (!mesh.isGrid()) throw SizeError(where, "The rows of a quad mesh differ in size");
   if (mesh.getSpace() != stack.getSpace()) throw SizeError(where, "The vertices have different dimensions");
 }
 } // namespace

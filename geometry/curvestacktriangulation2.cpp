@@ -32,6 +32,11 @@ std::vector<int> indexesFrom(int offset, int size)
   return indexes;
 }
 
+template <class T> std::shared_ptr<const MeasuredCurve<T>> measure(const Curve<T>& curve)
+{
+  return std::make_shared<const MeasuredCurve<T>>(curve);
+}
+
 /// The steps along contour a and its copy b, which has the vertices of a and others between them.
 TriangulationCode codeOf(const std::vector<int>& origins)
 {
@@ -79,9 +84,13 @@ template <class T> bool fitsReversed(const Curve<T>& a, const Curve<T>& b)
 // No share of a missing length can be walked.
 template <class T> bool CurveStackTriangulation2<T>::isDegenerate(const Curve<T>& curve)
 {
-  if (curve.getSize() < (curve.isOpen() ? 2 : 3)) return true;
-  const T length = curve.length();
-  return !(length > 0) || !std::isfinite(length);
+  return isDegenerate(MeasuredCurve<T>(curve));
+}
+
+template <class T> bool CurveStackTriangulation2<T>::isDegenerate(const MeasuredCurve<T>& curve)
+{
+  if (curve.getCurve().getSize() < (curve.getCurve().isOpen() ? 2 : 3)) return true;
+  return !(curve.getLength() > 0) || !std::isfinite(curve.getLength());
 }
 
 template <class T> void CurveStackTriangulation2<T>::apply(const CurveStack<T>& stack)
@@ -100,7 +109,7 @@ template <class T> void CurveStackTriangulation2<T>::apply(const CurveStack<T>& 
 template <class T> void CurveStackTriangulation2<T>::build(const CurveStack<T>& stack)
 {
   _mesh = TriMesh<T>();
-  const std::vector<Level> stackLevels = levels(stack);
+  std::vector<Level> stackLevels = levels(stack);
   if (stackLevels.empty()) return;
   _mesh.reserve(stack.getNumVertices());
   _mesh.reserveTriangles(2 * stack.getNumVertices());
@@ -113,9 +122,11 @@ template <class T> void CurveStackTriangulation2<T>::build(const CurveStack<T>& 
     upper = upperLevel(stackLevels[i]);
     localTriangulation(lower, upper);
     lower = nextLowerLevel(stackLevels[i], upper);
+    stackLevels[i].clear(); // what was measured of its curves goes when they are joined
   }
   for (const MeshCurve& curve : upper)
     if (_lastCaps && !curve.isClosed) appendCurveTriangulation(curve, true);
+  if (stack.isOpen() && stack.isBranching()) _mesh.orientConsistently(); // lines run as they were drawn
   _mesh.computeNormals();
 }
 
@@ -132,13 +143,14 @@ std::vector<typename CurveStackTriangulation2<T>::Level> CurveStackTriangulation
   for (int i = 0; i < stack.getNumCurves(); ++i)
   {
     const Curve<T>& curve = stack[i];
-    if (isDegenerate(curve))
+    const std::shared_ptr<const MeasuredCurve<T>> measured = measure(curve);
+    if (isDegenerate(*measured))
     {
       _ignoredCurves.push_back(i);
       continue;
     }
     if (stackLevels.empty() || curve.data()[2] != stackLevels.back()[0].curve->data()[2]) stackLevels.emplace_back();
-    stackLevels.back().push_back({&curve, 0, _tags.isEmpty() ? Tag::None : _tags[i]});
+    stackLevels.back().push_back({&curve, measured, _tags.isEmpty() ? Tag::None : _tags[i]});
   }
   return stackLevels;
 }
@@ -199,13 +211,13 @@ template <class T> void CurveStackTriangulation2<T>::localTriangulation(Level& l
   {
     const Seam below = seamOf(lower, group.lower, upperHeight);
     Seam above = seamOf(upper, group.upper, lowerHeight);
-    if (above.curve.isOpen() && fitsReversed(below.curve, above.curve))
+    if (above.curve().isOpen() && fitsReversed(below.curve(), above.curve()))
     {
       std::reverse(group.upper.begin(), group.upper.end());
       for (const int member : group.upper) upper[member].isReversed = !upper[member].isReversed;
       above = seamOfOpenCurves(upper, group.upper);
     }
-    const bool branches = group.lower.size() + group.upper.size() > 2 && !below.curve.isOpen();
+    const bool branches = group.lower.size() + group.upper.size() > 2 && !below.curve().isOpen();
     branches ? joinBranches(below, above, group) : computeMeshBetweenTwoCurves(below, above);
   }
 }
@@ -220,12 +232,13 @@ CurveStackTriangulation2<T>::seamOf(Level& level, std::vector<int>& members, T o
     return seamOfOpenCurves(level, members);
   }
   if (members.size() > 1) return junctionTriangulation(level, members, otherHeight);
-  return {*first.curve, indexesFrom(first.offset, first.curve->getSize())};
+  return {first.measured, indexesFrom(first.offset, first.curve->getSize())};
 }
 
 template <class T> std::vector<CurveGroup>
 CurveStackTriangulation2<T>::findCurveCorrespondances(const Level& lower, const Level& upper) const
 {
+  if (lower.size() == 1 && upper.size() == 1) return {{{0}, {0}}};
   const auto curvesOf = [](const Level& level)
   {
     std::vector<const Curve<T>*> curves;
@@ -254,7 +267,7 @@ CurveStackTriangulation2<T>::junctionTriangulation(const Level& level, const std
     copyIndexes.push_back(appendToMesh(junction.getCopy(static_cast<int>(i))));
     addStrip(drawn, copyIndexes.back(), codeOf(junction.getOrigins(static_cast<int>(i))), isUpwards);
   }
-  Seam merged = {junction.getMerged(), appendToMesh(junction.getMerged())};
+  Seam merged = {measure(junction.getMerged()), appendToMesh(junction.getMerged())};
   std::vector<int> tour;
   for (const auto& stop : junction.getTour()) tour.push_back(copyIndexes[stop.copy][stop.vertex]);
   addStrip(tour, merged.indexes, codeOf(junction.getTour()), isUpwards);
@@ -265,8 +278,8 @@ CurveStackTriangulation2<T>::junctionTriangulation(const Level& level, const std
 template <class T> void CurveStackTriangulation2<T>::joinBranches(Seam below, Seam above, const CurveGroup& group)
 {
   const auto crossings = [this](const Seam& a, const Seam& b)
-  { return numSectionCrossings(a.curve, b.curve, computeTriangulationCode(a.curve, b.curve)); };
-  const bool isUpwards = above.curve.data()[2] >= below.curve.data()[2];
+  { return numSectionCrossings(a.curve(), b.curve(), computeTriangulationCode(a, b)); };
+  const bool isUpwards = above.curve().data()[2] >= below.curve().data()[2];
   if (const int numCrossings = crossings(below, above); numCrossings > 0)
   {
     const bool mergesBelow = group.lower.size() > 1, mergesAbove = group.upper.size() > 1;
@@ -284,13 +297,14 @@ template <class T> void CurveStackTriangulation2<T>::joinBranches(Seam below, Se
 
 template <class T> typename CurveStackTriangulation2<T>::Seam CurveStackTriangulation2<T>::hullOf(const Seam& merged)
 {
-  Seam hull = {Curve<T>(3), {}};
-  for (const int i : convexHull(merged.curve))
+  Curve<T> hull(3);
+  std::vector<int> indexes;
+  for (const int i : convexHull(merged.curve()))
   {
-    hull.curve.append(merged.curve[i]);
-    hull.indexes.push_back(merged.indexes[i]);
+    hull.append(merged.curve()[i]);
+    indexes.push_back(merged.indexes[i]);
   }
-  return hull;
+  return {measure(hull), indexes};
 }
 
 template <class T> void CurveStackTriangulation2<T>::fillPockets(const Seam& merged, const Seam& hull, bool isUpwards)
@@ -311,7 +325,7 @@ template <class T> void CurveStackTriangulation2<T>::fillPocket(const Seam& merg
 {
   const int size = static_cast<int>(merged.indexes.size());
   Curve<T> pocket(3);
-  for (int i = first; i <= last; ++i) pocket.append(merged.curve[i % size]);
+  for (int i = first; i <= last; ++i) pocket.append(merged.curve()[i % size]);
   const bool isReversed = pocket.twiceArea(0, 1) < 0;
   if (isReversed) pocket.reverse();
   PolygonTriangulation<T> triangulation;
@@ -359,17 +373,18 @@ template <class T> void CurveStackTriangulation2<T>::chainOpenCurves(Level& leve
 template <class T> typename CurveStackTriangulation2<T>::Seam
 CurveStackTriangulation2<T>::seamOfOpenCurves(const Level& level, const std::vector<int>& members)
 {
-  Seam seam = {Curve<T>(3), {}};
-  seam.curve.setOpen(true);
+  Curve<T> chain(3);
+  chain.setOpen(true);
+  std::vector<int> chainIndexes;
   for (const int member : members)
   {
     const MeshCurve& part = level[member];
     std::vector<int> indexes = indexesFrom(part.offset, part.curve->getSize());
     if (part.isReversed) std::reverse(indexes.begin(), indexes.end());
-    seam.curve.Vertices<T>::append(part.isReversed ? reversed(*part.curve) : *part.curve);
-    seam.indexes.insert(seam.indexes.end(), indexes.begin(), indexes.end());
+    chain.Vertices<T>::append(part.isReversed ? reversed(*part.curve) : *part.curve);
+    chainIndexes.insert(chainIndexes.end(), indexes.begin(), indexes.end());
   }
-  return seam;
+  return {measure(chain), chainIndexes};
 }
 
 template <class T> std::vector<int> CurveStackTriangulation2<T>::appendToMesh(const Curve<T>& curve)
@@ -383,28 +398,33 @@ template <class T> void CurveStackTriangulation2<T>::addStrip(const std::vector<
                                                               const TriangulationCode& code, bool isUpwards)
 {
   const int na = static_cast<int>(a.size()), nb = static_cast<int>(b.size());
-  const auto addTriangle = [this, isUpwards](int i, int j, int k)
-  { isUpwards ? _mesh.addTriangle(i, j, k) : _mesh.addTriangle(i, k, j); };
+  std::vector<int> corners(3 * code.stepsOnB.size());
+  int* triangle = corners.data();
   int i = code.startA, j = code.startB;
   for (const bool isStepOnB : code.stepsOnB)
   {
     int& moving = isStepOnB ? j : i;
     const int next = moving + 1 < (isStepOnB ? nb : na) ? moving + 1 : 0;
-    addTriangle(a[i], b[j], isStepOnB ? b[next] : a[next]);
+    const int third = isStepOnB ? b[next] : a[next];
+    *triangle++ = a[i];
+    *triangle++ = isUpwards ? b[j] : third;
+    *triangle++ = isUpwards ? third : b[j];
     moving = next;
   }
+  _mesh.addTriangles(corners);
 }
 
 template <class T> void CurveStackTriangulation2<T>::computeMeshBetweenTwoCurves(const Seam& a, const Seam& b)
 {
-  addStrip(a.indexes, b.indexes, computeTriangulationCode(a.curve, b.curve), b.curve.data()[2] >= a.curve.data()[2]);
+  addStrip(a.indexes, b.indexes, computeTriangulationCode(a, b), b.curve().data()[2] >= a.curve().data()[2]);
 }
 
 template <class T>
-TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const
+TriangulationCode CurveStackTriangulation2<T>::computeTriangulationCode(const Seam& a, const Seam& b) const
 {
-  if (_method == ganapathy) return computeTriangulationCodeGanapathy(a, b);
-  if (_method == optimal) return computeOptimalTriangulationCode(a, b);
+  if (_method == ganapathy) return computeTriangulationCodeGanapathy(*a.measured, *b.measured);
+  if (_method == optimal)
+    return withoutFullTurn(computeOptimalTriangulationCode(a.curve(), b.curve()), a.curve(), b.curve());
   return TriangulationCode();
 }
 

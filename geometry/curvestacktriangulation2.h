@@ -2,10 +2,13 @@
 
 #include "geometry/curvecorrespondence.h"
 #include "geometry/curvestack.h"
+#include "geometry/curvestackcheck.h"
 #include "geometry/curvestacktriangulationcontourtag.h"
+#include "geometry/measuredcurve.h"
 #include "geometry/triangulationcode.h"
 #include "geometry/trimesh.h"
 
+#include <memory>
 #include <vector>
 
 /// How two contours are joined; any other value joins nothing.
@@ -34,6 +37,13 @@ public:
   /// One tag per curve, in stack order; without tags every curve counts as None.
   void setContourTags(const Vector<CurveStackTriangulationContourTag>& tags) { _tags = tags; }
 
+  /// What may not be meant as it is in a stack and in the number of tags; apply() takes it all but WrongTags.
+  /// \throw SizeError  the curves are not in 3D
+  std::vector<CurveStackFinding> check(const CurveStack<T>& stack) const
+  {
+    return checkCurveStack(stack, _tags.getSize());
+  }
+
   /// Builds the mesh; the curves' vertices are added to it in the order in which the curves are met.
   ///
   /// Degenerate curves are left out before levels are formed, see getIgnoredCurves().
@@ -55,13 +65,15 @@ private:
   struct MeshCurve
   {
     const Curve<T>* curve;
-    int offset;
+    std::shared_ptr<const MeasuredCurve<T>> measured;
     CurveStackTriangulationContourTag tag;
+    int offset = 0;
     bool isClosed = false;   // has got its end cap
     bool isReversed = false; // an open curve that is walked from its end
   };
   using Level = std::vector<MeshCurve>;
 
+  static bool isDegenerate(const MeasuredCurve<T>& curve);
   void build(const CurveStack<T>& stack);
   std::vector<Level> levels(const CurveStack<T>& stack);
   Level firstLowerLevel(const Level& level);
@@ -74,8 +86,10 @@ private:
   /// What one side of a group shows to the other one: its only curve, or the contour into which its curves merge.
   struct Seam
   {
-    Curve<T> curve;
+    std::shared_ptr<const MeasuredCurve<T>> measured;
     std::vector<int> indexes; // in the mesh, of the curve's vertices
+
+    const Curve<T>& curve() const { return measured->getCurve(); }
   };
   Seam seamOf(Level& level, std::vector<int>& members, T otherHeight);
   /// Joins several closed curves to one contour between their height and the other one.
@@ -94,7 +108,7 @@ private:
   /// front behind their ends.
   void addStrip(const std::vector<int>& a, const std::vector<int>& b, const TriangulationCode& code, bool isUpwards);
   void computeMeshBetweenTwoCurves(const Seam& a, const Seam& b);
-  TriangulationCode computeTriangulationCode(const Curve<T>& a, const Curve<T>& b) const;
+  TriangulationCode computeTriangulationCode(const Seam& a, const Seam& b) const;
   void appendCurveTriangulation(const MeshCurve& curve, bool isEndCap);
 
   CurveStackTriangulationMethod _method = ganapathy;

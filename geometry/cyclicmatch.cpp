@@ -4,13 +4,26 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <vector>
 
 namespace
 {
-/// Sums of scalar products are formed in the coordinate type, those of pixels in a wider one that cannot overflow.
-template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long long, T>;
+/// Sums of scalar products are formed in the coordinate type, those of pixels in one that cannot overflow and is exact
+/// below 2^64.
+template <class T> using MatchSum = std::conditional_t<std::is_integral_v<T>, long double, T>;
+
+/// Sum of a function of numbers, in four parts, so that no addition waits for the one before.
+template <class T, class F> double sumOf(const T* values, std::ptrdiff_t count, F function)
+{
+  double sums[4] = {};
+  std::ptrdiff_t i = 0;
+  for (; i + 4 <= count; i += 4)
+    for (int k = 0; k < 4; ++k) sums[k] += function(static_cast<double>(values[i + k]));
+  for (; i < count; ++i) sums[0] += function(static_cast<double>(values[i]));
+  return sums[0] + sums[1] + sums[2] + sums[3];
+}
 
 /// One coordinate of all vertices, with the mean taken off.
 template <class T> Vector<double> centeredCoordinates(const Vertices<T>& vertices, int axis)
@@ -18,27 +31,27 @@ template <class T> Vector<double> centeredCoordinates(const Vertices<T>& vertice
   const int n = vertices.getSize(), space = vertices.getSpace();
   const T* const data = vertices.data() + axis;
   Vector<double> coordinates(n);
-  double sum = 0;
-  for (std::ptrdiff_t i = 0; i < n; ++i) sum += coordinates[static_cast<int>(i)] = static_cast<double>(data[space * i]);
-  for (double& coordinate : coordinates) coordinate -= sum / n;
+  double* const values = coordinates.data();
+  for (std::ptrdiff_t i = 0; i < n; ++i) values[i] = static_cast<double>(data[space * i]);
+  const double mean = sumOf(values, n, [](double value) { return value; }) / n;
+  for (int i = 0; i < n; ++i) values[i] -= mean;
   return coordinates;
 }
 
 template <class T> bool isConstant(const Vertices<T>& vertices, int axis)
 {
-  for (int i = 1; i < vertices.getSize(); ++i)
-    if (vertices.data(i)[axis] != vertices.data()[axis]) return false;
+  const int n = vertices.getSize(), space = vertices.getSpace();
+  const T* const data = vertices.data() + axis;
+  for (std::ptrdiff_t i = 1; i < n; ++i)
+    if (data[space * i] != data[0]) return false;
   return true;
 }
 
 /// Root of the sum of the squared coordinates.
 template <class T> double magnitude(const Vertices<T>& vertices)
 {
-  const T* const data = vertices.data();
-  double sum = 0;
-  for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{vertices.getSize()} * vertices.getSpace(); ++i)
-    sum += static_cast<double>(data[i]) * static_cast<double>(data[i]);
-  return std::sqrt(sum);
+  const std::ptrdiff_t count = std::ptrdiff_t{vertices.getSize()} * vertices.getSpace();
+  return std::sqrt(sumOf(vertices.data(), count, [](double value) { return value * value; }));
 }
 
 /// Adds, for each shift, the sum of the products of two coordinates, seen as complex numbers.
@@ -77,32 +90,57 @@ template <class T> MatchSum<T> matchSum(const Vertices<T>& vertices, const Verti
 {
   using Sum = MatchSum<T>;
   const int n = vertices.getSize(), space = vertices.getSpace();
+  const T *const data = vertices.data(), *const otherData = other.data();
   Sum sum = 0;
-  for (int m = 0, i = shift; m < n; ++m, i = i + 1 < n ? i + 1 : 0)
+  for (std::ptrdiff_t m = 0, i = shift; m < n; ++m, i = i + 1 < n ? i + 1 : 0)
   {
-    const T *a = vertices.data(i), *b = other.data(m);
+    const T *a = data + space * i, *b = otherData + space * m;
     const Sum planar = Sum(a[0]) * Sum(b[0]) + Sum(a[1]) * Sum(b[1]);
     sum += space == 2 ? planar : planar + Sum(a[2]) * Sum(b[2]);
   }
   return sum;
 }
+
+/// The square root of the sum of the squared coordinates of all rows.
+template <class T> double magnitude(const VertexRows<T>& rows)
+{
+  double sum = 0;
+  for (const Vertices<T>* row : rows) sum += std::pow(magnitude(*row), 2);
+  return std::sqrt(sum);
+}
+
+template <class T> std::vector<double> approximateSums(const VertexRows<T>& rows, const VertexRows<T>& others)
+{
+  std::vector<double> sums = approximateSums(*rows[0], *others[0]);
+  for (std::size_t r = 1; r < rows.size(); ++r)
+    std::ranges::transform(sums, approximateSums(*rows[r], *others[r]), sums.begin(), std::plus<>());
+  return sums;
+}
+
+template <class T> MatchSum<T> matchSum(const VertexRows<T>& rows, const VertexRows<T>& others, int shift)
+{
+  MatchSum<T> sum = 0;
+  for (std::size_t r = 0; r < rows.size(); ++r) sum += matchSum(*rows[r], *others[r], shift);
+  return sum;
+}
 } // namespace
 
-template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T>& other)
+template <class T> int cyclicMatch(const VertexRows<T>& rows, const VertexRows<T>& others)
 {
-  const int n = vertices.getSize();
+  const int n = rows.empty() ? 0 : rows[0]->getSize();
   if (n < 2) return 0;
-  const std::vector<double> sums = approximateSums(vertices, other);
-  // What n additions in the coordinate type, and the transforms, can be wrong by at the most.
+  const std::vector<double> sums = approximateSums(rows, others);
+  // What the additions in the coordinate type, and the transforms, can be wrong by at the most.
+  const double numAdditions = n + static_cast<double>(rows.size() - 1);
   const double unit = std::max<double>(std::numeric_limits<MatchSum<T>>::epsilon(), 0x1p-52);
-  const double rounding = 8 * n * unit * magnitude(vertices) * magnitude(other);
+  const double rounding = 8 * numAdditions * unit * magnitude(rows) * magnitude(others);
   const double largest = *std::max_element(sums.begin(), sums.end());
   int best = -1;
   MatchSum<T> bestSum = 0;
   for (int k = 0; k < n; ++k)
   {
     if (sums[static_cast<std::size_t>(k)] < largest - 2 * rounding) continue; // NaN is never passed over
-    const MatchSum<T> sum = matchSum(vertices, other, k);
+    const MatchSum<T> sum = matchSum(rows, others, k);
     if (best >= 0 && !(sum > bestSum)) continue;
     best = k;
     bestSum = sum;
@@ -110,7 +148,7 @@ template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T
   return best;
 }
 
-template int cyclicMatch<int>(const Vertices<int>&, const Vertices<int>&);
-template int cyclicMatch<float>(const Vertices<float>&, const Vertices<float>&);
-template int cyclicMatch<double>(const Vertices<double>&, const Vertices<double>&);
-template int cyclicMatch<long double>(const Vertices<long double>&, const Vertices<long double>&);
+template int cyclicMatch<int>(const VertexRows<int>&, const VertexRows<int>&);
+template int cyclicMatch<float>(const VertexRows<float>&, const VertexRows<float>&);
+template int cyclicMatch<double>(const VertexRows<double>&, const VertexRows<double>&);
+template int cyclicMatch<long double>(const VertexRows<long double>&, const VertexRows<long double>&);

@@ -2,8 +2,19 @@
 
 #include "geometry/vertices.h"
 
-/// The cyclic shift k for which the sum of the scalar products of vertex (m + k) mod n and the other set's vertex m,
-/// formed in the coordinate type (of integers in long long), is largest; the smallest k on a tie. Both sets have the
-/// same size, in two or three dimensions. Takes the time of Fourier transforms of n numbers: they give all sums at
-/// once, and those that rounding cannot tell from the largest are then formed term by term.
-template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T>& other);
+#include <vector>
+
+/// Vertex sets of one size and space, the rows of a grid.
+template <class T> using VertexRows = std::vector<const Vertices<T>*>;
+
+/// The cyclic shift k for which the sum of the scalar products of vertex (m + k) mod n of each row and vertex m of the
+/// same row of the others, formed in the coordinate type (of integers in a wider one), is largest; the smallest k on a
+/// tie. All rows have the same size, in two or three dimensions. Takes the time of Fourier transforms of n numbers per
+/// row: they give all sums at once, and those that rounding cannot tell from the largest are then formed term by term.
+template <class T> int cyclicMatch(const VertexRows<T>& rows, const VertexRows<T>& others);
+
+/// The same for single rows.
+template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T>& other)
+{
+  return cyclicMatch(VertexRows<T>{&vertices}, VertexRows<T>{&other});
+}

@@ -2,31 +2,38 @@
 
 #include "numeric/vector.h"
 
-/// Edge of a curve: a pair of consecutive vertices, given by their indexes, and views of both.
+/// Edge of a curve: a pair of consecutive vertices, given by their indexes, and views of both, which are constant
+/// unless Vertex is Vector<T>.
 ///
 /// Valid as long as the curve's vertices stay where they are.
-template <class T> class Edge
+template <class T, class Vertex = const Vector<T>> class Edge
 {
 public:
-  Edge(int begin, int end, const Vector<T>& beginVertex, const Vector<T>& endVertex)
+  Edge(int begin, int end, Vertex& beginVertex, Vertex& endVertex)
     : _begin(begin), _end(end), _beginVertex(&beginVertex), _endVertex(&endVertex)
   {
   }
 
   int getBegin() const { return _begin; }
   int getEnd() const { return _end; }
-  const Vector<T>& getBeginVertex() const { return *_beginVertex; }
-  const Vector<T>& getEndVertex() const { return *_endVertex; }
+  Vertex& getBeginVertex() const { return *_beginVertex; }
+  Vertex& getEndVertex() const { return *_endVertex; }
 
   /// True when this edge begins where the other one of the same curve ends.
-  bool isNext(const Edge<T>& edge) const { return _begin == edge._end; }
+  template <class OtherVertex> bool isNext(const Edge<T, OtherVertex>& edge) const { return _begin == edge.getEnd(); }
   /// True when this edge ends where the other one of the same curve begins.
-  bool isPrevious(const Edge<T>& edge) const { return _end == edge._begin; }
-  bool isAdjacent(const Edge<T>& edge) const { return isNext(edge) || isPrevious(edge); }
+  template <class OtherVertex> bool isPrevious(const Edge<T, OtherVertex>& edge) const
+  {
+    return _end == edge.getBegin();
+  }
+  template <class OtherVertex> bool isAdjacent(const Edge<T, OtherVertex>& edge) const
+  {
+    return isNext(edge) || isPrevious(edge);
+  }
 
 private:
   int _begin;
   int _end;
-  const Vector<T>* _beginVertex;
-  const Vector<T>* _endVertex;
+  Vertex* _beginVertex;
+  Vertex* _endVertex;
 };

@@ -174,7 +174,65 @@ void pathBetween(const PairGrid<T>& grid, const GridPath<T>& above, const GridPa
   pathBetween(grid, path, below, best);
 }
 
+/// Sum of the squared lengths of the edges between the curves, triangle by triangle.
+template <class T> T costOf(const TriangulationCode& code, const Curve<T>& a, const Curve<T>& b)
+{
+  T cost = 0;
+  int i = code.startA, j = code.startB;
+  for (const bool isStepOnB : code.stepsOnB)
+  {
+    int& moving = isStepOnB ? j : i;
+    const T before = squaredDistance(a.data(i), b.data(j), 3);
+    moving = moving + 1 < (isStepOnB ? b : a).getSize() ? moving + 1 : 0;
+    cost += before + squaredDistance(a.data(i), b.data(j), 3);
+  }
+  return cost;
+}
+
+/// Number of steps after which the steps on b begin that follow each other without a step on a in between, all around.
+std::ptrdiff_t startOfFullTurn(const std::vector<bool>& stepsOnB)
+{
+  std::ptrdiff_t start = -1;
+  int numRuns = 0;
+  for (std::size_t k = 0; k < stepsOnB.size(); ++k)
+    if (stepsOnB[k] && !stepsOnB[k > 0 ? k - 1 : stepsOnB.size() - 1])
+    {
+      start = static_cast<std::ptrdiff_t>(k);
+      ++numRuns;
+    }
+  return numRuns == 1 ? start : -1;
+}
 } // namespace
+
+template <class T>
+TriangulationCode withoutFullTurn(const TriangulationCode& code, const Curve<T>& a, const Curve<T>& b)
+{
+  const std::ptrdiff_t start = startOfFullTurn(code.stepsOnB);
+  if (a.isOpen() || start < 0) return code;
+  const std::ptrdiff_t na = a.getSize(), nb = b.getSize();
+  // From the start of the turn on: all steps on b, then all on a.
+  const auto stepsOnA = std::count(code.stepsOnB.begin(), code.stepsOnB.begin() + start, false);
+  TriangulationCode turn;
+  turn.startA = static_cast<int>((code.startA + stepsOnA) % na);
+  turn.startB = static_cast<int>((code.startB + start - stepsOnA) % nb);
+  turn.stepsOnB.assign(static_cast<std::size_t>(na + nb), false);
+  std::fill_n(turn.stepsOnB.begin(), nb, true);
+  TriangulationCode best;
+  T leastCost = std::numeric_limits<T>::infinity();
+  const auto consider = [&](std::ptrdiff_t from, std::ptrdiff_t to)
+  {
+    TriangulationCode moved = turn;
+    moved.stepsOnB.erase(moved.stepsOnB.begin() + from);
+    moved.stepsOnB.insert(moved.stepsOnB.begin() + to, turn.stepsOnB[from]);
+    const T cost = costOf(moved, a, b);
+    if (!best.stepsOnB.empty() && !(cost < leastCost)) return;
+    best = moved;
+    leastCost = cost;
+  };
+  for (std::ptrdiff_t k = 1; k < nb; ++k) consider(nb, k);          // the first step on a among those on b
+  for (std::ptrdiff_t k = nb; k < nb + na - 1; ++k) consider(0, k); // the first step on b among those on a
+  return best;
+}
 
 template <class T> TriangulationCode computeOptimalTriangulationCode(const Curve<T>& a, const Curve<T>& b, T* cost)
 {
@@ -186,6 +244,10 @@ template <class T> TriangulationCode computeOptimalTriangulationCode(const Curve
   return {best.startRow % a.getSize(), 0, best.stepsOnB};
 }
 
+template TriangulationCode withoutFullTurn(const TriangulationCode&, const Curve<float>&, const Curve<float>&);
+template TriangulationCode withoutFullTurn(const TriangulationCode&, const Curve<double>&, const Curve<double>&);
+template TriangulationCode withoutFullTurn(const TriangulationCode&, const Curve<long double>&,
+                                           const Curve<long double>&);
 template TriangulationCode computeOptimalTriangulationCode(const Curve<float>&, const Curve<float>&, float*);
 template TriangulationCode computeOptimalTriangulationCode(const Curve<double>&, const Curve<double>&, double*);
 template TriangulationCode computeOptimalTriangulationCode(const Curve<long double>&, const Curve<long double>&,

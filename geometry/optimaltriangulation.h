@@ -10,3 +10,9 @@
 /// \param cost  receives the path's cost when given
 template <class T>
 TriangulationCode computeOptimalTriangulationCode(const Curve<T>& a, const Curve<T>& b, T* cost = nullptr);
+
+/// Where a stitching of two closed curves goes around one of them without a step on the other in between, the edge from
+/// which it does so has four triangles. Gives the cheapest stitching that takes one step of the other curve, or one of
+/// the same, elsewhere; any other stitching as it is.
+template <class T>
+TriangulationCode withoutFullTurn(const TriangulationCode& code, const Curve<T>& a, const Curve<T>& b);

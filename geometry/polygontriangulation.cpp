@@ -1,5 +1,6 @@
 #include "geometry/polygontriangulation.h"
 
+#include "geometry/planeprojection.h"
 #include "geometry/vertexgrid.h"
 
 #include <deque>
@@ -262,21 +263,15 @@ template <class R> void VertexCycle<R>::sortIntoGrid()
   _numInGrid = _size;
 }
 
-template <class T> std::vector<PlanePoint<PredicateReal<T>>> projection(const Curve<T>& curve, int i, int j)
-{
-  std::vector<PlanePoint<PredicateReal<T>>> points(static_cast<std::size_t>(curve.getSize()));
-  for (int k = 0; k < curve.getSize(); ++k) points[static_cast<std::size_t>(k)] = {curve.data(k)[i], curve.data(k)[j]};
-  return points;
-}
-
 } // namespace
 
 template <class T> const TriMesh<T>& PolygonTriangulation<T>::apply(const Curve<T>& curve, int i, int j)
 {
+  requirePlane(i, j, curve.getSpace(), "const TriMesh<T>& PolygonTriangulation<T>::apply(const Curve<T>&, int, int)");
   _mesh = TriMesh<T>(static_cast<const Vertices<T>&>(curve));
   if (curve.getSize() < 3) return _mesh;
   _mesh.reserveTriangles(curve.getSize() - 2);
-  VertexCycle<PredicateReal<T>> cycle(projection(curve, i, j));
+  VertexCycle<PredicateReal<T>> cycle(planeProjection(curve, i, j));
   while (cycle.getSize() > 3)
   {
     const int ear = cycle.nextEar();

@@ -16,6 +16,7 @@ template <class T> class PolygonTriangulation
 public:
   /// Triangulates a closed curve, which runs counter-clockwise in the plane (i, j). The mesh shares its vertices; its
   /// triangles run counter-clockwise as well. Fewer than three vertices give no triangle.
+  /// \throw RangeError  there is no such plane of coordinates
   const TriMesh<T>& apply(const Curve<T>& curve, int i, int j);
 
   /// The mesh of the last apply().

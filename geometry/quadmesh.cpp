@@ -1,8 +1,25 @@
 #include "geometry/quadmesh.h"
 
 #include "geometry/coordinates.h"
+#include "geometry/cyclicmatch.h"
 
 #include <algorithm>
+
+namespace
+{
+template <class T> VertexRows<T> rowsOf(const QuadMesh<T>& mesh)
+{
+  VertexRows<T> rows;
+  for (int i = 0; i < mesh.getHeight(); ++i) rows.push_back(&mesh.level(i));
+  return rows;
+}
+
+/// Rotates the vertices of every row so that vertex k comes first.
+template <class T> void setOrigin(QuadMesh<T>& mesh, int k)
+{
+  for (int i = 0; i < mesh.getHeight(); ++i) mesh.level(i).setOrigin(k);
+}
+} // namespace
 
 template <class T> QuadMesh<T>::QuadMesh(int space, int width, int height, bool open) : CurveStack<T>(space, open)
 {
@@ -24,33 +41,31 @@ template <class T> void QuadMesh<T>::insert(int i, const Vertices<T>& row)
   CurveStack<T>::insert(i, row);
 }
 
+template <class T> bool QuadMesh<T>::isGrid() const
+{
+  for (int i = 1; i < getHeight(); ++i)
+    if (this->level(i).getSize() != getWidth()) return false;
+  return true;
+}
+
 template <class T> int QuadMesh<T>::findMatch(const QuadMesh<T>& other) const
 {
-  requireSizeOf(other, "int QuadMesh<T>::findMatch(const QuadMesh<T>&) const");
+  const char* const where = "int QuadMesh<T>::findMatch(const QuadMesh<T>&) const";
+  requireSizeOf(other, where);
   if (this->isOpen()) return 0;
-  const int width = getWidth();
-  const auto numCoordinates = static_cast<std::ptrdiff_t>(width) * this->getSpace();
-  std::vector<Real<T>> sums(static_cast<std::size_t>(width), Real<T>(0)); // of scalar products, for each shift
-  for (int i = 0; i < getHeight(); ++i)
-  {
-    const T *const row = std::as_const(*this).level(i).data(), *const otherRow = other.level(i).data();
-    for (int shift = 0; shift < width; ++shift)
-    {
-      const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(shift) * this->getSpace();
-      Real<T> sum = 0;
-      for (std::ptrdiff_t m = start; m < numCoordinates; ++m) sum += Real<T>(row[m]) * Real<T>(otherRow[m - start]);
-      for (std::ptrdiff_t m = 0; m < start; ++m) sum += Real<T>(row[m]) * Real<T>(otherRow[numCoordinates - start + m]);
-      sums[static_cast<std::size_t>(shift)] += sum;
-    }
-  }
-  return static_cast<int>(std::max_element(sums.begin(), sums.end()) - sums.begin());
+  if (this->getSpace() != 2 && this->getSpace() != 3)
+    throw SizeError(where, "The vertices are not in two or three dimensions");
+  return cyclicMatch(rowsOf(*this), rowsOf(other));
 }
 
 template <class T> void QuadMesh<T>::match(const QuadMesh<T>& other)
 {
   const int shift = findMatch(other);
-  for (int i = 0; i < getHeight(); ++i) this->level(i).setOrigin(shift);
-  _colors.reset();
+  setOrigin(*this, shift);
+  if (!hasVertexColors()) return;
+  QuadMesh<int> colors = *_colors;
+  setOrigin(colors, shift);
+  _colors = std::make_shared<const QuadMesh<int>>(colors);
 }
 
 template <class T> void QuadMesh<T>::buildBeginCap()
@@ -115,6 +130,13 @@ template <class T> void QuadMesh<T>::requireSizeOf(const QuadMesh<T>& other, con
 {
   if (other.getWidth() != getWidth() || other.getHeight() != getHeight() || other.getSpace() != this->getSpace())
     throw SizeError(where, "Size mismatch");
+  requireGrid(where);
+  other.requireGrid(where);
+}
+
+template <class T> void QuadMesh<T>::requireGrid(const char* where) const
+{
+  if (!isGrid()) throw SizeError(where, "The rows of a quad mesh differ in size");
 }
 
 GEOMETRY_INSTANTIATE(QuadMesh)

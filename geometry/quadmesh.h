@@ -23,6 +23,8 @@ public:
   /// Reads a mesh file. \throw FileReadError, FileFormatError  as load()
   explicit QuadMesh(const std::string& path) : QuadMesh() { this->load(path); }
 
+  /// Becomes a copy of the other mesh.
+  void assign(const QuadMesh<T>& mesh) { *this = mesh; }
   QuadMesh<T>* clone() const override { return new QuadMesh<T>(*this); }
   ShapeType getShapeType() const override { return this->isOpen() ? OpenQuadMeshShape : ClosedQuadMeshShape; }
 
@@ -31,14 +33,18 @@ public:
   /// Number of rows.
   int getHeight() const { return this->getNumCurves(); }
   using CurveStack<T>::getHeight; // of a row, along z
+  /// Whether all rows have the same size. The rows are open to change one by one; what needs a grid throws SizeError
+  /// when they do not.
+  bool isGrid() const;
 
   /// \throw SizeError  the row has another size or dimension \throw RangeError  there is no such place
   void insert(int i, const Vertices<T>& row) override;
 
-  /// The shift by which all rows of this mesh come closest to those of another one; 0 for open rows, which do not wrap.
-  /// Takes the time of width^2 height. \throw SizeError  "Size mismatch"
+  /// The shift by which all rows of this mesh come closest to those of another one, the smallest on a tie; 0 for open
+  /// rows, which do not wrap. Takes the time of Fourier transforms of the rows.
+  /// \throw SizeError  "Size mismatch", or the mesh is not in two or three dimensions
   int findMatch(const QuadMesh<T>& other) const;
-  /// Rotates the vertices of every row by findMatch().
+  /// Rotates the vertices of every row, and their colours, by findMatch().
   void match(const QuadMesh<T>& other);
   /// A mesh of the same size, each vertex replaced by the other mesh's vertex that is closest to it.
   /// \throw SizeError  the other mesh has no vertices, or another space dimension
@@ -93,6 +99,7 @@ protected:
 private:
   bool canHaveCaps() const { return this->isClosed() && getWidth() > 0; }
   void requireCaps(bool isPossible, const char* where) const;
+  void requireGrid(const char* where) const;
   void requireSizeOf(const QuadMesh<T>& other, const char* where) const;
   Curve<T> centerOf(const Curve<T>& row) const;
 

@@ -22,6 +22,7 @@ QuadMesh<int> readColors(ShapeReader& reader, int width, int height)
 
 template <class T> void QuadMesh<T>::write(std::ostream& stream) const
 {
+  requireGrid("void QuadMesh<T>::write(std::ostream&) const");
   const int space = this->getSpace(), width = getWidth(), height = width > 0 ? getHeight() : 0;
   TextBuffer text(stream);
   text << "# " << static_cast<int>(getShapeType()) << "\n# " << space << "\n# " << this->getNumVertices() << '\n';
@@ -39,15 +40,8 @@ template <class T> void QuadMesh<T>::read(std::istream& stream)
   ShapeReader reader(stream);
   const int shapeType = reader.readHeader("shape type");
   if (!isReadable(shapeType)) reader.fail("the shape type is not that of a quad mesh");
-  const int space = reader.readSpace();
-  const int numVertices = reader.readHeader("number of vertices");
-  Vertices<T> vertices(space);
-  Vector<T> vertex(space);
-  for (int i = 0; i < numVertices; ++i) // storage grows with the text read, whatever number it claims
-  {
-    reader.readLine(vertex.data(), space);
-    vertices.append(vertex);
-  }
+  const Vertices<T> vertices = Vertices<T>::readVertices(reader);
+  const int space = vertices.getSpace(), numVertices = vertices.getSize();
   const int height = reader.readHeader("number of rows");
   if (height == 0 ? numVertices > 0 : numVertices == 0 || numVertices % height != 0)
     reader.fail(std::to_string(numVertices) + " vertices do not make up " + std::to_string(height) + " rows");
@@ -57,7 +51,7 @@ template <class T> void QuadMesh<T>::read(std::istream& stream)
   for (int i = 0; i < height; ++i)
   {
     Vertices<T> row(space, width);
-    std::copy_n(std::as_const(vertices).data(i * width), static_cast<std::ptrdiff_t>(width) * space, row.data());
+    std::copy_n(vertices.data(i * width), static_cast<std::ptrdiff_t>(width) * space, row.data());
     mesh.append(row);
   }
   mesh._beginCap = reader.readHeader("flag of the begin cap") != 0;

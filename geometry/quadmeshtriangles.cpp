@@ -99,6 +99,7 @@ template <class T> void addCap(TriangleList& triangles, const Curve<T>& row, int
 template <class T> TriMesh<T> QuadMesh<T>::toTriMesh(bool withCaps) const
 {
   const char* const where = "TriMesh<T> QuadMesh<T>::toTriMesh(bool) const";
+  requireGrid(where);
   const int width = getWidth(), height = getHeight();
   if (std::int64_t{width} * height > std::numeric_limits<int>::max() / 2)
     throw SizeError(where, "The mesh has too many vertices");
@@ -109,7 +110,7 @@ template <class T> TriMesh<T> QuadMesh<T>::toTriMesh(bool withCaps) const
   if (withCaps && hasAnyCap())
   {
     if constexpr (std::is_integral_v<T>)
-      throw notAvailable<T>("TriMesh<T> QuadMesh<T>::toTriMesh(bool) const");
+      throw notAvailable<T>(where);
     else
     {
       if (this->getSpace() != 3) throw SizeError(where, "This mesh is not in three dimensions");

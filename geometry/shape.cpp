@@ -1,5 +1,6 @@
 #include "geometry/shape.h"
 
+#include "geometry/coordinates.h"
 #include "geometry/outputfile.h"
 
 #include <algorithm>
@@ -20,13 +21,20 @@ std::string getShapeTypeName(int shapeType)
 template <class T> Vector<Real<T>> Shape<T>::cog() const
 {
   if (getNumVertices() == 0) throw SizeError("Vector<T> Shape<T>::cog() const", "This shape has no vertices.");
-  Vector<Real<T>> center;
-  center.setZeros(this->getSpace());
-  forEachVertex(
-      [&center](const T* coordinates)
-      {
-        for (int k = 0; k < center.getSize(); ++k) center[k] += coordinates[k];
-      });
+  Vector<Real<T>> center(this->getSpace());
+  for (int k = 0; k < center.getSize(); k += 2) // two sums at a time stay in registers
+  {
+    const int l = std::min(k + 1, center.getSize() - 1);
+    Real<T> sumK = 0, sumL = 0;
+    forEachVertex(
+        [&sumK, &sumL, k, l](const T* coordinates)
+        {
+          sumK += coordinates[k];
+          sumL += coordinates[l];
+        });
+    center[k] = sumK;
+    center[l] = sumL;
+  }
   return center /= static_cast<Real<T>>(getNumVertices());
 }
 
@@ -118,7 +126,7 @@ template <class T> void Shape<T>::center()
 {
   const Vector<Real<T>> center = cog();
   Vector<T> shift(center.getSize());
-  for (int k = 0; k < shift.getSize(); ++k) shift[k] = static_cast<T>(-center[k]);
+  for (int k = 0; k < shift.getSize(); ++k) shift[k] = toCoordinate<T>(-center[k]);
   translate(shift);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/boundingbox.h"
+#include "geometry/edgeiterator.h"
 #include "geometry/rigidtransform.h"
 #include "geometry/vertexclient.h"
 #include "geometry/vertexiterator.h"
@@ -68,6 +69,13 @@ public:
   ConstVertexIterator<T> vertexIterator() const { return ConstVertexIterator<T>(*this); }
   ConcreteVertexIterator<T> vertexIterator() { return ConcreteVertexIterator<T>(*this); }
 
+  /// Number of edges in a block: edge i of a curve joins its vertex i to the next one. Shapes that are neither curves
+  /// nor stacks of curves have none.
+  virtual int getNumBlockEdges(int) const { return 0; }
+  /// The edges of all curves, the closing edge of a closed one last.
+  ConstEdgeIterator<T> edgeIterator() const { return ConstEdgeIterator<T>(*this); }
+  ConcreteEdgeIterator<T> edgeIterator() { return ConcreteEdgeIterator<T>(*this); }
+
   /// Appends vertices; in a stack as a new level.
   virtual void append(const Vertices<T>& vertices) = 0;
 
@@ -88,7 +96,7 @@ public:
   void multiply(const Matrix<T>& map);
   Shape<T>& operator*=(T factor);
   Shape<T>& operator/=(T factor);
-  /// Translates the centre of gravity to the origin.
+  /// Translates the centre of gravity to the origin, that of pixels to within half a pixel.
   void center();
 
   /// Adds the coordinates of the other shape's vertices to those of this one, vertex by vertex.

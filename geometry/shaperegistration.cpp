@@ -7,9 +7,6 @@
 namespace
 {
 
-/// Sums over vertices are formed in double at least.
-template <class T> using Sum = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
-
 /// The means of paired points and the sums of the products of their coordinates about these means.
 template <class S> struct PairMoments
 {
@@ -152,7 +149,7 @@ Shape<T>::computeLSRegistration(const Shape<T>& other, const std::vector<std::pa
                             "const std::vector<std::pair<int, int>>&) const";
   if (other.getSpace() != this->getSpace()) throw SizeError(where, "The shapes have different dimensions");
   if (pairs.empty()) throw SizeError(where, "There are no pairs of vertices");
-  using S = Sum<T>;
+  using S = Wide<T>;
   const int space = this->getSpace();
   const std::vector<Real<T>> here = realCoordinates(), there = other.realCoordinates();
   std::vector<S> pairedHere, pairedThere;

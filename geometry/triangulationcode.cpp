@@ -12,46 +12,37 @@ namespace
 template <class T> class ContourWalk
 {
 public:
-  ContourWalk(const Curve<T>& curve, int start)
-    : _points(curve.data()),
-      _size(curve.getSize()),
-      _space(curve.getSpace()),
-      _numEdges(curve.getNumEdges()),
-      _length(curve.length()),
-      _vertex(start)
+  ContourWalk(const MeasuredCurve<T>& curve, int start)
+    : _edges(curve.getEdgeLengths().data()),
+      _numEdges(static_cast<int>(curve.getEdgeLengths().size())),
+      _length(curve.getLength()),
+      _edge(start)
   {
-    measureEdge();
   }
 
   /// Share of the length already walked.
-  T progress() const { return _walked / _length; }
+  T progress() const { return _progress; }
   /// The same after the next step.
-  T progressAhead() const { return progress() + _edge / _length; }
+  T progressAhead() const { return _progress + _edges[_edge] / _length; }
   /// True when every edge has been passed.
   bool isComplete() const { return _numSteps >= _numEdges; }
 
   void advance()
   {
-    _walked += _edge;
-    _vertex = next();
+    _walked += _edges[_edge];
+    _edge = _edge + 1 < _numEdges ? _edge + 1 : 0;
     ++_numSteps;
-    measureEdge();
+    _progress = _walked / _length;
   }
 
 private:
-  int next() const { return _vertex + 1 < _size ? _vertex + 1 : 0; }
-  const T* point(int i) const { return _points + static_cast<std::ptrdiff_t>(i) * _space; }
-  void measureEdge() { _edge = distance(point(_vertex), point(next()), _space); }
-
-  const T* _points;
-  int _size;
-  int _space;
+  const T* _edges;
   int _numEdges;
   const T _length;
-  int _vertex;
+  int _edge;
   int _numSteps = 0;
   T _walked = 0;
-  T _edge = 0; // length of the next edge
+  T _progress = 0;
 };
 
 /// Whether the next step is one on b.
@@ -64,18 +55,16 @@ template <class T> bool isStepOnB(const ContourWalk<T>& a, const ContourWalk<T>&
 
 } // namespace
 
-template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>& b)
+template <class T> int findCurvesClosestPoints(const MeasuredCurve<T>& first, const MeasuredCurve<T>& second)
 {
-  const int n = std::max(a.getSize(), b.getSize());
-  Curve<T> matched = a.resample(n), reference = b.resample(n);
+  const Curve<T>& a = first.getCurve();
+  const int n = std::max(a.getSize(), second.getCurve().getSize());
   // The best shift does not depend on the origin, but far from it the sums would lose their digits.
-  const Vector<T> center = reference.cog();
-  matched.translate(-center);
-  reference.translate(-center);
-  matched.match(reference);
-  matched.translate(center);
+  const int shift = first.resampled(n).findMatch(second.resampled(n));
+  Vector<T> matched = first.getCenter();
+  for (int k = 0; k < matched.getSize(); ++k) matched[k] += first.resampled(n).data(shift)[k];
   const int space = a.getSpace();
-  const T* const start = std::as_const(matched).data();
+  const T* const start = matched.data();
   const T* const points = a.data();
   int nearest = 0;
   T shortest = squaredDistance(points, start, space);
@@ -89,17 +78,19 @@ template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>
   return nearest;
 }
 
-template <class T> TriangulationCode computeTriangulationCodeGanapathy(const Curve<T>& a, const Curve<T>& b)
+template <class T>
+TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>& a, const MeasuredCurve<T>& b)
 {
   TriangulationCode code;
-  if (a.isClosed()) code.startA = findCurvesClosestPoints(a, b);
-  code.stepsOnB.reserve(static_cast<std::size_t>(a.getSize()) + b.getSize());
+  const bool isOpen = a.getCurve().isOpen();
+  if (!isOpen) code.startA = findCurvesClosestPoints(a, b);
+  code.stepsOnB.reserve(a.getEdgeLengths().size() + b.getEdgeLengths().size());
   ContourWalk<T> walkA(a, code.startA), walkB(b, code.startB);
   while (!walkA.isComplete() || !walkB.isComplete())
   {
     // A closed curve may be walked on when it is complete, an open one ends.
     const bool onB =
-        a.isOpen() && (walkA.isComplete() || walkB.isComplete()) ? walkA.isComplete() : isStepOnB(walkA, walkB);
+        isOpen && (walkA.isComplete() || walkB.isComplete()) ? walkA.isComplete() : isStepOnB(walkA, walkB);
     (onB ? walkB : walkA).advance();
     code.stepsOnB.push_back(onB);
   }
@@ -107,8 +98,8 @@ template <class T> TriangulationCode computeTriangulationCodeGanapathy(const Cur
 }
 
 #define INSTANTIATE_TRIANGULATION_CODE(T)                                                                              \
-  template int findCurvesClosestPoints(const Curve<T>&, const Curve<T>&);                                              \
-  template TriangulationCode computeTriangulationCodeGanapathy(const Curve<T>&, const Curve<T>&);
+  template int findCurvesClosestPoints(const MeasuredCurve<T>&, const MeasuredCurve<T>&);                              \
+  template TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>&, const MeasuredCurve<T>&);
 
 INSTANTIATE_TRIANGULATION_CODE(float)
 INSTANTIATE_TRIANGULATION_CODE(double)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/curve.h"
+#include "geometry/measuredcurve.h"
 
 #include <vector>
 
@@ -14,10 +14,11 @@ struct TriangulationCode
 
 /// The start of the stitching of two closed curves: the vertex of a nearest to where vertex 0 of b belongs, when both
 /// are resampled alike and a is rotated to fit b best.
-template <class T> int findCurvesClosestPoints(const Curve<T>& a, const Curve<T>& b);
+template <class T> int findCurvesClosestPoints(const MeasuredCurve<T>& a, const MeasuredCurve<T>& b);
 
 /// Each step takes the curve whose next vertex stays closest to the progress (share of the length) of the other, b on
 /// a tie. Both curves are closed or both open; open ones are walked from their first to their last vertices, closed
 /// ones all around from the start that findCurvesClosestPoints() gives. Lengths must be positive and finite.
 /// Source: Ganapathy and Dennehy, "A new general triangulation method for planar contours", 1982.
-template <class T> TriangulationCode computeTriangulationCodeGanapathy(const Curve<T>& a, const Curve<T>& b);
+template <class T>
+TriangulationCode computeTriangulationCodeGanapathy(const MeasuredCurve<T>& a, const MeasuredCurve<T>& b);

@@ -52,7 +52,9 @@ template <class T> Vector<int> TriMesh<T>::getTriangleIndexes(int i) const
 
 template <class T> Vertices<T> TriMesh<T>::triangle(int i) const
 {
-  requireSlot(i, "Vertices<T> TriMesh<T>::triangle(int) const");
+  const char* const where = "Vertices<T> TriMesh<T>::triangle(int) const";
+  requireSlot(i, where);
+  for (int k = 0; k < 3 && hasTriangle(i); ++k) requireVertex(corners(i)[k], where);
   Vertices<T> vertices(this->getSpace());
   for (int k = 0; k < 3 && hasTriangle(i); ++k) vertices.append((*this)[corners(i)[k]]);
   return vertices;
@@ -73,6 +75,19 @@ template <class T> void TriMesh<T>::addTriangle(const Vector<int>& indexes)
   if (indexes.getSize() != 3)
     throw SizeError("void TriMesh<T>::addTriangle(const Vector<int>&)", "A triangle has three vertices");
   addTriangle(indexes[0], indexes[1], indexes[2]);
+}
+
+template <class T> void TriMesh<T>::addTriangles(const std::vector<int>& corners)
+{
+  const char* const where = "void TriMesh<T>::addTriangles(const std::vector<int>&)";
+  if (corners.size() % 3 != 0) throw SizeError(where, "A triangle has three vertices");
+  const int size = this->getSize();
+  const auto isVertex = [size](int i) { return i >= 0 && i < size; };
+  if (!std::all_of(corners.begin(), corners.end(), isVertex))
+    throw RangeError(where, "A triangle names a vertex that does not exist");
+  noteTriangleChange();
+  _indexes.insert(_indexes.end(), corners.begin(), corners.end());
+  _numTriangles += static_cast<int>(corners.size() / 3);
 }
 
 template <class T> void TriMesh<T>::setTriangles(const std::vector<Vector<int>>& triangles)
@@ -141,6 +156,7 @@ template <class T> void TriMesh<T>::setNormal(int vertex, const Vector<T>& norma
   const char* const where = "void TriMesh<T>::setNormal(int, const Vector<T>&)";
   requireVertex(vertex, where);
   if (normal.getSize() != this->getSpace()) throw SizeError(where, "The normal has another dimension");
+  if (_normals.getSpace() != this->getSpace()) _normals = Vertices<T>(this->getSpace());
   _normals.setSize(this->getSize());
   _normals[vertex] = normal;
 }

@@ -42,13 +42,15 @@ public:
   const int* corners(int i) const { return _indexes.data() + 3 * static_cast<std::size_t>(i); }
   /// The vertex indexes of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
   Vector<int> getTriangleIndexes(int i) const;
-  /// The three vertices of triangle i, none when the slot is empty. \throw RangeError  there is no such slot
+  /// The three vertices of triangle i, none when the slot is empty. \throw RangeError  there is no such slot or vertex
   Vertices<T> triangle(int i) const;
 
   /// Adds a triangle behind the last slot. \throw RangeError  there is no such vertex
   void addTriangle(int i, int j, int k);
   /// \throw SizeError  not three indexes \throw RangeError  there is no such vertex
   void addTriangle(const Vector<int>& indexes);
+  /// Adds triangles given by three indexes each. \throw SizeError, RangeError  as addTriangle(); nothing is added then
+  void addTriangles(const std::vector<int>& corners);
   /// Replaces all triangles. \throw SizeError, RangeError  as addTriangle()
   void setTriangles(const std::vector<Vector<int>>& triangles);
   void reserveTriangles(int numTriangles) { _indexes.reserve(3 * static_cast<std::size_t>(numTriangles)); }
@@ -56,6 +58,9 @@ public:
   void removeTriangle(int i);
   /// Turns all triangles around, and with them the normals, so that the surface faces the other way.
   void flip();
+  /// Turns triangles so that two that share an edge, and no third one does, run along it in opposite directions, as far
+  /// as the surface allows. The first triangle of each connected piece stays; normals are not changed.
+  void orientConsistently();
   /// Removes a vertex with its triangles; the vertices behind it move up. \throw RangeError  there is no such vertex
   void remove(int vertex);
   /// Removes vertices, triangles, normals and colours.
@@ -68,7 +73,10 @@ public:
   /// The triangles that use a vertex, in ascending order. \throw RangeError  there is no such vertex
   Vector<int> star(int vertex) const;
 
-  bool hasNormals() const { return _normals.getSize() > 0 && _normals.getSize() == this->getSize(); }
+  bool hasNormals() const
+  {
+    return _normals.getSize() > 0 && _normals.getSize() == this->getSize() && _normals.getSpace() == this->getSpace();
+  }
   /// \throw UsageError  there are no normals
   const Vector<T>& getNormal(int vertex) const;
   /// Normals that were missing become 0. \throw RangeError  there is no such vertex \throw SizeError  another dimension

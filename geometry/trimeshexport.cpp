@@ -1,4 +1,5 @@
 // Meshes in the file formats of other programs.
+#include "geometry/coordinates.h"
 #include "geometry/textbuffer.h"
 #include "geometry/trimesh.h"
 #include "geometry/vectors3d.h"
@@ -11,12 +12,10 @@ namespace
 {
 static_assert(std::endian::native == std::endian::little, "binary meshes are written in the processor's byte order");
 
-/// Products of float coordinates neither overflow nor vanish in double.
-template <class T> using Wide = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
-
 /// Coordinates as binary formats hold them.
 template <class T> using Stored = std::conditional_t<std::is_same_v<T, long double>, double, T>;
 
+/// Products of float coordinates neither overflow nor vanish in double.
 template <class T> Vector3d<Wide<T>> facetNormal(const T* a, const T* b, const T* c)
 {
   using R = Wide<T>;

@@ -9,7 +9,7 @@ template <class T> Vector<int> TriMesh<T>::neighbours(int vertex) const
   for (const int triangle : stars().star(vertex)) found.insert(found.end(), corners(triangle), corners(triangle) + 3);
   std::sort(found.begin(), found.end());
   found.erase(std::unique(found.begin(), found.end()), found.end());
-  std::erase(found, vertex);
+  std::erase_if(found, [this, vertex](int other) { return other == vertex || other >= this->getSize(); });
   return Vector<int>(found);
 }
 

@@ -4,6 +4,7 @@
 
 template <class T> void TriMesh<T>::write(std::ostream& stream) const
 {
+  requireConsistency("void TriMesh<T>::write(std::ostream&) const");
   Vertices<T>::write(stream);
   TextBuffer text(stream);
   text << "# " << _numTriangles << '\n';

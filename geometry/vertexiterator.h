@@ -1,36 +1,22 @@
 #pragma once
 
+#include "geometry/blockwalk.h"
 #include "numeric/vector.h"
-
-template <class T> class Shape;
 
 /// Walks over all vertices of a shape, block after block.
 template <class T> class ConstVertexIterator
 {
 public:
-  explicit ConstVertexIterator(const Shape<T>& shape) : _shape(&shape) { skipFinishedBlocks(); }
+  explicit ConstVertexIterator(const Shape<T>& shape) : _walk(shape) {}
 
-  bool isAtEnd() const { return _block == _shape->getNumBlocks(); }
-  void next()
-  {
-    ++_vertex;
-    skipFinishedBlocks();
-  }
-  const Vector<T>& operator*() const { return _shape->getBlock(_block)[_vertex]; }
+  bool isAtEnd() const { return _walk.isAtEnd(); }
+  void next() { _walk.next(); }
+  const Vector<T>& operator*() const { return _walk.getBlock()[_walk.getIndex()]; }
 
 private:
-  void skipFinishedBlocks()
-  {
-    while (!isAtEnd() && _vertex == _shape->getBlock(_block).getSize())
-    {
-      ++_block;
-      _vertex = 0;
-    }
-  }
+  static int numVertices(const Shape<T>& shape, int block) { return shape.getBlock(block).getSize(); }
 
-  const Shape<T>* _shape;
-  int _block = 0;
-  int _vertex = 0;
+  BlockWalk<T, &ConstVertexIterator::numVertices> _walk;
 };
 
 /// The same walk, for changing the vertices; the shape is detached when the walk begins.

@@ -59,7 +59,7 @@ template <class T> void VertexStack<T>::read(std::istream& stream)
     levels.back()->read(stream);
     if (levels.back()->getSpace() != space) reader.fail("a level has another space dimension");
   }
-  this->assign(Vertices<T>(space));
+  VertexClient<T>::assign(Vertices<T>(space));
   _levels.swap(levels);
   setShapeType(shapeType);
 }

@@ -17,6 +17,8 @@ public:
   VertexStack(VertexStack<T>&&) = default;
   VertexStack<T>& operator=(VertexStack<T>&&) = default;
 
+  /// Becomes a copy of the other stack.
+  void assign(const VertexStack<T>& stack) { *this = stack; }
   VertexStack<T>* clone() const override { return new VertexStack<T>(*this); }
   ShapeType getShapeType() const override { return VertexStackShape; }
   bool isComposite() const override { return true; }

@@ -66,12 +66,12 @@ public:
 
   void read(std::istream& stream) override;
   void write(std::ostream& stream) const override;
+  /// Reads the space, the number of vertices and the vertices. \throw FileFormatError  the text is something else
+  static Vertices<T> readVertices(ShapeReader& reader);
 
   int getNumVertices() const override { return this->getServer().getSize(); }
 
 protected:
-  /// Reads the space, the number of vertices and the vertices.
-  static Vertices<T> readVertices(ShapeReader& reader);
   /// Whether a file of this shape type can be read into this shape.
   virtual bool isReadable(int shapeType) const { return shapeType == VerticesShape; }
   /// Takes over what the type of the file read says.

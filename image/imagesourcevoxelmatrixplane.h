@@ -26,6 +26,12 @@ public:
 
   /// The plane as ImageReader::read() gives it. \throw RangeError  the source is not defined
   void readImage(Image& image) const;
+  /// Calls f(matrix) with the matrix, whatever its element type. \throw RangeError  the source is not defined
+  template <class Function> void visitMatrix(Function f) const
+  {
+    requireMatrix("void ImageSourceVoxelMatrixPlane::visitMatrix(Function) const");
+    std::visit([&](const auto& matrix) { f(*matrix); }, _voxelMatrix);
+  }
 
 private:
   template <class T> using Shared = std::shared_ptr<const VoxelMatrix<T>>;

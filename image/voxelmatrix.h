@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+class ProgressSubject;
+
 /// Stack of equally sized planes and the physical size of one voxel.
 ///
 /// Voxel (i, j, k) is row i, column j of plane k, all 0-based. All voxels lie in one block, plane after plane, row
@@ -124,6 +126,9 @@ public:
   /// Writes a voxel-matrix file; ".vm" is appended to a name without this suffix.
   /// \throw FileWriteError  the file exists and must not be overwritten, cannot be written, or there are no voxels
   void save(const std::string& filename, bool overwrite) const;
+  /// The same, plane by plane: a step of the subject counts them. \throw Cancelled  the user stopped it; no file is
+  /// written then
+  void save(const std::string& filename, bool overwrite, ProgressSubject& subject) const;
   /// Reads a voxel-matrix file or, when the suffix is "tif" or "tiff", a TIFF stack. On an error the matrix stays.
   /// Files of small integers do not tell their type: voxels as wide as T are read as T, others as unsigned numbers.
   /// \throw FileReadError    the file cannot be opened

@@ -3,6 +3,7 @@
 #include "image/voxelmatrix.h"
 #include "image/voxelmatrixfile.h"
 #include "numeric/atomicfile.h"
+#include "numeric/progresssubject.h"
 
 #include <algorithm>
 #include <array>
@@ -89,13 +90,27 @@ template <class T> void readVoxels(const VoxelMatrixFile& file, VoxelMatrix<T>& 
 
 template <class T> void VoxelMatrix<T>::save(const std::string& filename, bool overwrite) const
 {
+  ProgressSubject nobody;
+  save(filename, overwrite, nobody);
+}
+
+template <class T>
+void VoxelMatrix<T>::save(const std::string& filename, bool overwrite, ProgressSubject& subject) const
+{
   const std::string target = std::filesystem::path(filename).extension() == ".vm" ? filename : filename + ".vm";
   if (getNumVoxels() == 0) throw FileWriteError(saveSignature, "There are no voxels to write", target);
   if (!overwrite && std::filesystem::exists(target)) throw FileWriteError(saveSignature, "File already exists", target);
+  const ProgressStep step(subject, "Writing " + target, getSize3());
   AtomicFile file(target);
   const auto header = headerBytes(*this);
   file.write(std::string_view(header.data(), header.size()));
-  file.write(std::string_view(reinterpret_cast<const char*>(_block), getNumVoxels() * sizeof(T)));
+  const std::size_t planeLength = getNumVoxels() / static_cast<std::size_t>(getSize3()) * sizeof(T);
+  for (int k = 0; k < getSize3(); ++k)
+  {
+    file.write(std::string_view(reinterpret_cast<const char*>((*this)[k].data()), planeLength));
+    subject.progress(k + 1);
+    subject.throwIfCancelled(saveSignature);
+  }
   file.commit();
 }
 

@@ -14,7 +14,7 @@ namespace
 template <class Set> void resolve(const std::string& name, const std::string& folder, const Set& set)
 {
   if (!name.empty() && !std::filesystem::path(name).is_absolute())
-    set((std::filesystem::path(folder) / name).lexically_normal().string());
+    set((std::filesystem::absolute(folder) / name).lexically_normal().string());
 }
 
 void resolveTiles(ImageSourceFileMosaic& mosaic, const std::string& folder)

@@ -7,12 +7,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace
 {
 double distance(const int* a, const int* b)
 {
   return std::hypot(static_cast<double>(a[0]) - b[0], static_cast<double>(a[1]) - b[1]);
+}
+
+int countable(std::int64_t numPositions, const char* where)
+{
+  if (numPositions > std::numeric_limits<int>::max())
+    throw SizeError(where, "The region has more positions than can be counted");
+  return static_cast<int>(numPositions);
 }
 
 /// The first vertex for which the measure is smallest and within the tolerance.
@@ -125,7 +134,7 @@ bool ModelItem::isRegion() const
 
 int ModelItem::getSize() const
 {
-  return isRegion() ? static_cast<int>(_rleItemSet.numVertices()) : _vertices.getSize();
+  return isRegion() ? countable(_rleItemSet.numVertices(), "int ModelItem::getSize() const") : _vertices.getSize();
 }
 
 void ModelItem::setVertices(Vertices<int> vertices)
@@ -266,6 +275,36 @@ BoundingBox<int> ModelItem::rectifyBox(const BoundingBox<int>& box) const
   return box.intersection(image);
 }
 
+namespace
+{
+/// Whether a position is left of an edge, on a line that passes it.
+bool isLeftOfEdge(int x, std::int64_t y, const int* a, const int* b)
+{
+  const double share = static_cast<double>(y - a[1]) / (static_cast<double>(b[1]) - a[1]);
+  return x < a[0] + share * (static_cast<double>(b[0]) - a[0]);
+}
+
+/// The first and last + 1 of the positions of a run that are left of an edge: they follow each other.
+std::pair<std::int64_t, std::int64_t> leftOfEdge(const RLEItem& run, const int* a, const int* b)
+{
+  const int x = run.getOriginX();
+  const auto first = std::max<std::int64_t>(run.begin(), std::min(a[1], b[1]));
+  const auto last = std::min<std::int64_t>(std::int64_t{run.end()} + 1, std::max(a[1], b[1]));
+  if (first >= last) return {first, first};
+  const bool beginsLeft = isLeftOfEdge(x, first, a, b);
+  std::int64_t turn = first, end = last; // bisected: from `turn` on it is the other way
+  while (turn < end)
+  {
+    const std::int64_t middle = turn + (end - turn) / 2;
+    if (isLeftOfEdge(x, middle, a, b) == beginsLeft)
+      turn = middle + 1;
+    else
+      end = middle;
+  }
+  return beginsLeft ? std::pair(first, turn) : std::pair(turn, last);
+}
+} // namespace
+
 bool ModelItem::contains(const int* position) const
 {
   if (isRegion()) return _rleItemSet.contains(position[0], position[1]);
@@ -276,10 +315,26 @@ bool ModelItem::contains(const int* position) const
   {
     const int *a = _vertices.data(previous), *b = _vertices.data(i);
     if ((a[1] > position[1]) == (b[1] > position[1])) continue;
-    const double share = (static_cast<double>(position[1]) - a[1]) / (static_cast<double>(b[1]) - a[1]);
-    if (position[0] < a[0] + share * (static_cast<double>(b[0]) - a[0])) isInside = !isInside;
+    if (isLeftOfEdge(position[0], position[1], a, b)) isInside = !isInside;
   }
   return isInside;
+}
+
+bool ModelItem::containsAny(const RLEItem& run, std::vector<std::int64_t>& turns) const
+{
+  if (isRegion()) return _rleItemSet.overlaps(run);
+  if (!isClosed()) return false;
+  turns.clear();
+  const int size = _vertices.getSize();
+  for (int i = 0, previous = size - 1; i < size; previous = i++)
+  {
+    const auto [first, last] = leftOfEdge(run, _vertices.data(previous), _vertices.data(i));
+    if (first < last) turns.insert(turns.end(), {first, last});
+  }
+  std::sort(turns.begin(), turns.end());
+  for (std::size_t i = 0; i < turns.size(); i += 2) // from turn to turn inside, outside, inside ...
+    if (turns[i] < turns[i + 1]) return true;
+  return false;
 }
 
 bool ModelItem::partiallyContains(const ModelItem& item) const
@@ -287,10 +342,9 @@ bool ModelItem::partiallyContains(const ModelItem& item) const
   if (_slice != item._slice || boundingBox().intersection(item.boundingBox()).isEmpty()) return false;
   if (item.isRegion())
   {
-    for (const RLEItem& run : item._rleItemSet.getItems())
-      for (int k = 0; k < run.getLength(); ++k)
-        if (const int position[] = {run.getOriginX(), run.begin() + k}; contains(position)) return true;
-    return false;
+    const std::vector<RLEItem>& runs = item._rleItemSet.getItems();
+    std::vector<std::int64_t> turns;
+    return std::any_of(runs.begin(), runs.end(), [&](const RLEItem& run) { return containsAny(run, turns); });
   }
   for (int i = 0; i < item._vertices.getSize(); ++i)
     if (contains(item._vertices.data(i))) return true;
@@ -311,7 +365,7 @@ template <class T> Vertices<T> converted(const Vertices<int>& vertices)
 
 template <class T> Vertices<T> positions(const RLEItemSet& set)
 {
-  Vertices<T> result(2, static_cast<int>(set.numVertices()));
+  Vertices<T> result(2, countable(set.numVertices(), "Shape<T>* ModelItem::toShape() const"));
   int i = 0;
   for (const RLEItem& run : set.getItems())
   {

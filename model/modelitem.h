@@ -7,6 +7,7 @@
 #include "model/modelitemselection.h"
 #include "model/rleitemset.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -46,7 +47,7 @@ public:
   /// True exactly when the model's geometry is "Polygon".
   bool isClosed() const;
   bool isRegion() const;
-  /// Number of vertices; of a region, of its positions.
+  /// Number of vertices; of a region, of its positions. \throw SizeError  these are more than int can count
   int getSize() const;
 
   const Vertices<int>& getVertices() const { return _vertices; }
@@ -110,6 +111,7 @@ public:
   void setTriangulationTag(CurveStackTriangulationContourTag tag) { _triangulationTag = tag; }
 
   /// The vertices as a new planar shape: a curve, or a vertex set for points and regions. The caller owns it.
+  /// \throw SizeError  a region has more positions than int can count
   template <class T> Shape<T>* toShape() const;
 
   /// Called by the lists that the item enters and leaves.
@@ -124,6 +126,8 @@ private:
   void provideRegionSelection();
   /// Whether a position lies in the closed curve (even-odd rule) or region.
   bool contains(const int* position) const;
+  /// Whether one of the positions of a run does. `turns` is working memory.
+  bool containsAny(const RLEItem& run, std::vector<std::int64_t>& turns) const;
 
   Model* _model;
   StackSlice* _slice;

@@ -36,13 +36,14 @@ bool hasSelection(const ModelItem* item)
 
 void ModelItemOwner::addItem(ModelItem* item)
 {
-  _items.push_back(item);
-  noteMembership(*item, true);
+  restoreItem(item, ++_lastNumber);
 }
 
-void ModelItemOwner::insertItem(ModelItem* item, int i)
+void ModelItemOwner::restoreItem(ModelItem* item, long number)
 {
-  _items.insert(_items.begin() + i, item);
+  const auto place = std::upper_bound(_numbers.begin(), _numbers.end(), number) - _numbers.begin();
+  _items.insert(_items.begin() + place, item);
+  _numbers.insert(_numbers.begin() + place, number);
   noteMembership(*item, true);
 }
 
@@ -51,54 +52,70 @@ void ModelItemOwner::removeItem(ModelItem* item)
   takeItem(item);
 }
 
-int ModelItemOwner::takeItem(ModelItem* item)
+long ModelItemOwner::takeItem(ModelItem* item)
 {
   // From the end: what was drawn last goes first, and so do the items of a selection that is deleted.
   const auto found = std::find(_items.rbegin(), _items.rend(), item);
-  if (found == _items.rend()) return -1;
-  const auto place = found.base() - 1;
-  const auto index = static_cast<int>(place - _items.begin());
-  _items.erase(place);
+  if (found == _items.rend()) return 0;
+  const auto place = found.base() - 1 - _items.begin();
+  const long number = _numbers[static_cast<std::size_t>(place)];
+  _items.erase(_items.begin() + place);
+  _numbers.erase(_numbers.begin() + place);
   noteMembership(*item, false);
-  return index;
+  return number;
 }
 
 void ModelItemOwner::removeAllItems()
 {
   for (ModelItem* item : _items) noteMembership(*item, false);
   _items.clear();
+  _numbers.clear();
 }
 
 std::vector<ModelItemOwner::Place> ModelItemOwner::takeItemsIf(const std::function<bool(const ModelItem&)>& test)
 {
   std::vector<Place> places;
-  int index = 0;
-  const auto takes = [&](ModelItem* item)
+  std::size_t numKept = 0;
+  for (std::size_t i = 0; i < _items.size(); ++i)
   {
-    const int i = index++;
-    if (!test(*item)) return false;
-    places.push_back({i, item});
-    noteMembership(*item, false);
-    return true;
-  };
-  _items.erase(std::remove_if(_items.begin(), _items.end(), takes), _items.end());
+    if (test(*_items[i]))
+    {
+      places.push_back({_numbers[i], _items[i]});
+      noteMembership(*_items[i], false);
+      continue;
+    }
+    _items[numKept] = _items[i];
+    _numbers[numKept++] = _numbers[i];
+  }
+  _items.resize(numKept);
+  _numbers.resize(numKept);
   return places;
 }
 
 void ModelItemOwner::restoreItems(const std::vector<Place>& places)
 {
   std::vector<ModelItem*> items;
+  std::vector<long> numbers;
   items.reserve(_items.size() + places.size());
-  auto next = _items.begin();
+  numbers.reserve(_items.size() + places.size());
+  std::size_t next = 0;
+  const auto keepBefore = [&](long number)
+  {
+    for (; next < _items.size() && _numbers[next] < number; ++next)
+    {
+      items.push_back(_items[next]);
+      numbers.push_back(_numbers[next]);
+    }
+  };
   for (const Place& place : places)
   {
-    const auto numBefore = place.index - static_cast<int>(items.size());
-    items.insert(items.end(), next, next + numBefore);
-    next += numBefore;
+    keepBefore(place.number);
     items.push_back(place.item);
+    numbers.push_back(place.number);
   }
-  items.insert(items.end(), next, _items.end());
+  keepBefore(_lastNumber + 1);
   _items = std::move(items);
+  _numbers = std::move(numbers);
   for (const Place& place : places) noteMembership(*place.item, true);
 }
 
@@ -135,6 +152,7 @@ void ModelItemOwner::sort()
   SlicePositions positions;
   std::stable_sort(_items.begin(), _items.end(),
                    [&](const ModelItem* a, const ModelItem* b) { return positions(*a) < positions(*b); });
+  for (long& number : _numbers) number = ++_lastNumber;
 }
 
 std::vector<ModelItem*> ModelItemOwner::intersection(const ModelItemOwner& other) const

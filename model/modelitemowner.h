@@ -24,19 +24,20 @@ public:
   /// Takes all items off the list for which the test holds, in one pass.
   void removeItemsIf(const std::function<bool(const ModelItem&)>& test) { takeItemsIf(test); }
 
-  /// An item and its index in the list.
+  /// An item that left the list, and its number: the numbers of a list rise, and what is added gets the next one. So
+  /// items come back between the same neighbours, in whatever order they left and come back.
   struct Place
   {
-    int index;
+    long number;
     ModelItem* item;
   };
-  /// Takes an item off the list. \return the index that it had, -1 when it is not listed
-  int takeItem(ModelItem* item);
-  /// Inserts an item before item i. Unchecked.
-  void insertItem(ModelItem* item, int i);
-  /// Takes all items off the list for which the test holds, in one pass. \return their places, in ascending order
+  /// Takes an item off the list. \return the number that it had, 0 when it is not listed
+  long takeItem(ModelItem* item);
+  /// Brings an item back that had the number.
+  void restoreItem(ModelItem* item, long number);
+  /// Takes all items off the list for which the test holds, in one pass.
   std::vector<Place> takeItemsIf(const std::function<bool(const ModelItem&)>& test);
-  /// Undoes takeItemsIf(), in one pass. Unchecked: the list is as that left it.
+  /// Brings the items of one takeItemsIf() back, in one pass.
   void restoreItems(const std::vector<Place>& places);
 
   /// The first item whose selection is not empty, or nullptr.
@@ -47,7 +48,8 @@ public:
 
   /// Whether the absolute positions of the items' slices never decrease.
   bool isSorted() const;
-  /// Orders the items by the absolute positions of their slices; items of one position keep their order.
+  /// Orders the items by the absolute positions of their slices; items of one position keep their order. They are
+  /// numbered anew: what left the list before must not come back.
   void sort();
   /// The items that both owners list, in this one's order.
   std::vector<ModelItem*> intersection(const ModelItemOwner& other) const;
@@ -60,4 +62,6 @@ private:
   virtual void noteMembership(ModelItem& item, bool isMember) = 0;
 
   std::vector<ModelItem*> _items;
+  std::vector<long> _numbers; // of the items, rising
+  long _lastNumber = 0;       // ever given
 };

@@ -204,9 +204,13 @@ void RLEItemSet::translate(int dx, int dy)
 
 bool RLEItemSet::contains(int x, int y) const
 {
-  const RLEItem position(x, y, 1);
-  const auto run = std::lower_bound(_runs.begin(), _runs.end(), position, endsBefore);
-  return run != _runs.end() && run->contains(x, y);
+  return overlaps(RLEItem(x, y, 1));
+}
+
+bool RLEItemSet::overlaps(const RLEItem& run) const
+{
+  const auto first = std::lower_bound(_runs.begin(), _runs.end(), run, endsBefore);
+  return first != _runs.end() && !endsBefore(run, *first);
 }
 
 BoundingBox<int> RLEItemSet::boundingBox() const

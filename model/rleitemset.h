@@ -47,6 +47,8 @@ public:
   void translate(int dx, int dy);
 
   bool contains(int x, int y) const;
+  /// Whether the set has a position of the run.
+  bool overlaps(const RLEItem& run) const;
   /// Empty for an empty set.
   BoundingBox<int> boundingBox() const;
   /// The position closest to (x, y), the first one in order on a tie; none in an empty set.

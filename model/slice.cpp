@@ -2,6 +2,7 @@
 
 #include "image/image.h"
 #include "image/imagereader.h"
+#include "model/imagenames.h"
 #include "model/storabletext.h"
 #include "numeric/exception.h"
 #include "numeric/maths.h"
@@ -12,6 +13,17 @@ void Slice::setName(const std::string& name)
 {
   requireStorableName(name, "void Slice::setName(const std::string&)");
   _name = name;
+}
+
+void Slice::setImageSource(const ImageSource& source)
+{
+  const std::string path = imagesPath();
+  _imageSource = path.empty() ? source.clone() : withResolvedNames(source, path);
+}
+
+void Slice::resolveImageNames()
+{
+  if (_imageSource && !imagesPath().empty()) _imageSource = withResolvedNames(*_imageSource, imagesPath());
 }
 
 int Slice::width() const

@@ -12,6 +12,13 @@ class Image;
 /// One image: where it comes from, the size of its pixels, a name and a note.
 ///
 /// The corrected size is that of the image squeezed along the longer side of its pixels until they are square.
+///
+/// File names of the image: of a slice or standard image in a stack with an images path, relative names are made
+/// absolute against it, once, as soon as both are there: when it is added, gets an image, or the stack gets its first
+/// images path. A relative images path counts from the program's folder. Absolute names stay as they are, so that a
+/// later images path, another stack or setting the same source again changes nothing. Without an images path relative
+/// names stay and count from the program's folder. Loading, sizes and stack files all take the name that stands in the
+/// source then, also one that was put into it in place.
 class Slice
 {
 public:
@@ -29,8 +36,8 @@ public:
   /// The source, owned by the slice; nullptr when there is none.
   const ImageSource* getImageSource() const { return _imageSource.get(); }
   ImageSource* getImageSource() { return _imageSource.get(); }
-  /// Stores a copy of the source.
-  virtual void setImageSource(const ImageSource& source) { _imageSource = source.clone(); }
+  /// Stores a copy of the source, its file names as said above.
+  void setImageSource(const ImageSource& source);
   /// True when no image is named.
   bool isEmpty() const { return !_imageSource || !_imageSource->isDefined(); }
 
@@ -48,6 +55,12 @@ public:
 
   /// Reads the slice's image. \throw UsageError  there is no image source \throw FileError  it cannot be read
   void load(Image& image) const;
+
+protected:
+  /// The images path of the stack that holds this, "" without one.
+  virtual std::string imagesPath() const { return ""; }
+  /// To be called when there is an images path that was not there before.
+  void resolveImageNames();
 
 private:
   std::string _name;

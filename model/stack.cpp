@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <unordered_set>
 
@@ -84,8 +85,13 @@ void Stack::setName(const std::string& name)
 
 void Stack::setImagesPath(const std::string& path)
 {
-  requireStorableName(path, "void Stack::setImagesPath(const std::string&)");
+  if (!std::filesystem::path(path).is_absolute())
+    requireStorableName(path, "void Stack::setImagesPath(const std::string&)");
+  const bool isFirst = _imagesPath.empty(); // later ones find absolute names only
   _imagesPath = path;
+  if (!isFirst) return;
+  for (const auto& slice : _slices) slice->noteImagesPath();
+  for (const auto& image : _standardImages) image->setStack(this);
 }
 
 void Stack::setLastSegmentedSlice(const std::string& name)
@@ -175,7 +181,9 @@ bool Stack::hasGeometryModelItems(MPrimitive primitive) const
 
 StandardImage& Stack::addStandardImage(std::unique_ptr<StandardImage> image)
 {
-  return *_standardImages.emplace_back(std::move(image));
+  StandardImage& added = *_standardImages.emplace_back(std::move(image));
+  added.setStack(this);
+  return added;
 }
 
 std::vector<const StandardImage*> Stack::calibratedImages() const

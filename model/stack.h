@@ -35,9 +35,11 @@ public:
   void setName(const std::string& name);
   const std::string& getAnnotation() const { return _annotation; }
   void setAnnotation(const std::string& annotation) { _annotation = annotation; }
-  /// The directory against which relative image file names are resolved when a slice with an image is added, or a slice
-  /// of the stack gets another image.
+  /// The directory against which relative image file names of slices and standard images are made absolute: see Slice
+  /// for when. It is not written to stack files itself.
   const std::string& getImagesPath() const { return _imagesPath; }
+  /// \throw ValueError  a relative path that cannot be stored; of an absolute one the part that is written is checked
+  /// when it is
   void setImagesPath(const std::string& path);
   /// Whether stack files name the images by absolute paths.
   bool getAbsoluteImagesPathPolicy() const { return _absoluteImagesPathPolicy; }

@@ -1,6 +1,5 @@
 #include "model/stackslice.h"
 
-#include "model/imagenames.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stack.h"
@@ -27,12 +26,9 @@ void StackSlice::setName(const std::string& name)
   if (_stack) _stack->noteRenamed(*this, oldName);
 }
 
-void StackSlice::setImageSource(const ImageSource& source)
+std::string StackSlice::imagesPath() const
 {
-  if (_stack && !_stack->getImagesPath().empty())
-    Slice::setImageSource(*withResolvedNames(source, _stack->getImagesPath()));
-  else
-    Slice::setImageSource(source);
+  return _stack ? _stack->getImagesPath() : "";
 }
 
 void StackSlice::setStack(Stack* stack, int index)
@@ -40,8 +36,7 @@ void StackSlice::setStack(Stack* stack, int index)
   const bool isNew = stack && stack != _stack;
   _stack = stack;
   _index = index;
-  if (isNew && getImageSource() && !stack->getImagesPath().empty())
-    Slice::setImageSource(*withResolvedNames(*getImageSource(), stack->getImagesPath()));
+  if (isNew) resolveImageNames();
 }
 
 void StackSlice::setRelativePosition(float distance)

@@ -19,14 +19,14 @@ public:
   ~StackSlice() override;
 
   void setName(const std::string& name) override;
-  /// Relative file names of a slice in a stack are resolved against the stack's images path, if it has one.
-  void setImageSource(const ImageSource& source) override;
 
   /// The stack that holds this slice, or nullptr, and the place there.
   Stack* getStack() const { return _stack; }
   int getIndex() const { return _index; }
   /// Called by the stack.
   void setStack(Stack* stack, int index);
+  /// Called by a stack that got its first images path.
+  void noteImagesPath() { resolveImageNames(); }
 
   float getThickness() const { return _thickness; }
   void setThickness(float thickness) { _thickness = thickness; }
@@ -53,6 +53,7 @@ public:
   StackSlice* nextSlice() const;
 
 private:
+  std::string imagesPath() const override;
   void noteMembership(ModelItem& item, bool isMember) override;
 
   Stack* _stack = nullptr;

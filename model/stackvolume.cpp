@@ -2,6 +2,7 @@
 
 #include "image/imagesourcefile.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
+#include "image/imagesourcevoxelmatrixplane.h"
 #include "image/imagewriter.h"
 #include "image/voxelmatrixfile.h"
 #include "model/io/stackreader.h"
@@ -10,12 +11,16 @@
 #include "numeric/exception.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -46,19 +51,34 @@ VoxelCalibration voxelCalibration(const Stack& stack)
   return calibration;
 }
 
+template <class Number> std::string shortest(Number value)
+{
+  char digits[64];
+  return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+/// Whether T has the value: as a whole number of its range, or as a finite one (rounded) when the value is finite.
+template <class T, class Stored> bool fits(Stored x)
+{
+  constexpr bool isWider = std::is_integral_v<Stored> || sizeof(T) >= sizeof(Stored);
+  if constexpr (std::is_floating_point_v<T> && isWider) return true;
+  const auto value = static_cast<long double>(x);
+  if constexpr (std::is_floating_point_v<T>) return std::isfinite(static_cast<T>(x)) || !std::isfinite(value);
+  return value >= static_cast<long double>(std::numeric_limits<T>::lowest()) &&
+         value <= static_cast<long double>(std::numeric_limits<T>::max()) && value == std::floor(value);
+}
+
 /// The value as T. \throw RangeError  T cannot hold it
 template <class T, class Stored> T checkedVoxel(Stored x)
 {
-  if constexpr (std::is_integral_v<T>)
-  {
-    const auto value = static_cast<long double>(x);
-    const bool fits = value >= static_cast<long double>(std::numeric_limits<T>::lowest()) &&
-                      value <= static_cast<long double>(std::numeric_limits<T>::max()) && value == std::floor(value);
-    if (!fits)
-      throw RangeError(readSignature,
-                       "The value " + std::to_string(value) + " does not fit voxels of type " + typeName<T>());
-  }
-  return static_cast<T>(x);
+  if constexpr (std::is_same_v<T, Stored>) return x;
+  if (fits<T>(x)) return static_cast<T>(x);
+  std::string number;
+  if constexpr (std::is_integral_v<Stored>)
+    number = std::to_string(x);
+  else
+    number = shortest(x);
+  throw RangeError(readSignature, "The value " + number + " does not fit voxels of type " + typeName<T>());
 }
 
 /// The voxels of a plane as they are, which an image of it would show scaled.
@@ -66,7 +86,7 @@ template <class T> PixelMatrix<T> voxels(const ImageSourceVoxelMatrixFilePlane& 
 {
   const VoxelMatrixFile file(source.getVoxelMatrixFilename());
   const VoxelMatrixHeader& header = file.getHeader();
-  if (source.getPlane() < 0 || source.getPlane() >= header.size3)
+  if (source.getPlane() >= header.size3)
     throw FileFormatError(readSignature, "There is no plane " + std::to_string(source.getPlane()), file.getFilename());
   PixelMatrix<T> plane(header.size1, header.size2);
   withElementType(header,
@@ -77,6 +97,19 @@ template <class T> PixelMatrix<T> voxels(const ImageSourceVoxelMatrixFilePlane& 
                     file.read(stored.data(), static_cast<std::size_t>(source.getPlane()) * size, size);
                     std::transform(stored.data(), stored.data() + size, plane.data(), checkedVoxel<T, Stored>);
                   });
+  return plane;
+}
+
+template <class T> PixelMatrix<T> voxels(const ImageSourceVoxelMatrixPlane& source)
+{
+  PixelMatrix<T> plane;
+  source.visitMatrix(
+      [&]<class Stored>(const VoxelMatrix<Stored>& matrix)
+      {
+        const PixelMatrix<Stored>& stored = matrix[source.getPlane()];
+        plane.setSize(stored.getSize1(), stored.getSize2());
+        std::transform(stored.data(), stored.data() + stored.getNumElements(), plane.data(), checkedVoxel<T, Stored>);
+      });
   return plane;
 }
 
@@ -94,22 +127,45 @@ template <class T> PixelMatrix<T> imageLevels(const StackSlice& slice, const std
 
 template <class T> PixelMatrix<T> levels(const StackSlice& slice, const std::optional<ImageChannel>& channel)
 {
+  const ImageSource* const source = slice.getImageSource();
+  if (slice.isEmpty()) throw UsageError(readSignature, "The slice \"" + slice.getName() + "\" has no image");
   try
   {
-    const auto* const plane = dynamic_cast<const ImageSourceVoxelMatrixFilePlane*>(slice.getImageSource());
-    return plane ? voxels<T>(*plane) : imageLevels<T>(slice, channel);
+    if (const auto* plane = dynamic_cast<const ImageSourceVoxelMatrixFilePlane*>(source)) return voxels<T>(*plane);
+    if (const auto* plane = dynamic_cast<const ImageSourceVoxelMatrixPlane*>(source)) return voxels<T>(*plane);
+    return imageLevels<T>(slice, channel);
   }
-  catch (const RangeError& error)
+  catch (RangeError& error)
   {
-    throw RangeError(readSignature, "Slice \"" + slice.getName() + "\": " + error.getWhat());
+    error.setWhat("Slice \"" + slice.getName() + "\": " + error.getWhat());
+    throw;
+  }
+  catch (FileFormatError& error)
+  {
+    error.setWhat("Slice \"" + slice.getName() + "\": " + error.getWhat());
+    throw;
   }
 }
 
-/// Files that were written for one purpose; unless they are kept, they are removed when it fails.
+/// \throw FileWriteError  the file is there and must not be, or cannot be written over
+void requireReplaceable(const std::string& name, bool overwrite)
+{
+  std::error_code error;
+  const fs::file_status status = fs::status(name, error);
+  if (!fs::exists(status)) return;
+  if (!overwrite) throw FileWriteError(saveSignature, "File already exists", name);
+  if (!fs::is_regular_file(status))
+    throw FileWriteError(saveSignature, "Cannot open file for writing (Not a regular file)", name);
+  if (access(name.c_str(), W_OK) != 0)
+    throw FileWriteError(saveSignature, "Cannot open file for writing (Permission denied)", name);
+}
+
+/// Files that took their places for one purpose; unless they are kept, those that replaced nothing are removed when it
+/// fails.
 class NewFiles
 {
 public:
-  explicit NewFiles(bool overwrite) : _overwrite(overwrite) {}
+  NewFiles() = default;
   NewFiles(const NewFiles&) = delete;
   NewFiles& operator=(const NewFiles&) = delete;
   ~NewFiles()
@@ -118,21 +174,49 @@ public:
     for (const std::string& name : _names) fs::remove(name, ignored);
   }
 
-  /// To be asked of all files before the first one is written.
-  void require(const std::string& name) const
-  {
-    if (!_overwrite && fs::exists(name)) throw FileWriteError(saveSignature, "File already exists", name);
-  }
-  /// To be told before a file is written: one that was there already is not removed.
+  /// To be told before a file takes its place.
   void add(const std::string& name)
   {
-    if (!fs::exists(name)) _names.push_back(name);
+    std::error_code ignored;
+    if (!fs::exists(name, ignored)) _names.push_back(name);
   }
   void keep() { _names.clear(); }
 
 private:
-  bool _overwrite;
   std::vector<std::string> _names;
+};
+
+/// A new folder for files that are not complete yet, beside their places; it is removed with what is left in it.
+class FolderBeside
+{
+public:
+  explicit FolderBeside(const fs::path& place) : _path((place.parent_path() / ".mirelo-XXXXXX").string())
+  {
+    if (!mkdtemp(_path.data()))
+      throw FileWriteError(saveSignature,
+                           "Cannot open file for writing (" + std::generic_category().message(errno) + ")",
+                           place.string());
+  }
+  FolderBeside(const FolderBeside&) = delete;
+  FolderBeside& operator=(const FolderBeside&) = delete;
+  ~FolderBeside()
+  {
+    std::error_code ignored;
+    fs::remove_all(_path, ignored);
+  }
+
+  /// Where the file that will be `place` is written.
+  std::string file(const std::string& place) const { return (_path / fs::path(place).filename()).string(); }
+  /// Puts it there. \throw FileWriteError
+  void moveTo(const std::string& place) const
+  {
+    std::error_code error;
+    fs::rename(file(place), place, error);
+    if (error) throw FileWriteError(saveSignature, "Cannot replace file (" + error.message() + ")", place);
+  }
+
+private:
+  std::string _path;
 };
 
 /// The file of plane k, beside the stack file and named after it.
@@ -166,25 +250,62 @@ public:
     return names;
   }
 
-  void write(NewFiles& files, bool overwrite, ProgressSubject& subject) const
+  /// Writes all images beside their places before the first one takes its place.
+  void write(NewFiles& files, ProgressSubject& subject) const
   {
+    const std::vector<std::string> names = fileNames();
+    const FolderBeside folder(names.front());
     for (int k = 0; k < _volume.getSize3(); ++k)
     {
-      subject.throwIfCancelled(saveSignature);
-      const std::string name = planeFile(_stem, k);
-      Image image;
-      _volume[k].convertToImage(image);
-      files.add(name);
-      ImageWriter::write(image, name, overwrite);
+      writePlane(k, folder);
       subject.progress(k + 1);
+      subject.throwIfCancelled(saveSignature);
+    }
+    for (const std::string& name : names)
+    {
+      files.add(name);
+      folder.moveTo(name);
     }
   }
 
   ImageSourceFile source(int k) const { return ImageSourceFile(planeFile(_stem, k)); }
 
 private:
+  void writePlane(int k, const FolderBeside& folder) const
+  {
+    const std::string name = planeFile(_stem, k);
+    Image image;
+    _volume[k].convertToImage(image);
+    try
+    {
+      ImageWriter::write(image, folder.file(name), false);
+    }
+    catch (FileWriteError& error)
+    {
+      error.setFilename(name);
+      throw;
+    }
+  }
+
   const VoxelMatrix<unsigned char>& _volume;
   std::string _stem;
+};
+
+/// A plane of a file that is to be written: its size is known, whatever lies in the file's place until then.
+class PlaneToBeWritten : public ImageSourceVoxelMatrixFilePlane
+{
+public:
+  PlaneToBeWritten(const std::string& fileName, int plane, int size1, int size2)
+    : ImageSourceVoxelMatrixFilePlane(fileName, plane), _size1(size1), _size2(size2)
+  {
+  }
+
+  int getSize1() const override { return _size1; }
+  int getSize2() const override { return _size2; }
+  std::unique_ptr<ImageSource> clone() const override { return std::make_unique<PlaneToBeWritten>(*this); }
+
+private:
+  int _size1, _size2;
 };
 
 /// One file of all voxels. Signed bytes and shorts are widened: files of 8 and 16 bits are read as unsigned.
@@ -195,17 +316,19 @@ public:
 
   std::vector<std::string> fileNames() const { return {_fileName}; }
 
-  void write(NewFiles& files, bool overwrite, ProgressSubject& subject) const
+  void write(NewFiles& files, ProgressSubject& subject) const
   {
-    subject.throwIfCancelled(saveSignature);
     files.add(_fileName);
     if constexpr (std::is_same_v<T, char> || std::is_same_v<T, short>)
-      _volume.template toType<int>().save(_fileName, overwrite);
+      _volume.template toType<int>().save(_fileName, true, subject);
     else
-      _volume.save(_fileName, overwrite);
+      _volume.save(_fileName, true, subject);
   }
 
-  ImageSourceVoxelMatrixFilePlane source(int k) const { return ImageSourceVoxelMatrixFilePlane(_fileName, k); }
+  PlaneToBeWritten source(int k) const
+  {
+    return PlaneToBeWritten(_fileName, k, _volume.getSize1(), _volume.getSize2());
+  }
 
 private:
   const VoxelMatrix<T>& _volume;
@@ -246,9 +369,8 @@ template <class T> std::vector<std::string> saveVolumeAsStack(const VoxelMatrix<
   const fs::path stackFile = fs::absolute(StackReader::withSuffix(stackFileName));
   const std::string stem = fs::path(stackFile).replace_extension().string();
   const PlaneFiles<T> planes(volume, stem);
-  NewFiles files(overwrite);
-  files.require(stackFile.string());
-  for (const std::string& name : planes.fileNames()) files.require(name);
+  requireReplaceable(stackFile.string(), overwrite);
+  for (const std::string& name : planes.fileNames()) requireReplaceable(name, overwrite);
 
   Stack stack;
   stack.setName(fs::path(stem).filename().string());
@@ -257,9 +379,10 @@ template <class T> std::vector<std::string> saveVolumeAsStack(const VoxelMatrix<
   for (int k = 0; k < volume.getSize3(); ++k)
     stack.addSlice(
         makeSlice(fs::path(planeFile(stem, k)).stem().string(), planes.source(k), stack.getDefaultPixelCalibration()));
-  const ProgressStep step(subject, "Writing " + stackFile.string(), volume.getSize3());
-  planes.write(files, overwrite, subject);
-  StackWriter writer;
+  const ProgressStep step(subject, "Writing " + stackFile.string(), static_cast<long>(planes.fileNames().size()));
+  NewFiles files;
+  StackWriter writer; // which refuses what it cannot write before a plane is written
+  writer.setBeforeReplace([&] { planes.write(files, subject); });
   writer.write(stack, stackFile.string());
   files.keep();
   return writer.getWarnings();

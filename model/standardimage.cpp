@@ -2,6 +2,7 @@
 
 #include "image/image.h"
 #include "image/pixelmatrix.h"
+#include "model/stack.h"
 #include "model/storabletext.h"
 #include "numeric/exception.h"
 
@@ -25,6 +26,17 @@ double meanGreyLevel(const PixelMatrix<float>& levels, const StandardSample& sam
   return sum / (static_cast<double>(sample.width) * sample.height);
 }
 } // namespace
+
+void StandardImage::setStack(const Stack* stack)
+{
+  _stack = stack;
+  resolveImageNames();
+}
+
+std::string StandardImage::imagesPath() const
+{
+  return _stack ? _stack->getImagesPath() : "";
+}
 
 void StandardImage::addSample(const StandardSample& sample)
 {

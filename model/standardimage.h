@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+class Stack;
+
 /// A part of a standard image whose value is known.
 struct StandardSample
 {
@@ -34,6 +36,12 @@ public:
   /// \throw RangeError  a sample does not lie in the image \throw FileError  the image cannot be read
   void calibrate(CalibrationFit fit);
 
+  /// Called by the stack that holds it; also when that got its first images path.
+  void setStack(const Stack* stack);
+
 private:
+  std::string imagesPath() const override;
+
+  const Stack* _stack = nullptr;
   std::vector<StandardSample> _samples;
 };

@@ -1,6 +1,7 @@
 #include "app/core/nyxstackhistories.h"
 
 #include <algorithm>
+#include <utility>
 
 const NYXStackHistories::Direction NYXStackHistories::undoing = {&NYXActionHistory::stepToUndo,
                                                                  [](long a, long b) { return a > b; }};
@@ -11,6 +12,16 @@ NYXStackHistories::NYXStackHistories()
 {
   connect(&_history, &NYXActionHistory::stepAdded, this, [this] { noteStep(_history); });
   connect(&_history, &NYXActionHistory::changed, this, &NYXStackHistories::changed);
+}
+
+NYXStackHistories::~NYXStackHistories()
+{
+  destroySliceHistories();
+}
+
+void NYXStackHistories::destroySliceHistories()
+{
+  const auto ending = std::exchange(_sliceHistories, {}); // no action that ends with them finds one half gone
 }
 
 NYXActionHistory& NYXStackHistories::sliceHistory(const StackSlice& slice)
@@ -29,7 +40,7 @@ NYXActionHistory& NYXStackHistories::sliceHistory(const StackSlice& slice)
 void NYXStackHistories::destroyHistory()
 {
   if (!areAtSaved()) _isSavedStateLost = true;
-  _sliceHistories.clear();
+  destroySliceHistories();
   _history.clear();
 }
 

@@ -27,6 +27,7 @@ class NYXStackHistories : public QObject
 
 public:
   NYXStackHistories();
+  ~NYXStackHistories() override;
 
   NYXActionHistory& history() { return _history; }
   /// Made on first use.
@@ -78,6 +79,7 @@ private:
   NYXActionHistory* find(const StackSlice* slice) const;
   const StackSlice* obstacle(const Step& stackStep, const Direction& direction) const;
   Choice choose(const StackSlice* shown, const Direction& direction);
+  void destroySliceHistories();
   void clearSliceRedoLists(const NYXActionHistory* except);
   void noteStep(const NYXActionHistory& history);
 

@@ -3,6 +3,7 @@
 #include "geometry/coordinates.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace
 {
@@ -18,11 +19,12 @@ template <class T> void interpolate(const T* a, const T* b, Real<T> fraction, in
 template <class T> class CurveWalk
 {
 public:
-  explicit CurveWalk(const Curve<T>& curve)
+  CurveWalk(const Curve<T>& curve, const std::vector<Real<T>>& edgeLengths)
     : _points(curve.data()),
       _size(curve.getSize()),
       _space(curve.getSpace()),
-      _numEdges(curve.getNumEdges()),
+      _edgeLengths(edgeLengths),
+      _numEdges(static_cast<int>(edgeLengths.size())),
       _edgeLength(edgeLength())
   {
   }
@@ -39,7 +41,7 @@ private:
   const T* point(int i) const { return _points + static_cast<std::ptrdiff_t>(i) * _space; }
   const T* begin() const { return point(_edge); }
   const T* end() const { return point(_edge + 1 < _size ? _edge + 1 : 0); }
-  Real<T> edgeLength() const { return distance(begin(), end(), _space); }
+  Real<T> edgeLength() const { return _edge < _numEdges ? _edgeLengths[_edge] : 0; }
 
   void stepToNextEdge()
   {
@@ -51,6 +53,7 @@ private:
   const T* _points;
   int _size;
   int _space;
+  const std::vector<Real<T>>& _edgeLengths;
   int _numEdges;
   int _edge = 0;
   Real<T> _passedLength = 0;
@@ -61,16 +64,22 @@ private:
 
 template <class T> void CurveResampling<T>::apply(const Curve<T>& curve, Curve<T>& out) const
 {
+  apply(curve, curve.edgeLengths(), out);
+}
+
+template <class T>
+void CurveResampling<T>::apply(const Curve<T>& curve, const std::vector<Real<T>>& edgeLengths, Curve<T>& out) const
+{
   if (curve.getSize() == 0)
     throw SizeError("void CurveResampling<T>::apply(const Curve<T>&, Curve<T>&) const", "The curve has no vertices");
   const int n = out.getSize();
   const int numSteps = curve.isClosed() ? n : n - 1;
-  const Real<T> length = curve.length();
+  const Real<T> length = std::accumulate(edgeLengths.begin(), edgeLengths.end(), Real<T>(0));
   Curve<T> result(curve.getSpace(), n);
   result.setOpen(curve.isOpen());
   result.setName(out.getName());
   T* const points = result.data();
-  CurveWalk<T> walk(curve);
+  CurveWalk<T> walk(curve, edgeLengths);
   for (int k = 0; k < n; ++k)
     walk.pointAt(k == 0 ? 0 : k * length / numSteps, points + static_cast<std::ptrdiff_t>(k) * curve.getSpace());
   out = result;

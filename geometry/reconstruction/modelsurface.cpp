@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 
 using Tag = CurveStackTriangulationContourTag;
@@ -22,13 +23,40 @@ std::string quoted(const std::string& text)
   return "\"" + text + "\"";
 }
 
-std::string warningAbout(const Model& model, const std::vector<const ModelItem*>& ignoredItems)
+/// A line about items of a model, with the slices on which they lie; empty without items.
+std::string warningAbout(const Model& model, const std::string& what, const std::vector<const ModelItem*>& items)
 {
-  if (ignoredItems.empty()) return "";
-  std::string text = "Model " + quoted(model.getName()) + ": contours without extent are left out, on slice";
-  for (std::size_t i = 0; i < ignoredItems.size(); ++i)
-    text += (i == 0 ? " " : ", ") + quoted(ignoredItems[i]->getSlice()->getName());
+  if (items.empty()) return "";
+  std::string text = "Model " + quoted(model.getName()) + ": " + what + ", on slice";
+  const StackSlice* previous = nullptr;
+  for (const ModelItem* const item : items)
+  {
+    if (item->getSlice() == previous) continue;
+    text += (previous ? ", " : " ") + quoted(item->getSlice()->getName());
+    previous = item->getSlice();
+  }
   return text;
+}
+
+/// Lines about contours that a surface may not be meant to have.
+template <class T> std::vector<std::string> warningsAbout(const Model& model, const CurveStack<T>& curves,
+                                                          const std::vector<const ModelItem*>& items)
+{
+  const std::vector<CurveStackFinding> findings = checkCurveStack(curves);
+  const std::pair<CurveStackFinding::Kind, const char*> kinds[] = {
+      {CurveStackFinding::CrossesItself, "contours cross themselves"},
+      {CurveStackFinding::Touches, "contours touch or cross each other"},
+      {CurveStackFinding::Nested, "contours lie inside others; what they enclose counts twice"},
+  };
+  std::vector<std::string> warnings;
+  for (const auto& [kind, what] : kinds)
+  {
+    std::vector<const ModelItem*> found;
+    for (const CurveStackFinding& finding : findings)
+      if (finding.kind == kind) found.push_back(items[static_cast<std::size_t>(finding.curve)]);
+    if (!found.empty()) warnings.push_back(warningAbout(model, what, found));
+  }
+  return warnings;
 }
 
 /// Width and height of the model's quad mesh.
@@ -68,6 +96,8 @@ template <class T> void ModelSurface<T>::apply(const Model& model)
   _numCurves = contours.curves.getNumCurves();
   _warnings.clear();
   if (!contours.warning.empty()) _warnings.push_back(contours.warning);
+  if (model.getGeometry() == MPrimitive::Polygon)
+    std::ranges::move(warningsAbout(model, contours.curves, contours.items), std::back_inserter(_warnings));
   _quadMesh = QuadMesh<T>();
   _mesh = TriMesh<T>();
   if (_isResampling && canBeResampled(contours.curves))
@@ -107,7 +137,7 @@ template <class T> typename ModelSurface<T>::Contours ModelSurface<T>::contoursO
     contours.curves.append((*all)[i]);
     contours.items.push_back(item);
   }
-  contours.warning = warningAbout(model, ignoredItems);
+  contours.warning = warningAbout(model, "contours without extent are left out", ignoredItems);
   return contours;
 }
 

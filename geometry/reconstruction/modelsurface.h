@@ -41,7 +41,7 @@ public:
   const QuadMesh<T>& getQuadMesh() const { return _quadMesh; }
   /// Number of curves that the last apply() joined: those with an extent.
   int getNumCurves() const { return _numCurves; }
-  /// A line about each thing that the last apply() left out.
+  /// A line about each thing that the last apply() left out, or that the surface may not be meant to have.
   const std::vector<std::string>& getWarnings() const { return _warnings; }
 
 private:

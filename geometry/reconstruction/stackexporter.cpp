@@ -111,7 +111,7 @@ void StackExporter::exportModels(const std::vector<const Model*>& models,
       requireAbsent(quadMesh, exportSignature);
   }
   for (std::size_t i = 0; i < models.size(); ++i)
-    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, basenames[i], format);
+    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, basenames[i], format, overwrite);
 }
 
 ModelSurface<float> StackExporter::surfaceOf(const StackReconstruction<float>& reconstruction) const
@@ -123,7 +123,7 @@ ModelSurface<float> StackExporter::surfaceOf(const StackReconstruction<float>& r
 }
 
 void StackExporter::exportModel(const Model& model, const StackReconstruction<float>& reconstruction,
-                                const std::string& basename, SurfaceFormat format)
+                                const std::string& basename, SurfaceFormat format, bool overwrite)
 {
   ModelSurface<float> surface = surfaceOf(reconstruction);
   surface.apply(model);
@@ -143,4 +143,15 @@ void StackExporter::exportModel(const Model& model, const StackReconstruction<fl
   write(surface.getTriMesh(), format, file.stream());
   file.commit();
   _filenames.push_back(basename + suffixOf(format));
+  if (surface.getQuadMesh().isEmpty()) dropQuadMesh(basename + quadMeshSuffix, overwrite);
+}
+
+void StackExporter::dropQuadMesh(const std::string& filename, bool overwrite)
+{
+  if (std::error_code ignored; !std::filesystem::exists(filename, ignored)) return;
+  if (!overwrite)
+    return _warnings.push_back(filename + ": left as it is, the quad mesh of another surface than the one beside it");
+  std::error_code error;
+  std::filesystem::remove(filename, error);
+  if (error) throw FileWriteError(exportSignature, filename + " : cannot be removed: " + error.message(), filename);
 }

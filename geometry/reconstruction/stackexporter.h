@@ -18,7 +18,8 @@ enum class SurfaceFormat
 ///
 /// Models of points have no surface and are passed over, as are models of fewer than two curves. Contours that do not
 /// branch are resampled onto the model's quad mesh, which is saved beside the surface in a ".qm" file; contours that do
-/// are joined as they were drawn.
+/// are joined as they were drawn. Where the new surface has no quad mesh but a ".qm" file of an earlier one lies beside
+/// it, that is removed if files may be overwritten; a warning tells of it if not.
 class StackExporter
 {
 public:
@@ -46,7 +47,9 @@ public:
 private:
   ModelSurface<float> surfaceOf(const StackReconstruction<float>& reconstruction) const;
   void exportModel(const Model& model, const StackReconstruction<float>& reconstruction, const std::string& basename,
-                   SurfaceFormat format);
+                   SurfaceFormat format, bool overwrite);
+  /// Removes the quad mesh of an earlier surface, or warns of it.
+  void dropQuadMesh(const std::string& filename, bool overwrite);
 
   SurfaceCaps _caps;
   bool _isResampling = true;

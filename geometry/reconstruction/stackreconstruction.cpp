@@ -67,8 +67,8 @@ template <class T, class Pixel> void mapVertices(const Vertices<Pixel>& pixels, 
 template <class T> void mapRegion(const RLEItemSet& region, const Vector<T>& map, T z, T* points)
 {
   for (const RLEItem& run : region.getItems())
-    for (int v = run.begin(); v <= run.end(); ++v, points += 3)
-      mapPixel<T>(map, z, static_cast<T>(run.getOriginX()), static_cast<T>(v), points);
+    for (int i = 0; i < run.getLength(); ++i, points += 3)
+      mapPixel<T>(map, z, static_cast<T>(run.getOriginX()), static_cast<T>(run.begin() + i), points);
 }
 
 /// Width and height of each slice's image; 0 without an image source.

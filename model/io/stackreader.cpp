@@ -213,6 +213,7 @@ void StackReader::read(Stack& stack, const std::string& fileName)
 void StackReader::readFile(Stack& stack, OpenFile& file)
 {
   _context = StackIOContext(file.getName());
+  _pixelSize = {};
   stack.clear();
   StackLexer lexer(
       [this, &file](char* buffer, std::size_t size)
@@ -247,6 +248,7 @@ void StackReader::readStatements(Stack& stack)
     progress(static_cast<long>(_lexer->getPosition()));
     nextReport = _lexer->getPosition() + reportInterval;
   }
+  closePixelSize();
   shareLengthUnit();
 }
 
@@ -284,7 +286,9 @@ void StackReader::fail(const StackLexer::Statement& statement, const Exception& 
 {
   if (const auto keyword = getKeyword(statement.keyword))
   {
-    if (const auto kind = openedKind(*keyword)) _context.failToOpen(*kind);
+    const auto kind = openedKind(*keyword);
+    if (kind == StackIOContext::Kind::Slice) closePixelSize();
+    if (kind) _context.failToOpen(*kind);
     if (isCalibration(*keyword)) keepStatement(statement, error);
   }
   if (const auto* fileError = dynamic_cast<const FileError*>(&error))

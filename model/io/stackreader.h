@@ -5,6 +5,7 @@
 #include "model/io/stacklexer.h"
 #include "numeric/exception.h"
 
+#include <optional>
 #include <string>
 
 class StackArguments;
@@ -12,7 +13,8 @@ class StackArguments;
 /// Reads stack files.
 ///
 /// A statement that fails changes nothing and leaves a line in the log; only a file that cannot be read is fatal. Of
-/// calibration curves and standard images, those that fail are kept with the object they stand behind.
+/// calibration curves and standard images, those that fail are kept with the object they stand behind. Whether a pixel
+/// height goes with the other numbers is known, and logged, when the next slice is opened or the file ends.
 /// Images are not opened, so that missing ones do not matter here.
 class StackReader : public StackIO
 {
@@ -118,10 +120,24 @@ private:
   void addSlice(const std::string& name, const ImageSource& source);
   ModelProperties& modelProperties() { return _context.getModel()->getProperties(); }
   ModelItemProperties& itemProperties() { return *_context.getItemProperties(); }
-  /// Changes the calibration of the current slice or, without one, the stack's default.
-  template <class Change> void changeCalibration(Change change);
+  /// Gives what was stated of the pixel size to the slice or, before slices, to the stack's default. A height that does
+  /// not go with the other numbers is dropped and leaves a line in the log.
+  void closePixelSize();
+
+  /// What the statements since the slice or, before slices, the stack was opened say: each number on its own, so that
+  /// their order does not matter.
+  struct StatedPixelSize
+  {
+    std::optional<float> width;
+    std::optional<float> height;
+    std::optional<float> aspectRatio;
+
+    /// The calibration with these numbers, as PixelCalibration::compute() derives the others.
+    PixelCalibration applied(PixelCalibration calibration) const;
+  };
 
   Stack* _target = nullptr; // becomes the current stack with the "STACK" statement
   StackIOContext _context;
+  StatedPixelSize _pixelSize;
   StackLexer* _lexer = nullptr; // while read() runs
 };

@@ -13,6 +13,7 @@
 #include <cctype>
 #include <cmath>
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -35,6 +36,12 @@ template <class Enum> Enum known(Enum value)
 {
   if (value == Enum::Unknown) throw StackReader::ArgValueError();
   return value;
+}
+
+float storableFactor(float factor)
+{
+  if (!isStorableFactor(factor)) throw StackReader::ArgValueError();
+  return factor;
 }
 
 /// A mosaic of the given grid; callers loop over it, so that nobody's grid must be believed.
@@ -61,6 +68,7 @@ void StackReader::inputFileFormatVersion(const StackArguments& arguments)
 void StackReader::inputStack(const StackArguments& arguments)
 {
   _target->setName(arguments.name(0));
+  if (!_context.getSlice()) closePixelSize();
   PixelCalibration calibration = _target->getDefaultPixelCalibration();
   calibration.clearFlags(); // what is stated from now on counts
   _target->setDefaultPixelCalibration(calibration);
@@ -110,42 +118,54 @@ void StackReader::inputLengthUnitScale(const StackArguments& arguments)
   _context.getStack()->setLengthUnit(LengthUnit(scale));
 }
 
-template <class Change> void StackReader::changeCalibration(Change change)
-{
-  StackSlice* const slice = _context.getSlice();
-  Stack* const stack = _context.getStack();
-  PixelCalibration calibration = slice ? slice->getPixelCalibration() : stack->getDefaultPixelCalibration();
-  change(calibration);
-  calibration.compute();
-  if (!isStorableCalibration(calibration)) throw ArgValueError();
-  if (slice)
-    slice->setPixelCalibration(calibration);
-  else
-    stack->setDefaultPixelCalibration(calibration);
-}
-
 void StackReader::inputPixelAspect(const StackArguments& arguments)
 {
-  changeCalibration([aspect = arguments.positiveReal(0)](PixelCalibration& calibration)
-                    { calibration.setAspectRatio(aspect); });
+  _pixelSize.aspectRatio = storableFactor(arguments.real(0));
 }
 
 void StackReader::inputPixelHeight(const StackArguments& arguments)
 {
-  changeCalibration([height = arguments.positiveReal(0)](PixelCalibration& calibration)
-                    { calibration.setPixelHeight(height); });
+  _pixelSize.height = arguments.positiveReal(0);
 }
 
 void StackReader::inputPixelWidth(const StackArguments& arguments)
 {
-  changeCalibration([width = arguments.positiveReal(0)](PixelCalibration& calibration)
-                    { calibration.setPixelWidth(width); });
+  _pixelSize.width = storableFactor(arguments.real(0));
+}
+
+PixelCalibration StackReader::StatedPixelSize::applied(PixelCalibration calibration) const
+{
+  calibration.clearFlags();
+  if (width) calibration.setPixelWidth(*width);
+  if (height) calibration.setPixelHeight(*height);
+  if (aspectRatio) calibration.setAspectRatio(*aspectRatio);
+  calibration.compute();
+  return calibration;
+}
+
+void StackReader::closePixelSize()
+{
+  StatedPixelSize stated = std::exchange(_pixelSize, {});
+  if (!stated.width && !stated.height && !stated.aspectRatio) return;
+  StackSlice* const slice = _context.getSlice();
+  Stack* const stack = _context.getStack();
+  const PixelCalibration old = slice ? slice->getPixelCalibration() : stack->getDefaultPixelCalibration();
+  if (!isStorableCalibration(stated.applied(old)))
+  {
+    stated.height.reset(); // width and aspect ratio were checked where they stood
+    addToLog(failureLine(std::string(getString(StackKeyword::PixelHeight)), ArgValueError()));
+  }
+  if (slice)
+    slice->setPixelCalibration(stated.applied(old));
+  else
+    stack->setDefaultPixelCalibration(stated.applied(old));
 }
 
 // Slices.
 
 void StackReader::addSlice(const std::string& name, const ImageSource& source)
 {
+  closePixelSize();
   if (_context.findSlice(name)) logDuplicate("slice", name);
   auto slice = std::make_unique<StackSlice>();
   slice->setName(name);

@@ -232,11 +232,12 @@ void StackWriter::writeImageSize(const ImageSource& source)
 std::string StackWriter::enterDirectory(const Stack& stack, const std::string& imageFileName)
 {
   if (imageFileName.empty()) return "";
-  const fs::path file = plainPath(fs::path(stack.getImagesPath()) / imageFileName);
+  const fs::path file = plainPath(imageFileName);
+  if (!file.has_filename()) return file.string(); // the root
   const fs::path parent = file.parent_path();
   const std::string directory = (stack.getAbsoluteImagesPathPolicy() ? parent : relativeDirectory(parent)).string();
-  requireStorableName(file.string(), writeSignature);
-  if (!file.has_filename()) return file.string(); // the root
+  requireStorableName(directory, writeSignature); // what is written of the path
+  requireStorableName(file.filename().string(), writeSignature);
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <unordered_set>
 
 namespace
@@ -96,10 +98,14 @@ private:
 
 void requireStorable(const std::string& owner, const PixelCalibration& calibration)
 {
+  constexpr const char* where = "void requireStorable(const std::string&, const PixelCalibration&)";
   if (isStorableCalibration(calibration)) return;
-  throw ValueError("void requireStorable(const std::string&, const PixelCalibration&)",
-                   owner + ": the pixel width " + shortest(calibration.getPixelWidth()) + " or the aspect ratio " +
-                       shortest(calibration.getAspectRatio()) + " is not from 1e-15 to 1e15");
+  const float width = calibration.getPixelWidth(), aspect = calibration.getAspectRatio();
+  if (isStorableFactor(width) && isStorableFactor(aspect))
+    throw ValueError(where,
+                     owner + ": the pixel height " + shortest(calibration.getPixelHeight()) + " is not positive");
+  throw ValueError(where, owner + ": the pixel width " + shortest(width) + " or the aspect ratio " + shortest(aspect) +
+                              " is not from 1e-15 to 1e15");
 }
 
 void checkSlice(const Stack& stack, const StackSlice& slice, std::vector<std::string>& warnings)
@@ -141,11 +147,28 @@ private:
   std::unordered_set<std::string> _names;
 };
 
+/// \throw ValueError  a region is larger than the reader takes
+void requireReadable(const ModelItem& item)
+{
+  const std::int64_t numPositions = item.isRegion() ? item.getRLEItemSet().numVertices() : 0;
+  if (numPositions <= std::numeric_limits<int>::max()) return;
+  throw ValueError("void requireReadable(const ModelItem&)", "Model \"" + item.getModel()->getName() + "\", slice \"" +
+                                                                 item.getSlice()->getName() + "\": the region has " +
+                                                                 std::to_string(numPositions) +
+                                                                 " positions, more than a stack file can hold");
+}
+
 void checkItems(const Stack& stack, const Model& model, std::vector<std::string>& warnings)
 {
   int numHomeless = 0;
   for (const ModelItem* item : model.getItems())
-    if (!item->getSlice() || item->getSlice()->getStack() != &stack) ++numHomeless;
+  {
+    const bool isHomeless = !item->getSlice() || item->getSlice()->getStack() != &stack;
+    if (isHomeless)
+      ++numHomeless;
+    else
+      requireReadable(*item);
+  }
   if (numHomeless > 0)
     warnings.push_back("Model \"" + model.getName() + "\": " + std::to_string(numHomeless) +
                        " items lie on no slice of the stack and are not written.");

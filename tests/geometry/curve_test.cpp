@@ -53,11 +53,22 @@ TEST(CurveOrientation, OfPixelsNeitherOverflowsNorRounds)
 
 TEST(CurveEdges, JoinTheLastVertexOnlyWhenClosed)
 {
+  using Pairs = std::vector<std::pair<int, int>>;
+  const auto edgesOf = [](const Shape<double>& shape)
+  {
+    Pairs edges;
+    for (auto edge = shape.edgeIterator(); !edge.isAtEnd(); edge.next())
+      edges.emplace_back((*edge).getBegin(), (*edge).getEnd());
+    return edges;
+  };
   Curve<double> triangle = closedCurve({{0, 0}, {1, 0}, {1, 1}});
-  std::vector<std::pair<int, int>> edges;
-  for (auto edge = triangle.edgeIterator(); !edge.isAtEnd(); edge.next())
-    edges.emplace_back((*edge).getBegin(), (*edge).getEnd());
-  EXPECT_EQ(edges, (std::vector<std::pair<int, int>>{{0, 1}, {1, 2}, {2, 0}}));
+  CurveStack<double> stack(2, true);
+  for (const Curve<double>& curve : {triangle, openCurve({}), openCurve({{7, 7}}), triangle}) stack.append(curve);
+  EXPECT_EQ(edgesOf(triangle), (Pairs{{0, 1}, {1, 2}, {2, 0}}));
+  EXPECT_EQ(edgesOf(stack), (Pairs{{0, 1}, {1, 2}, {0, 1}, {1, 2}}));
+  EXPECT_EQ(edgesOf(Vertices<double>(triangle)), Pairs());
+  for (auto edge = stack.edgeIterator(); !edge.isAtEnd(); edge.next()) (*edge).getEndVertex()[0] += 10;
+  EXPECT_EQ(pointsOf(stack[3]), (std::vector<std::vector<double>>{{0, 0}, {11, 0}, {11, 1}}));
   EXPECT_TRUE(triangle.getEdge(0).isNext(triangle.getEdge(2)));
   EXPECT_TRUE(triangle.getEdge(0).isPrevious(triangle.getEdge(1)));
   triangle.setOpen(true);
@@ -117,19 +128,4 @@ TEST(CurveStack, BranchesWhenALevelHoldsSeveralCurves)
     for (const double height : c.heights) stack.append(ellipse(1., 1., height, 3));
     EXPECT_EQ(stack.isBranching(), c.isBranching);
   }
-}
-
-TEST(CurveStack, CopiesDoNotShareChanges)
-{
-  CurveStack<double> stack;
-  stack.append(ellipse(1., 1., 0., 3));
-  stack.prepend(ellipse(1., 1., -1., 4));
-  const CurveStack<double> copy = stack;
-  stack.translate(Vector<double>{0, 0, 10});
-  stack.setOpen(true);
-  EXPECT_EQ(copy.getHeight(0), -1);
-  EXPECT_EQ(stack.getHeight(1), 10);
-  EXPECT_TRUE(stack[0].isOpen());
-  EXPECT_TRUE(copy[0].isClosed());
-  EXPECT_EQ(copy.getSize(), 7);
 }

@@ -152,6 +152,7 @@ TEST(CurveContains, InAPlaneOfThreeDimensions)
   EXPECT_FALSE(curve.contains(Curve<double>(3)));
   expectError<RangeError>("plane", [&] { curve.contains(Vector<double>{1, 1, 1}, 0, 3); });
   expectError<RangeError>("plane", [&] { curve.selfIntersects(1, 1); });
+  expectError<RangeError>("plane", [&] { closedCurve({{0}, {1}, {2}, {3}}).isClockwise(0, 1); });
   expectError<RangeError>("plane", [&] { curve.intersects(closedCurve({{0, 0}}), 1, 2); });
 }
 

@@ -243,27 +243,15 @@ TEST(IterativeClosestPoint, FindsAMotionInThePlaneAndInSpace)
 {
   for (const int space : {2, 3})
   {
-    Curve<double> target(space);
+    Curve<double> target(space, 60);
     std::mt19937 engine(5);
     std::uniform_real_distribution<double> coordinates(-10, 10);
-    for (int i = 0; i < 60; ++i)
-    {
-      Vector<double> vertex(space);
-      for (double& coordinate : vertex) coordinate = coordinates(engine);
-      target.Vertices<double>::append(vertex);
-    }
-    RigidTransform<double> motion;
-    motion.rotation.setSize(space);
-    motion.rotation.setIdentity();
-    const double angle = 0.03;
-    motion.rotation(0, 0) = motion.rotation(1, 1) = std::cos(angle);
-    motion.rotation(0, 1) = -std::sin(angle);
-    motion.rotation(1, 0) = std::sin(angle);
-    motion.translation.setZeros(space);
-    motion.translation[0] = 0.2;
-    motion.translation[space - 1] = -0.1;
+    for (int i = 0; i < 60 * space; ++i) target.data()[i] = coordinates(engine);
+    const double c = std::cos(0.03), s = std::sin(0.03);
     Curve<double> shape = target;
-    shape.transform(motion);
+    shape.multiply(space == 2 ? SquareMatrix<double>{{c, -s}, {s, c}}
+                              : SquareMatrix<double>{{1, 0, 0}, {0, c, -s}, {0, s, c}});
+    shape.translate(Vector<double>(space, target.data()) * 0.01);
 
     IterativeClosestPoint<double> registration;
     registration.apply(shape, target);

@@ -1,4 +1,3 @@
-#include "geometry/curvestacktriangulation2.h"
 #include "geometry/quadmesh.h"
 #include "tests/support/curves.h"
 #include "tests/support/errors.h"
@@ -79,42 +78,6 @@ TEST(CurveStackResampling, StartAndSenseOfTheContoursDoNotMatter)
         EXPECT_LT(std::hypot(mesh[6][j][0] - mesh[0][j][0], mesh[6][j][1] - mesh[0][j][1]), 0.75 * 6 * 2 * pi / n);
       EXPECT_NEAR(signedVolume(surface), 3 * pi * 24, std::pow(2 * pi / n, 2) / 2 * 3 * pi * 24);
     }
-  }
-}
-
-TEST(CurveStackResampling, FineMeshesHaveTheVolumeOfTheTriangulatedContours)
-{
-  std::mt19937 engine(2);
-  std::uniform_real_distribution<double> amplitude(-0.25, 0.25), phase(0, 2 * pi);
-  for (int stackNumber = 0; stackNumber < 30; ++stackNumber)
-  {
-    CurveStack<double> stack; // star-shaped contours, dented and drawn from anywhere on
-    const double a = amplitude(engine), b = amplitude(engine), start = phase(engine);
-    const int numCurves = 2 + stackNumber % 6;
-    for (int k = 0; k < numCurves; ++k)
-    {
-      Curve<double> curve(3, 200);
-      for (int i = 0; i < 200; ++i)
-      {
-        const double angle = -2 * pi * i / 200;
-        const double radius = (10 + k) * (1 + a * std::cos(3 * angle + start) + b * std::sin(5 * angle + 0.1 * k));
-        const double vertex[] = {radius * std::cos(angle) + 0.3 * k, radius * std::sin(angle), 2. * k * k};
-        std::copy_n(vertex, 3, curve.data(i));
-      }
-      curve.setOrigin(static_cast<int>(engine() % 200));
-      stack.append(curve);
-    }
-    CurveStackTriangulation2<double> triangulation;
-    triangulation.setTriangulateFirstCaps(true);
-    triangulation.setTriangulateLastCaps(true);
-    triangulation.apply(stack);
-    QuadMesh<double> mesh = resampled(stack, 200, 3 * (numCurves - 1) + 1);
-    mesh.buildCaps();
-    const TriMesh<double> surface = mesh.toTriMesh(true);
-    EXPECT_TRUE(isClosedManifold(surface));
-    EXPECT_EQ(eulerCharacteristic(surface), 2);
-    const double volume = signedVolume(triangulation.getTriMesh());
-    EXPECT_NEAR(signedVolume(surface), volume, 0.005 * volume);
   }
 }
 

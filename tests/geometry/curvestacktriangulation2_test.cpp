@@ -317,6 +317,21 @@ TEST(CurveStackTriangulation, JoinsOpenCurvesWithoutAClosingEdge)
   }
 }
 
+TEST(CurveStackTriangulation, BranchingOpenCurvesFaceOneWayHoweverTheyWereDrawn)
+{
+  // Two sheets, drawn in opposite directions for two levels, become one, and fork again.
+  const auto left = [](double z) { return openCurve({{0, 0, z}, {1, 0, z}, {2, 0, z}}); };
+  const auto right = [](double z) { return openCurve({{5, 0, z}, {4, 0, z}, {3, 0, z}}); };
+  const auto whole = [](double z) { return openCurve({{5, 0, z}, {2.5, 0, z}, {0, 0, z}}); };
+  CurveStackTriangulation2<double> triangulation;
+  triangulation.apply(
+      stackOf({left(0), right(0), left(1), right(1), whole(2), whole(3), left(4), right(4), left(5), right(5)}, true));
+  const TriMesh<double>& mesh = triangulation.getTriMesh();
+  EXPECT_NEAR(mesh.area(), 4 + 5 + 5 + 5 + 4, 1e-9); // a fork is as wide as what it forks from
+  const EdgeCounts counts = countEdges(mesh);
+  EXPECT_EQ(counts.numInconsistent + counts.numNonManifold, 0);
+}
+
 namespace
 {
 

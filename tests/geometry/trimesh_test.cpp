@@ -3,6 +3,7 @@
 #include "tests/support/manifold.h"
 
 #include <gtest/gtest.h>
+#include <iostream>
 #include <limits>
 #include <sstream>
 
@@ -80,6 +81,9 @@ TEST(TriMeshMeasures, RefuseTrianglesWithoutVertices)
   mesh.setSize(2);
   expectError<SizeError>("does not exist", [&] { mesh.area(); });
   expectError<SizeError>("does not exist", [&] { mesh.volume(); });
+  expectError<SizeError>("does not exist", [&] { mesh.write(std::cerr); });
+  expectError<RangeError>("no vertex 2", [&] { mesh.triangle(0); });
+  EXPECT_EQ(valuesOf(mesh.neighbours(0)), (std::vector<int>{1}));
 }
 
 TEST(TriMeshTopology, FollowsEditing)
@@ -178,54 +182,6 @@ TEST(TriMeshBlocks, AreTakenOver)
     expectError<RangeError>("does not exist", [&] { TriMesh<float>(3, BufferVector<float>(points), {0, 1, wrong}); });
   expectError<SizeError>("three vertices", [&] { TriMesh<float>(3, BufferVector<float>(points), {0, 1}); });
   expectError<SizeError>("number of coordinates", [&] { TriMesh<float>(2, BufferVector<float>(points), {}); });
-}
-
-TEST(TriMeshText, IsReadBackAsItWasWritten)
-{
-  TriMesh<float> mesh = rightTriangle<float>();
-  mesh[1][0] = 0.1f;
-  mesh.addTriangle(2, 1, 0);
-  mesh.removeTriangle(0);
-  std::stringstream text;
-  mesh.write(text);
-  EXPECT_EQ(text.str(), "# 8\n# 3\n# 3\n0 0 0\n0.1 0 0\n0 4 0\n# 1\n2 1 0\n# 0\n");
-
-  mesh.computeNormals();
-  std::stringstream withNormals;
-  mesh.write(withNormals);
-  TriMesh<float> copy(2);
-  copy.read(withNormals);
-  EXPECT_EQ(pointsOf(copy), pointsOf(mesh));
-  EXPECT_EQ(pointsOf(copy.getNormals()), (std::vector<std::vector<float>>(3, {0, 0, -1})));
-  EXPECT_EQ(valuesOf(copy.getTriangleIndexes(0)), (std::vector<int>{2, 1, 0}));
-
-  mesh.removeTriangle(1);
-  std::stringstream empty;
-  mesh.write(empty);
-  EXPECT_NE(empty.str().find("0 4 0\n# 0\n# 1\n"), std::string::npos);
-}
-
-TEST(TriMeshText, RefusesWhatIsNoMesh)
-{
-  const struct
-  {
-    const char* text;
-    const char* message;
-  } cases[] = {
-      {"# 8\n# 3\n# 1\n0 0 0\n# 1\n0 0 1\n# 0\n", "Line 6: there is no vertex 1"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 2000000000\n0 0 0\n", "Line 7: the text ends too early"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n", "Line 6: the text ends too early"},
-      {"# 8\n# 3\n# 1\n0 0 0\n# 0\n# 1\n0 0\n", "Line 7: expected 3 numbers"},
-      {"# 0\n# 3\n# 0\n", "Line 1: the shape type"},
-  };
-  for (const auto& c : cases)
-  {
-    SCOPED_TRACE(c.text);
-    std::istringstream stream(c.text);
-    TriMesh<double> mesh = rightTriangle();
-    expectError<FileFormatError>(c.message, [&] { mesh.read(stream); });
-    EXPECT_EQ(mesh.getNumTriangles(), 1);
-  }
 }
 
 TEST(TriMeshFiles, AreNeverOverwrittenUnasked)

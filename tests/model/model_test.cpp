@@ -3,9 +3,12 @@
 #include "model/stack.h"
 #include "model/wmconverter.h"
 #include "tests/support/errors.h"
+#include "tests/support/stacks.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 
 namespace
 {
@@ -251,6 +254,49 @@ TEST_F(Drawing, ContainmentNeedsOneSliceAndAnAreaAroundAVertex)
   EXPECT_TRUE(stack.getModel(0)->partiallyContains(*stack.getModel(1)));
 }
 
+TEST_F(Drawing, ContainmentOfRunsIsThatOfTheirPositions)
+{
+  std::mt19937 random(9);
+  const auto coordinate = [&random] { return static_cast<int>(random() % 12); };
+  int numContained = 0;
+  for (int round = 0; round < 2000; ++round)
+  {
+    std::vector<std::pair<int, int>> corners(3 + random() % 5);
+    for (auto& [x, y] : corners) x = coordinate(), y = coordinate();
+    ModelItem& polygon = draw(MPrimitive::Polygon, 0, corners);
+    ModelItem& area = draw(MPrimitive::Region, 0, {});
+    area.setRLEItemSet(RLEItemSet({RLEItem(coordinate(), coordinate(), 4), RLEItem(coordinate(), coordinate(), 4)}));
+    const RLEItem run(coordinate() - 1, coordinate() - 1, 1 + coordinate());
+    ModelItem& region = draw(MPrimitive::Region, 0, {});
+    region.setRLEItemSet(RLEItemSet({run}));
+    std::vector<std::pair<int, int>> positions;
+    for (int y = run.begin(); y <= run.end(); ++y) positions.emplace_back(run.getOriginX(), y);
+    const ModelItem& points = draw(MPrimitive::Polypoint, 0, positions);
+    ASSERT_EQ(polygon.partiallyContains(region), polygon.partiallyContains(points)) << "round " << round;
+    ASSERT_EQ(area.partiallyContains(region), area.partiallyContains(points)) << "round " << round;
+    numContained += polygon.partiallyContains(region);
+  }
+  EXPECT_GT(numContained, 200);
+  EXPECT_LT(numContained, 1800);
+}
+
+TEST_F(Drawing, ContainmentTakesNoLongerForLongRuns)
+{
+  constexpr int far = 2000000000;
+  const ModelItem& wide = draw(MPrimitive::Polygon, 0, {{-far, -far}, {far, -far}, {far, far}});
+  ModelItem& region = draw(MPrimitive::Region, 0, {});
+  std::vector<RLEItem> runs;
+  for (int x = 0; x < 1000; ++x) runs.emplace_back(-1000 + x, -far / 2, far); // ends before the slanting side
+  runs.emplace_back(5, 6, far);
+  region.setRLEItemSet(RLEItemSet(runs));
+  EXPECT_TRUE(wide.partiallyContains(region));
+  region.setRLEItemSet(RLEItemSet({RLEItem(5, 6, far)})); // right of it, the run is outside
+  EXPECT_FALSE(wide.partiallyContains(region));
+  ModelItem& other = draw(MPrimitive::Region, 0, {});
+  other.setRLEItemSet(RLEItemSet({RLEItem(4, 6, far), RLEItem(5, -far, far), RLEItem(6, 6, far)}));
+  EXPECT_FALSE(other.partiallyContains(region));
+}
+
 TEST_F(Drawing, BuddiesHaveTheSameModelAndProperties)
 {
   ModelItem& item = draw(MPrimitive::Polypoint, 0, {});
@@ -318,4 +364,63 @@ TEST_F(Drawing, ChangesItsUnitWithAllLengths)
   EXPECT_FLOAT_EQ(stack.getDefaultPixelCalibration().getPixelWidth(), 64.5f);
   EXPECT_EQ(stack.getLengthUnit().name(), "nanometer");
   EXPECT_EQ(stack.absolutePositions(), (std::vector<float>{1500, 3500}));
+}
+
+TEST(ModelItemOwner, ItemsComeBackBetweenTheSameNeighbours)
+{
+  Stack stack;
+  Model& model = addModel(stack, "cells", MPrimitive::Polygon);
+  StackSlice& slice = addSlice(stack, 10, 10);
+  for (int i = 0; i < 20; ++i) ModelItem::create(model, slice);
+  const std::vector<ModelItem*> all = model.getItems();
+  std::mt19937 random(1);
+  for (int round = 0; round < 20; ++round)
+  {
+    std::vector<ModelItemOwner::Place> singles;
+    for (int i = 0; i < 5; ++i)
+    {
+      ModelItem* const item = model.getItem(static_cast<int>(random() % model.getItems().size()));
+      singles.push_back({model.takeItem(item), item});
+    }
+    const auto places = model.takeItemsIf([&](const ModelItem&) { return random() % 3 == 0; });
+    EXPECT_EQ(model.getItems().size() + places.size() + singles.size(), all.size());
+    std::shuffle(singles.begin(), singles.end(), random);
+    for (std::size_t i = 0; i < 2; ++i) model.restoreItem(singles[i].item, singles[i].number);
+    model.restoreItems(places);
+    for (std::size_t i = 2; i < 5; ++i) model.restoreItem(singles[i].item, singles[i].number);
+    EXPECT_EQ(model.getItems(), all);
+  }
+  EXPECT_EQ(slice.getItems(), all);
+  ModelItem stranger;
+  EXPECT_EQ(model.takeItem(&stranger), 0);
+}
+
+TEST(Stack, SlicesAndModelsMoveToOtherPlaces)
+{
+  const struct
+  {
+    int from, to;
+    const char* order;
+  } cases[] = {{0, 0, "abcd"}, {0, 3, "bcda"}, {3, 0, "dabc"}, {1, 2, "acbd"}, {2, 1, "acbd"}};
+  for (const auto& c : cases)
+  {
+    Stack stack;
+    for (const char* name : {"a", "b", "c", "d"})
+    {
+      addModel(stack, name, MPrimitive::Polygon);
+      addSlice(stack, 10, 10).setName(name);
+    }
+    stack.moveModel(c.from, c.to);
+    stack.moveSlice(c.from, c.to);
+    std::string models, slices;
+    for (int i = 0; i < 4; ++i)
+    {
+      models += stack.getModel(i)->getName();
+      slices += stack.getSlice(i)->getName();
+      EXPECT_EQ(stack.findModel(stack.getModel(i)), i);
+      EXPECT_EQ(stack.findSlice(stack.getSlice(i)->getName()), i);
+    }
+    EXPECT_EQ(models, c.order);
+    EXPECT_EQ(slices, c.order);
+  }
 }

@@ -2,6 +2,7 @@
 #include "image/imagesourcefilemosaic.h"
 #include "tests/support/stackfiles.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -310,6 +311,54 @@ TEST(StackFileCalibration, CountsWhatIsStatedInAnyOrder)
     EXPECT_EQ(calibration.getLengthUnit().getScale(), -3);
     EXPECT_EQ(read.stack.getSlice(1)->getPixelCalibration(), read.stack.getDefaultPixelCalibration());
   }
+}
+
+TEST(StackFileCalibration, IsJudgedAsAWholeWhateverItsOrder)
+{
+  const struct
+  {
+    std::vector<std::string> statements;
+    float width, height;
+    const char* dropped; // the keyword of what does not go with the others
+  } cases[] = {
+      {{"PIXHEIGHT 1e20;", "PIXWIDTH 1e10;"}, 1e10f, 1e20f, nullptr},
+      {{"PIXASPECT 1e-10;", "PIXHEIGHT 1e-20;"}, 1e-10f, 1e-20f, nullptr},
+      {{"PIXASPECT 1e-10;", "PIXHEIGHT 1e30;", "PIXWIDTH 1e5;"}, 1e5f, 1e-5f, nullptr}, // the height is computed
+      {{"PIXHEIGHT 1e30;"}, 2, 1, "PIXHEIGHT"},
+      {{"PIXHEIGHT 1e30;", "PIXWIDTH 4;"}, 4, 2, "PIXHEIGHT"},
+      {{"PIXASPECT 1e-15;", "PIXHEIGHT 1e15;"}, 2, 2e-15f, "PIXHEIGHT"},
+      {{"PIXHEIGHT 8;", "PIXWIDTH 1e16;"}, 2, 8, "PIXWIDTH"},
+  };
+  for (const auto& c : cases)
+  {
+    std::vector<std::string> order = c.statements;
+    do
+    {
+      for (const char* between : {"", "ROTATE 3;", "POSE \"p\";"})
+      {
+        for (const bool ofStack : {false, true})
+        {
+          std::string text = "STACK \"s\"; PIXASPECT 0.5; PIXWIDTH 2;";
+          if (ofStack) text += "STACK \"t\";"; // what was stated before is the default now
+          if (!ofStack) text += "SLICE \"a\" \"\";";
+          for (const std::string& statement : order) text += statement + (ofStack ? "" : between);
+          ReadStack read(text + "SLICE \"b\" \"\";");
+          SCOPED_TRACE(text);
+          if (c.dropped)
+            EXPECT_THAT(read.log(), ElementsAre("Error on " + std::string(c.dropped) + ": invalid argument."));
+          else
+            EXPECT_THAT(read.log(), IsEmpty());
+          const PixelCalibration& calibration = read.stack.getSlice(0)->getPixelCalibration();
+          EXPECT_FLOAT_EQ(calibration.getPixelWidth(), c.width);
+          EXPECT_FLOAT_EQ(calibration.getPixelHeight(), c.height);
+          EXPECT_EQ(read.stack.getLastSlice()->getPixelCalibration(), read.stack.getDefaultPixelCalibration());
+        }
+      }
+    } while (std::next_permutation(order.begin(), order.end()));
+  }
+  ReadStack failing("STACK \"s\"; SLICE \"a\" \"\"; PIXHEIGHT 8; SLICE; PIXHEIGHT 3; StackSlice \"b");
+  EXPECT_EQ(failing.stack.getSlice(0)->getPixelCalibration().getPixelHeight(), 8);
+  EXPECT_EQ(failing.stack.getDefaultPixelCalibration().getPixelHeight(), 1);
 }
 
 TEST(StackFileCalibration, OfAnySizeIsReadAgainInTheOrderItIsWritten)

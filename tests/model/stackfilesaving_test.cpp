@@ -144,6 +144,24 @@ TEST(StackSaving, LeavesTheOldFileWhenItFails)
   reversed.setPixelWidth(-3);
   addSlice(stack, "s", "a.tif").setPixelCalibration(reversed); // which could not be read
   expectError<FileWriteError>("Slice \"s\": the pixel width -3", [&] { StackWriter().write(stack, old); });
+  for (const float height : {-4.0f, 0.0f, std::numeric_limits<float>::quiet_NaN()})
+  {
+    reversed.setPixelWidth(2);
+    reversed.setPixelHeight(height);
+    stack.getSlice(0)->setPixelCalibration(reversed);
+    expectError<FileWriteError>("Slice \"s\": the pixel height", [&] { StackWriter().write(stack, old); });
+  }
+  stack.getSlice(0)->setPixelCalibration(PixelCalibration());
+  Model& regions = stack.addModel(std::make_unique<Model>("r"));
+  regions.getProperties().setGeometry(MPrimitive::Region);
+  ModelItem& region = ModelItem::create(regions, *stack.getSlice(0));
+  constexpr int greatest = std::numeric_limits<int>::max();
+  region.setRLEItemSet(RLEItemSet({RLEItem(0, 0, greatest)}));
+  EXPECT_EQ(region.getSize(), greatest); // the reader takes no more
+  region.addRLEItemSet(RLEItemSet({RLEItem(1, 0, 1)}));
+  expectError<SizeError>("more positions", [&] { region.getSize(); });
+  expectError<FileWriteError>("Model \"r\", slice \"s\": the region has 2147483648 positions",
+                              [&] { StackWriter().write(stack, old); });
   StackWriter cancelled;
   stack.clear();
   for (int i = 0; i < 1000; ++i) addSlice(stack, "s", "a.tif");

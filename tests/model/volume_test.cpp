@@ -1,14 +1,20 @@
 // Stacks as volumes and volumes as stacks, over real files.
 
 #include "image/imagereader.h"
+#include "image/imagesourcetiffstackplane.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
+#include "image/imagesourcevoxelmatrixplane.h"
 #include "model/io/stackreader.h"
 #include "model/stackvolume.h"
 #include "tests/support/errors.h"
 #include "tests/support/stacks.h"
 #include "tests/support/temporaryfolder.h"
 
+#include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <limits>
+#include <map>
 
 namespace
 {
@@ -113,6 +119,139 @@ TEST(Volume, LeavesNothingBehindWhenItCannotBeSaved)
   expectError<SizeError>("empty", [&] { saveVolumeAsStack(VoxelMatrix<int>(), folder.file("c"), 1, false, nobody); });
   EXPECT_EQ(folder.getNumFiles(), 1);
   EXPECT_EQ(contentOf(folder.file("a-0002.tif")), "precious");
+}
+
+template <class T> class OverwritingVolume : public testing::Test
+{
+};
+using OverwritingTypes = testing::Types<unsigned char, float, short>;
+TYPED_TEST_SUITE(OverwritingVolume, OverwritingTypes);
+
+TYPED_TEST(OverwritingVolume, ReplacesAllFilesOrNone)
+{
+  const TemporaryFolder folder;
+  const std::string name = folder.file("a.sdf");
+  Reports nobody;
+  const auto old = ramp<TypeParam>(5, 4, 20, 0, 1);
+  saveVolumeAsStack(old, name, 1, false, nobody);
+  const auto contents = [&folder]
+  {
+    std::map<std::string, std::string> result;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.file("")))
+      result[entry.path().filename()] = contentOf(entry.path());
+    return result;
+  };
+  const auto before = contents();
+  auto fresh = ramp<TypeParam>(6, 3, 20, 100, -1);
+  const VoxelCalibration calibration = fresh.getVoxelCalibration();
+  for (const float width : {0.0f, -1.0f, std::numeric_limits<float>::infinity(), 1e-16f})
+  {
+    VoxelCalibration wrong = calibration;
+    wrong.setVoxelWidth(width);
+    fresh.setVoxelCalibration(wrong);
+    EXPECT_THROW(saveVolumeAsStack(fresh, name, 1, true, nobody), FileWriteError) << width;
+  }
+  fresh.setVoxelCalibration(calibration);
+  expectError<FileWriteError>("not finite", [&] { saveVolumeAsStack(fresh, name, NAN, true, nobody); });
+  expectError<ValueError>("must not hold", [&] { saveVolumeAsStack(fresh, folder.file("a\tb"), 1, true, nobody); });
+  Reports counting;
+  saveVolumeAsStack(old, name, 1, true, counting);
+  EXPECT_GE(counting.count, 20);
+  for (int limit = 1; limit <= 20; ++limit)
+  {
+    Reports impatient(limit);
+    EXPECT_THROW(saveVolumeAsStack(fresh, name, 1, true, impatient), Cancelled) << limit;
+  }
+  EXPECT_EQ(contents(), before);
+
+  saveVolumeAsStack(fresh, name, 1, true, nobody);
+  EXPECT_EQ(contents().size(), before.size());
+  Stack stack;
+  StackReader().read(stack, name);
+  EXPECT_EQ(stack.toVoxelMatrix<TypeParam>(ImageColorContent::Grayscale), fresh);
+  std::filesystem::remove(folder.file("a.vm")); // what the stack file says of it stays
+  if (before.count("a.vm") == 1)
+  {
+    StackReader().read(stack, name);
+    EXPECT_EQ(stack.getSlice(0)->getImageSource()->getSize(), (std::vector<int>{6, 3}));
+  }
+}
+
+namespace
+{
+template <class T> StackSlice& addPlane(Stack& stack, const VoxelMatrix<T>& matrix, int plane = 0)
+{
+  StackSlice& slice = stack.addSlice(std::make_unique<StackSlice>());
+  slice.setName("p");
+  slice.setImageSource(ImageSourceVoxelMatrixPlane(std::make_shared<const VoxelMatrix<T>>(matrix), plane));
+  return slice;
+}
+
+template <class T> std::string failureOf(const Stack& stack)
+{
+  try
+  {
+    stack.toVoxelMatrix<T>(ImageColorContent::Grayscale);
+  }
+  catch (const RangeError& error)
+  {
+    return error.getWhat();
+  }
+  return "";
+}
+} // namespace
+
+TEST(Volume, TakesPlanesInMemoryAsTheyAre)
+{
+  Stack stack;
+  VoxelMatrix<double> values(1, 3, 2);
+  const double numbers[] = {0, 0, 0, -5.5, 1000.25, NAN};
+  std::copy(std::begin(numbers), std::end(numbers), values.data());
+  addPlane(stack, values, 1);
+  const auto volume = stack.toVoxelMatrix<float>(ImageColorContent::RedOnly);
+  EXPECT_EQ(volume(0, 0, 0), -5.5f);
+  EXPECT_EQ(volume(0, 1, 0), 1000.25f);
+  EXPECT_TRUE(std::isnan(volume(0, 2, 0)));
+  EXPECT_EQ(failureOf<short>(stack), "Slice \"p\": The value -5.5 does not fit voxels of type short");
+}
+
+TEST(Volume, RefusesValuesThatItsTypeDoesNotHold)
+{
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  Stack stack;
+  VoxelMatrix<double> values(1, 1, 1);
+  const auto failure = [&](double value)
+  {
+    values(0, 0, 0) = value;
+    stack.clear();
+    addPlane(stack, values);
+    return failureOf<float>(stack);
+  };
+  EXPECT_EQ(failure(1e300), "Slice \"p\": The value 1e+300 does not fit voxels of type float");
+  EXPECT_EQ(failure(-3.5e38), "Slice \"p\": The value -3.5e+38 does not fit voxels of type float");
+  EXPECT_EQ(failure(1e-300), ""); // rounded
+  EXPECT_EQ(failure(-infinity), "");
+  EXPECT_EQ(failureOf<int>(stack), "Slice \"p\": The value -inf does not fit voxels of type int");
+}
+
+TEST(Volume, NamesTheSliceWithoutAnImageOrPlane)
+{
+  const TemporaryFolder folder;
+  ramp<float>(1, 1, 3, 0, 1).save(folder.file("a.vm"), false);
+  Stack stack;
+  StackSlice& slice = addSlice(stack, 0, 0);
+  const auto read = [&] { stack.toVoxelMatrix<float>(ImageColorContent::Grayscale); };
+  expectError<UsageError>("The slice \"slice 0\" has no image", read);
+  const std::unique_ptr<ImageSource> unnamed[] = {ImageSourceFile("").clone(), ImageSourceTiffStackPlane("", 0).clone(),
+                                                  ImageSourceVoxelMatrixFilePlane("", 0).clone(),
+                                                  ImageSourceVoxelMatrixPlane().clone()};
+  for (const auto& source : unnamed)
+  {
+    slice.setImageSource(*source);
+    expectError<UsageError>("The slice \"slice 0\" has no image", read);
+  }
+  slice.setImageSource(ImageSourceVoxelMatrixFilePlane(folder.file("a.vm"), 3));
+  expectError<FileFormatError>("Slice \"slice 0\": There is no plane 3", read);
 }
 
 TEST(Volume, NeedsImagesOfOneSizeThatFitItsType)

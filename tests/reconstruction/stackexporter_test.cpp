@@ -200,6 +200,24 @@ TEST_F(StackExporterTest, ChecksEveryTargetBeforeItWritesOne)
   addItem(*_stack.getModel(1), *_stack.getSlice(1), farSquare); // a branching model has no quad mesh to write
   exportAll();
   EXPECT_EQ(files().size(), 4u);
+  ASSERT_EQ(_exporter.getWarnings().size(), 1u);
+  EXPECT_NE(_exporter.getWarnings()[0].find("specimen-b.qm: left as it is"), std::string::npos);
+}
+
+TEST_F(StackExporterTest, RemovesTheQuadMeshOfTheSurfaceThatItReplaces)
+{
+  addColumn("a");
+  addColumn("b");
+  exportAll();
+  _exporter.setResampling(false);
+  fs::remove(_folder + "/specimen-a.stl");
+  fs::create_directories(_folder + "/specimen-a.stl/blocked");
+  EXPECT_THROW(exportAll(true), FileWriteError);
+  EXPECT_TRUE(fs::exists(_folder + "/specimen-a.qm")); // nothing was replaced
+  fs::remove_all(_folder + "/specimen-a.stl");
+  exportAll(true);
+  EXPECT_EQ(files(), (std::set<std::string>{"specimen-a.stl", "specimen-b.stl"}));
+  EXPECT_TRUE(_exporter.getWarnings().empty());
 }
 
 TEST_F(StackExporterTest, KeepsModelsOfOneNameApart)

@@ -47,7 +47,8 @@ void NYXDetachedItems::detach()
   if (_items.size() == 1) // without a look at the other items
   {
     for (ModelItemOwner* list : listsOf(_items))
-      if (const int i = list->takeItem(_items.front()); i >= 0) _places.push_back({list, {{i, _items.front()}}});
+      if (const long number = list->takeItem(_items.front()); number > 0)
+        _places.push_back({list, {{number, _items.front()}}});
   }
   else
   {
@@ -65,7 +66,7 @@ void NYXDetachedItems::attach()
   for (const auto& [list, places] : _places)
   {
     if (places.size() == 1)
-      list->insertItem(places.front().item, places.front().index);
+      list->restoreItem(places.front().item, places.front().number);
     else
       list->restoreItems(places);
   }

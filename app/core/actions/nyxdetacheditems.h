@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// Takes items off the lists of their models and slices and puts them back at the very same places, in a time linear
-/// in the lists. Owns the items while they are off.
+/// Takes items off the lists of their models and slices and puts them back between the same neighbours, in a time
+/// linear in the lists. Owns the items while they are off.
 class NYXDetachedItems
 {
 public:

@@ -75,7 +75,7 @@ void NYXItemConversionAction::apply()
   const bool wasRegion = item.isRegion();
   const bool becomesRegion = _destination->getGeometry() == MPrimitive::Region;
   const RLEItemSet positions = becomesRegion && !wasRegion ? positionsOf(item) : RLEItemSet();
-  _place = _source->takeItem(&item);
+  _sourceNumber = _source->takeItem(&item);
   item.setModel(_destination);
   if (becomesRegion && !wasRegion)
   {
@@ -87,7 +87,10 @@ void NYXItemConversionAction::apply()
     item.setVertices(verticesOf(_oldPositions));
     item.setRLEItemSet(RLEItemSet());
   }
-  _destination->addItem(&item);
+  if (_destinationNumber == 0)
+    _destination->addItem(&item);
+  else
+    _destination->restoreItem(&item, _destinationNumber);
   NYXItemAction::apply();
 }
 
@@ -95,7 +98,7 @@ void NYXItemConversionAction::revert()
 {
   ModelItem& item = getItem();
   const bool changesGeometry = item.isRegion() != (_source->getGeometry() == MPrimitive::Region);
-  _destination->takeItem(&item);
+  _destinationNumber = _destination->takeItem(&item);
   item.setModel(_source);
   if (changesGeometry)
   {
@@ -103,7 +106,7 @@ void NYXItemConversionAction::revert()
     item.setRLEItemSet(_oldPositions);
     item.getSelection() = _oldSelection;
   }
-  _source->insertItem(&item, _place);
+  _source->restoreItem(&item, _sourceNumber);
   NYXItemAction::revert();
 }
 

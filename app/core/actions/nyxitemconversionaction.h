@@ -22,7 +22,8 @@ private:
 
   Model* _source;
   Model* _destination;
-  int _place = -1; // in the source's list
+  long _sourceNumber = 0; // in the list of each model, once the item has left it
+  long _destinationNumber = 0;
   Vertices<int> _oldVertices;
   RLEItemSet _oldPositions;
   ModelItemSelection _oldSelection;

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-/// New items go to the ends of the lists of their models and slices; the slice counts as the last one segmented.
+/// New items go to the ends of the lists of their models and slices; the slice of the first counts as the last one
+/// segmented. That note is exact as long as steps on several slices are undone in the order in which they were made.
 class NYXItemCreationAction : public NYXItemAction
 {
 public:

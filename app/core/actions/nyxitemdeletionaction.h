@@ -5,7 +5,8 @@
 
 #include <vector>
 
-/// Items leave their models and slices; the action owns them meanwhile.
+/// Items leave their models and slices; the action owns them meanwhile. One action for many items takes linear time; an
+/// action for each looks its item up in the lists, from the end.
 class NYXItemDeletionAction : public NYXItemAction
 {
 public:
