@@ -1,5 +1,6 @@
 #include "app/nyxrootmediator.h"
 
+#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
@@ -13,6 +14,7 @@
 #include "app/nyxslicelistwidget.h"
 #include "app/nyxstackio.h"
 #include "app/nyxstacklistwidget.h"
+#include "model/modelitem.h"
 #include "model/stackslice.h"
 
 #include <QAction>
@@ -72,8 +74,11 @@ void NYXRootMediator::createFileActions()
                               [this] { _window->close(); });
   _quit =
       createAction(tr("Quit"), tr("Close all stacks and quit"), QKeySequence("Ctrl+Q"), [this] { _window->quit(); });
-  _newStack = createLaterAction(tr("New stack"), tr("Make a stack of image files"));
-  _newStackFromFile = createLaterAction(tr("New stack from file"), tr("Make a stack of the planes of one file"));
+  _newStack = createAction(tr("New stack"), tr("Make a stack of image files"), QKeySequence::New,
+                           [this] { stackIO().newStack(); });
+  _newStack->setIcon(QIcon(":/icons/new.svg"));
+  _newStackFromFile = createAction(tr("New stack from file"), tr("Make a stack of the planes of one file"),
+                                   QKeySequence("Ctrl+Shift+N"), [this] { stackIO().newStackFromFile(); });
   _openStack =
       createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
   _openStack->setIcon(QIcon(":/icons/open.svg"));
@@ -92,12 +97,19 @@ void NYXRootMediator::createEditActions()
   _displayPanorama = createLaterAction(tr("Display stack panorama"), tr("Show all slices of the stack side by side"));
   _displaySingleSlice = createLaterAction(tr("Display single slice"), tr("Show one slice"));
   _displayOverview = createLaterAction(tr("Display overview"), tr("Show the whole slice in a small window"));
-  _undo = createLaterAction(tr("Undo"), tr("Take the last change back"));
-  _redo = createLaterAction(tr("Redo"), tr("Make the change again that was taken back last"));
+  _undo = createAction(tr("Undo"), tr("Take the last change back"), QKeySequence::Undo, &NYXRootMediator::undo);
+  _undo->setIcon(QIcon(":/icons/undo.svg"));
+  _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), QKeySequence("Ctrl+Shift+Z"),
+                       &NYXRootMediator::redo);
+  _redo->setIcon(QIcon(":/icons/redo.svg"));
+  _insertSlice = createStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
+                                   &NYXRootMediator::insertSlices);
+  _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
+                              &NYXRootMediator::deleteSlice);
   _editDialogs = {
       createLaterAction(tr("Edit models..."), tr("Create, change and delete models")),
-      createLaterAction(tr("Insert slice..."), tr("Insert an image before the current slice")),
-      createLaterAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it")),
+      _insertSlice,
+      _deleteSlice,
       createLaterAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack")),
       createLaterAction(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice")),
       createLaterAction(tr("Annotate stack..."), tr("Write notes on the stack")),
@@ -209,7 +221,9 @@ void NYXRootMediator::initialize()
   _toolBar->setObjectName("rootToolBar");
   const int side = _toolBar->fontMetrics().height() * 5 / 4;
   _toolBar->setIconSize({side, side});
-  _toolBar->addActions({_openStack, _saveStack});
+  _toolBar->addActions({_newStack, _openStack, _saveStack});
+  _toolBar->addSeparator();
+  _toolBar->addActions({_undo, _redo});
   _toolBar->addSeparator();
   _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
@@ -225,6 +239,13 @@ void NYXRootMediator::initialize()
 NYXStack* NYXRootMediator::currentStack() const
 {
   return _stackList->currentStack();
+}
+
+StackSlice* NYXRootMediator::currentSlice() const
+{
+  const NYXStack* stack = currentStack();
+  const int slice = _sliceList->currentSlice();
+  return stack != nullptr && slice >= 0 && slice < stack->getNumSlices() ? stack->getSlice(slice) : nullptr;
 }
 
 NYXStackIO NYXRootMediator::stackIO() const
@@ -251,6 +272,7 @@ void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
   _sliceList->setStack(stack);
+  followHistories();
   showStackState();
 }
 
@@ -265,6 +287,7 @@ void NYXRootMediator::showSlice(int slice)
     return;
   }
   _sliceEditWidget->showSlice(slice < 0 ? nullptr : stack->getSlice(slice));
+  updateActions();
   if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
   const QString place = QString("%1 / %2").arg(slice + 1).arg(stack->getNumSlices());
@@ -283,6 +306,67 @@ void NYXRootMediator::showStackState()
 void NYXRootMediator::updateActions()
 {
   enableActions(currentStack() != nullptr);
+  lockRequest(_lockedSlices.contains(currentSlice()));
+}
+
+/// Nothing is edited on a slice while a computation works on it.
+void NYXRootMediator::lockRequest(bool isLocked)
+{
+  _deleteSlice->setEnabled(currentSlice() != nullptr && !isLocked);
+  showHistories();
+}
+
+void NYXRootMediator::undo()
+{
+  if (NYXStack* stack = currentStack()) stack->histories().undo(currentSlice());
+}
+
+void NYXRootMediator::redo()
+{
+  if (NYXStack* stack = currentStack()) stack->histories().redo(currentSlice());
+}
+
+void NYXRootMediator::insertSlices()
+{
+  NYXStack& stack = *currentStack();
+  stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0));
+}
+
+void NYXRootMediator::deleteSlice()
+{
+  StackSlice& slice = *currentSlice();
+  const QString name = QString::fromStdString(slice.getName());
+  const auto numItems = static_cast<int>(slice.getItems().size());
+  currentStack()->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
+  _statusBar->showMessage(numItems == 0
+                              ? tr("Deleted slice %1; Undo restores it").arg(name)
+                              : tr("Deleted slice %1 with %n item(s); Undo restores them", "", numItems).arg(name),
+                          5000);
+}
+
+void NYXRootMediator::followHistories()
+{
+  disconnect(_historiesChanged);
+  if (NYXStack* stack = currentStack())
+    _historiesChanged =
+        connect(&stack->histories(), &NYXStackHistories::changed, this, &NYXRootMediator::showHistories);
+  showHistories();
+}
+
+void NYXRootMediator::showHistories()
+{
+  NYXStack* const stack = currentStack();
+  const StackSlice* const slice = currentSlice();
+  const bool isLocked = _lockedSlices.contains(slice);
+  const auto show = [&](QAction& action, const QString& name, bool isPossible, const QString& description)
+  {
+    action.setEnabled(isPossible && !isLocked);
+    action.setText(isPossible ? tr("%1: %2").arg(name, description) : name);
+  };
+  const bool isUndoable = stack != nullptr && stack->histories().isUndoable(slice);
+  const bool isRedoable = stack != nullptr && stack->histories().isRedoable(slice);
+  show(*_undo, tr("Undo"), isUndoable, isUndoable ? stack->histories().undoDescription(slice, true) : QString());
+  show(*_redo, tr("Redo"), isRedoable, isRedoable ? stack->histories().redoDescription(slice, true) : QString());
 }
 
 void NYXRootMediator::enableActions(bool flag)
@@ -363,4 +447,81 @@ void NYXRootMediator::stackModifyEvent(const NYXStackModifyEvent&)
 void NYXRootMediator::preferencesEvent(const NYXPreferencesEvent&)
 {
   _sliceEditWidget->update();
+}
+
+void NYXRootMediator::stackCloseEvent(const NYXStackCloseEvent& event)
+{
+  for (int i = 0; i < event.getStack().getNumSlices(); ++i) _lockedSlices.erase(event.getStack().getSlice(i));
+}
+
+void NYXRootMediator::sliceLockEvent(const NYXSliceLockEvent& event)
+{
+  if (event.isLocked)
+    _lockedSlices.insert(&event.getSlice());
+  else
+    _lockedSlices.erase(&event.getSlice());
+  updateActions();
+}
+
+void NYXRootMediator::refreshSlice(const StackSlice* slice)
+{
+  const NYXStack* stack = currentStack();
+  if (stack != nullptr && slice != nullptr && slice->getStack() == stack)
+    _sliceList->refreshSlice(*stack, slice->getIndex());
+  _sliceEditWidget->update();
+}
+
+/// At once, or when the batch of events is over.
+void NYXRootMediator::refreshSlices()
+{
+  _areSlicesStale = eventBatchEnabled();
+  if (_areSlicesStale || currentStack() == nullptr) return;
+  _sliceList->refresh(*currentStack());
+  updateActions();
+}
+
+void NYXRootMediator::atEventBatchEnd()
+{
+  if (_areSlicesStale) refreshSlices();
+}
+
+void NYXRootMediator::processSliceAction(NYXSliceAction&)
+{
+  refreshSlices();
+}
+
+void NYXRootMediator::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  refreshSlice(&event.getSlice());
+  showSlice(_sliceList->currentSlice());
+}
+
+void NYXRootMediator::modelCreateEvent(const NYXModelCreateEvent&)
+{
+  refreshSlices();
+}
+
+void NYXRootMediator::modelDeleteEvent(const NYXModelDeleteEvent&)
+{
+  refreshSlices();
+}
+
+void NYXRootMediator::modelPropertiesEvent(const NYXModelPropertiesEvent&)
+{
+  refreshSlices();
+}
+
+void NYXRootMediator::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
+{
+  refreshSlice(event.getItem().getSlice());
+}
+
+void NYXRootMediator::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
+{
+  refreshSlice(event.getItem().getSlice());
+}
+
+void NYXRootMediator::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  refreshSlice(event.getItem().getSlice());
 }

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 
+#include <set>
 #include <string>
 
 class NYXPlugin;
@@ -16,6 +17,7 @@ class NYXSliceListWidget;
 class NYXStack;
 class NYXStackIO;
 class NYXStackListWidget;
+class StackSlice;
 class QAction;
 class QMenu;
 class QToolBar;
@@ -46,6 +48,8 @@ public:
   void initialize();
 
   NYXStack* currentStack() const;
+  /// The slice that is shown, or nullptr.
+  StackSlice* currentSlice() const;
   void openStack(const QString& filename);
 
   /// Shows the stack that is selected in the list, or the start page.
@@ -56,6 +60,17 @@ protected:
   void stackFileNameEvent(const NYXStackFileNameEvent& event) override;
   void stackModifyEvent(const NYXStackModifyEvent& event) override;
   void preferencesEvent(const NYXPreferencesEvent& event) override;
+  void sliceLockEvent(const NYXSliceLockEvent& event) override;
+  void sliceNameEvent(const NYXSliceNameEvent& event) override;
+  void modelCreateEvent(const NYXModelCreateEvent& event) override;
+  void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
+  void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
+  void modelItemCreateEvent(const NYXModelItemCreateEvent& event) override;
+  void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
+  void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
+  void stackCloseEvent(const NYXStackCloseEvent& event) override;
+  void processSliceAction(NYXSliceAction& action) override;
+  void atEventBatchEnd() override;
 
 private:
   template <class Slot>
@@ -72,6 +87,15 @@ private:
 
   NYXStackIO stackIO() const;
   void saveCurrentStack();
+  void undo();
+  void redo();
+  void insertSlices();
+  void deleteSlice();
+  void lockRequest(bool isLocked);
+  void followHistories();
+  void showHistories();
+  void refreshSlices();
+  void refreshSlice(const StackSlice* slice);
   void editPreferences();
   void showSlice(int slice);
   void showStackState();
@@ -110,6 +134,8 @@ private:
   QAction* _selectPreviousSlice;
   QAction* _undo;
   QAction* _redo;
+  QAction* _insertSlice;
+  QAction* _deleteSlice;
   QList<QAction*> _editDialogs;
   QAction* _preferences;
 
@@ -119,4 +145,8 @@ private:
   QMenu* _pluginsMenu = nullptr;
   QList<QAction*> _pluginActions;
   QList<QAction*> _stackActions; // enabled only while a stack is current
+
+  std::set<const StackSlice*> _lockedSlices; // by computations that run
+  bool _areSlicesStale = false;              // in the list, until the end of a batch of events
+  QMetaObject::Connection _historiesChanged; // of the current stack
 };

@@ -89,24 +89,45 @@ NYXSliceListWidget::NYXSliceListWidget(QWidget* parent)
 void NYXSliceListWidget::setStack(const Stack* stack)
 {
   const QSignalBlocker blocker(_list);
+  list(stack);
+  if (_list->count() > 0) _list->setCurrentRow(0);
+  emit currentSliceChanged(_list->currentRow());
+}
+
+void NYXSliceListWidget::refresh(const Stack& stack)
+{
+  const QSignalBlocker blocker(_list);
+  const int row = qMax(_list->currentRow(), 0);
+  list(&stack);
+  _list->setCurrentRow(qMin(row, _list->count() - 1));
+  emit currentSliceChanged(_list->currentRow());
+}
+
+void NYXSliceListWidget::list(const Stack* stack)
+{
   _list->clear();
   for (int i = 0; stack != nullptr && i < stack->getNumSlices(); ++i)
   {
-    const StackSlice& slice = *stack->getSlice(i);
-    auto* row = new QListWidgetItem(QString::fromStdString(slice.getName()), _list);
-    QVariantList colors;
-    QStringList names;
-    for (const Model* model : modelsOn(slice, *stack))
-    {
-      colors.append(colorOf(*model));
-      names.append(QString::fromStdString(model->getName()));
-    }
-    row->setData(dotsRole, colors);
-    row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : plainText(tr("Models: %1").arg(names.join(", "))));
+    _list->addItem(QString());
+    refreshSlice(*stack, i);
   }
   filter(_filter->text());
-  if (_list->count() > 0) _list->setCurrentRow(0);
-  emit currentSliceChanged(_list->currentRow());
+}
+
+void NYXSliceListWidget::refreshSlice(const Stack& stack, int slice)
+{
+  QListWidgetItem* const row = _list->item(slice);
+  if (row == nullptr) return;
+  QVariantList colors;
+  QStringList names;
+  for (const Model* model : modelsOn(*stack.getSlice(slice), stack))
+  {
+    colors.append(colorOf(*model));
+    names.append(QString::fromStdString(model->getName()));
+  }
+  row->setText(QString::fromStdString(stack.getSlice(slice)->getName()));
+  row->setData(dotsRole, colors);
+  row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : plainText(tr("Models: %1").arg(names.join(", "))));
 }
 
 int NYXSliceListWidget::numSlices() const

@@ -17,6 +17,11 @@ public:
   /// Lists the slices of a stack and selects the first one; nullptr empties the list.
   void setStack(const Stack* stack);
 
+  /// Lists the slices of the stack anew; the selection stays at its place.
+  void refresh(const Stack& stack);
+  /// Shows another name, or other models, of a slice.
+  void refreshSlice(const Stack& stack, int slice);
+
   int numSlices() const;
 
   /// Index of the selected slice in the stack, -1 when there is none.
@@ -32,6 +37,7 @@ signals:
   void currentSliceChanged(int slice);
 
 private:
+  void list(const Stack* stack);
   void filter(const QString& text);
   void selectShown(int from, int direction);
 

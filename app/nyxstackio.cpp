@@ -1,21 +1,34 @@
 #include "app/nyxstackio.h"
 
+#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
+#include "app/core/nyxactionstep.h"
 #include "app/core/nyxpreferences.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
+#include "app/nyximagefiles.h"
+#include "app/nyxnewstackdialog.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxstackerrordialog.h"
 #include "model/io/stackreader.h"
 #include "model/io/stackwriter.h"
+#include "model/stackcreation.h"
+#include "model/stackslice.h"
+#include "model/storabletext.h"
+#include "slice/image/nyxprogressrun.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QMessageBox>
 
 #include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -48,6 +61,20 @@ int warn(QWidget* parent, const Message& message)
   return box.exec();
 }
 
+/// The channel to take, none when the user cancels.
+std::optional<int> chooseChannel(QWidget* parent, int numChannels)
+{
+  if (numChannels < 2) return 0;
+  QInputDialog dialog(parent);
+  dialog.setObjectName("channelDialog");
+  dialog.setWindowTitle(QCoreApplication::translate("NYXStackIO", "Channel"));
+  dialog.setLabelText(QCoreApplication::translate("NYXStackIO", "Channel, from 1 to %1:").arg(numChannels));
+  dialog.setInputMode(QInputDialog::IntInput);
+  dialog.setIntRange(1, numChannels);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return dialog.intValue() - 1;
+}
+
 QString withStackSuffix(const QString& filename)
 {
   return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
@@ -74,6 +101,114 @@ QString NYXStackIO::chooseStackFile()
   return dialog.selectedFiles().value(0);
 }
 
+void NYXStackIO::showFormatError(const Exception& error) const
+{
+  const auto* fileError = dynamic_cast<const FileError*>(&error);
+  const QString filename = fileError ? QString::fromStdString(fileError->getFilename()) : QString();
+  warn(_parent, {tr("File format error"),
+                 filename.isEmpty() ? tr("The stack cannot be made.") : tr("%1 cannot be read.").arg(filename),
+                 QString::fromStdString(error.getWhat())});
+}
+
+/// Slices without a distance would all lie at one depth. False when the user cancels.
+bool NYXStackIO::askForSpacing(NYXStack& stack) const
+{
+  if (stack.getNumSlices() < 2 || stack.getDefaultSliceSpacing() != 0) return true;
+  QInputDialog dialog(_parent);
+  dialog.setObjectName("spacingDialog");
+  dialog.setWindowTitle(tr("Slice spacing"));
+  const QString unit = QString::fromStdString(stack.getLengthUnit().symbol());
+  dialog.setLabelText(
+      tr("The images do not tell the distance between neighbouring slices.\nDistance in %1:").arg(unit));
+  dialog.setInputMode(QInputDialog::DoubleInput);
+  dialog.setDoubleDecimals(4);
+  dialog.setDoubleRange(0.0001, 1e6);
+  dialog.setDoubleValue(1);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  stack.setDefaultSliceSpacing(static_cast<float>(dialog.doubleValue()));
+  return true;
+}
+
+void NYXStackIO::openNewStack(std::unique_ptr<NYXStack> stack, const QString& name)
+{
+  if (!askForSpacing(*stack)) return;
+  if (isStorableName(name.toStdString())) stack->setName(name.toStdString());
+  NYXStack& opened = NYXStackServer::server().addStack(std::move(stack));
+  opened.setModified(true);
+}
+
+void NYXStackIO::newStack()
+{
+  NYXNewStackDialog dialog(_parent);
+  if (dialog.exec() != QDialog::Accepted) return;
+  std::vector<std::string> files;
+  for (const QString& file : dialog.getFiles()) files.push_back(file.toStdString());
+  auto stack = std::make_unique<NYXStack>();
+  ProgressSubject subject;
+  const auto add = [&] { addImageFiles(*stack, files, dialog.usesFileCalibration(), subject); };
+  try
+  {
+    if (!runWithProgress(_parent, tr("New stack"), subject, _statusBar, add)) return;
+    openNewStack(std::move(stack), QFileInfo(dialog.getFiles().first()).dir().dirName());
+  }
+  catch (const Exception& error)
+  {
+    showFormatError(error);
+  }
+}
+
+void NYXStackIO::newStackFromFile()
+{
+  NYXSettings& settings = NYXSettings::settings();
+  QFileDialog dialog(_parent, tr("Open image stack"), settings.getInputDirectory());
+  dialog.setObjectName("openImageStackDialog");
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.setNameFilters({"Image stack: *.tif *.tiff *.TIF *.TIFF *.vm", "Confocal stack: *.lsm *.LSM"});
+  if (dialog.exec() != QDialog::Accepted) return;
+  settings.setInputDirectory(dialog.directory().absolutePath());
+  newStackFromFile(dialog.selectedFiles().value(0));
+}
+
+void NYXStackIO::newStackFromFile(const QString& filename)
+{
+  const std::string file = QFileInfo(filename).absoluteFilePath().toStdString();
+  auto stack = std::make_unique<NYXStack>();
+  try
+  {
+    const std::optional<int> channel = chooseChannel(_parent, numChannelsOf(file));
+    if (!channel) return;
+    addPlanesOf(*stack, file, *channel);
+    openNewStack(std::move(stack), QFileInfo(filename).completeBaseName());
+  }
+  catch (const Exception& error)
+  {
+    showFormatError(error);
+  }
+}
+
+void NYXStackIO::insertSlices(NYXStack& stack, int place)
+{
+  const QStringList chosen = chooseImageFiles(_parent, "*.tif *.TIF *.img");
+  if (chosen.isEmpty()) return;
+  std::vector<std::string> files;
+  for (const QString& file : chosen) files.push_back(file.toStdString());
+  ProgressSubject subject;
+  NewSlices made;
+  try
+  {
+    const auto make = [&] { made = makeSlices(stack, files, true, subject); };
+    if (!runWithProgress(_parent, tr("Insert slice"), subject, _statusBar, make)) return;
+    NYXActionStep step(stack.history());
+    for (std::unique_ptr<StackSlice>& slice : made.slices)
+      step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
+  }
+  catch (const Exception& error)
+  {
+    showFormatError(error);
+  }
+}
+
 void NYXStackIO::openStack()
 {
   const QString filename = chooseStackFile();
@@ -91,8 +226,9 @@ void NYXStackIO::openStack(const QString& filename)
   auto stack = std::make_unique<NYXStack>();
   stack->setFilename(file);
   StackReader reader;
-  if (_statusBar != nullptr) reader.addObserver(*_statusBar);
-  reader.read(*stack, file.toStdString());
+  const auto read = [&] { reader.read(*stack, file.toStdString()); };
+  if (!runWithProgress(_parent, tr("Opening stack"), reader, _statusBar, read))
+    return showMessage(tr("Opening canceled"), 2000);
 
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
   {
@@ -113,22 +249,22 @@ void NYXStackIO::showWarnings(const QString& filename, const StackWriter& writer
                  lines.mid(0, maxNumWarnings).join('\n')});
 }
 
-bool NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason)
+NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, QString& reason)
 {
   try
   {
     StackWriter writer;
-    if (_statusBar != nullptr) writer.addObserver(*_statusBar);
     // Backups move on only when the new file is complete: failed saves cost none of them.
     writer.setBeforeReplace([&] { makeBackups(filename, NYXPreferences::getMaxNumBackups()); });
-    writer.write(stack, filename.toStdString());
+    const auto write = [&] { writer.write(stack, filename.toStdString()); };
+    if (!runWithProgress(_parent, tr("Saving stack"), writer, _statusBar, write)) return Result::Canceled;
     showWarnings(filename, writer);
-    return true;
+    return Result::Done;
   }
   catch (const Exception& error)
   {
     reason = QString::fromStdString(error.getWhat());
-    return false;
+    return Result::Failed;
   }
 }
 
@@ -136,10 +272,11 @@ bool NYXStackIO::saveTo(NYXStack& stack, const QString& filename)
 {
   showMessage(tr("Saving ") + filename);
   QString reason;
-  if (!write(stack, filename, reason))
+  const Result result = write(stack, filename, reason);
+  if (result == Result::Failed) warn(_parent, {tr("Error"), tr("Error: cannot write to ") + filename, reason});
+  if (result != Result::Done)
   {
-    warn(_parent, {tr("Error"), tr("Error: cannot write to ") + filename, reason});
-    showMessage({});
+    showMessage(result == Result::Canceled ? tr("Saving canceled") : QString(), 2000);
     return false;
   }
   if (filename != stack.getFilename()) stack.setFilename(filename);
@@ -187,15 +324,16 @@ bool NYXStackIO::mayReplace(const QString& typed, const QString& file) const
 bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
 {
   if (stack.getFilename().isEmpty()) return saveStackAs(stack);
-  for (QString reason; !write(stack, stack.getFilename(), reason);)
+  for (QString reason;;)
   {
+    const Result result = write(stack, stack.getFilename(), reason);
+    if (result != Result::Failed) return result == Result::Done;
     const int answer =
         warn(_parent, {tr("Write error"),
                        tr("Stack ") + stack.displayName() + tr(":\nCould not write file ") + stack.getFilename(),
                        reason, QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Retry});
     if (answer != QMessageBox::Retry) return answer == QMessageBox::Discard;
   }
-  return true;
 }
 
 bool NYXStackIO::closeStack(NYXStack& stack)

@@ -3,6 +3,9 @@
 #include <QCoreApplication>
 #include <QString>
 
+#include <memory>
+
+class Exception;
 class NYXRootStatusBar;
 class NYXStack;
 class QWidget;
@@ -18,6 +21,14 @@ public:
   explicit NYXStackIO(QWidget* parent, NYXRootStatusBar* statusBar = nullptr) : _parent(parent), _statusBar(statusBar)
   {
   }
+
+  /// Makes a stack of image files that the user chooses.
+  void newStack();
+  /// Makes a stack of the planes of a file that the user chooses.
+  void newStackFromFile();
+  void newStackFromFile(const QString& filename);
+  /// Asks for image files and inserts a slice for each before a place of the stack, as one step that can be undone.
+  void insertSlices(NYXStack& stack, int place);
 
   /// Asks for a stack file and opens it.
   void openStack();
@@ -36,9 +47,19 @@ public:
   bool closeAll();
 
 private:
+  enum class Result
+  {
+    Done,
+    Failed,
+    Canceled
+  };
+
   QString chooseStackFile();
+  bool askForSpacing(NYXStack& stack) const;
+  void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
+  void showFormatError(const Exception& error) const;
   void showWarnings(const QString& filename, const StackWriter& writer) const;
-  bool write(NYXStack& stack, const QString& filename, QString& reason);
+  Result write(NYXStack& stack, const QString& filename, QString& reason);
   bool mayReplace(const QString& typed, const QString& file) const;
   bool writeBeforeClosing(NYXStack& stack);
   bool saveTo(NYXStack& stack, const QString& filename);

@@ -55,7 +55,7 @@ TimedTask polygonTask(const std::string& input)
   return {"triangulate_polygon", input, {1}, prepare};
 }
 
-/// Strips between closed contours, whose file holds a row per vertex and a plane per contour.
+/// Strips between closed contours, without normals, whose file holds a row per vertex and a plane per contour.
 TimedTask stitchTask(const std::string& input)
 {
   const auto prepare = [](const std::string& folder, const std::string& name)
@@ -69,6 +69,7 @@ TimedTask stitchTask(const std::string& input)
       stack->append(contour);
     }
     auto triangulation = std::make_shared<CurveStackTriangulation2<double>>();
+    triangulation->setNormals(false); // as the other programs
     return TimedWork{[=] { triangulation->apply(*stack); }, stack->getNumVertices() / 1e3, "kvertex",
                      [=] { return "tris=" + std::to_string(triangulation->getTriMesh().getNumTriangles()); }};
   };

@@ -127,7 +127,7 @@ template <class T> void CurveStackTriangulation2<T>::build(const CurveStack<T>& 
   for (const MeshCurve& curve : upper)
     if (_lastCaps && !curve.isClosed) appendCurveTriangulation(curve, true);
   if (stack.isOpen() && stack.isBranching()) _mesh.orientConsistently(); // lines run as they were drawn
-  _mesh.computeNormals();
+  if (_normals) _mesh.computeNormals();
 }
 
 /// The runs of curves of exactly equal height, without the degenerate curves.

@@ -191,7 +191,8 @@ public:
 #pragma omp parallel for schedule(static, 1) if (numParts > 1)
     for (int p = 0; p < numParts; ++p) addPart(_parts[static_cast<std::size_t>(p)]);
     for (const Part& part : _parts)
-      for (const Addend& addend : part.deferred) add(addend);
+      for (const auto& [vertex, normal] : part.deferred)
+        addTo(_sums + offset(vertex), 1, normal[0], normal[1], normal[2]);
   }
 
 private:
@@ -241,37 +242,52 @@ private:
 
   void addPart(Part& part)
   {
-    const bool waits = part.first > 0; // for the parts before, where it shares their vertices
     TriangleBlock<T> block = {};
     for (int first = part.first; first < part.last; first += blockSize)
     {
       const int* const corners = _corners + 3 * static_cast<std::ptrdiff_t>(first);
       const int count = std::min(blockSize, part.last - first);
-      for (int n = 0; n < count; ++n)
-        for (int k = 0; k < 3; ++k) block.corners[k].set(n, _points + offset(corners[3 * n + k]));
+      gather(block, corners, count);
       computeBlock(block);
-      for (int n = 0; n < count; ++n)
-        for (int k = 0; k < 3 && corners[3 * n] >= 0; ++k)
-        {
-          const int vertex = corners[3 * n + k];
-          if (waits && part.earlier.contains(vertex))
-            part.deferred.push_back(weighted(block, n, k, vertex));
-          else
-            add(weighted(block, n, k, vertex));
-        }
+      if (part.first == 0)
+        addBlock(block, corners, count);
+      else
+        addOrDeferBlock(part, block, corners, count);
     }
   }
-  static Addend weighted(const TriangleBlock<T>& block, int n, int k, int vertex)
+  void gather(TriangleBlock<T>& block, const int* corners, int count) const
   {
-    const T angle = block.angles[k][n];
-    return {vertex, {angle * block.normals.x[n], angle * block.normals.y[n], angle * block.normals.z[n]}};
+    const T* const points = _points;
+    for (int n = 0; n < count; ++n)
+      for (int k = 0; k < 3; ++k) block.corners[k].set(n, points + offset(corners[3 * n + k]));
   }
-  void add(const Addend& addend)
+  void addBlock(const TriangleBlock<T>& block, const int* corners, int count)
   {
-    T* const sum = _sums + offset(addend.vertex);
-    sum[0] += addend.normal[0];
-    sum[1] += addend.normal[1];
-    sum[2] += addend.normal[2];
+    T* const sums = _sums;
+    for (int n = 0; n < count; ++n)
+    {
+      const T x = block.normals.x[n], y = block.normals.y[n], z = block.normals.z[n]; // 0 of an empty slot
+      for (int k = 0; k < 3; ++k) addTo(sums + offset(corners[3 * n + k]), block.angles[k][n], x, y, z);
+    }
+  }
+  void addOrDeferBlock(Part& part, const TriangleBlock<T>& block, const int* corners, int count)
+  {
+    for (int n = 0; n < count; ++n)
+      for (int k = 0; k < 3 && corners[3 * n] >= 0; ++k)
+      {
+        const int vertex = corners[3 * n + k];
+        const T angle = block.angles[k][n], x = block.normals.x[n], y = block.normals.y[n], z = block.normals.z[n];
+        if (part.earlier.contains(vertex))
+          part.deferred.push_back({vertex, {angle * x, angle * y, angle * z}});
+        else
+          addTo(_sums + offset(vertex), angle, x, y, z);
+      }
+  }
+  static void addTo(T* sum, T weight, T x, T y, T z)
+  {
+    sum[0] += weight * x;
+    sum[1] += weight * y;
+    sum[2] += weight * z;
   }
   static std::ptrdiff_t offset(int vertex)
   {

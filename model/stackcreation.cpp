@@ -130,16 +130,16 @@ private:
 };
 } // namespace
 
-void addImageFiles(Stack& stack, const std::vector<std::string>& filenames, bool usesFileCalibration,
-                   ProgressSubject& subject)
+NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenames, bool usesFileCalibration,
+                     ProgressSubject& subject)
 {
-  const char* const where = "void addImageFiles(Stack&, const std::vector<std::string>&, bool, ProgressSubject&)";
-  PixelCalibration stackCalibration = stack.getDefaultPixelCalibration();
+  const char* const where =
+      "NewSlices makeSlices(const Stack&, const std::vector<std::string>&, bool, ProgressSubject&)";
+  NewSlices made = {{}, stack.getDefaultPixelCalibration()};
   bool isCalibrated = stack.getNumSlices() > 0;
   SliceNames names(stack);
-  std::vector<std::unique_ptr<StackSlice>> slices;
   std::vector<StackSlice*> uncalibrated;
-  ProgressStep step(subject, "Reading image headers", static_cast<long>(filenames.size()));
+  const ProgressStep step(subject, "Reading image headers", static_cast<long>(filenames.size()));
   for (const std::string& filename : filenames)
   {
     subject.throwIfCancelled(where);
@@ -150,18 +150,25 @@ void addImageFiles(Stack& stack, const std::vector<std::string>& filenames, bool
     slice->setImageSource(ImageSourceFile(std::filesystem::absolute(filename).string()));
     if (usesFileCalibration && tellsPixelSize(header.getPixelCalibration()))
     {
-      if (!isCalibrated) stackCalibration = header.getPixelCalibration();
+      if (!isCalibrated) made.defaultCalibration = header.getPixelCalibration();
       isCalibrated = true;
-      slice->setPixelCalibration(converted(header.getPixelCalibration(), stackCalibration.getLengthUnit()));
+      slice->setPixelCalibration(converted(header.getPixelCalibration(), made.defaultCalibration.getLengthUnit()));
     }
     else
       uncalibrated.push_back(slice.get());
-    slices.push_back(std::move(slice));
-    subject.progress(static_cast<long>(slices.size()));
+    made.slices.push_back(std::move(slice));
+    subject.progress(static_cast<long>(made.slices.size()));
   }
-  if (stack.getNumSlices() == 0) stack.setDefaultPixelCalibration(stackCalibration);
-  for (StackSlice* const slice : uncalibrated) slice->setPixelCalibration(stackCalibration);
-  for (std::unique_ptr<StackSlice>& slice : slices) stack.addSlice(std::move(slice));
+  for (StackSlice* const slice : uncalibrated) slice->setPixelCalibration(made.defaultCalibration);
+  return made;
+}
+
+void addImageFiles(Stack& stack, const std::vector<std::string>& filenames, bool usesFileCalibration,
+                   ProgressSubject& subject)
+{
+  NewSlices made = makeSlices(stack, filenames, usesFileCalibration, subject);
+  if (stack.getNumSlices() == 0) stack.setDefaultPixelCalibration(made.defaultCalibration);
+  for (std::unique_ptr<StackSlice>& slice : made.slices) stack.addSlice(std::move(slice));
 }
 
 int numChannelsOf(const std::string& filename)

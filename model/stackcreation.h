@@ -1,10 +1,25 @@
 #pragma once
 
+#include "image/pixelcalibration.h"
+
+#include <memory>
 #include <string>
 #include <vector>
 
 class ProgressSubject;
 class Stack;
+class StackSlice;
+
+/// Slices for a stack, and what becomes the stack's default calibration if it is empty.
+struct NewSlices
+{
+  std::vector<std::unique_ptr<StackSlice>> slices;
+  PixelCalibration defaultCalibration;
+};
+
+/// Makes the slices that addImageFiles() appends. \throw as addImageFiles()
+NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenames, bool usesFileCalibration,
+                     ProgressSubject& subject);
 
 /// Appends a slice for each image file to a stack, in their order, named after the files without folder and suffix; a
 /// name that is taken gets a number. File names are made absolute.

@@ -198,6 +198,7 @@ double ModelMorphometry::area(const StackReconstruction<double>& reconstruction,
 {
   if (!simpleCurveStack(withoutDegenerateCurves(curves))) return -1;
   ModelSurface<double> surface(reconstruction);
+  surface.setNormals(false);
   surface.apply(*_model);
   if (!surface.getWarnings().empty()) _warning = surface.getWarnings()[0];
   return surface.getTriMesh().area();

@@ -164,7 +164,7 @@ template <class T> void ModelSurface<T>::resample(const Model& model, const Cont
     if (_caps.last || (_caps.tagged && (properties.getEndCapFlag() || endTag))) _quadMesh.buildEndCap();
   }
   _mesh = _quadMesh.toTriMesh(true);
-  _mesh.computeNormals();
+  if (_normals) _mesh.computeNormals();
 }
 
 template <class T> void ModelSurface<T>::triangulate(const Model& model, const Contours& contours)
@@ -173,6 +173,7 @@ template <class T> void ModelSurface<T>::triangulate(const Model& model, const C
   std::ranges::transform(contours.items, tags.begin(), &ModelItem::getTriangulationTag);
   CurveStackTriangulation2<T> triangulation;
   triangulation.setContourTags(tags);
+  triangulation.setNormals(_normals);
   triangulation.setTriangulateCaps(_caps.tagged);
   triangulation.setTriangulateFirstCaps(_caps.first || (_caps.tagged && model.getProperties().getBeginCapFlag()));
   triangulation.setTriangulateLastCaps(_caps.last || (_caps.tagged && model.getProperties().getEndCapFlag()));

@@ -28,6 +28,9 @@ public:
   /// Whether contours that do not branch are resampled onto a quad mesh; at first, they are joined as they were drawn.
   void setResampling(bool isResampling) { _isResampling = isResampling; }
 
+  /// Whether the mesh gets normals at its vertices, as it does at first.
+  void setNormals(bool normals) { _normals = normals; }
+
   /// Builds the surface of a model of closed or open curves or of regions. The triangles of closed curves are seen from
   /// outside, however the contours were drawn.
   /// \throw UsageError  the items are no curves
@@ -61,6 +64,7 @@ private:
   const StackReconstruction<T>& _reconstruction;
   SurfaceCaps _caps;
   bool _isResampling = false;
+  bool _normals = true;
   TriMesh<T> _mesh;
   QuadMesh<T> _quadMesh;
   int _numCurves = 0;

@@ -126,6 +126,7 @@ void StackExporter::exportModel(const Model& model, const StackReconstruction<fl
                                 const std::string& basename, SurfaceFormat format, bool overwrite)
 {
   ModelSurface<float> surface = surfaceOf(reconstruction);
+  surface.setNormals(format == SurfaceFormat::Ply || format == SurfaceFormat::Obj); // STL has those of the triangles
   surface.apply(model);
   _warnings.insert(_warnings.end(), surface.getWarnings().begin(), surface.getWarnings().end());
   if (surface.getNumCurves() < 2) return;

@@ -77,7 +77,7 @@ TEST(RootWindow, MenusHaveTheirEntries)
     QStringList entries;
   } cases[] = {
       {"File",
-       {"New window", "Close window", "New stack (off)", "New stack from file (off)", "Open stack", "Recent stacks...",
+       {"New window", "Close window", "New stack", "New stack from file", "Open stack", "Recent stacks...",
         "Save stack (off)", "Save stack as... (off)", "Close stack (off)", "Close all (off)", "Quit"}},
       {"Edit",
        {"Undo (off)", "Redo (off)", "Display stack panorama (off)", "Display single slice (off)",
