@@ -101,16 +101,17 @@ QWidget* NYXModelsDialog::createList()
 
   QPushButton* const create = createButton("newModelButton", tr("New"), tr("Make another model (Insert)"));
   create->setShortcut(QKeySequence(Qt::Key_Insert));
+  _rename = createButton("renameModelButton", tr("Rename"), tr("Change the name of the selected model (F2)"));
   _delete = createButton("deleteModelButton", tr("Delete"),
                          tr("Delete the selected models and all their items (Delete); this can be undone"));
   _up = createButton("modelUpButton", tr("Up"), tr("Move the selected models up"));
   _down = createButton("modelDownButton", tr("Down"), tr("Move the selected models down"));
   auto* const layout = new QGridLayout(panel);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(_list, 0, 0, 1, 4);
+  layout->addWidget(_list, 0, 0, 1, 5);
   int column = 0;
   QWidget* before = _list;
-  for (QPushButton* const button : {create, _delete, _up, _down})
+  for (QPushButton* const button : {create, _rename, _delete, _up, _down})
   {
     layout->addWidget(button, 1, column++);
     setTabOrder(before, button);
@@ -123,6 +124,7 @@ QWidget* NYXModelsDialog::createList()
   _list->addAction(deleteShortcut);
 
   connect(create, &QPushButton::clicked, this, &NYXModelsDialog::createModel);
+  connect(_rename, &QPushButton::clicked, this, [this] { editName(*selectedModels().front()); });
   connect(_delete, &QPushButton::clicked, this, &NYXModelsDialog::deleteSelected);
   connect(deleteShortcut, &QAction::triggered, this, &NYXModelsDialog::deleteSelected);
   connect(_up, &QPushButton::clicked, this, [this] { moveSelected(-1); });
@@ -167,7 +169,13 @@ void NYXModelsDialog::createModel()
   attempt([this] { stack().history().pushStep(std::make_unique<NYXModelCreationAction>(stack(), newModel(stack()))); });
   Model* const created = stack().getModel(stack().getNumModels() - 1);
   select({created});
-  _list->edit(_table->index(created->getIndex(), NYXModelsTable::Name));
+  editName(*created);
+}
+
+void NYXModelsDialog::editName(const Model& model)
+{
+  _list->setFocus();
+  _list->edit(_table->index(model.getIndex(), NYXModelsTable::Name));
 }
 
 void NYXModelsDialog::rename(Model* model, const QString& name)
@@ -277,6 +285,7 @@ void NYXModelsDialog::updateButtons()
 {
   const std::vector<Model*> models = selectedModels();
   const int numModels = stack().getNumModels();
+  _rename->setEnabled(models.size() == 1);
   _delete->setEnabled(!models.empty());
   _up->setEnabled(!models.empty() && models.front()->getIndex() > 0);
   _down->setEnabled(!models.empty() && models.back()->getIndex() < numModels - 1);

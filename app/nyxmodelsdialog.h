@@ -35,6 +35,7 @@ private:
   QWidget* createList();
   QPushButton* createButton(const char* name, const QString& text, const QString& toolTip);
   void createModel();
+  void editName(const Model& model);
   void rename(Model* model, const QString& name);
   void deleteSelected();
   void moveSelected(int distance);
@@ -47,6 +48,7 @@ private:
   NYXModelsTable* _table;
   QTreeView* _list;
   NYXModelPropertiesEditor* _editor;
+  QPushButton* _rename;
   QPushButton* _delete;
   QPushButton* _up;
   QPushButton* _down;

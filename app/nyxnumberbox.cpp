@@ -123,7 +123,7 @@ void NYXNumberBox::stepBy(int steps)
   if (!_number && !_isClearable) return; // several numbers: there is nothing to step from
   const double number = _number.value_or(std::clamp(0.0, minimum(), maximum()));
   const double step = decimals() == 0 ? singleStep() : stepFor(number);
-  setNumber(std::clamp(std::round((number + steps * step) / step) * step, minimum(), maximum()));
+  setNumber(std::clamp(std::round((number + steps * step) / step) * step + 0.0, minimum(), maximum())); // no -0
   emit edited();
 }
 

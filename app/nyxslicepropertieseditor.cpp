@@ -319,7 +319,8 @@ void NYXSlicePropertiesEditor::setImageFile(const QString& filename)
   if (!needed.isEmpty() && size != needed)
     throw ValueError("void NYXSlicePropertiesEditor::setImageFile(const QString&)",
                      tr("%1 has %2, the slice needs an image of %3").arg(filename, size, needed).toStdString());
-  requireStorableName(filename.toStdString(), "void NYXSlicePropertiesEditor::setImageFile(const QString&)");
+  requireStorableName(QFileInfo(filename).fileName().toStdString(),
+                      "void NYXSlicePropertiesEditor::setImageFile(const QString&)");
   _newImage = source;
   showImage();
   emit edited();

@@ -11,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QGridLayout>
@@ -277,7 +278,7 @@ bool NYXStackPropertiesEditor::isChanged() const
 QString NYXStackPropertiesEditor::refusal() const
 {
   if (!_name->refusal().isEmpty()) return _name->refusal();
-  return refusalOfName(_imagesPath->text());
+  return QDir::isRelativePath(_imagesPath->text()) ? refusalOfName(_imagesPath->text()) : QString();
 }
 
 void NYXStackPropertiesEditor::apply(NYXActionStep& step)

@@ -44,6 +44,7 @@ protected:
   {
     auto added = std::make_unique<NYXStack>();
     added->setName(name);
+    added->setImagesPath("/images");
     for (int i = 0; i < 3; ++i) addSlice(*added, 100, 80);
     return NYXStackServer::server().addStack(std::move(added));
   }

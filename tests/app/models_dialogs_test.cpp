@@ -1,6 +1,7 @@
 // The dialogs of models: edit, transfer and filter.
 #include "dialog_test_support.h"
 
+#include "app/core/actions/nyxmodeldeletionaction.h"
 #include "app/nyxfiltermodelsdialog.h"
 #include "app/nyxmodelchecklist.h"
 #include "app/nyxmodelsdialog.h"
@@ -34,7 +35,9 @@ protected:
   static QLineEdit* renameInList(const QDialog& dialog, int row, const QString& name)
   {
     auto& list = find<QTreeView>(dialog, "modelList");
-    list.edit(list.model()->index(row, 0));
+    list.selectionModel()->select(list.model()->index(row, 0),
+                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    press(dialog, "renameModelButton");
     auto* const edit = dialog.findChild<QLineEdit*>("nameInList");
     edit->selectAll();
     QTest::keyClick(edit, Qt::Key_Delete);
@@ -291,6 +294,27 @@ TEST_F(ModelsDialogs, FilterLimitsCanBeClearedAndItsSafeButtonChangesNothing)
   QTest::keyClick(&dialog, Qt::Key_Return);
   EXPECT_FALSE(dialog.isVisible());
   expectNoStep();
+}
+
+TEST_F(ModelsDialogs, FollowChangesElsewhereAndCloseWithTheirStack)
+{
+  NYXModelsDialog edit(stack);
+  NYXFilterModelsDialog filter(stack);
+  edit.show();
+  filter.show();
+  edit.select({stack.getModel(1), stack.getModel(2)});
+  type(edit, "lineWidth", "4");
+  stack.history().pushStep(std::make_unique<NYXModelDeletionAction>(*stack.getModel(1)));
+  EXPECT_EQ(edit.selectedModels(), std::vector<Model*>{stack.getModel(1)}); // "nuclei", now in second place
+  EXPECT_EQ(message(filter, "outcome"), "6 of 6 items would stay, 0 would be deleted.");
+  EXPECT_EQ(find<QListWidget>(filter, "models").count(), 3);
+  EXPECT_TRUE(isEnabled(edit, "applyButton")); // for the model that is left
+  stack.history().undo();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(find<QTreeView>(edit, "modelList").model()->rowCount(), 4);
+  NYXStackServer::server().removeStack(stack);
+  EXPECT_FALSE(edit.isVisible());
+  EXPECT_FALSE(filter.isVisible());
 }
 
 TEST_F(ModelsDialogs, RememberTheirSizes)
