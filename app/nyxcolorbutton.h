@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QPushButton>
 
-/// A button that shows a colour and lets the user choose another one.
+/// A button that shows a colour and lets the user choose another one. An invalid colour stands for several.
 class NYXColorButton : public QPushButton
 {
   Q_OBJECT
@@ -13,6 +13,8 @@ public:
 
   QColor color() const { return _color; }
   void setColor(const QColor& color);
+  /// Whether the user can choose a transparency too, as at first.
+  void setAlphaEnabled(bool isEnabled) { _isAlphaEnabled = isEnabled; }
 
 signals:
   void colorChanged();
@@ -21,4 +23,8 @@ private:
   void choose();
 
   QColor _color;
+  bool _isAlphaEnabled = true;
 };
+
+/// A framed area of the colour.
+QIcon colorSwatch(const QColor& color, const QSize& size);

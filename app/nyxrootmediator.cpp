@@ -4,6 +4,9 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
+#include "app/nyxannotationdialog.h"
+#include "app/nyxfiltermodelsdialog.h"
+#include "app/nyxmodelsdialog.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxplugin.h"
 #include "app/nyxpluginserver.h"
@@ -12,8 +15,11 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxslicelistwidget.h"
+#include "app/nyxslicepropertiesdialog.h"
 #include "app/nyxstackio.h"
 #include "app/nyxstacklistwidget.h"
+#include "app/nyxstackpropertiesdialog.h"
+#include "app/nyxtransfermodelsdialog.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 
@@ -106,14 +112,26 @@ void NYXRootMediator::createEditActions()
                                    &NYXRootMediator::insertSlices);
   _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
                               &NYXRootMediator::deleteSlice);
+  const auto sliceDialog = [this](const QString& text, const QString& toolTip, auto open)
+  {
+    QAction* const action = createAction(text, toolTip, {}, [this, open] { open(*currentStack(), *currentSlice()); });
+    _sliceActions.append(action);
+    return action;
+  };
   _editDialogs = {
-      createLaterAction(tr("Edit models..."), tr("Create, change and delete models")),
+      createStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
+                        [this] { NYXModelsDialog(*currentStack(), _window).exec(); }),
       _insertSlice,
       _deleteSlice,
-      createLaterAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack")),
-      createLaterAction(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice")),
-      createLaterAction(tr("Annotate stack..."), tr("Write notes on the stack")),
-      createLaterAction(tr("Annotate slice..."), tr("Write notes on the slice")),
+      createStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
+                        [this] { NYXStackPropertiesDialog(*currentStack(), _window).exec(); }),
+      sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
+                  [this](NYXStack& stack, StackSlice& slice)
+                  { NYXSlicePropertiesDialog(stack, {&slice}, _window).exec(); }),
+      createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
+                        [this] { NYXAnnotationDialog(*currentStack(), _window).exec(); }),
+      sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
+                  [this](NYXStack& stack, StackSlice& slice) { NYXAnnotationDialog(stack, slice, _window).exec(); }),
   };
   _preferences =
       createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
@@ -143,8 +161,10 @@ void NYXRootMediator::createProcessActions()
       createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
       createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
-      createLaterAction(tr("Transfer models..."), tr("Copy models from another stack")),
-      createLaterAction(tr("Filter models..."), tr("Keep the items of models that meet conditions")),
+      createStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
+                        [this] { NYXTransferModelsDialog(*currentStack(), _window).exec(); }),
+      createStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
+                        [this] { NYXFilterModelsDialog(*currentStack(), _window).exec(); }),
   };
 }
 
@@ -312,7 +332,9 @@ void NYXRootMediator::updateActions()
 /// Nothing is edited on a slice while a computation works on it.
 void NYXRootMediator::lockRequest(bool isLocked)
 {
-  _deleteSlice->setEnabled(currentSlice() != nullptr && !isLocked);
+  const bool isEditable = currentSlice() != nullptr && !isLocked;
+  _deleteSlice->setEnabled(isEditable);
+  for (QAction* action : std::as_const(_sliceActions)) action->setEnabled(isEditable);
   showHistories();
 }
 

@@ -137,6 +137,7 @@ private:
   QAction* _insertSlice;
   QAction* _deleteSlice;
   QList<QAction*> _editDialogs;
+  QList<QAction*> _sliceActions; // that edit the shown slice
   QAction* _preferences;
 
   QList<QAction*> _process;
