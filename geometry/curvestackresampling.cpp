@@ -1,6 +1,7 @@
 // Curve stacks and the quad meshes of their surfaces.
 #include "geometry/coordinates.h"
 #include "geometry/curvestack.h"
+#include "geometry/cyclicmatch.h"
 #include "geometry/kdtree.h"
 #include "geometry/quadmesh.h"
 
@@ -32,7 +33,7 @@ template <class T> Real<T> pairedDistances(const Curve<T>& a, const Curve<T>& b)
 /// Numbers the vertices of a curve so that they come closest to those of the curve before.
 template <class T> void fit(Curve<T>& curve, const Curve<T>& previous)
 {
-  if (curve.isClosed()) return curve.match(previous);
+  if (curve.isClosed()) return curve.setOrigin(centeredMatch<T>({&curve}, {&previous}));
   Curve<T> reversed = curve;
   reversed.reverse();
   if (pairedDistances(reversed, previous) < pairedDistances(curve, previous)) curve = reversed;

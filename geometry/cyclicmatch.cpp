@@ -123,6 +123,29 @@ template <class T> MatchSum<T> matchSum(const VertexRows<T>& rows, const VertexR
   for (std::size_t r = 0; r < rows.size(); ++r) sum += matchSum(*rows[r], *others[r], shift);
   return sum;
 }
+
+/// The rows in double or in their own wider type, each about its centre of gravity.
+template <class T> auto centeredRows(const VertexRows<T>& rows)
+{
+  using Wide = std::conditional_t<std::is_same_v<T, long double>, long double, double>;
+  std::vector<Vertices<Wide>> centered;
+  centered.reserve(rows.size());
+  for (const Vertices<T>* row : rows)
+  {
+    Vertices<Wide>& copy = centered.emplace_back(row->getSpace(), row->getSize());
+    std::copy_n(row->data(), static_cast<std::ptrdiff_t>(row->getSize()) * row->getSpace(), copy.data());
+    copy.center();
+  }
+  return centered;
+}
+
+template <class T> VertexRows<T> rowsOf(const std::vector<Vertices<T>>& vertices)
+{
+  VertexRows<T> rows;
+  rows.reserve(vertices.size());
+  for (const Vertices<T>& row : vertices) rows.push_back(&row);
+  return rows;
+}
 } // namespace
 
 template <class T> int cyclicMatch(const VertexRows<T>& rows, const VertexRows<T>& others)
@@ -148,7 +171,21 @@ template <class T> int cyclicMatch(const VertexRows<T>& rows, const VertexRows<T
   return best;
 }
 
+template <class T> int centeredMatch(const VertexRows<T>& rows, const VertexRows<T>& others)
+{
+  if (rows.empty() || rows[0]->getSize() < 2) return 0;
+  if constexpr (std::is_integral_v<T>)
+    return cyclicMatch(rows, others); // the sums of integers are exact wherever they lie
+  else
+    return cyclicMatch(rowsOf(centeredRows(rows)), rowsOf(centeredRows(others)));
+}
+
 template int cyclicMatch<int>(const VertexRows<int>&, const VertexRows<int>&);
 template int cyclicMatch<float>(const VertexRows<float>&, const VertexRows<float>&);
 template int cyclicMatch<double>(const VertexRows<double>&, const VertexRows<double>&);
 template int cyclicMatch<long double>(const VertexRows<long double>&, const VertexRows<long double>&);
+
+template int centeredMatch<int>(const VertexRows<int>&, const VertexRows<int>&);
+template int centeredMatch<float>(const VertexRows<float>&, const VertexRows<float>&);
+template int centeredMatch<double>(const VertexRows<double>&, const VertexRows<double>&);
+template int centeredMatch<long double>(const VertexRows<long double>&, const VertexRows<long double>&);

@@ -13,7 +13,12 @@ template <class T> using VertexRows = std::vector<const Vertices<T>*>;
 /// row: they give all sums at once, and those that rounding cannot tell from the largest are then formed term by term.
 template <class T> int cyclicMatch(const VertexRows<T>& rows, const VertexRows<T>& others);
 
-/// The same for single rows.
+/// As cyclicMatch(), but the sums are formed in double at least, with each row moved to the origin by its own centre of
+/// gravity. That changes no sum's distance to the others, but for rounding: far from the origin, the products of raw
+/// coordinates round by more than the shifts differ.
+template <class T> int centeredMatch(const VertexRows<T>& rows, const VertexRows<T>& others);
+
+/// The same as the first for single rows.
 template <class T> int cyclicMatch(const Vertices<T>& vertices, const Vertices<T>& other)
 {
   return cyclicMatch(VertexRows<T>{&vertices}, VertexRows<T>{&other});

@@ -14,7 +14,7 @@ const std::string& checkedFilename(const std::string& filename, bool overwrite, 
 } // namespace
 
 OutputFile::OutputFile(const std::string& filename, bool overwrite, const std::string& where)
-  : _file(checkedFilename(filename, overwrite, where)), _buffer(_file), _stream(&_buffer)
+  : _filename(checkedFilename(filename, overwrite, where)), _file(_filename), _buffer(_file), _stream(&_buffer)
 {
   _stream.exceptions(std::ios::badbit); // lets the file's own errors through
 }
@@ -23,6 +23,27 @@ void OutputFile::commit()
 {
   _stream.flush();
   _file.commit();
+}
+
+void OutputFile::commitWith(OutputFile& other)
+{
+  bool isOtherInPlace = false;
+  const auto commitOther = [&]
+  {
+    other.commit();
+    isOtherInPlace = true;
+  };
+  _stream.flush();
+  try
+  {
+    _file.commit(AtomicFile::Durability::Rename, commitOther);
+  }
+  catch (const FileWriteError&)
+  {
+    std::error_code ignored;
+    if (isOtherInPlace) std::filesystem::remove(other._filename, ignored);
+    throw;
+  }
 }
 
 OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type character)

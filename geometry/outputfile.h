@@ -19,6 +19,9 @@ public:
   std::ostream& stream() { return _stream; }
   /// \throw FileWriteError  the target stays as it was
   void commit();
+  /// The same for two files of which neither fits what the other one replaces. \throw FileWriteError  both targets stay
+  /// as they were or, where the very last step failed, this one does and the other one is removed
+  void commitWith(OutputFile& other);
 
 private:
   /// Hands what is written on, in the pieces in which it comes.
@@ -35,6 +38,7 @@ private:
     AtomicFile& _file;
   };
 
+  std::string _filename;
   AtomicFile _file;
   Buffer _buffer;
   std::ostream _stream;

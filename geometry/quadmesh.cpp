@@ -55,7 +55,7 @@ template <class T> int QuadMesh<T>::findMatch(const QuadMesh<T>& other) const
   if (this->isOpen()) return 0;
   if (this->getSpace() != 2 && this->getSpace() != 3)
     throw SizeError(where, "The vertices are not in two or three dimensions");
-  return cyclicMatch(rowsOf(*this), rowsOf(other));
+  return centeredMatch(rowsOf(*this), rowsOf(other));
 }
 
 template <class T> void QuadMesh<T>::match(const QuadMesh<T>& other)

@@ -4,8 +4,8 @@
 #include "model/model.h"
 #include "model/stack.h"
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 
 namespace
@@ -55,25 +55,42 @@ std::string basePath(const std::string& directory, const std::string& prefix)
   return (directory.empty() ? "" : directory + "/") + (prefix.empty() ? "" : prefix + "-");
 }
 
-/// One name per model, its own or, where another model has it already, with a number behind it.
-std::vector<std::string> distinctNames(const std::vector<const Model*>& models)
+bool hasNoSurface(const Model& model)
 {
-  std::vector<std::string> names;
-  names.reserve(models.size());
+  return model.getGeometry() == MPrimitive::Polypoint || model.getGeometry() == MPrimitive::Unknown;
+}
+
+/// The name of the files of each model with a surface: the model's own or, where one before it in the stack has the
+/// same, with the next number behind it that makes it no other model's.
+std::map<const Model*, std::string> namesOfFiles(const Stack& stack)
+{
+  std::map<const Model*, std::string> names;
   std::set<std::string> taken;
-  for (const Model* model : models)
+  std::vector<const Model*> namesakes;
+  for (int i = 0; i < stack.getNumModels(); ++i)
   {
-    requireFilename(model->getName());
-    std::string name = model->getName();
-    for (int number = 2; !taken.insert(name).second; ++number) name = model->getName() + "-" + std::to_string(number);
-    names.push_back(name);
+    const Model* const model = stack.getModel(i);
+    if (hasNoSurface(*model)) continue;
+    if (taken.insert(model->getName()).second)
+      names[model] = model->getName();
+    else
+      namesakes.push_back(model);
+  }
+  std::map<std::string, int> numbers; // the last one of each name
+  for (const Model* const model : namesakes)
+  {
+    int& number = numbers.try_emplace(model->getName(), 1).first->second;
+    std::string& name = names[model];
+    do name = model->getName() + "-" + std::to_string(++number);
+    while (!taken.insert(name).second);
   }
   return names;
 }
 
-bool hasNoSurface(const Model& model)
+/// \throw FileWriteError  the file cannot be written where it is, or exists and must not be overwritten
+void requireTarget(const std::string& filename, bool overwrite)
 {
-  return model.getGeometry() == MPrimitive::Polypoint || model.getGeometry() == MPrimitive::Unknown;
+  const OutputFile probe(filename, overwrite, exportSignature); // made beside the target and taken away again
 }
 
 } // namespace
@@ -99,19 +116,35 @@ void StackExporter::exportModels(const std::vector<const Model*>& models,
 {
   _warnings.clear();
   _filenames.clear();
-  std::vector<std::string> basenames = distinctNames(models);
-  for (std::string& name : basenames) name.insert(0, basePath(directory, prefix));
-  for (std::size_t i = 0; i < models.size() && !overwrite; ++i)
+  const std::vector<Target> targets = targetsOf(models, basePath(directory, prefix));
+  for (const Target& target : targets) checkTarget(target, reconstruction, format, overwrite);
+  for (const Target& target : targets) exportModel(target, reconstruction, format, overwrite);
+}
+
+std::vector<StackExporter::Target> StackExporter::targetsOf(const std::vector<const Model*>& models,
+                                                            const std::string& basePath)
+{
+  std::map<const Model*, std::string> names;
+  if (!models.empty() && models[0]->getStack()) names = namesOfFiles(*models[0]->getStack());
+  std::vector<Target> targets;
+  for (const Model* const model : models)
   {
-    if (hasNoSurface(*models[i])) continue;
-    requireAbsent(basenames[i] + suffixOf(format), exportSignature);
-    const std::string quadMesh = basenames[i] + quadMeshSuffix;
-    if (std::error_code ignored;
-        std::filesystem::exists(quadMesh, ignored) && surfaceOf(reconstruction).isResampled(*models[i]))
-      requireAbsent(quadMesh, exportSignature);
+    if (hasNoSurface(*model)) continue;
+    requireFilename(model->getName());
+    const auto name = names.find(model);
+    targets.push_back({*model, basePath + (name != names.end() ? name->second : model->getName())});
   }
-  for (std::size_t i = 0; i < models.size(); ++i)
-    if (!hasNoSurface(*models[i])) exportModel(*models[i], reconstruction, basenames[i], format, overwrite);
+  return targets;
+}
+
+void StackExporter::checkTarget(const Target& target, const StackReconstruction<float>& reconstruction,
+                                SurfaceFormat format, bool overwrite) const
+{
+  requireTarget(target.basename + suffixOf(format), overwrite);
+  const std::string quadMesh = target.basename + quadMeshSuffix;
+  if (std::error_code ignored; !std::filesystem::exists(std::filesystem::symlink_status(quadMesh, ignored))) return;
+  const bool isChanged = overwrite || surfaceOf(reconstruction).isResampled(target.model); // replaced or removed
+  if (isChanged) requireTarget(quadMesh, overwrite);
 }
 
 ModelSurface<float> StackExporter::surfaceOf(const StackReconstruction<float>& reconstruction) const
@@ -122,29 +155,33 @@ ModelSurface<float> StackExporter::surfaceOf(const StackReconstruction<float>& r
   return surface;
 }
 
-void StackExporter::exportModel(const Model& model, const StackReconstruction<float>& reconstruction,
-                                const std::string& basename, SurfaceFormat format, bool overwrite)
+void StackExporter::exportModel(const Target& target, const StackReconstruction<float>& reconstruction,
+                                SurfaceFormat format, bool overwrite)
 {
   ModelSurface<float> surface = surfaceOf(reconstruction);
   surface.setNormals(format == SurfaceFormat::Ply || format == SurfaceFormat::Obj); // STL has those of the triangles
-  surface.apply(model);
+  surface.apply(target.model);
   _warnings.insert(_warnings.end(), surface.getWarnings().begin(), surface.getWarnings().end());
-  if (surface.getNumCurves() < 2) return;
+  if (surface.getNumCurves() < 2 || surface.getTriMesh().getSize() == 0) return; // a warning has said why
   if (surface.getTriMesh().getNumTriangles() == 0)
   {
-    _warnings.push_back("Model \"" + model.getName() + "\": no two contours are joined, nothing is written");
+    _warnings.push_back("Model \"" + target.model.getName() + "\": no two contours are joined, nothing is written");
     return;
   }
-  if (!surface.getQuadMesh().isEmpty())
-  {
-    surface.getQuadMesh().save(basename + quadMeshSuffix, true);
-    _filenames.push_back(basename + quadMeshSuffix);
-  }
-  OutputFile file(basename + suffixOf(format), true, exportSignature);
+  const std::string filename = target.basename + suffixOf(format), quadMesh = target.basename + quadMeshSuffix;
+  OutputFile file(filename, overwrite, exportSignature);
   write(surface.getTriMesh(), format, file.stream());
-  file.commit();
-  _filenames.push_back(basename + suffixOf(format));
-  if (surface.getQuadMesh().isEmpty()) dropQuadMesh(basename + quadMeshSuffix, overwrite);
+  if (surface.getQuadMesh().isEmpty())
+    file.commit();
+  else
+  {
+    OutputFile quadMeshFile(quadMesh, overwrite, exportSignature);
+    surface.getQuadMesh().write(quadMeshFile.stream());
+    file.commitWith(quadMeshFile);
+    _filenames.push_back(quadMesh);
+  }
+  _filenames.push_back(filename);
+  if (surface.getQuadMesh().isEmpty()) dropQuadMesh(quadMesh, overwrite);
 }
 
 void StackExporter::dropQuadMesh(const std::string& filename, bool overwrite)

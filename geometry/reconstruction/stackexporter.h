@@ -28,9 +28,11 @@ public:
   void setResampling(bool isResampling) { _isResampling = isResampling; }
 
   /// Exports every model as ASCII STL to "<directory>/<stack's name>-<model's name>.stl"; an empty directory or stack
-  /// name leaves out its separator. Models of one name are told apart by a number behind it. All target files are
-  /// checked before the first one is written. \throw FileWriteError  a file exists and `overwrite` is false, or cannot
-  /// be written \throw ValueError  a model's name cannot be part of a file name
+  /// name leaves out its separator. Models of one name are told apart by a number behind it, the same one whether the
+  /// stack's other models are exported or not. All target files are checked before the first one is written, and a
+  /// model's surface and quad mesh are replaced together.
+  /// \throw FileWriteError  a file exists and `overwrite` is false, or cannot be written
+  /// \throw ValueError  the name of the stack or of an exported model cannot be part of a file name
   void export2AsciiSTL(const Stack& stack, const std::string& directory, bool overwrite);
   /// The same for one model.
   void export2AsciiSTL(const Model& model, StackReconstruction<float>& reconstruction, const std::string& directory,
@@ -45,9 +47,19 @@ public:
   const std::vector<std::string>& getFilenames() const { return _filenames; }
 
 private:
+  /// A model and its files' path without the suffix.
+  struct Target
+  {
+    const Model& model;
+    std::string basename;
+  };
+
+  static std::vector<Target> targetsOf(const std::vector<const Model*>& models, const std::string& basePath);
+  void checkTarget(const Target& target, const StackReconstruction<float>& reconstruction, SurfaceFormat format,
+                   bool overwrite) const;
   ModelSurface<float> surfaceOf(const StackReconstruction<float>& reconstruction) const;
-  void exportModel(const Model& model, const StackReconstruction<float>& reconstruction, const std::string& basename,
-                   SurfaceFormat format, bool overwrite);
+  void exportModel(const Target& target, const StackReconstruction<float>& reconstruction, SurfaceFormat format,
+                   bool overwrite);
   /// Removes the quad mesh of an earlier surface, or warns of it.
   void dropQuadMesh(const std::string& filename, bool overwrite);
 

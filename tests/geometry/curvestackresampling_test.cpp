@@ -81,6 +81,29 @@ TEST(CurveStackResampling, StartAndSenseOfTheContoursDoNotMatter)
   }
 }
 
+// A cylinder of float coordinates, which are 0.001 apart at the far place.
+TEST(CurveStackResampling, SurfacesDoNotTwistFarFromTheOrigin)
+{
+  const int n = 40, height = 19;
+  const float radius = 5;
+  const double area = n * radius * radius * std::sin(2 * pi / n) / 2, girth = 2 * n * radius * std::sin(pi / n);
+  for (const float center : {0.F, 12500.F})
+  {
+    std::mt19937 engine(1);
+    CurveStack<float> stack;
+    for (int z = 0; z <= height; ++z)
+    {
+      stack.append(ellipse<float>(radius, radius, static_cast<float>(z), n, center, center));
+      stack.level(z).setOrigin(static_cast<int>(engine() % n));
+    }
+    QuadMesh<float> mesh(3, n, 2 * height + 1);
+    stack.resample(mesh);
+    EXPECT_NEAR(mesh.toTriMesh(false).area(), girth * height, 1e-3 * girth * height);
+    mesh.buildCaps();
+    EXPECT_NEAR(mesh.toTriMesh(true).volume(), area * height, 1e-3 * area * height);
+  }
+}
+
 TEST(CurveStackResampling, OpenCurvesAreReversedWhereThatFitsBetter)
 {
   CurveStack<double> stack(3, true);

@@ -190,6 +190,18 @@ TEST(QuadMesh, MatchesBySquaredDistances)
   EXPECT_EQ(randomMesh<double>(5, 2, 1, true).findMatch(randomMesh<double>(5, 2, 2, true)), 0);
 }
 
+TEST(QuadMesh, MatchesFarFromTheOriginAndFromEachOther)
+{
+  const int n = 40;
+  QuadMesh<float> mesh, other;
+  for (const float z : {0.F, 1.F, 2.F})
+  {
+    mesh.append(ellipse<float>(5, 3, z, n, 12500, -9000));
+    other.append(ellipse<float>(5, 3, z + 10, n, 200000, 7, std::numbers::pi_v<float> / 2)); // a quarter further
+  }
+  EXPECT_EQ(mesh.findMatch(other), n / 4);
+}
+
 TEST(QuadMesh, MeanAndVarianceOfMatchedMeshes)
 {
   const QuadMesh<double> center = randomMesh<double>(4, 3, 5);

@@ -1,14 +1,19 @@
+#include "geometry/outputfile.h"
 #include "geometry/reconstruction/stackexporter.h"
 #include "tests/support/errors.h"
 #include "tests/support/manifold.h"
 #include "tests/support/stacks.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -126,7 +131,7 @@ TEST_F(StackExporterTest, QuadMeshesHaveTheModelsSize)
     model.getProperties().setQuadMeshHeight(c.height);
     exportAll();
     EXPECT_EQ(files().size(), c.numFacets > 0 ? 2u : 0u);
-    EXPECT_EQ(_exporter.getWarnings().empty(), c.numFacets > 0);
+    EXPECT_EQ(_exporter.getWarnings().size(), c.numFacets > 0 ? 0u : 1u); // one reason, one line
     EXPECT_EQ(numFacets("specimen-cell.stl"), c.numFacets);
     for (const std::string& name : files()) fs::remove(_folder + "/" + name);
   }
@@ -205,6 +210,65 @@ TEST_F(StackExporterTest, ChecksEveryTargetBeforeItWritesOne)
   EXPECT_NE(_exporter.getWarnings()[0].find("specimen-b.qm: left as it is"), std::string::npos);
 }
 
+TEST_F(StackExporterTest, RefusesTargetsThatCannotBeWrittenBeforeItWritesOne)
+{
+  using Block = std::function<void(const std::string&)>; // puts something in the place of a file
+  const Block folder = [](const std::string& path) { fs::create_directories(path); };
+  const Block pipe = [](const std::string& path) { mkfifo(path.c_str(), 0600); };
+  const Block linkIntoNoFolder = [](const std::string& path) { fs::create_symlink("missing/folder", path); };
+  const Block nothing = [](const std::string&) {};
+  const struct
+  {
+    std::string name, suffix;
+    Block block;
+    std::vector<bool> overwrite; // without, what exists is refused for that
+  } cases[] = {
+      {"b", ".stl", folder, {true}},
+      {"b", ".stl", pipe, {true}},
+      {"b", ".qm", folder, {true}},
+      {"b", ".qm", pipe, {true}},
+      {"b", ".stl", linkIntoNoFolder, {false, true}},
+      {"b", ".qm", linkIntoNoFolder, {false, true}},
+      {std::string(300, 'b'), ".stl", nothing, {false, true}},
+  };
+  addColumn("a");
+  Model& second = addColumn("b");
+  for (const auto& c : cases)
+    for (const bool overwrite : c.overwrite)
+    {
+      SCOPED_TRACE(c.name + c.suffix);
+      second.setName(c.name);
+      const std::string path = _folder + "/specimen-" + c.name + c.suffix;
+      c.block(path);
+      const std::set<std::string> before = files();
+      expectError<FileWriteError>("Cannot open file for writing", [&] { exportAll(overwrite); });
+      EXPECT_EQ(files(), before);
+      std::error_code tooLong;
+      fs::remove_all(path, tooLong);
+    }
+}
+
+TEST_F(StackExporterTest, ASurfaceAndItsQuadMeshAreWrittenTogetherOrNotAtAll)
+{
+  addColumn("a");
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit = {};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit before = limit;
+  limit.rlim_cur = 1000000; // room for a quad mesh of 10,000 vertices, but not for its 20,000 facets
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_THROW(exportAll(), FileWriteError);
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_TRUE(files().empty());
+  EXPECT_TRUE(_exporter.getFilenames().empty());
+
+  // Something takes the surface's place at the last moment.
+  OutputFile surface(_folder + "/a.stl", true, ""), quadMesh(_folder + "/a.qm", true, "");
+  fs::create_directories(_folder + "/a.stl");
+  EXPECT_THROW(surface.commitWith(quadMesh), FileWriteError);
+  EXPECT_EQ(files().count("a.qm"), 0u);
+}
+
 TEST_F(StackExporterTest, RemovesTheQuadMeshOfTheSurfaceThatItReplaces)
 {
   addColumn("a");
@@ -231,6 +295,31 @@ TEST_F(StackExporterTest, KeepsModelsOfOneNameApart)
   EXPECT_EQ(files(), (std::set<std::string>{"specimen-cell.stl", "specimen-cell-2.stl", "specimen-cell-3.stl"}));
   addColumn("in/out");
   expectError<ValueError>("in/out", [&] { exportAll(true); });
+}
+
+TEST_F(StackExporterTest, FilenamesDoNotDependOnTheModelsThatAreExported)
+{
+  const std::vector<std::string> names = {"cell", "cell", "cell-2", "cell", "cell-2", "cell"};
+  const std::vector<std::string> basenames = {"cell", "cell-3", "cell-2", "cell-4", "cell-2-2", "cell-5"};
+  addColumn("cell", MPrimitive::Polypoint); // takes no name
+  for (const std::string& name : names) addColumn(name);
+  addColumn("in/out"); // is an error only when it is exported itself
+  addColumn("points/in/out", MPrimitive::Polypoint);
+  StackReconstruction<float> reconstruction(_stack);
+  _exporter.setResampling(false);
+  std::vector<const Model*> models;
+  for (int i = 0; i < 7; ++i)
+  {
+    models.push_back(_stack.getModel(i));
+    _exporter.export2AsciiSTL(*models.back(), reconstruction, _folder, "", true);
+    std::vector<std::string> expected;
+    if (i > 0) expected.push_back(_folder + "/" + basenames[static_cast<std::size_t>(i) - 1] + ".stl");
+    EXPECT_EQ(_exporter.getFilenames(), expected) << i;
+  }
+  models.push_back(_stack.getModel(8));
+  const std::set<std::string> before = files();
+  _exporter.exportModels(models, reconstruction, _folder, "", SurfaceFormat::AsciiStl, true);
+  EXPECT_EQ(files(), before);
 }
 
 TEST_F(StackExporterTest, JoinsBranchesAsTheyWereDrawn)
