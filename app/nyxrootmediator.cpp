@@ -180,6 +180,7 @@ void NYXRootMediator::createPluginsActions()
                                  {
                                    NYXPluginServer::server().loadPlugins();
                                    updatePluginActions();
+                                   _statusBar->showMessage(tr("%n plug-in(s) found", "", _pluginActions.size()), 3000);
                                  });
 }
 
