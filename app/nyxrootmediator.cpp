@@ -34,6 +34,11 @@
 #include <exception>
 #include <utility>
 
+namespace
+{
+constexpr int messageMilliseconds = 5000;
+} // namespace
+
 NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
 {
   createFileActions();
@@ -62,6 +67,15 @@ template <class Slot> QAction* NYXRootMediator::createStackAction(const QString&
   QAction* action = createAction(text, toolTip, shortcut, std::forward<Slot>(slot));
   _stackActions.append(action);
   return action;
+}
+
+/// Shows a dialog until it is closed; its messages go to the status bar, too.
+template <class Dialog, class... Arguments> void NYXRootMediator::openDialog(Arguments&&... arguments)
+{
+  Dialog dialog(std::forward<Arguments>(arguments)..., _window);
+  connect(&dialog, &Dialog::messageShown, _statusBar,
+          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
+  dialog.exec();
 }
 
 /// An action whose subsystem is not built yet: disabled, and its tool tip says so.
@@ -120,18 +134,18 @@ void NYXRootMediator::createEditActions()
   };
   _editDialogs = {
       createStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
-                        [this] { NYXModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
       _insertSlice,
       _deleteSlice,
       createStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
-                        [this] { NYXStackPropertiesDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
       sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
                   [this](NYXStack& stack, StackSlice& slice)
-                  { NYXSlicePropertiesDialog(stack, {&slice}, _window).exec(); }),
+                  { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); }),
       createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
-                        [this] { NYXAnnotationDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXAnnotationDialog>(*currentStack()); }),
       sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
-                  [this](NYXStack& stack, StackSlice& slice) { NYXAnnotationDialog(stack, slice, _window).exec(); }),
+                  [this](NYXStack& stack, StackSlice& slice) { openDialog<NYXAnnotationDialog>(stack, slice); }),
   };
   _preferences =
       createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
@@ -162,9 +176,9 @@ void NYXRootMediator::createProcessActions()
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
       createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
       createStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
-                        [this] { NYXTransferModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXTransferModelsDialog>(*currentStack()); }),
       createStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
-                        [this] { NYXFilterModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXFilterModelsDialog>(*currentStack()); }),
   };
 }
 
@@ -364,7 +378,7 @@ void NYXRootMediator::deleteSlice()
   _statusBar->showMessage(numItems == 0
                               ? tr("Deleted slice %1; Undo restores it").arg(name)
                               : tr("Deleted slice %1 with %n item(s); Undo restores them", "", numItems).arg(name),
-                          5000);
+                          messageMilliseconds);
 }
 
 void NYXRootMediator::followHistories()
