@@ -245,11 +245,11 @@ void NYXStackIO::openStack(const QString& filename)
   NYXSettings::settings().addRecentFile(file);
 }
 
-/// The losses of lengths were told before.
+/// Losses of lengths that were told before are not told again.
 void NYXStackIO::showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const
 {
   QStringList lines = toQStrings(writer.getWarnings());
-  for (const std::string& told : lengthLosses(stack).lines) lines.removeOne(QString::fromStdString(told));
+  for (const QString& told : stack.getAcceptedLosses()) lines.removeOne(told);
   if (lines.isEmpty()) return;
   warn(_parent, {tr("Saved with losses"), tr("%1 does not say all that the stack does.").arg(filename),
                  lines.mid(0, maxNumWarnings).join('\n')});
@@ -278,7 +278,7 @@ NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, Q
 /// False when the user cancels.
 bool NYXStackIO::settleLosses(NYXStack& stack) const
 {
-  if (stack.acceptsLosses()) return true;
+  if (!stack.getAcceptedLosses().isEmpty()) return true;
   LengthLosses losses;
   try
   {
@@ -295,7 +295,10 @@ bool NYXStackIO::settleLosses(NYXStack& stack) const
                   QMessageBox::Cancel, _parent);
   box.setObjectName("lossesDialog");
   box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(plainText(toQStrings(losses.lines).mid(0, maxNumWarnings).join('\n')));
+  const QStringList lines = toQStrings(losses.lines);
+  const int numMore = lines.size() - maxNumWarnings;
+  box.setInformativeText(plainText(lines.mid(0, maxNumWarnings).join('\n') +
+                                   (numMore > 0 ? tr("\nand %n more", "", numMore) : QString())));
   QAbstractButton* convert = nullptr;
   if (losses.keepingUnit)
     convert = box.addButton(tr("Convert to %1").arg(QString::fromStdString(losses.keepingUnit->name())),
@@ -304,12 +307,13 @@ bool NYXStackIO::settleLosses(NYXStack& stack) const
   if (convert) box.setDefaultButton(qobject_cast<QPushButton*>(convert));
   box.exec();
   if (box.clickedButton() == keep)
-    stack.setAcceptsLosses(true);
-  else if (convert && box.clickedButton() == convert)
-    stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, losses.keepingUnit->getScale()));
-  else
-    return false;
-  return true;
+  {
+    stack.setAcceptedLosses(lines);
+    return true;
+  }
+  if (!convert || box.clickedButton() != convert) return false;
+  stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, losses.keepingUnit->getScale()));
+  return settleLosses(stack); // some digits no unit keeps
 }
 
 /// Asks before a save over a file of which something is not in the stack.

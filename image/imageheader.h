@@ -26,6 +26,8 @@ public:
   float getVoxelSizeX() const { return _voxelSizeX; }
   float getVoxelSizeY() const { return _voxelSizeY; }
   float getVoxelSizeZ() const { return _voxelSizeZ; }
+  /// Whether the file tells the distance of its planes.
+  bool hasVoxelSizeZ() const { return _hasVoxelSizeZ; }
   const PixelCalibration& getPixelCalibration() const { return _pixelCalibration; }
 
   void setFormat(ImageFormat format) { _format = format; }
@@ -37,7 +39,11 @@ public:
   void setNewSubfileType(std::uint32_t type) { _newSubfileType = type; }
   void setVoxelSizeX(float size) { _voxelSizeX = size; }
   void setVoxelSizeY(float size) { _voxelSizeY = size; }
-  void setVoxelSizeZ(float size) { _voxelSizeZ = size; }
+  void setVoxelSizeZ(float size)
+  {
+    _voxelSizeZ = size;
+    _hasVoxelSizeZ = true;
+  }
   void setPixelCalibration(const PixelCalibration& calibration) { _pixelCalibration = calibration; }
 
   bool hasColormap() const { return _colormap.has_value(); }
@@ -57,6 +63,7 @@ private:
   float _voxelSizeX = 1;
   float _voxelSizeY = 1;
   float _voxelSizeZ = 1;
+  bool _hasVoxelSizeZ = false;
   PixelCalibration _pixelCalibration;
   std::optional<Colormap> _colormap;
 };

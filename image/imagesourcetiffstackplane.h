@@ -24,6 +24,7 @@ public:
   float getVoxelSizeX() const { return header().getVoxelSizeX(); }
   float getVoxelSizeY() const { return header().getVoxelSizeY(); }
   float getVoxelSizeZ() const { return header().getVoxelSizeZ(); }
+  bool hasVoxelSizeZ() const { return header().hasVoxelSizeZ(); }
 
   ImageSourceType getType() const override { return ImageSourceType::TiffStackPlane; }
   bool isDefined() const override { return !_filename.empty() && _plane >= 0; }

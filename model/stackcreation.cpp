@@ -7,8 +7,10 @@
 #include "image/imagesourcetiffstackplane.h"
 #include "image/imagesourcevoxelmatrixfileplane.h"
 #include "image/voxelmatrixfile.h"
+#include "model/io/calibrationlimits.h"
 #include "model/stack.h"
 #include "model/stackslice.h"
+#include "model/storabletext.h"
 #include "numeric/progresssubject.h"
 
 #include <algorithm>
@@ -21,10 +23,20 @@
 
 namespace
 {
-/// A file that says nothing of its pixels has pixels of 1 by 1 metre.
+/// A file that says nothing of its pixels has pixels of 1 by 1 metre; sizes that no stack file can hold say nothing.
 bool tellsPixelSize(const PixelCalibration& calibration)
 {
-  return calibration != PixelCalibration();
+  return calibration != PixelCalibration() && isStorableCalibration(calibration);
+}
+
+/// The name as an absolute one. \throw ValueError  a stack file cannot hold it
+std::string imageName(const std::string& filename)
+{
+  const std::filesystem::path path = std::filesystem::absolute(filename);
+  if (!isStorableName(path.filename().string()))
+    throw ValueError("std::string imageName(const std::string&)",
+                     "The name of \"" + filename + "\" holds what a stack file cannot hold in names");
+  return path.string();
 }
 
 PixelCalibration converted(PixelCalibration calibration, const LengthUnit& unit)
@@ -66,19 +78,17 @@ template <class Source> void addPlanes(Stack& stack, Source source, const char* 
   }
 }
 
-/// Takes over what a file says of its pixels and of the distance of its planes.
+/// Takes over what a file says of its pixels and of the distance of its planes; both are in one unit.
 void calibrate(Stack& stack, const PixelCalibration& calibration, float distance)
 {
-  if (!tellsPixelSize(calibration)) return;
-  stack.setDefaultPixelCalibration(calibration);
-  stack.setDefaultSliceSpacing(distance);
+  if (tellsPixelSize(calibration)) stack.setDefaultPixelCalibration(calibration);
+  const bool isKnown = std::isfinite(distance) && calibration.getLengthUnit() == stack.getLengthUnit();
+  stack.setDefaultSliceSpacing(isKnown ? std::abs(distance) : 0);
 }
 
-/// A distance of 1 is what a TIFF file has that says nothing of it.
 template <class Source> float statedDistance(const Source& source)
 {
-  const float distance = source.getVoxelSizeZ();
-  return distance == 1 || !std::isfinite(distance) ? 0 : std::abs(distance);
+  return source.hasVoxelSizeZ() ? source.getVoxelSizeZ() : 0;
 }
 
 void addTiffPlanes(Stack& stack, const std::string& filename)
@@ -147,7 +157,7 @@ NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenam
     ImageReader::read(header, filename);
     auto slice = std::make_unique<StackSlice>();
     slice->setName(names.take(std::filesystem::path(filename).stem().string()));
-    slice->setImageSource(ImageSourceFile(std::filesystem::absolute(filename).string()));
+    slice->setImageSource(ImageSourceFile(imageName(filename)));
     if (usesFileCalibration && tellsPixelSize(header.getPixelCalibration()))
     {
       if (!isCalibrated) made.defaultCalibration = header.getPixelCalibration();
@@ -159,6 +169,7 @@ NewSlices makeSlices(const Stack& stack, const std::vector<std::string>& filenam
     made.slices.push_back(std::move(slice));
     subject.progress(static_cast<long>(made.slices.size()));
   }
+  subject.throwIfCancelled(where);
   for (StackSlice* const slice : uncalibrated) slice->setPixelCalibration(made.defaultCalibration);
   return made;
 }
@@ -178,7 +189,7 @@ int numChannelsOf(const std::string& filename)
 
 void addPlanesOf(Stack& stack, const std::string& name, int channel)
 {
-  const std::string filename = std::filesystem::absolute(name).string(), suffix = suffixOf(filename);
+  const std::string filename = imageName(name), suffix = suffixOf(filename);
   if (suffix == ".vm")
     addVoxelMatrixPlanes(stack, filename);
   else if (suffix == ".lsm")

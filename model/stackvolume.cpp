@@ -207,11 +207,23 @@ public:
 
   /// Where the file that will be `place` is written.
   std::string file(const std::string& place) const { return (_path / fs::path(place).filename()).string(); }
-  /// Puts it there. \throw FileWriteError
+  /// Puts it there, or where the link at that place leads, with the permissions of the file that it replaces.
+  /// \throw FileWriteError
   void moveTo(const std::string& place) const
   {
     std::error_code error;
-    fs::rename(file(place), place, error);
+    const bool isLink = fs::is_symlink(place, error);
+    const fs::path target = isLink ? fs::canonical(place, error) : fs::path(place);
+    if (fs::exists(target, error)) fs::permissions(file(place), fs::status(target, error).permissions(), error);
+    error.clear();
+    fs::rename(file(place), target, error);
+    if (error == std::errc::cross_device_link) // that the link leads to
+    {
+      const fs::path beside = target.string() + ".mirelo-part";
+      error.clear();
+      fs::copy_file(file(place), beside, fs::copy_options::overwrite_existing, error);
+      if (!error) fs::rename(beside, target, error);
+    }
     if (error) throw FileWriteError(saveSignature, "Cannot replace file (" + error.message() + ")", place);
   }
 
@@ -357,6 +369,7 @@ void stackToVolume(VoxelMatrix<T>& volume, const Stack& stack, ImageColorContent
     planes[k] = plane;
     subject.progress(k + 1);
   }
+  subject.throwIfCancelled(readSignature);
   planes.setVoxelCalibration(voxelCalibration(stack));
   volume.swap(planes);
 }

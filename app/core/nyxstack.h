@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -39,9 +40,9 @@ public:
   /// Whether the file is another one than when it was read or written last.
   bool hasFileChanged() const;
 
-  /// Whether the user wants the length unit kept although the file holds fewer digits than the stack.
-  bool acceptsLosses() const { return _acceptsLosses; }
-  void setAcceptsLosses(bool flag) { _acceptsLosses = flag; }
+  /// The losses of digits that the user was told of and accepts when the stack is saved.
+  const QStringList& getAcceptedLosses() const { return _acceptedLosses; }
+  void setAcceptedLosses(const QStringList& lines) { _acceptedLosses = lines; }
 
   bool isModified() const;
   /// Posts NYXStackModifyEvent. Not modified: the stack is saved as it is now. Modified: it stays so until saved.
@@ -109,7 +110,7 @@ private:
 
   QString _filename;
   FileState _fileState;
-  bool _acceptsLosses = false;
+  QStringList _acceptedLosses;
   bool _isChangedByOthers = false; // since it was saved, by what no history knows
   int _numLooseChanges = 0;
   bool _wasModified = false; // as told last

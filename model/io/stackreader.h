@@ -129,7 +129,7 @@ private:
   struct StatedPixelSize
   {
     std::optional<float> width;
-    std::optional<float> height;
+    std::vector<float> heights; // the last one counts that goes with the other numbers
     std::optional<float> aspectRatio;
 
     /// The calibration with these numbers, as PixelCalibration::compute() derives the others.

@@ -125,7 +125,7 @@ void StackReader::inputPixelAspect(const StackArguments& arguments)
 
 void StackReader::inputPixelHeight(const StackArguments& arguments)
 {
-  _pixelSize.height = arguments.positiveReal(0);
+  _pixelSize.heights.push_back(arguments.positiveReal(0));
 }
 
 void StackReader::inputPixelWidth(const StackArguments& arguments)
@@ -137,7 +137,7 @@ PixelCalibration StackReader::StatedPixelSize::applied(PixelCalibration calibrat
 {
   calibration.clearFlags();
   if (width) calibration.setPixelWidth(*width);
-  if (height) calibration.setPixelHeight(*height);
+  if (!heights.empty()) calibration.setPixelHeight(heights.back());
   if (aspectRatio) calibration.setAspectRatio(*aspectRatio);
   calibration.compute();
   return calibration;
@@ -146,13 +146,13 @@ PixelCalibration StackReader::StatedPixelSize::applied(PixelCalibration calibrat
 void StackReader::closePixelSize()
 {
   StatedPixelSize stated = std::exchange(_pixelSize, {});
-  if (!stated.width && !stated.height && !stated.aspectRatio) return;
+  if (!stated.width && stated.heights.empty() && !stated.aspectRatio) return;
   StackSlice* const slice = _context.getSlice();
   Stack* const stack = _context.getStack();
   const PixelCalibration old = slice ? slice->getPixelCalibration() : stack->getDefaultPixelCalibration();
-  if (!isStorableCalibration(stated.applied(old)))
+  while (!stated.heights.empty() && !isStorableCalibration(stated.applied(old)))
   {
-    stated.height.reset(); // width and aspect ratio were checked where they stood
+    stated.heights.pop_back(); // width and aspect ratio were checked where they stood
     addToLog(failureLine(std::string(getString(StackKeyword::PixelHeight)), ArgValueError()));
   }
   if (slice)

@@ -88,6 +88,7 @@ void StackWriter::write(const Stack& stack, const std::string& fileName)
     writeModels(stack);
     writePoses(stack);
     out.flush();
+    throwIfCancelled(writeSignature);
     file.commit(AtomicFile::Durability::FlushToDisk, _beforeReplace);
   }
   catch (const ValueError& error)
@@ -236,8 +237,10 @@ std::string StackWriter::enterDirectory(const Stack& stack, const std::string& i
   if (!file.has_filename()) return file.string(); // the root
   const fs::path parent = file.parent_path();
   const std::string directory = (stack.getAbsoluteImagesPathPolicy() ? parent : relativeDirectory(parent)).string();
-  requireStorableName(directory, writeSignature); // what is written of the path
-  requireStorableName(file.filename().string(), writeSignature);
+  if (!isStorableName(directory) || !isStorableName(file.filename().string())) // what is written of the path
+    throw ValueError(writeSignature,
+                     "The path \"" + imageFileName +
+                         "\" of an image holds a tab, a line break or one of the escapes of stack files");
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();

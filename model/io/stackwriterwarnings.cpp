@@ -58,36 +58,42 @@ template <class Written> std::optional<LengthUnit> keepingUnit(float length, int
 class LengthCheck
 {
 public:
-  LengthCheck(std::string owner, const LengthUnit& unit, LengthLosses& losses)
-    : _owner(std::move(owner)), _unit(unit), _losses(losses)
+  /// Of lengths in the unit, as if they were converted to another one.
+  LengthCheck(std::string owner, const LengthUnit& unit, const LengthUnit& target, LengthLosses& losses)
+    : _owner(std::move(owner)),
+      _unit(target),
+      _factor(std::pow(10.0, unit.getScale() - target.getScale())),
+      _losses(losses)
   {
   }
 
-  void check(const std::string& name, float length)
+  void check(const std::string& name, float unconverted)
   {
+    const float length = converted(unconverted);
     checkWritten(name, length, [length](double factor) { return writtenLength(static_cast<float>(length * factor)); });
   }
 
   void check(const PixelCalibration& calibration)
   {
-    const float width = calibration.getPixelWidth(), aspect = calibration.getAspectRatio();
+    const float width = converted(calibration.getPixelWidth()), aspect = calibration.getAspectRatio();
     const double writtenAspect = writtenLength(aspect);
-    check("pixel width", width);
+    check("pixel width", calibration.getPixelWidth());
     if (!isKept(aspect, writtenAspect)) // no unit helps here
       _losses.lines.push_back(_owner + ": the pixel aspect ratio " + shortest(aspect) + " is written as " +
                               shortest(static_cast<float>(writtenAspect)) + ".");
     else if (isKept(width, writtenLength(width))) // the height is their product
-      checkWritten("pixel height", calibration.getPixelHeight(),
+      checkWritten("pixel height", converted(calibration.getPixelHeight()),
                    [=](double factor) { return writtenAspect * writtenLength(static_cast<float>(width * factor)); });
   }
 
 private:
+  float converted(float length) const { return _factor == 1 ? length : static_cast<float>(length * _factor); }
+
   template <class Written> void checkWritten(const std::string& name, float length, Written written)
   {
     if (isKept(length, written(1))) return;
     const std::optional<LengthUnit> unit = keepingUnit(length, _unit.getScale(), written);
-    if (unit && (!_losses.keepingUnit || unit->getScale() < _losses.keepingUnit->getScale()))
-      _losses.keepingUnit = unit;
+    if (unit) _losses.keepingUnit = unit;
     _losses.lines.push_back(_owner + ": the " + name + " " + shortest(length) + " " + _unit.name() + " is written as " +
                             shortest(static_cast<float>(written(1))) +
                             (unit ? "; the length unit " + unit->name() + " would keep it." : "."));
@@ -95,6 +101,7 @@ private:
 
   std::string _owner;
   LengthUnit _unit;
+  double _factor;
   LengthLosses& _losses;
 };
 
@@ -110,18 +117,18 @@ void requireStorable(const std::string& owner, const PixelCalibration& calibrati
                               " is not from 1e-15 to 1e15");
 }
 
-void checkLengths(const Stack& stack, LengthLosses& losses)
+void checkLengths(const Stack& stack, const LengthUnit& unit, LengthLosses& losses)
 {
   requireStorable("Stack", stack.getDefaultPixelCalibration());
-  LengthCheck lengths("Stack", stack.getLengthUnit(), losses);
+  LengthCheck lengths("Stack", stack.getLengthUnit(), unit, losses);
   lengths.check(stack.getDefaultPixelCalibration());
   lengths.check("relative position", stack.getDefaultRelativePosition());
 }
 
-void checkLengths(const Stack& stack, const StackSlice& slice, LengthLosses& losses)
+void checkLengths(const Stack& stack, const StackSlice& slice, const LengthUnit& unit, LengthLosses& losses)
 {
   requireStorable("Slice \"" + slice.getName() + "\"", slice.getPixelCalibration());
-  LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), losses);
+  LengthCheck lengths("Slice \"" + slice.getName() + "\"", stack.getLengthUnit(), unit, losses);
   if (slice.getPixelCalibration() != stack.getDefaultPixelCalibration()) lengths.check(slice.getPixelCalibration());
   if (!slice.useRelativePosition())
     lengths.check("position", slice.getAbsolutePosition());
@@ -196,9 +203,23 @@ void checkItems(const Stack& stack, const StackSlice& slice, std::vector<std::st
 
 LengthLosses lengthLosses(const Stack& stack)
 {
-  LengthLosses losses;
-  checkLengths(stack, losses);
-  for (int i = 0; i < stack.getNumSlices(); ++i) checkLengths(stack, *stack.getSlice(i), losses);
+  const auto lossesIn = [&stack](const LengthUnit& unit)
+  {
+    LengthLosses losses; // keepingUnit: one that keeps some length
+    checkLengths(stack, unit, losses);
+    for (int i = 0; i < stack.getNumSlices(); ++i) checkLengths(stack, *stack.getSlice(i), unit, losses);
+    return losses;
+  };
+  LengthLosses losses = lossesIn(stack.getLengthUnit());
+  if (!losses.keepingUnit) return losses;
+  const std::vector<int> scales = LengthUnit::availableScales();
+  for (auto finer = scales.rbegin(); finer != scales.rend(); ++finer)
+    if (*finer < stack.getLengthUnit().getScale() && !lossesIn(LengthUnit(*finer)).keepingUnit)
+    {
+      losses.keepingUnit = LengthUnit(*finer);
+      return losses;
+    }
+  losses.keepingUnit.reset();
   return losses;
 }
 
@@ -206,13 +227,13 @@ std::vector<std::string> stackWriterWarnings(const Stack& stack)
 {
   LengthLosses losses;
   std::vector<std::string>& warnings = losses.lines;
-  checkLengths(stack, losses);
+  checkLengths(stack, stack.getLengthUnit(), losses);
   checkAnnotation("Stack", stack.getAnnotation(), warnings);
   NameCheck sliceNames("slices", warnings), modelNames("models", warnings);
   for (int i = 0; i < stack.getNumSlices(); ++i)
   {
     const StackSlice& slice = *stack.getSlice(i);
-    checkLengths(stack, slice, losses);
+    checkLengths(stack, slice, stack.getLengthUnit(), losses);
     checkAnnotation("Slice \"" + slice.getName() + "\"", slice.getAnnotation(), warnings);
     checkItems(stack, slice, warnings);
     sliceNames.check(slice.getName());

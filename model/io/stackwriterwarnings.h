@@ -7,7 +7,7 @@
 #include <vector>
 
 /// The lengths of a stack that lose more than half a percent with the decimals that are written, a line each, and the
-/// length unit in which those that can be kept in a finer one are all kept.
+/// coarsest finer length unit in which no length is lost that any unit keeps; none when no unit helps.
 struct LengthLosses
 {
   std::vector<std::string> lines;
