@@ -9,6 +9,7 @@
 #include <limits>
 #include <numeric>
 #include <ostream>
+#include <vector>
 
 std::string getShapeTypeName(int shapeType)
 {
@@ -42,15 +43,19 @@ template <class T> SquareMatrix<Real<T>> Shape<T>::inertia() const
 {
   const Vector<Real<T>> center = cog();
   const int space = this->getSpace();
-  SquareMatrix<Real<T>> moments(space);
-  moments.setZeros();
+  std::vector<Wide<T>> sums(static_cast<std::size_t>(space) * space, 0);
   forEachVertex(
       [&](const T* coordinates)
       {
         for (int i = 0; i < space; ++i)
-          for (int j = 0; j < space; ++j) moments(i, j) += (coordinates[i] - center[i]) * (coordinates[j] - center[j]);
+          for (int j = 0; j < space; ++j)
+            sums[static_cast<std::size_t>(i) * space + j] +=
+                (Wide<T>(coordinates[i]) - center[i]) * (Wide<T>(coordinates[j]) - center[j]);
       });
-  moments /= static_cast<Real<T>>(getNumVertices());
+  SquareMatrix<Real<T>> moments(space);
+  for (int i = 0; i < space; ++i)
+    for (int j = 0; j < space; ++j)
+      moments(i, j) = static_cast<Real<T>>(sums[static_cast<std::size_t>(i) * space + j] / getNumVertices());
   return moments;
 }
 

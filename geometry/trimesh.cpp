@@ -1,5 +1,6 @@
 #include "geometry/trimesh.h"
 
+#include "geometry/coordinates.h"
 #include "geometry/vectors3d.h"
 
 #include <algorithm>
@@ -179,9 +180,9 @@ template <class T> Real<T> TriMesh<T>::area() const
 {
   requireConsistency("T TriMesh<T>::area() const");
   const int space = this->getSpace();
-  Real<T> sum = 0;
+  Wide<T> sum = 0;
   forEachTriangle([&sum, space](const T* a, const T* b, const T* c) { sum += twiceTriangleArea(a, b, c, space); });
-  return sum / 2;
+  return static_cast<Real<T>>(sum / 2);
 }
 
 template <class T> Real<T> TriMesh<T>::volume() const
@@ -210,20 +211,19 @@ template <class T> Vector<Real<T>> TriMesh<T>::centerOfGravity() const
   const char* const where = "Vector<T> TriMesh<T>::centerOfGravity() const";
   requireConsistency(where);
   const int space = this->getSpace();
-  Vector<Real<T>> center;
-  center.setZeros(space);
-  Real<T> total = 0;
+  std::vector<Wide<T>> sums(static_cast<std::size_t>(space), 0);
+  Wide<T> total = 0;
   forEachTriangle(
-      [&center, &total, space](const T* a, const T* b, const T* c)
+      [&sums, &total, space](const T* a, const T* b, const T* c)
       {
-        const Real<T> weight = twiceTriangleArea(a, b, c, space);
+        const Wide<T> weight = twiceTriangleArea(a, b, c, space);
         total += weight;
-        for (int k = 0; k < space; ++k)
-          center[k] +=
-              weight * (static_cast<Real<T>>(a[k]) + static_cast<Real<T>>(b[k]) + static_cast<Real<T>>(c[k])) / 3;
+        for (int k = 0; k < space; ++k) sums[k] += weight * (Wide<T>(a[k]) + Wide<T>(b[k]) + Wide<T>(c[k])) / 3;
       });
   if (!(total > 0)) throw SizeError(where, "This mesh has no surface");
-  return center /= total;
+  Vector<Real<T>> center(space);
+  for (int k = 0; k < space; ++k) center[k] = static_cast<Real<T>>(sums[k] / total);
+  return center;
 }
 
 template <class T> void TriMesh<T>::cube()

@@ -1,6 +1,7 @@
 #include "geometry/trimesh.h"
 
 #include <algorithm>
+#include <cmath>
 
 template <class T> Vector<int> TriMesh<T>::neighbours(int vertex) const
 {
@@ -40,6 +41,8 @@ template <class T> bool TriMesh<T>::contains(const Vector<T>& point) const
   requireSpace3(where);
   if (point.getSize() != 3) throw SizeError(where, "The point is not in three dimensions");
   using R = Real<T>;
+  for (int k = 0; k < 3; ++k)
+    if (!std::isfinite(static_cast<R>(point[k]))) return false;
   return tree().contains(view(), {static_cast<R>(point[0]), static_cast<R>(point[1]), static_cast<R>(point[2])});
 }
 

@@ -45,7 +45,7 @@ template <class T> std::vector<std::string> warningsAbout(const Model& model, co
   const std::vector<CurveStackFinding> findings = checkCurveStack(curves);
   const std::pair<CurveStackFinding::Kind, const char*> kinds[] = {
       {CurveStackFinding::OutOfOrder, "the slices do not lie one above the other in their order"},
-      {CurveStackFinding::CrossesItself, "contours cross themselves"},
+      {CurveStackFinding::CrossesItself, "contours touch or cross themselves"},
       {CurveStackFinding::Touches, "contours touch or cross each other"},
       {CurveStackFinding::Nested, "contours lie inside others; what they enclose counts twice"},
   };

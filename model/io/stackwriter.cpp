@@ -237,10 +237,15 @@ std::string StackWriter::enterDirectory(const Stack& stack, const std::string& i
   if (!file.has_filename()) return file.string(); // the root
   const fs::path parent = file.parent_path();
   const std::string directory = (stack.getAbsoluteImagesPathPolicy() ? parent : relativeDirectory(parent)).string();
-  if (!isStorableName(directory) || !isStorableName(file.filename().string())) // what is written of the path
-    throw ValueError(writeSignature,
-                     "The path \"" + imageFileName +
-                         "\" of an image holds a tab, a line break or one of the escapes of stack files");
+  try
+  {
+    requireStorableName(directory, writeSignature); // what is written of the path
+    requireStorableName(file.filename().string(), writeSignature);
+  }
+  catch (const ValueError& error)
+  {
+    throw ValueError(writeSignature, "Image \"" + imageFileName + "\": " + error.getWhat());
+  }
   if (directory != _imagesPath) _out->begin(K::ImagesPath).quoted(directory).end();
   _imagesPath = directory;
   return file.filename().string();

@@ -78,8 +78,13 @@ TEST_F(StackCreation, AddsNothingWhenAFileIsNoImageOrTheUserStopsIt)
   const auto add = [&](const std::vector<std::string>& files) { addImageFiles(stack, files, true, _subject); };
   EXPECT_THROW(add({good, _folder.file("missing.tif")}), FileReadError);
   EXPECT_THROW(add({good, _folder.write("text.tif", "no image")}), FileFormatError);
-  Canceller canceller(_subject, 0.4);
-  EXPECT_THROW(add({good, good, good}), Cancelled);
+  for (const double share : {0.4, 1.0})
+  {
+    Canceller canceller(_subject, share);
+    EXPECT_THROW(add({good, good, good}), Cancelled) << share;
+  }
+  EXPECT_THROW(add({file("tab\t.tif", {})}), ValueError);
+  EXPECT_THROW(addPlanesOf(stack, _folder.file("tab\t.tif")), ValueError);
   EXPECT_EQ(stack.getNumSlices(), 0);
 }
 
@@ -102,6 +107,14 @@ TEST_F(StackCreation, TakesThePlanesOfAFile)
                       .description = spaced,
                       .hasThumbnails = true});
   file("bare.tiff", {.planes = 2});
+  file("one.tif", {.planes = 2,
+                   .resolutionUnit = RESUNIT_NONE,
+                   .xResolution = 2,
+                   .yResolution = 2,
+                   .description = "ImageJ=1\nunit=um\nspacing=1.0\nloop=false\n"});
+  voxel.setVoxelSize({0, 0, 5}); // that no stack file can hold
+  volume.setVoxelCalibration(voxel);
+  volume.save(_folder.file("flat.vm"), true);
 
   const struct
   {
@@ -117,6 +130,8 @@ TEST_F(StackCreation, TakesThePlanesOfAFile)
       {"confocal.lsm", 2, {"000", "001"}, -6, 0.25f, 0.5f, 2, 2 * 13 + 3 * 7 + 31 + 100},
       {"spaced.tif", 0, {"000", "001", "002"}, -6, 0.25f, 0.25f, 0.5f, 2 * 13 + 3 * 7 + 31},
       {"bare.tiff", 0, {"000", "001"}, -6, 1, 1, 0, 2 * 13 + 3 * 7 + 31},
+      {"one.tif", 0, {"000", "001"}, -6, 0.5f, 0.5f, 1, 2 * 13 + 3 * 7 + 31},
+      {"flat.vm", 0, {"0000", "0001"}, -6, 1, 1, 0, 9},
   };
   for (const auto& [name, channel, names, unit, width, height, distance, pixel] : cases)
   {

@@ -1,5 +1,6 @@
 #include "image/imagesourcefile.h"
 #include "image/imagesourcetiffstackplane.h"
+#include "model/io/stackwriterwarnings.h"
 #include "tests/support/errors.h"
 #include "tests/support/stackfiles.h"
 
@@ -286,6 +287,20 @@ TEST(StackSaving, KeepsLinksAndPermissions)
   stat(target.c_str(), &status);
   EXPECT_EQ(status.st_mode & 0777, 0640u);
   EXPECT_TRUE(std::filesystem::exists(folder.file("deep/new.sdf")));
+}
+
+TEST(StackWarnings, TheKeepingUnitKeepsAllThatAnyUnitKeeps)
+{
+  // In millimetres the pixel has its own decimals; in micrometres it would have lost one.
+  Stack stack;
+  stack.setLengthUnit(LengthUnit(-3));
+  setPixelWidth(stack, 0.000645f);
+  stack.setDefaultRelativePosition(0.0125f);
+  const LengthLosses losses = lengthLosses(stack);
+  EXPECT_EQ(losses.lines.size(), 1u);
+  ASSERT_TRUE(losses.keepingUnit);
+  stack.convertLengthUnit(losses.keepingUnit->getScale());
+  EXPECT_THAT(lengthLosses(stack).lines, IsEmpty());
 }
 
 TEST(StackWarnings, NameWhatTwoDecimalsLose)

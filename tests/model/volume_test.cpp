@@ -201,6 +201,28 @@ template <class T> std::string failureOf(const Stack& stack)
 }
 } // namespace
 
+TEST(Volume, WritesOverImagesWithTheirPermissionsAndWhereLinksLead)
+{
+  namespace fs = std::filesystem;
+  const TemporaryFolder folder;
+  ProgressSubject subject;
+  VoxelMatrix<unsigned char> volume(2, 3, 2);
+  volume.setZeros();
+  const auto save = [&] { saveVolumeAsStack(volume, folder.file("v.sdf"), 1, true, subject); };
+  save();
+  fs::permissions(folder.file("v-0001.tif"), fs::perms(0640));
+  fs::create_directory(folder.file("real"));
+  fs::rename(folder.file("v-0002.tif"), folder.file("real/x.tif"));
+  fs::create_symlink("real/x.tif", folder.file("v-0002.tif"));
+  volume[1](1, 2) = 9;
+  save();
+  EXPECT_EQ(fs::status(folder.file("v-0001.tif")).permissions(), fs::perms(0640));
+  EXPECT_TRUE(fs::is_symlink(folder.file("v-0002.tif")));
+  Image image;
+  ImageReader::read(image, folder.file("real/x.tif"));
+  EXPECT_EQ(image.getPixels()[1][2], 9);
+}
+
 TEST(Volume, TakesPlanesInMemoryAsTheyAre)
 {
   Stack stack;

@@ -446,7 +446,7 @@ TEST_F(StackExporterTest, TellsOfContoursThatMayNotBeMeant)
   std::vector<std::string> texts;
   for (const std::string& line : _exporter.getWarnings()) texts.push_back(line.substr(0, line.find(", on slice")));
   EXPECT_THAT(texts, testing::IsSupersetOf({"Model \"cell\": the slices do not lie one above the other in their order",
-                                            "Model \"cell\": contours cross themselves"}));
+                                            "Model \"cell\": contours touch or cross themselves"}));
 }
 
 TEST_F(StackExporterTest, NamesTheContoursThatItLeavesOut)
