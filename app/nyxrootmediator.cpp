@@ -436,6 +436,7 @@ void NYXRootMediator::showPluginError(const QString& name, const QString& reason
   QMessageBox::warning(_window, tr("Plug-in error"), plainText(tr("%1 failed: %2").arg(name, reason)));
 }
 
+/// Takes a copy: the menu may be filled anew meanwhile.
 void NYXRootMediator::pluginActionTriggered(NYXLoadedPlugin plugin)
 {
   const NYXPluginOutcome outcome = runPlugin(*plugin.plugin, plugin.name, *currentStack(), _window, *_statusBar);

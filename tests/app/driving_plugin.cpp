@@ -2,6 +2,8 @@
 // of the first stack after that, after Undo and after Redo, and quits.
 #include "app/core/nyxstackserver.h"
 #include "app/nyxplugin.h"
+#include "geometry/curveprocessing/fourierdescriptors.h"
+#include "geometry/reconstruction/modelmorphometry.h"
 #include "model/stackslice.h"
 
 #include <QAction>
@@ -60,7 +62,14 @@ public:
   }
 
   QString name() const override { return "Drive"; }
-  Change run(const NYXStack&, ProgressSubject&) override { return {}; }
+
+  /// Calls what the program itself does not; were it missing, the plug-in could not be loaded.
+  Change run(const NYXStack&, ProgressSubject&) override
+  {
+    FourierDescriptors<float>().compute(Curve<float>(), 1);
+    ModelMorphometry().run();
+    return {};
+  }
 
 private:
   void driveOnceOpened()

@@ -5,7 +5,9 @@
 set -euo pipefail
 cmake=$1 build=$2 example=$3 driver=$4 stack=$5
 shift 5
-home=$(mktemp -d)
+home=$build/plugin-test # the same each time, for the compiler's cache
+rm -rf "$home"
+mkdir -m 700 "$home"
 trap 'rm -rf "$home"' EXIT
 prefix=$home/prefix
 
@@ -26,12 +28,15 @@ quietly "$cmake" -S "$example" -B "$home/build" -D CMAKE_PREFIX_PATH="$prefix" -
 quietly "$cmake" --build "$home/build"
 quietly "$cmake" --install "$home/build"
 
-mkdir "$home/driver"
-cp "$driver" "$home/driver"
+users=$home/data/VELK/Mirelo/plugins
+mkdir -p "$users"
+cp "$driver" "$users"
+mv "$prefix" "$home/moved" # the program finds its plug-ins wherever it is
 HOME=$home XDG_CONFIG_HOME=$home/config XDG_DATA_HOME=$home/data XDG_RUNTIME_DIR=$home LC_ALL=C \
-  MIRELO_PLUGIN_PATH=$home/driver timeout 60 "$prefix/bin/mirelo" "$stack" >"$home/out" 2>&1 ||
+  timeout 60 "$home/moved/bin/mirelo" "$stack" >"$home/out" 2>&1 ||
   fail "the program ended with status $?: $(cat "$home/out")"
 
+# Names of the first two slices and of the last.
 before=$(sed -n 's/^SLICE "\([^"]*\)".*/\1/p' "$stack" | sed -n '1,2p;$p' | paste -sd' ' | sed 's/ \([^ ]*\)$/, \1/')
 last=$(grep -c '^SLICE' "$stack")
 cat >"$home/expected" <<END
