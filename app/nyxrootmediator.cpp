@@ -33,6 +33,11 @@
 
 #include <utility>
 
+namespace
+{
+constexpr int messageMilliseconds = 5000;
+} // namespace
+
 NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
 {
   createFileActions();
@@ -61,6 +66,15 @@ template <class Slot> QAction* NYXRootMediator::createStackAction(const QString&
   QAction* action = createAction(text, toolTip, shortcut, std::forward<Slot>(slot));
   _stackActions.append(action);
   return action;
+}
+
+/// Shows a dialog until it is closed; its messages go to the status bar, too.
+template <class Dialog, class... Arguments> void NYXRootMediator::openDialog(Arguments&&... arguments)
+{
+  Dialog dialog(std::forward<Arguments>(arguments)..., _window);
+  connect(&dialog, &Dialog::messageShown, _statusBar,
+          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
+  dialog.exec();
 }
 
 /// An action whose subsystem is not built yet: disabled, and its tool tip says so.
@@ -119,18 +133,18 @@ void NYXRootMediator::createEditActions()
   };
   _editDialogs = {
       createStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
-                        [this] { NYXModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
       _insertSlice,
       _deleteSlice,
       createStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
-                        [this] { NYXStackPropertiesDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
       sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
                   [this](NYXStack& stack, StackSlice& slice)
-                  { NYXSlicePropertiesDialog(stack, {&slice}, _window).exec(); }),
+                  { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); }),
       createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
-                        [this] { NYXAnnotationDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXAnnotationDialog>(*currentStack()); }),
       sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
-                  [this](NYXStack& stack, StackSlice& slice) { NYXAnnotationDialog(stack, slice, _window).exec(); }),
+                  [this](NYXStack& stack, StackSlice& slice) { openDialog<NYXAnnotationDialog>(stack, slice); }),
   };
   _preferences =
       createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
@@ -161,9 +175,9 @@ void NYXRootMediator::createProcessActions()
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
       createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
       createStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
-                        [this] { NYXTransferModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXTransferModelsDialog>(*currentStack()); }),
       createStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
-                        [this] { NYXFilterModelsDialog(*currentStack(), _window).exec(); }),
+                        [this] { openDialog<NYXFilterModelsDialog>(*currentStack()); }),
   };
 }
 
@@ -357,7 +371,7 @@ void NYXRootMediator::deleteSlice()
   _statusBar->showMessage(numItems == 0
                               ? tr("Deleted slice %1; Undo restores it").arg(name)
                               : tr("Deleted slice %1 with %n item(s); Undo restores them", "", numItems).arg(name),
-                          5000);
+                          messageMilliseconds);
 }
 
 void NYXRootMediator::followHistories()
@@ -409,7 +423,7 @@ void NYXRootMediator::refreshPlugins()
   NYXPluginServer& server = NYXPluginServer::server();
   server.loadPlugins();
   updatePluginActions();
-  _statusBar->showMessage(tr("%n plug-in(s) found", "", server.getNumPlugins()), 5000);
+  _statusBar->showMessage(tr("%n plug-in(s) found", "", server.getNumPlugins()), messageMilliseconds);
   if (server.getProblems().isEmpty()) return;
   QMessageBox::warning(_window, tr("Plug-in error"), plainText(server.getProblems().join('\n')));
 }
@@ -442,7 +456,8 @@ void NYXRootMediator::pluginActionTriggered(NYXLoadedPlugin plugin)
   const NYXPluginOutcome outcome = runPlugin(*plugin.plugin, plugin.name, *currentStack(), _window, *_statusBar);
   if (outcome.kind == NYXPluginOutcome::Failed) return showPluginError(plugin.name, outcome.reason);
   const bool isDone = outcome.kind == NYXPluginOutcome::Done;
-  _statusBar->showMessage((isDone ? tr("%1 is done") : tr("%1 canceled; nothing was changed")).arg(plugin.name), 5000);
+  _statusBar->showMessage((isDone ? tr("%1 is done") : tr("%1 canceled; nothing was changed")).arg(plugin.name),
+                          messageMilliseconds);
 }
 
 void NYXRootMediator::stackNameEvent(const NYXStackNameEvent&)

@@ -77,6 +77,7 @@ private:
   QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
   template <class Slot>
   QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
+  template <class Dialog, class... Arguments> void openDialog(Arguments&&... arguments);
   QAction* createLaterAction(const QString& text, const QString& toolTip);
   void createFileActions();
   void createEditActions();

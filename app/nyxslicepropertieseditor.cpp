@@ -1,12 +1,12 @@
 #include "app/nyxslicepropertieseditor.h"
 
+#include "app/core/actions/nyxsliceimageaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
-#include "app/nyxsliceimageaction.h"
 #include "image/imagesourcefilemosaic.h"
 #include "image/imagesourcelsmstackplane.h"
 #include "image/imagesourcetiffstackplane.h"

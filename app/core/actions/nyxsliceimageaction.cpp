@@ -1,4 +1,4 @@
-#include "app/nyxsliceimageaction.h"
+#include "app/core/actions/nyxsliceimageaction.h"
 
 #include "app/core/nyxstack.h"
 #include "image/imagesourcefile.h"
