@@ -1,9 +1,12 @@
 #include "app/nyxpluginserver.h"
 
+#include "app/core/nyxexception.h"
 #include "app/nyxplugin.h"
+#include "app/nyxpluginrun.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QJsonObject>
 #include <QLibrary>
 #include <QPluginLoader>
 #include <QStandardPaths>
@@ -13,12 +16,42 @@
 
 namespace
 {
-QStringList pluginFolders()
+QStringList namedFolders()
 {
-  QStringList folders = qEnvironmentVariable("MIRELO_PLUGIN_PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
-  folders += QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath("plugins");
-  folders += QDir(QCoreApplication::applicationDirPath()).filePath("../lib/mirelo/plugins");
-  return folders;
+  return qEnvironmentVariable("MIRELO_PLUGIN_PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
+}
+
+QStringList standardFolders()
+{
+  return {QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath("plugins"),
+          QDir(QCoreApplication::applicationDirPath()).filePath(MIRELO_PLUGIN_DIR)};
+}
+
+/// What keeps a library from being loaded, by what it says of itself; no code of it runs before this is known.
+QString objection(const QPluginLoader& loader)
+{
+  const QString iid = loader.metaData().value("IID").toString();
+  if (iid == MIRELO_PLUGIN_IID) return {};
+  if (iid.isEmpty()) return loader.errorString();
+  const QString family = MIRELO_PLUGIN_FAMILY;
+  if (!iid.startsWith(family)) return "it is no plug-in of this program";
+  return QString("it is made for version %1, this is " MIRELO_VERSION).arg(iid.mid(family.size()));
+}
+
+/// \throw anything  what the code of the library throws
+NYXLoadedPlugin load(const QString& file)
+{
+  const std::string where = "NYXLoadedPlugin load(const QString&)";
+  QPluginLoader loader(file);
+  if (const QString reason = objection(loader); !reason.isEmpty()) throw NYXException(where, reason.toStdString());
+  // A symbol that is missing is found now and not when it is called; actions of the plug-in may outlive its last run.
+  loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
+  auto* const plugin = qobject_cast<NYXPlugin*>(loader.instance());
+  if (plugin == nullptr)
+    throw NYXException(where, loader.isLoaded() ? "it holds no NYXPlugin" : loader.errorString().toStdString());
+  const QString name = plugin->name().simplified();
+  if (name.isEmpty()) throw NYXException(where, "it has no name");
+  return {name, file, plugin};
 }
 } // namespace
 
@@ -31,25 +64,43 @@ NYXPluginServer& NYXPluginServer::server()
 void NYXPluginServer::loadPlugins()
 {
   _plugins.clear();
-  for (const QString& folder : pluginFolders())
+  _problems.clear();
+  for (const QString& folder : namedFolders())
   {
-    for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files, QDir::Name))
-    {
-      if (QLibrary::isLibrary(file.fileName())) loadPlugin(file.absoluteFilePath());
-    }
+    if (!QDir(folder).exists()) noteProblem("MIRELO_PLUGIN_PATH names a folder that does not exist: " + folder);
+    loadFolder(folder);
+  }
+  for (const QString& folder : standardFolders()) loadFolder(folder);
+}
+
+void NYXPluginServer::loadFolder(const QString& folder)
+{
+  for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files, QDir::Name))
+  {
+    const QString file = info.canonicalFilePath();
+    if (!QLibrary::isLibrary(info.fileName()) || file.isEmpty()) continue;
+    const bool isKnown = std::ranges::find(_plugins, file, &NYXLoadedPlugin::file) != _plugins.end();
+    if (!isKnown) loadPlugin(file);
   }
 }
 
 void NYXPluginServer::loadPlugin(const QString& file)
 {
-  QPluginLoader loader(file);
-  auto* plugin = qobject_cast<NYXPlugin*>(loader.instance());
-  if (plugin == nullptr)
+  try
   {
-    const QString reason = loader.isLoaded() ? "it is no plug-in of this program" : loader.errorString();
-    std::cerr << "mirelo: cannot load plug-in " << file.toStdString() << ": " << reason.simplified().toStdString()
-              << "\n";
-    return;
+    NYXLoadedPlugin loaded = load(file);
+    const auto first = std::ranges::find(_plugins, loaded.name, &NYXLoadedPlugin::name);
+    if (first == _plugins.end()) return _plugins.push_back(std::move(loaded));
+    noteProblem(QString("cannot use plug-in %1: %2 is named %3, too").arg(file, first->file, loaded.name));
   }
-  if (std::ranges::find(_plugins, plugin) == _plugins.end()) _plugins.push_back(plugin);
+  catch (...)
+  {
+    noteProblem(QString("cannot load plug-in %1: %2").arg(file, textOfCurrentError()));
+  }
+}
+
+void NYXPluginServer::noteProblem(const QString& text)
+{
+  _problems.append(text.simplified());
+  std::cerr << "mirelo: " << _problems.last().toStdString() << "\n";
 }

@@ -8,7 +8,7 @@
 #include "app/nyxfiltermodelsdialog.h"
 #include "app/nyxmodelsdialog.h"
 #include "app/nyxplaintext.h"
-#include "app/nyxplugin.h"
+#include "app/nyxpluginrun.h"
 #include "app/nyxpluginserver.h"
 #include "app/nyxpreferencesdialog.h"
 #include "app/nyxrootsliceeditwidget.h"
@@ -31,7 +31,6 @@
 #include <QMessageBox>
 #include <QToolBar>
 
-#include <exception>
 #include <utility>
 
 namespace
@@ -189,13 +188,7 @@ void NYXRootMediator::createAnalyzeActions()
 
 void NYXRootMediator::createPluginsActions()
 {
-  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {},
-                                 [this]
-                                 {
-                                   NYXPluginServer::server().loadPlugins();
-                                   updatePluginActions();
-                                   _statusBar->showMessage(tr("%n plug-in(s) found", "", _pluginActions.size()), 3000);
-                                 });
+  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {}, [this] { refreshPlugins(); });
 }
 
 void NYXRootMediator::initFileMenu(QMenu& menu)
@@ -425,45 +418,46 @@ void NYXRootMediator::updateRecentFilesMenu()
   _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
 }
 
+void NYXRootMediator::refreshPlugins()
+{
+  NYXPluginServer& server = NYXPluginServer::server();
+  server.loadPlugins();
+  updatePluginActions();
+  _statusBar->showMessage(tr("%n plug-in(s) found", "", server.getNumPlugins()), messageMilliseconds);
+  if (server.getProblems().isEmpty()) return;
+  QMessageBox::warning(_window, tr("Plug-in error"), plainText(server.getProblems().join('\n')));
+}
+
 void NYXRootMediator::updatePluginActions()
 {
   qDeleteAll(_pluginActions);
   _pluginActions.clear();
-  NYXPluginServer& server = NYXPluginServer::server();
+  const NYXPluginServer& server = NYXPluginServer::server();
   for (int i = 0; i < server.getNumPlugins(); ++i)
   {
-    NYXPlugin* plugin = &server.getPlugin(i); // lives until the program ends, found again or not
-    _pluginActions.append(createAction(plugin->name(), tr("Run the plug-in on the current stack"), {},
-                                       [this, plugin] { pluginActionTriggered(*plugin); }));
+    const NYXLoadedPlugin& plugin = server.getPlugin(i);
+    QAction* action = createAction(plugin.name, tr("Run the plug-in on the current stack"), {},
+                                   [this, plugin] { pluginActionTriggered(plugin); });
+    action->setText(QString(plugin.name).replace("&", "&&"));
+    _pluginActions.append(action);
   }
   _pluginsMenu->insertActions(_refreshPlugins, _pluginActions);
   updateActions();
 }
 
-void NYXRootMediator::showPluginError(const QString& name, const std::string& reason)
+void NYXRootMediator::showPluginError(const QString& name, const QString& reason)
 {
-  QMessageBox::warning(_window, tr("Plug-in error"),
-                       plainText(tr("%1 failed: %2").arg(name, QString::fromStdString(reason))));
+  QMessageBox::warning(_window, tr("Plug-in error"), plainText(tr("%1 failed: %2").arg(name, reason)));
 }
 
-void NYXRootMediator::pluginActionTriggered(NYXPlugin& plugin)
+/// Takes a copy: the menu may be filled anew meanwhile.
+void NYXRootMediator::pluginActionTriggered(NYXLoadedPlugin plugin)
 {
-  try
-  {
-    plugin.run(*currentStack());
-  }
-  catch (const Exception& error)
-  {
-    showPluginError(plugin.name(), error.getWhat());
-  }
-  catch (const std::exception& error)
-  {
-    showPluginError(plugin.name(), error.what());
-  }
-  catch (...)
-  {
-    showPluginError(plugin.name(), "No details available");
-  }
+  const NYXPluginOutcome outcome = runPlugin(*plugin.plugin, plugin.name, *currentStack(), _window, *_statusBar);
+  if (outcome.kind == NYXPluginOutcome::Failed) return showPluginError(plugin.name, outcome.reason);
+  const bool isDone = outcome.kind == NYXPluginOutcome::Done;
+  _statusBar->showMessage((isDone ? tr("%1 is done") : tr("%1 canceled; nothing was changed")).arg(plugin.name),
+                          messageMilliseconds);
 }
 
 void NYXRootMediator::stackNameEvent(const NYXStackNameEvent&)

@@ -9,7 +9,6 @@
 #include <set>
 #include <string>
 
-class NYXPlugin;
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -21,6 +20,7 @@ class StackSlice;
 class QAction;
 class QMenu;
 class QToolBar;
+struct NYXLoadedPlugin;
 
 /// Owns the actions of the root window, enables them with the current stack and forwards them. Follows the event bus.
 class NYXRootMediator : public QObject, public NYXEventClient
@@ -103,9 +103,10 @@ private:
   void updateActions();
   void enableActions(bool flag);
   void updateRecentFilesMenu();
+  void refreshPlugins();
   void updatePluginActions();
-  void pluginActionTriggered(NYXPlugin& plugin);
-  void showPluginError(const QString& name, const std::string& reason);
+  void pluginActionTriggered(NYXLoadedPlugin plugin);
+  void showPluginError(const QString& name, const QString& reason);
 
   NYXRootWindow* _window = nullptr;
   NYXStackListWidget* _stackList = nullptr;

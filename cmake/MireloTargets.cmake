@@ -41,7 +41,7 @@ function(mirelo_add_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE mirelo::options ${ARG_LIBRARIES})
-  install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS ${name} EXPORT MireloTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
 # mirelo_add_test(numeric SOURCES ... LIBRARIES ...): one GoogleTest program per folder, each case a ctest test.
