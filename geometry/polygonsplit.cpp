@@ -1,7 +1,9 @@
 #include "geometry/polygonsplit.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <numeric>
 #include <span>
 #include <tuple>
@@ -92,6 +94,7 @@ private:
   int& next(int i) { return _next[static_cast<std::size_t>(i)]; }
   int& previous(int i) { return _previous[static_cast<std::size_t>(i)]; }
   const PlanePoint<R>& at(int i) const { return _points[static_cast<std::size_t>(i)]; }
+  std::vector<int> verticesThatMayTouch() const;
   std::vector<int> sortedVertices() const;
   void removeRepeated();
   void splitAt(std::span<const int> vertices);
@@ -136,18 +139,31 @@ template <class R> void SplitCycles<R>::split()
   }
 }
 
-/// The finite vertices, those at the same point beside each other.
+/// The finite vertices that may share their point with others: those whose place in a hash table is taken twice.
+template <class R> std::vector<int> SplitCycles<R>::verticesThatMayTouch() const
+{
+  const int numBits = std::bit_width(8 * _points.size());
+  const auto place = [numBits](const PlanePoint<R>& p)
+  {
+    constexpr std::uint64_t golden = 0x9e3779b97f4a7c15; // spreads close values
+    const auto bits = [](R x) { return std::bit_cast<std::uint64_t>(static_cast<double>(x) + 0.0); }; // -0 becomes 0
+    return static_cast<std::size_t>(((bits(p.x) * golden ^ bits(p.y)) * golden) >> (64 - numBits));
+  };
+  std::vector<std::uint8_t> counts(std::size_t{1} << numBits); // 2 stands for all above
+  for (const PlanePoint<R>& p : _points)
+    if (std::uint8_t& count = counts[place(p)]; count < 2) ++count;
+  std::vector<int> vertices;
+  for (int i = 0; i < _size; ++i)
+    if (counts[place(at(i))] == 2 && std::isfinite(at(i).x) && std::isfinite(at(i).y)) vertices.push_back(i);
+  return vertices;
+}
+
+/// The vertices that may touch others, those at the same point beside each other.
 template <class R> std::vector<int> SplitCycles<R>::sortedVertices() const
 {
-  std::vector<std::pair<PlanePoint<R>, int>> entries;
-  entries.reserve(_points.size());
-  for (int i = 0; i < _size; ++i)
-    if (std::isfinite(at(i).x) && std::isfinite(at(i).y)) entries.emplace_back(at(i), i);
-  std::sort(entries.begin(), entries.end(),
-            [](const auto& a, const auto& b)
-            { return std::tie(a.first.x, a.first.y, a.second) < std::tie(b.first.x, b.first.y, b.second); });
-  std::vector<int> vertices(entries.size());
-  std::transform(entries.begin(), entries.end(), vertices.begin(), [](const auto& entry) { return entry.second; });
+  std::vector<int> vertices = verticesThatMayTouch();
+  std::sort(vertices.begin(), vertices.end(),
+            [&](int i, int j) { return std::tie(at(i).x, at(i).y, i) < std::tie(at(j).x, at(j).y, j); });
   return vertices;
 }
 
