@@ -1,6 +1,7 @@
 #include "geometry/polygontriangulation.h"
 
 #include "geometry/planeprojection.h"
+#include "geometry/polygonsplit.h"
 #include "geometry/vertexgrid.h"
 
 #include <deque>
@@ -263,6 +264,28 @@ template <class R> void VertexCycle<R>::sortIntoGrid()
   _numInGrid = _size;
 }
 
+/// Adds the triangles of the polygon of some of the points to a mesh of them all.
+template <class R, class T>
+void triangulatePart(const std::vector<PlanePoint<R>>& points, const std::vector<int>& vertices, TriMesh<T>& mesh)
+{
+  std::vector<PlanePoint<R>> corners;
+  corners.reserve(vertices.size());
+  for (const int vertex : vertices) corners.push_back(points[static_cast<std::size_t>(vertex)]);
+  VertexCycle<R> cycle(std::move(corners));
+  const auto add = [&](int corner)
+  {
+    const auto vertex = [&](int k) { return vertices[static_cast<std::size_t>(k)]; };
+    mesh.addTriangle(vertex(cycle.previous(corner)), vertex(corner), vertex(cycle.next(corner)));
+  };
+  while (cycle.getSize() > 3)
+  {
+    const int ear = cycle.nextEar();
+    add(ear);
+    cycle.cut(ear);
+  }
+  add(cycle.anyVertex());
+}
+
 } // namespace
 
 template <class T> const TriMesh<T>& PolygonTriangulation<T>::apply(const Curve<T>& curve, int i, int j)
@@ -271,15 +294,10 @@ template <class T> const TriMesh<T>& PolygonTriangulation<T>::apply(const Curve<
   _mesh = TriMesh<T>(static_cast<const Vertices<T>&>(curve));
   if (curve.getSize() < 3) return _mesh;
   _mesh.reserveTriangles(curve.getSize() - 2);
-  VertexCycle<PredicateReal<T>> cycle(planeProjection(curve, i, j));
-  while (cycle.getSize() > 3)
-  {
-    const int ear = cycle.nextEar();
-    _mesh.addTriangle(cycle.previous(ear), ear, cycle.next(ear));
-    cycle.cut(ear);
-  }
-  const int rest = cycle.anyVertex();
-  _mesh.addTriangle(cycle.previous(rest), rest, cycle.next(rest));
+  const std::vector<PlanePoint<PredicateReal<T>>> points = planeProjection(curve, i, j);
+  const PolygonSplit<PredicateReal<T>> split(points);
+  for (const auto& [a, b, c] : split.getFlatTriangles()) _mesh.addTriangle(a, b, c);
+  for (const std::vector<int>& part : split.getParts()) triangulatePart(points, part, _mesh);
   return _mesh;
 }
 

@@ -123,6 +123,49 @@ Curve<double> outline(const std::map<Cell, std::set<int>>& tree)
   return closedCurve(points);
 }
 
+/// Cells that hang together by sides or corners.
+std::set<Cell> randomCells(std::mt19937& generator)
+{
+  const auto below = [&](int n) { return static_cast<int>(generator() % static_cast<unsigned>(n)); };
+  const int width = 2 + below(6), height = 2 + below(6);
+  std::set<Cell> cells = {{width / 2, height / 2}};
+  for (int trial = 3 + below(2 * width * height); trial > 0; --trial)
+  {
+    const int x = below(width), y = below(height);
+    for (int k = 0; k < 9; ++k)
+      if (cells.contains({x + k / 3 - 1, y + k % 3 - 1}))
+      {
+        cells.insert({x, y});
+        break;
+      }
+  }
+  return cells;
+}
+
+/// The outer border of cells, counter-clockwise; at a corner that two of them share it crosses from one to the other.
+Curve<double> outerBorder(const std::set<Cell>& cells)
+{
+  const auto runsBetween = [&](const Cell& p, int direction)
+  {
+    const int dx[] = {0, -1, -1, 0}, dy[] = {0, 0, -1, -1}; // the cell to the left; to the right is the one before
+    const int right = (direction + 3) % 4;
+    return cells.contains({p.first + dx[direction], p.second + dy[direction]}) &&
+           !cells.contains({p.first + dx[right], p.second + dy[right]});
+  };
+  const Cell start = *cells.begin(); // no cell left of it, nor below
+  Cell p = start;
+  int direction = 0;
+  std::vector<std::vector<double>> points;
+  do
+  {
+    points.push_back({1. * p.first, 1. * p.second});
+    p = neighbour(p, direction);
+    direction = (direction + 3) % 4;
+    while (!runsBetween(p, direction)) direction = (direction + 1) % 4;
+  } while (p != start || direction != 0);
+  return closedCurve(points);
+}
+
 } // namespace
 
 TEST(PolygonTriangulation, OfSimplePolygons)
@@ -177,6 +220,26 @@ TEST(PolygonTriangulation, OfPolygonsThatTouchThemselves)
       {"two squares at one corner", closedCurve({{0, 0}, {1, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 2}, {1, 1}, {0, 1}})},
       {"hole joined by a bridge",
        closedCurve({{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {3, 3}, {3, 6}, {6, 6}, {6, 3}, {3, 3}})},
+      {"four squares in a row that meet at corners", closedCurve({{2, 4},
+                                                                  {3, 4},
+                                                                  {3, 5},
+                                                                  {4, 5},
+                                                                  {4, 6},
+                                                                  {5, 6},
+                                                                  {5, 7},
+                                                                  {4, 7},
+                                                                  {4, 6},
+                                                                  {3, 6},
+                                                                  {3, 5},
+                                                                  {2, 5},
+                                                                  {2, 6},
+                                                                  {1, 6},
+                                                                  {1, 5},
+                                                                  {2, 5}})},
+      {"two squares joined by a line",
+       closedCurve({{0, 0}, {1, 0}, {1, 1}, {2, 2}, {3, 2}, {3, 3}, {2, 3}, {2, 2}, {1, 1}, {0, 1}})},
+      {"three triangles at one repeated point",
+       closedCurve({{0, 0}, {0, 0}, {2, -1}, {2, 1}, {0, 0}, {0, 2}, {-1, 2}, {0, 0}, {-1, -2}, {1, -2}})},
       {"notch that reaches a vertex", closedCurve({{0, 0}, {4, 0}, {4, 4}, {3, 4}, {0, 0}, {1, 4}, {0, 4}})},
   };
   for (const auto& c : cases)
@@ -199,6 +262,18 @@ TEST(PolygonTriangulation, OfPolygonsThatRunAlongThemselves)
   {
     SCOPED_TRACE(round);
     Curve<double> polygon = outline(randomTree(2 + round % 30, generator));
+    polygon.setOrigin(static_cast<int>(generator() % static_cast<unsigned>(polygon.getSize())));
+    expectTriangulation(polygon, true);
+  }
+}
+
+TEST(PolygonTriangulation, OfCellsThatMeetAtCorners)
+{
+  std::mt19937 generator(11);
+  for (int round = 0; round < 5000; ++round)
+  {
+    SCOPED_TRACE(round);
+    Curve<double> polygon = outerBorder(randomCells(generator));
     polygon.setOrigin(static_cast<int>(generator() % static_cast<unsigned>(polygon.getSize())));
     expectTriangulation(polygon, true);
   }
