@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <set>
 #include <vector>
 
 namespace
@@ -87,6 +88,24 @@ template <class T, class Curves> Curve<T> curveAt(const Curves& curves, const Pl
   return curve;
 }
 
+/// Numbers of columns worth a try below a limit, ascending: the smallest ones, as many as are cheap, and the curves'
+/// numbers of vertices with their divisors, with which columns meet vertices.
+template <class T> std::vector<int> widthsBelow(int limit, int fewest, const CurveStack<T>& stack)
+{
+  constexpr int cheapWork = 200000, numOthers = 100; // in vertices of the stack, and in widths
+  const int numSmallest = std::max(16, cheapWork / stack.getNumVertices());
+  std::set<int> sizes, widths;
+  for (int k = 0; k < stack.getNumCurves(); ++k) sizes.insert(stack[k].getSize());
+  for (const int size : sizes)
+    for (int divisor = 1; divisor <= size / divisor; ++divisor)
+      if (size % divisor == 0) widths.insert({divisor, size / divisor});
+  for (int width = fewest; width < limit && width - fewest < numSmallest; ++width) widths.insert(width);
+  std::vector<int> below(widths.lower_bound(fewest), widths.lower_bound(limit));
+  if (below.size() > static_cast<std::size_t>(numSmallest + numOthers))
+    below.resize(static_cast<std::size_t>(numSmallest + numOthers));
+  return below;
+}
+
 template <class T> void requireMesh(const QuadMesh<T>& mesh, const CurveStack<T>& stack, const char* where)
 {
   if (mesh.getWidth() == 0) throw SizeError(where, "The mesh has no vertices");
@@ -155,7 +174,7 @@ template <class T> QuadMesh<T> CurveStack<T>::optimalResampling(Real<T> maxError
     width = width > most / 2 ? most : 2 * width;
     mesh = resampledTo(width);
   }
-  while (width - tooFew > 1) // the error falls with the width but for little
+  while (width - tooFew > 1) // as if the error fell with every column
   {
     const int middle = tooFew + (width - tooFew) / 2;
     QuadMesh<T> smaller = resampledTo(middle);
@@ -167,6 +186,8 @@ template <class T> QuadMesh<T> CurveStack<T>::optimalResampling(Real<T> maxError
     width = middle;
     mesh = smaller;
   }
+  for (const int smallerWidth : widthsBelow(width, fewest, *this)) // for it does not fall with every column
+    if (QuadMesh<T> smaller = resampledTo(smallerWidth); resamplingError(smaller) <= maxError) return smaller;
   return mesh;
 }
 

@@ -5,9 +5,11 @@
 #include "numeric/exception.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <nanoflann.hpp>
 #include <omp.h>
+#include <utility>
 
 namespace
 {
@@ -129,23 +131,20 @@ public:
 template <class R> template <int space> class KdTree<R>::SearcherIn : public Searcher
 {
 public:
-  explicit SearcherIn(const std::vector<R>& coordinates) : _numPoints(coordinates.size() / space)
+  explicit SearcherIn(const std::vector<R>& coordinates) : _lowestEqual(coordinates.size() / space, -1)
   {
-    for (std::size_t i = 0; i < _numPoints; ++i)
+    for (const Place& place : distinctPlaces(coordinates))
     {
-      const R* const point = coordinates.data() + i * space;
-      if (!isFinite(point, space)) continue;
+      const R* const point = coordinates.data() + static_cast<std::ptrdiff_t>(place.lowest) * space;
       _cloud.coordinates.insert(_cloud.coordinates.end(), point, point + space);
-      _numbers.push_back(static_cast<int>(i));
+      _places.push_back(place);
     }
-    if (!_numbers.empty()) _tree = std::make_unique<PointTree<R, space>>(_cloud);
+    if (!_places.empty()) _tree = std::make_unique<PointTree<R, space>>(_cloud);
   }
 
   Neighbour<R> nearest(const R* point) const override
   {
-    Neighbour<R> neighbour = isFinite(point, space) ? search(point, -1) : Neighbour<R>();
-    if (neighbour.index >= 0) neighbour.index = _numbers[static_cast<std::size_t>(neighbour.index)];
-    return neighbour;
+    return isFinite(point, space) ? search(point, -1) : Neighbour<R>();
   }
 
   std::vector<Neighbour<R>> nearest(const std::vector<R>& points) const override
@@ -159,16 +158,18 @@ public:
 
   std::vector<Neighbour<R>> nearestOthers() const override
   {
-    std::vector<Neighbour<R>> neighbours(_numPoints);
-    const std::size_t count = _numbers.size();
+    std::vector<Neighbour<R>> neighbours(_lowestEqual.size());
+    for (std::size_t i = 0; i < neighbours.size(); ++i)
+      if (_lowestEqual[i] >= 0) neighbours[i] = {_lowestEqual[i], 0};
+    const std::size_t count = _places.size();
 #pragma omp parallel for if (count > smallest)
     for (std::size_t n = 0; n < count; ++n)
     {
       // In the order of the leaves, where one search finds what the one before has fetched.
       const std::size_t i = _tree->pointInOrder(n);
-      Neighbour<R> neighbour = search(_cloud.coordinates.data() + i * space, static_cast<int>(i));
-      if (neighbour.index >= 0) neighbour.index = _numbers[static_cast<std::size_t>(neighbour.index)];
-      neighbours[static_cast<std::size_t>(_numbers[i])] = neighbour;
+      const auto [lowest, second] = _places[i];
+      neighbours[static_cast<std::size_t>(lowest)] =
+          second >= 0 ? Neighbour<R>{second, 0} : search(_cloud.coordinates.data() + i * space, static_cast<int>(i));
     }
     return neighbours;
   }
@@ -176,16 +177,51 @@ public:
 private:
   static constexpr std::size_t smallest = 2000; // number of searches from which on threads pay
 
+  /// The two first of the points at one place; the second is -1 when there is one only.
+  struct Place
+  {
+    int lowest;
+    int second;
+  };
+
+  /// The places of the finite points in the order of their first points.
+  std::vector<Place> distinctPlaces(const std::vector<R>& coordinates)
+  {
+    std::vector<std::pair<std::array<R, space>, int>> points;
+    points.reserve(_lowestEqual.size());
+    for (int i = 0; i < static_cast<int>(_lowestEqual.size()); ++i)
+    {
+      std::array<R, space> point;
+      std::copy_n(coordinates.data() + static_cast<std::ptrdiff_t>(i) * space, space, point.begin());
+      if (isFinite(point.data(), space)) points.emplace_back(point, i);
+    }
+    std::sort(points.begin(), points.end());
+    std::vector<int> secondEqual(_lowestEqual.size(), -1);
+    for (std::size_t k = 0, first = 0; k < points.size(); ++k)
+    {
+      if (points[k].first != points[first].first) first = k;
+      if (k == first + 1) secondEqual[static_cast<std::size_t>(points[first].second)] = points[k].second;
+      _lowestEqual[static_cast<std::size_t>(points[k].second)] = points[first].second;
+    }
+    std::vector<Place> places;
+    for (int i = 0; i < static_cast<int>(_lowestEqual.size()); ++i)
+      if (_lowestEqual[static_cast<std::size_t>(i)] == i)
+        places.push_back({i, secondEqual[static_cast<std::size_t>(i)]});
+    return places;
+  }
+
   Neighbour<R> search(const R* point, int excluded) const
   {
     NearestPoint<R> nearestPoint(excluded);
     if (_tree) _tree->search(point, nearestPoint);
-    return nearestPoint.get();
+    Neighbour<R> neighbour = nearestPoint.get();
+    if (neighbour.index >= 0) neighbour.index = _places[static_cast<std::size_t>(neighbour.index)].lowest;
+    return neighbour;
   }
 
-  std::size_t _numPoints;
-  PointCloud<R, space> _cloud;
-  std::vector<int> _numbers; // of the points in the cloud
+  PointCloud<R, space> _cloud;   // each place once, as equal points would all be equally near
+  std::vector<Place> _places;    // of the points in the cloud
+  std::vector<int> _lowestEqual; // for each point the first one of its place
   std::unique_ptr<PointTree<R, space>> _tree;
 };
 

@@ -39,6 +39,7 @@ template <class T> void QuadMesh<T>::insert(int i, const Vertices<T>& row)
   if (getHeight() > 0 && row.getSize() != getWidth())
     throw SizeError("void QuadMesh<T>::insert(int, const Vertices<T>&)", "The rows of a quad mesh differ in size");
   CurveStack<T>::insert(i, row);
+  _colors.reset();
 }
 
 template <class T> bool QuadMesh<T>::isGrid() const

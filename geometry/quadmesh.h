@@ -37,6 +37,7 @@ public:
   /// when they do not.
   bool isGrid() const;
 
+  /// Inserts a row before row i. The mesh has no colours then, as after remove().
   /// \throw SizeError  the row has another size or dimension \throw RangeError  there is no such place
   void insert(int i, const Vertices<T>& row) override;
 
@@ -82,8 +83,8 @@ public:
   /// Two triangles per cell, divided along the shorter diagonal, on vertices in the order of the rows. The triangles of
   /// a closed mesh in 3D are seen from outside when its rows run clockwise in the x-y plane, whether their heights
   /// ascend or descend. With caps, the end rows that have one are filled by triangles on their own vertices, so that a
-  /// simple outline of any form is covered exactly. Colours are taken over. \throw SizeError  there are too many
-  /// vertices \throw TypeError  caps in integer coordinates
+  /// simple outline of any form is covered exactly; a row with coordinates that are not finite stays open. Colours are
+  /// taken over. \throw SizeError  there are too many vertices \throw TypeError  caps in integer coordinates
   TriMesh<T> toTriMesh(bool withCaps) const;
 
   void read(std::istream& stream) override;

@@ -74,23 +74,30 @@ template <class T> std::array<int, 2> planeOf(const Curve<T>& curve)
                            [&area](const auto& a, const auto& b) { return area(a) < area(b); });
 }
 
-/// Fills a row with triangles that run along it, or against it. A row without extent gets none.
+template <class T> bool isFinite(const Curve<T>& row)
+{
+  const T* const end = row.data() + static_cast<std::ptrdiff_t>(row.getSize()) * row.getSpace();
+  return std::all_of(row.data(), end, [](T x) { return std::isfinite(x); });
+}
+
+/// Fills a row of finite coordinates with triangles that run along it, or against it; also one without area, whose
+/// triangles have none but close the surface.
 template <class T> void addCap(TriangleList& triangles, const Curve<T>& row, int offset, bool isAgainst)
 {
+  if (!isFinite(row)) return;
   const auto [i, j] = planeOf(row);
-  const double area = row.twiceArea(i, j);
-  if (!(std::abs(area) > 0) || !std::isfinite(area)) return;
+  const bool isReversed = !(row.twiceArea(i, j) > 0);
   Curve<T> outline = row;
-  if (area < 0) outline.reverse();
+  if (isReversed) outline.reverse();
   PolygonTriangulation<T> triangulation;
   const TriMesh<T>& cap = triangulation.apply(outline, i, j);
   const int last = row.getSize() - 1;
   for (int k = 0; k < cap.getNumTriangleSlots(); ++k)
   {
     std::array<int, 3> corners = {cap.corners(k)[0], cap.corners(k)[1], cap.corners(k)[2]};
-    if (area < 0)
+    if (isReversed)
       for (int& corner : corners) corner = last - corner;
-    if ((area < 0) != isAgainst) std::swap(corners[1], corners[2]);
+    if (isReversed != isAgainst) std::swap(corners[1], corners[2]);
     triangles.add(offset + corners[0], offset + corners[1], offset + corners[2]);
   }
 }

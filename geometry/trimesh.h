@@ -90,8 +90,11 @@ public:
   /// Replaces each normal by the mean direction of its own and those of the neighbours, `iterations` times.
   /// \throw UsageError  there are no normals \throw TypeError  the coordinates are integers
   void smoothNormals(int iterations);
-  /// Smooths the surface so that its volume is kept: a step towards the mean of the neighbours, then a longer one away
-  /// from it, `iterations` times. Vertices on the border of an open mesh stay where they are, normals become out of
+  /// Smooths the surface: a step towards the mean of the neighbours, then a longer one away from it, `iterations`
+  /// times. That nearly keeps the volume of fine meshes. A closed mesh (every edge has two triangles, which run along
+  /// it in opposite directions) is scaled to its old volume() after each, about its centre of gravity; one of few
+  /// vertices grows flat by many, and a step that would leave no more than rounding errors inside ends the smoothing.
+  /// Vertices on the border of an open mesh and those without triangles stay where they are, normals become out of
   /// date. Source: G. Taubin, "A signal processing approach to fair surface design", 1995, with lambda 0.5 and the
   /// pass-band frequency 0.1. \throw TypeError  the coordinates are integers
   void smooth(int iterations);

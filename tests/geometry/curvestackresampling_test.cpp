@@ -178,6 +178,19 @@ TEST(CurveStackResampling, OptimalMeshHasTheFewestColumns)
   EXPECT_EQ(stack.optimalResampling(-1).getWidth(), 800);
 }
 
+// Only with the corners among the columns are polygons met exactly, which no bisection finds.
+TEST(CurveStackResampling, OptimalMeshTriesTheNumbersOfVertices)
+{
+  CurveStack<double> squares, polygons;
+  for (const double z : {0., 1.})
+  {
+    squares.append(closedCurve({{0, 0, z}, {0, 2, z}, {2, 2, z}, {2, 0, z}}));
+    polygons.append(ellipse<double>(10, 10, z, 2003)); // a prime number
+  }
+  EXPECT_EQ(squares.optimalResampling(1e-12).getWidth(), 4);
+  EXPECT_EQ(polygons.optimalResampling(1e-12).getWidth(), 2003);
+}
+
 TEST(CurveStackResampling, ClosestPointsAreThoseOfAllPairs)
 {
   const CurveStack<double> stack = carelesslyDrawnColumn({0, 2, 5}, 11, 4);

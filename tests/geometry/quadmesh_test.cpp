@@ -125,6 +125,33 @@ TEST(QuadMesh, CapsCoverOutlinesOfAnyForm)
   expectError<UsageError>("open", [&] { mesh.buildCaps(); });
 }
 
+TEST(QuadMesh, CapsCloseEndRowsWithoutArea)
+{
+  const double nan = std::nan("");
+  const struct
+  {
+    const char* name;
+    std::vector<std::vector<double>> row;
+    bool isClosed;
+  } cases[] = {
+      {"a line", {{-1, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 0, 0}}, true},
+      {"a line along z", {{0, 0, 0}, {0, 0, -1}, {0, 0, -2}, {0, 0, -1}}, true},
+      {"a point", {{1, 1, 0}, {1, 1, 0}, {1, 1, 0}, {1, 1, 0}}, true},
+      {"an upright square", {{0, 0, 0}, {0, 0, -1}, {1, 0, -1}, {1, 0, 0}}, true},
+      {"not finite", {{0, 0, 0}, {nan, 0, 0}, {1, 1, 0}, {1, 0, 0}}, false},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    QuadMesh<double> mesh;
+    mesh.append(closedCurve(c.row));
+    mesh.append(polygon(2, 3, 4));
+    mesh.buildCaps();
+    EXPECT_EQ(isClosedManifold(mesh.toTriMesh(true)), c.isClosed);
+    EXPECT_EQ(countEdges(mesh.toTriMesh(true)).numBoundary, c.isClosed ? 0 : 4);
+  }
+}
+
 TEST(QuadMesh, RowsHaveOneSize)
 {
   QuadMesh<double> mesh = column({1, 2}, 1, 6);
@@ -245,7 +272,9 @@ TEST(QuadMesh, ColoursSpanTheFiniteValues)
   EXPECT_EQ(mesh.getVertexColors()[1][0][0], 2);
   expectError<SizeError>("Size", [&] { mesh.buildVertexColors(Matrix<double>(3, 2), colormap); });
   expectError<SizeError>("no colours", [&] { mesh.buildVertexColors(Matrix<double>(2, 3), Colormap()); });
-  mesh.append(mesh[0]);
+  mesh.prepend(mesh[1]);
+  expectError<UsageError>("no colours", [&] { mesh.getVertexColors(); });
+  mesh.remove(2); // two rows again, though others
   expectError<UsageError>("no colours", [&] { mesh.getVertexColors(); });
 }
 } // namespace

@@ -4,6 +4,7 @@
 #include "tests/support/errors.h"
 
 #include <algorithm>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -102,6 +103,22 @@ TEST(NearestNeighbours, OfHostileVertices)
   EXPECT_EQ(Vertices<double>(2, 1000).squareNearestNeighborDistances().max(), 0); // a thousand times the origin
   EXPECT_EQ(hostile.nearestNeighborDistances(Vertices<double>(2))[1], infinity);
   expectError<SizeError>("dimensions", [&] { hostile.nearestNeighborDistances(Vertices<double>(3)); });
+}
+
+TEST(NearestNeighbours, OfManyEqualVerticesAreFoundAtOnce)
+{
+  const int size = 100000;
+  Vertices<double> vertices(3, size);
+  vertices[0] = {1, 0, 0};
+  vertices[1][0] = -0.; // equal to 0
+  const auto start = std::chrono::steady_clock::now();
+  const Vector<int> neighbours = vertices.nearestNeighbors();
+  const auto distances = Vertices<double>(3, size).squareNearestNeighborDistances(vertices);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_EQ(neighbours[0], 1);
+  EXPECT_EQ(neighbours[1], 2);
+  for (int i = 2; i < size; ++i) ASSERT_EQ(neighbours[i], 1);
+  EXPECT_EQ(distances.max(), 0);
 }
 
 TEST(ShapeArithmetic, IsVertexByVertexAndDetaches)

@@ -1,4 +1,6 @@
 #include "geometry/coordinates.h"
+#include "geometry/quadmesh.h"
+#include "tests/support/curves.h"
 #include "tests/support/errors.h"
 #include "tests/support/meshes.h"
 
@@ -187,6 +189,47 @@ TEST(TriMeshSmoothing, RemovesNoiseAndKeepsTheVolume)
   EXPECT_NEAR(mesh.volume(), smooth.volume(), 0.01 * smooth.volume());
   EXPECT_LT(mesh.rmsDistance(smooth), before / 2);
   EXPECT_NEAR(mesh.area(), smooth.area(), 0.02 * smooth.area());
+}
+
+TEST(TriMeshSmoothing, KeepsTheVolumeOfCoarseClosedMeshes)
+{
+  QuadMesh<double> rings; // of a sphere, the other way around in z
+  for (int i = 1; i < 10; ++i)
+  {
+    const double angle = i * std::numbers::pi / 10;
+    rings.append(ellipse<double>(2 * std::sin(angle), 2 * std::sin(angle), 7 + 2 * std::cos(angle), 20));
+  }
+  rings.buildCaps();
+  TriMesh<double> cube;
+  cube.cube();
+  TriMesh<double> withLooseVertex = cube;
+  withLooseVertex.append(Vector<double>{9, 9, 9});
+  TriMesh<double> apart = cube, mirrored = cube; // together they enclose as much as nothing
+  mirrored.flip();
+  mirrored.translate(Vector<double>{5, 0, 0});
+  for (int i = 0; i < 8; ++i) apart.append(mirrored[i]);
+  for (int i = 0; i < 12; ++i)
+    apart.addTriangle(8 + mirrored.corners(i)[0], 8 + mirrored.corners(i)[1], 8 + mirrored.corners(i)[2]);
+  const struct
+  {
+    const char* name;
+    TriMesh<double> mesh;
+    int iterations;
+  } cases[] = {{"cube", cube, 100},
+               {"cube with a loose vertex", withLooseVertex, 100},
+               {"sphere", rings.toTriMesh(true), 200},
+               {"cube until it is flat", cube, 5000},
+               {"cubes that face out and in", apart, 100}};
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.name);
+    TriMesh<double> mesh = c.mesh;
+    mesh.smooth(c.iterations);
+    EXPECT_NEAR(mesh.volume(), c.mesh.volume(), 1e-6 * std::max(1., c.mesh.volume()));
+    for (int i = 0; i < 3 * mesh.getSize(); ++i) EXPECT_LT(std::abs(mesh.data()[i]), 1e4);
+  }
+  withLooseVertex.smooth(5);
+  EXPECT_EQ(withLooseVertex[8], (Vector<double>{9, 9, 9}));
 }
 
 TEST(TriMeshSmoothing, LeavesTheBorderAndLooseVertices)
