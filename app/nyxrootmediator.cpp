@@ -368,9 +368,10 @@ void NYXRootMediator::deleteSlice()
   const QString name = QString::fromStdString(slice.getName());
   const auto numItems = static_cast<int>(slice.getItems().size());
   currentStack()->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
-  _statusBar->showMessage(numItems == 0
-                              ? tr("Deleted slice %1; Undo restores it").arg(name)
-                              : tr("Deleted slice %1 with %n item(s); Undo restores them", "", numItems).arg(name),
+  _statusBar->showMessage(numItems == 0 ? tr("Deleted slice %1; Undo restores it").arg(name)
+                          : numItems == 1
+                              ? tr("Deleted slice %1 with 1 item; Undo restores both").arg(name)
+                              : tr("Deleted slice %1 with %2 items; Undo restores them").arg(name).arg(numItems),
                           messageMilliseconds);
 }
 
@@ -423,7 +424,8 @@ void NYXRootMediator::refreshPlugins()
   NYXPluginServer& server = NYXPluginServer::server();
   server.loadPlugins();
   updatePluginActions();
-  _statusBar->showMessage(tr("%n plug-in(s) found", "", server.getNumPlugins()), messageMilliseconds);
+  const int count = server.getNumPlugins();
+  _statusBar->showMessage(count == 1 ? tr("1 plug-in found") : tr("%1 plug-ins found").arg(count), messageMilliseconds);
   if (server.getProblems().isEmpty()) return;
   QMessageBox::warning(_window, tr("Plug-in error"), plainText(server.getProblems().join('\n')));
 }

@@ -90,7 +90,7 @@ void NYXSliceListWidget::setStack(const Stack* stack)
 {
   const QSignalBlocker blocker(_list);
   list(stack);
-  if (_list->count() > 0) _list->setCurrentRow(0);
+  selectNearestShown(0);
   emit currentSliceChanged(_list->currentRow());
 }
 
@@ -99,7 +99,7 @@ void NYXSliceListWidget::refresh(const Stack& stack)
   const QSignalBlocker blocker(_list);
   const int row = qMax(_list->currentRow(), 0);
   list(&stack);
-  _list->setCurrentRow(qMin(row, _list->count() - 1));
+  selectNearestShown(row);
   emit currentSliceChanged(_list->currentRow());
 }
 
@@ -111,7 +111,6 @@ void NYXSliceListWidget::list(const Stack* stack)
     _list->addItem(QString());
     refreshSlice(*stack, i);
   }
-  filter(_filter->text());
 }
 
 void NYXSliceListWidget::refreshSlice(const Stack& stack, int slice)
@@ -128,6 +127,7 @@ void NYXSliceListWidget::refreshSlice(const Stack& stack, int slice)
   row->setText(QString::fromStdString(stack.getSlice(slice)->getName()));
   row->setData(dotsRole, colors);
   row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : plainText(tr("Models: %1").arg(names.join(", "))));
+  showOrHide(slice);
 }
 
 int NYXSliceListWidget::numSlices() const
@@ -158,8 +158,24 @@ void NYXSliceListWidget::selectShown(int from, int direction)
   }
 }
 
-void NYXSliceListWidget::filter(const QString& text)
+void NYXSliceListWidget::filter(const QString&)
 {
-  for (int i = 0; i < _list->count(); ++i)
-    _list->setRowHidden(i, !_list->item(i)->text().contains(text, Qt::CaseInsensitive));
+  for (int i = 0; i < _list->count(); ++i) showOrHide(i);
+  const int row = qMax(_list->currentRow(), 0);
+  if (_list->count() > 0 && (_list->currentRow() < 0 || _list->isRowHidden(row))) selectNearestShown(row);
+}
+
+void NYXSliceListWidget::showOrHide(int row)
+{
+  _list->setRowHidden(row, !_list->item(row)->text().contains(_filter->text(), Qt::CaseInsensitive));
+}
+
+/// What the user does to the slice must not happen to one that is not seen; without any that is, none is selected.
+void NYXSliceListWidget::selectNearestShown(int row)
+{
+  for (int distance = 0; distance < _list->count(); ++distance)
+    for (const int candidate : {row + distance, row - distance})
+      if (candidate >= 0 && candidate < _list->count() && !_list->isRowHidden(candidate))
+        return _list->setCurrentRow(candidate);
+  _list->setCurrentRow(-1);
 }

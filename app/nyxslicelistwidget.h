@@ -39,6 +39,8 @@ signals:
 private:
   void list(const Stack* stack);
   void filter(const QString& text);
+  void showOrHide(int row);
+  void selectNearestShown(int row);
   void selectShown(int from, int direction);
 
   QLineEdit* _filter;

@@ -6,7 +6,8 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
-NYXStackErrorDialog::NYXStackErrorDialog(const QString& filename, const QStringList& log, QWidget* parent)
+NYXStackErrorDialog::NYXStackErrorDialog(const QString& filename, const QStringList& log, bool isOpened,
+                                         QWidget* parent)
   : QDialog(parent)
 {
   setObjectName("stackErrorDialog");
@@ -21,12 +22,21 @@ NYXStackErrorDialog::NYXStackErrorDialog(const QString& filename, const QStringL
   lines->setObjectName("log");
   lines->setReadOnly(true);
   lines->setLineWrapMode(QPlainTextEdit::NoWrap);
+  auto* consequence =
+      new QLabel(isOpened ? QCoreApplication::translate(
+                                "NYXStackErrorDialog",
+                                "The stack is opened without these parts; saving asks before it replaces the file.")
+                          : QCoreApplication::translate("NYXStackErrorDialog", "The stack is not opened."),
+                 this);
+  consequence->setObjectName("consequence");
+  consequence->setWordWrap(true);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(banner);
   layout->addWidget(lines, 1);
+  layout->addWidget(consequence);
   layout->addWidget(buttons);
   resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 16);
 }

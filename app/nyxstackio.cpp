@@ -3,6 +3,7 @@
 #include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/nyxactionstep.h"
+#include "app/core/nyxeventbatch.h"
 #include "app/core/nyxpreferences.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
@@ -202,6 +203,7 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
   {
     const auto make = [&] { made = makeSlices(stack, files, true, subject); };
     if (!runWithProgress(_parent, tr("Insert slice"), subject, _statusBar, make)) return;
+    const NYXEventBatch batch;
     NYXActionStep step(stack.history());
     for (std::unique_ptr<StackSlice>& slice : made.slices)
       step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
@@ -230,7 +232,7 @@ void NYXStackIO::openStack(const QString& filename)
   stack->setFilename(file);
   StackReader reader;
   const auto read = [&] { reader.read(*stack, file.toStdString()); };
-  if (!runWithProgress(_parent, tr("Opening stack"), reader, _statusBar, read))
+  if (!runWithProgress(_parent, tr("Opening stack"), reader, _statusBar, read) || reader.isCancelled())
     return showMessage(tr("Opening canceled"), 2000);
 
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
@@ -238,7 +240,8 @@ void NYXStackIO::openStack(const QString& filename)
     warn(_parent, {tr("Error"), tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file), {}});
     return;
   }
-  if (!reader.getLog().empty()) NYXStackErrorDialog(file, toQStrings(reader.getLog()), _parent).exec();
+  if (!reader.getLog().empty())
+    NYXStackErrorDialog(file, toQStrings(reader.getLog()), reader.getNumFatalErrors() == 0, _parent).exec();
   if (reader.getNumFatalErrors() != 0) return;
   stack->noteFile(reader.getLog().empty());
   NYXStackServer::server().addStack(std::move(stack));
@@ -298,7 +301,7 @@ bool NYXStackIO::settleLosses(NYXStack& stack) const
   const QStringList lines = toQStrings(losses.lines);
   const int numMore = lines.size() - maxNumWarnings;
   box.setInformativeText(plainText(lines.mid(0, maxNumWarnings).join('\n') +
-                                   (numMore > 0 ? tr("\nand %n more", "", numMore) : QString())));
+                                   (numMore > 0 ? tr("\nand %1 more").arg(numMore) : QString())));
   QAbstractButton* convert = nullptr;
   if (losses.keepingUnit)
     convert = box.addButton(tr("Convert to %1").arg(QString::fromStdString(losses.keepingUnit->name())),

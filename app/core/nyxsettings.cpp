@@ -17,7 +17,7 @@ void NYXSettings::load()
   NYXSettings& s = settings();
   s._inputDirectory = store.value("inputDirectory", s._inputDirectory).toString();
   s._outputDirectory = store.value("outputDirectory", s._outputDirectory).toString();
-  s._recentFiles = store.value("recentFiles", s._recentFiles).toStringList();
+  s._recentFiles = store.value("recentFiles", s._recentFiles).toStringList().mid(0, maxNumRecentFiles);
   s._openStackDialogSize = store.value("openStackDialogSize", s._openStackDialogSize).toSize();
 }
 

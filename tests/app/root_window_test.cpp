@@ -195,17 +195,24 @@ TEST(RootWindow, NavigationKeepsToTheSlicesThatTheFilterShows)
   test.window().startupOpenStack(MIRELO_EXAMPLE);
   auto& slices = *test.window().findChild<NYXSliceListWidget*>();
   test.window().findChild<QLineEdit*>("sliceFilter")->setText("5"); // 005, 015 and 025
+  EXPECT_EQ(slices.currentSlice(), 5);                              // what is not seen is not worked on
   const struct
   {
     const char* action;
     int slice;
-  } steps[] = {{"Select next slice", 5},  {"Select next slice", 15}, {"Select last slice", 25},
-               {"Select next slice", 25}, {"Select first slice", 5}, {"Select previous slice", 5}};
+  } steps[] = {{"Select next slice", 15},
+               {"Select last slice", 25},
+               {"Select next slice", 25},
+               {"Select first slice", 5},
+               {"Select previous slice", 5}};
   for (const auto& step : steps)
   {
     test.action(step.action)->trigger();
     EXPECT_EQ(slices.currentSlice(), step.slice) << step.action;
   }
+  test.window().findChild<QLineEdit*>("sliceFilter")->setText("no such slice");
+  EXPECT_EQ(slices.currentSlice(), -1);
+  EXPECT_FALSE(test.action("Delete slice")->isEnabled());
 }
 
 TEST(RootWindow, DroppedFilesAreOpenedInOrder)
