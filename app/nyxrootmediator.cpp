@@ -389,15 +389,24 @@ void NYXRootMediator::showHistories()
   NYXStack* const stack = currentStack();
   const StackSlice* const slice = currentSlice();
   const bool isLocked = _lockedSlices.contains(slice);
-  const auto show = [&](QAction& action, const QString& name, bool isPossible, const QString& description)
+  const auto show =
+      [&](QAction& action, const QString& name, bool isPossible, const QString& description, const StackSlice* obstacle)
   {
     action.setEnabled(isPossible && !isLocked);
     action.setText(isPossible ? tr("%1: %2").arg(name, description) : name);
+    if (action.whatsThis().isEmpty()) action.setWhatsThis(action.toolTip()); // the tool tip when nothing is in the way
+    action.setToolTip(
+        obstacle == nullptr
+            ? action.whatsThis()
+            : plainText(
+                  tr("A step on slice %1 comes first: go there").arg(QString::fromStdString(obstacle->getName()))));
   };
   const bool isUndoable = stack != nullptr && stack->histories().isUndoable(slice);
   const bool isRedoable = stack != nullptr && stack->histories().isRedoable(slice);
-  show(*_undo, tr("Undo"), isUndoable, isUndoable ? stack->histories().undoDescription(slice, true) : QString());
-  show(*_redo, tr("Redo"), isRedoable, isRedoable ? stack->histories().redoDescription(slice, true) : QString());
+  show(*_undo, tr("Undo"), isUndoable, isUndoable ? stack->histories().undoDescription(slice, true) : QString(),
+       stack != nullptr ? stack->histories().undoObstacle(slice) : nullptr);
+  show(*_redo, tr("Redo"), isRedoable, isRedoable ? stack->histories().redoDescription(slice, true) : QString(),
+       stack != nullptr ? stack->histories().redoObstacle(slice) : nullptr);
 }
 
 void NYXRootMediator::enableActions(bool flag)

@@ -29,6 +29,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -180,9 +181,21 @@ void NYXStackIO::newStackFromFile(const QString& filename)
   auto stack = std::make_unique<NYXStack>();
   try
   {
-    const std::optional<int> channel = chooseChannel(_parent, numChannelsOf(file));
-    if (!channel) return;
-    addPlanesOf(*stack, file, *channel);
+    ProgressSubject subject;
+    // Finding the planes of a large file on a slow disk takes its time.
+    const auto isDone = [&](const std::function<void()>& work)
+    {
+      const auto step = [&]
+      {
+        const ProgressStep reading(subject, tr("Reading %1").arg(QFileInfo(filename).fileName()).toStdString(), 1);
+        work();
+      };
+      return runWithProgress(_parent, tr("Open image stack"), subject, _statusBar, step) && !subject.isCancelled();
+    };
+    int numChannels = 1;
+    if (!isDone([&] { numChannels = numChannelsOf(file); })) return;
+    const std::optional<int> channel = chooseChannel(_parent, numChannels);
+    if (!channel || !isDone([&] { addPlanesOf(*stack, file, *channel); })) return;
     openNewStack(std::move(stack), QFileInfo(filename).completeBaseName());
   }
   catch (const Exception& error)
