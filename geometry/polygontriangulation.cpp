@@ -58,7 +58,9 @@ private:
   const Status& status(int i) const { return _status[static_cast<std::size_t>(i)]; }
   bool inCone(int i, int j) const;
   bool blocks(int k, int i, int j) const;
-  int weakDiagonalBlocker(int ear) const;
+  int crossingEdge(int ear) const;
+  bool weakDiagonal(int ear);
+  bool isDiagonal(int ear);
   bool isEar(int i);
   int earFromQueue();
   void enqueue(int i);
@@ -124,7 +126,7 @@ template <class R> bool VertexCycle<R>::blocks(int k, int i, int j) const
 /// A vertex whose edge to the next one crosses the candidate diagonal between the neighbours of a convex vertex; -1
 /// when there is none. An edge that comes in through the diagonal must end in the ear: it cannot leave it through the
 /// sides.
-template <class R> int VertexCycle<R>::weakDiagonalBlocker(int ear) const
+template <class R> int VertexCycle<R>::crossingEdge(int ear) const
 {
   const int before = previous(ear), after = next(ear);
   const PlanePoint<R>&a = at(before), &b = at(ear), &c = at(after);
@@ -145,20 +147,32 @@ template <class R> int VertexCycle<R>::weakDiagonalBlocker(int ear) const
   return blocker;
 }
 
-/// Whether the neighbours of a vertex form a diagonal.
-template <class R> bool VertexCycle<R>::isEar(int i)
+/// Whether no edge crosses the candidate diagonal between the neighbours of a convex vertex; otherwise the vertex waits
+/// for the end of the edge that does.
+template <class R> bool VertexCycle<R>::weakDiagonal(int ear)
 {
-  const int before = previous(i), after = next(i);
-  const PlanePoint<R>&a = at(before), &b = at(i), &c = at(after);
-  if (a == b || b == c || a == c) return true; // a repeated vertex or a spike: nothing is lost
-  if (!isLeft(a, b, c) || !inCone(before, after) || !inCone(after, before)) return false;
-  const int blocker = weakDiagonalBlocker(i);
+  const int blocker = crossingEdge(ear);
   if (blocker < 0) return true;
-  status(i).blocker = blocker;
+  status(ear).blocker = blocker;
   int& first = _firstWaiting[static_cast<std::size_t>(blocker)];
-  _waiting.push_back({i, first});
+  _waiting.push_back({ear, first});
   first = static_cast<int>(_waiting.size() - 1);
   return false;
+}
+
+/// Whether the neighbours of a convex vertex form a diagonal: inside at both ends, and crossed by no edge.
+template <class R> bool VertexCycle<R>::isDiagonal(int ear)
+{
+  const int before = previous(ear), after = next(ear);
+  return inCone(before, after) && inCone(after, before) && weakDiagonal(ear);
+}
+
+/// Whether the vertex can be cut off.
+template <class R> bool VertexCycle<R>::isEar(int i)
+{
+  const PlanePoint<R>&a = at(previous(i)), &b = at(i), &c = at(next(i));
+  if (a == b || b == c || a == c) return true; // a repeated vertex or a spike: nothing is lost
+  return isLeft(a, b, c) && isDiagonal(i);
 }
 
 template <class R> int VertexCycle<R>::nextEar()

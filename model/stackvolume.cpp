@@ -223,6 +223,8 @@ public:
       error.clear();
       fs::copy_file(file(place), beside, fs::copy_options::overwrite_existing, error);
       if (!error) fs::rename(beside, target, error);
+      std::error_code ignored;
+      if (error) fs::remove(beside, ignored);
     }
     if (error) throw FileWriteError(saveSignature, "Cannot replace file (" + error.message() + ")", place);
   }
