@@ -51,8 +51,8 @@ public:
   const Image& getImage() const;
   /// Level `level`. Unchecked, as long as there is one.
   const Image& getImage(int level) const;
-  /// The smallest level that is at least as wide as the whole image on screen, in canvas pixels per image pixel; the
-  /// last level when none of the smaller ones follows.
+  /// The level to draw, of a zoom in canvas pixels per image pixel: the one before the first smaller level that is at
+  /// most as wide as the whole image on screen, the last when none is.
   const Image& getImageForZoom(float zoom) const;
   /// The number of that level.
   int levelForZoom(float zoom) const;
@@ -73,7 +73,7 @@ signals:
   void imageChanged();
 
 private:
-  void requireImage() const;
+  void requireImage(const char* where) const;
 
   std::unique_ptr<ImageSource> _source;
   QString _key;

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "numeric/progresssubject.h"
+#include "slice/image/nyximageworker.h"
 
-#include <QObject>
 #include <QString>
 
 #include <functional>
 #include <memory>
 
+class Exception;
 class Image;
 class ImageSource;
 
-/// Reads an image in the thread to which it was moved, and takes its colormap away.
-class NYXImageReader : public QObject, private ProgressObserver
+/// Reads an image and takes its colormap away.
+class NYXImageReader : public NYXImageWorker
 {
   Q_OBJECT
 
@@ -28,29 +28,19 @@ public:
 
   /// Borrowed.
   void setImage(Image* image) { _image = image; }
-  /// From any thread.
-  void cancel() { _subject.cancel(); }
-  bool isCancelled() const { return _subject.isCancelled(); }
-  /// Why the image could not be read, with the file's name; to be asked when the reader has finished.
+  /// Why the image could not be read, with the file's name; to be asked when the work is done.
   const QString& problem() const { return _problem; }
+  /// What is said of an image that cannot be read.
+  static QString problemText(const Exception& error, const ImageSource& source);
 
-public slots:
-  void run();
-
-signals:
-  void progressed(double share);
-  /// Done, cancelled or failed.
-  void finished();
+protected:
+  void work(ProgressSubject& subject) override;
 
 private:
-  void read();
-  void started(const std::string&) override {}
-  void progressed(const double share) override;
-  void finished() override;
+  void fail(const QString& problem);
 
   std::unique_ptr<ImageSource> _source;
   ReadFunction _read;
   Image* _image = nullptr;
   QString _problem;
-  ProgressSubject _subject;
 };

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "numeric/progresssubject.h"
+#include "slice/image/nyximageworker.h"
 
-#include <QObject>
 #include <QSize>
 
+#include <deque>
 #include <memory>
-#include <vector>
+#include <mutex>
 
 class Image;
 
-/// Makes the reduced copies of an image in the thread to which it was moved, and owns them.
-class NYXImageResizer : public QObject
+/// Makes the reduced copies of an image.
+class NYXImageResizer : public NYXImageWorker
 {
   Q_OBJECT
 
@@ -19,33 +19,27 @@ public:
   NYXImageResizer();
   ~NYXImageResizer() override;
 
-  /// Borrowed.
+  /// Borrowed, as are the images that were taken, while the work is done.
   void setImage(const Image* image) { _image = image; }
   /// See NYXImageServer::setBaseSize().
   void setBaseSize(const QSize& size) { _baseSize = size; }
-  /// From any thread.
-  void cancel() { _subject.cancel(); }
-  bool isCancelled() const { return _subject.isCancelled(); }
-  /// Frees the copies; only while the thread does not run.
-  void clear();
-
-public slots:
-  void run();
+  /// The next of the images made by now, or nullptr. From any thread.
+  std::unique_ptr<Image> takeImage();
 
 signals:
-  /// The next reduced image is there; it stays until clear().
-  void imageAvailable(const Image* image);
-  void progressed(double share);
-  /// Done or cancelled.
-  void finished();
+  /// There is another image to take.
+  void imageAvailable();
+
+protected:
+  void work(ProgressSubject& subject) override;
 
 private:
-  void makePyramid();
-  void makeBaseSize();
-  void publish(std::unique_ptr<Image> image);
+  void makePyramid(ProgressSubject& subject);
+  void makeBaseSize(ProgressSubject& subject);
+  const Image* publish(Image&& image);
 
   const Image* _image = nullptr;
   QSize _baseSize = QSize(0, 0);
-  std::vector<std::unique_ptr<Image>> _images;
-  ProgressSubject _subject;
+  std::deque<std::unique_ptr<Image>> _images; // not taken yet
+  std::mutex _mutex;                          // guards them
 };

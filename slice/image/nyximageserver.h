@@ -9,6 +9,7 @@
 #include <QSize>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -63,23 +64,25 @@ protected:
   /// Memory of the machine in bytes.
   virtual std::int64_t totalMemory() const;
 
-  /// Loads the proxy's image when nothing else is to be done and it fits into memory.
+  /// Loads the proxy's image when nobody waits for another one and it fits into memory beside all others.
   void loadWhenIdle(const NYXImageProxy& proxy);
-  /// Cancels and deletes data without proxies, the last first, for which isUnwanted(data) holds.
-  template <class Predicate> void removeUnused(const Predicate& isUnwanted);
-  template <class Predicate> void removeUnused(DataList& list, const Predicate& isUnwanted);
+  /// Cancels and deletes data without proxies, the last of each list first, for which isUnwanted(data) holds.
+  void removeUnused(const std::function<bool(const NYXImageServerData&)>& isUnwanted);
 
 private:
   NYXImageServerData* find(const QString& key) const;
-  std::unique_ptr<NYXImageServerData> take(DataList& list, const NYXImageServerData& data);
-  void addPending(std::unique_ptr<NYXImageServerData> data);
+  static std::unique_ptr<NYXImageServerData> take(DataList& list, DataList::iterator place);
+  std::unique_ptr<NYXImageServerData> takeRunning(const NYXImageServerData* data);
+  void discard(std::unique_ptr<NYXImageServerData> data, const QString& problem = QString());
+  void schedule();
   void dropStalePending();
-  bool cancelUnusedRunning();
+  void cancelUnusedRunning();
   void runNextPendingData();
   DataList::iterator nextPending();
+  bool fits(const NYXImageServerData& data) const;
+  bool isAboveShare(const NYXImageServerData& data) const;
   void makeRoom(const NYXImageServerData& data);
-  void discard(std::unique_ptr<NYXImageServerData> data);
-  void relayProgress(double share);
+  void deleteUnusedLoaded(const std::function<bool()>& isEnough);
   std::int64_t memoryShare() const;
 
   mutable QMutex _mutex; // guards the lists

@@ -49,7 +49,8 @@ public:
   void run(const QSize& baseSize);
   /// Stops the thread that runs, for which it waits.
   void cancel();
-  /// Clears the images of all proxies, detaches them and frees the memory; a problem is told to them.
+  /// Frees the memory, detaches all proxies, clears their images and tells them the problem, if there is one. Only
+  /// while no thread runs.
   void clear(const QString& problem = QString());
   /// Why the image cannot be read; empty when nothing failed.
   const QString& problem() const { return _reader.problem(); }
@@ -63,11 +64,14 @@ signals:
   void progressed(double share);
 
 private:
-  void start(QThread& thread, QObject& worker);
+  void start(QThread& thread, NYXImageWorker& worker);
+  static void stop(QThread& thread);
   void readerFinished();
   void resizerFinished();
-  void notifyProxysUpdateImage(const Image* image);
-  void reducedImageAvailable(const Image* image);
+  void reducedImageAvailable();
+  void notifyProxysUpdateImage(const Image& image);
+  void give(const Image& image, NYXImageProxy& proxy);
+  std::vector<const Image*> images() const;
   std::vector<NYXImageProxy*> proxies() const;
 
   QString _key;
@@ -75,9 +79,8 @@ private:
   std::int64_t _numNeededBytes = 0;
   QSize _baseSize;
   std::unique_ptr<Image> _fullImage;
-  std::vector<const Image*> _reducedImages; // the resizer's
-  bool _isLoading = false;
-  bool _isRead = false; // the full image may be shown
+  std::vector<std::unique_ptr<Image>> _reducedImages;
+  bool _isRunning = false;
   std::vector<NYXImageProxy*> _proxies;
   mutable QMutex _mutex; // guards the proxies and the start of a thread
   NYXImageReader _reader;

@@ -12,8 +12,9 @@ class NYXSliceImageServerData : public NYXImageServerData
   Q_OBJECT
 
 public:
-  /// For the slice and the source of a proxy that has both.
-  explicit NYXSliceImageServerData(const NYXSliceImageProxy& proxy);
+  /// For the source of a proxy that has one, and its slice.
+  explicit NYXSliceImageServerData(const NYXSliceImageProxy& proxy,
+                                   NYXImageReader::ReadFunction read = NYXImageReader::defaultReadFunction());
 
   /// The slice whose image was asked for first. It may be gone: to be compared, not to be used.
   const StackSlice* getSlice() const { return _slice; }
