@@ -3,15 +3,19 @@
 #include "image/filters/meanfilter.h"
 #include "image/image.h"
 #include "image/imagereader.h"
+#include "image/imagereduction.h"
+#include "image/imagesourcevoxelmatrixfileplane.h"
 #include "image/segmentation/connectedcomponents.h"
 #include "image/segmentation/isodatathresholding.h"
 #include "image/segmentation/marchingcubes.h"
 #include "image/segmentation/otsuthresholding.h"
 #include "image/voxelmatrix.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <numeric>
 
 namespace
 {
@@ -140,6 +144,35 @@ template <class MakeFilter> TimedTask planeFilterTask(const std::string& task, c
   return {task, "plane4k_u8", oneAndTwo, prepare};
 }
 
+/// All reduced images of the large plane.
+TimedTask pyramidTask()
+{
+  const auto prepare = [](const std::string& folder, const std::string& name)
+  {
+    const auto image = std::make_shared<Image>();
+    ImageReader::read(*image, ImageSourceVoxelMatrixFilePlane(folder + "/" + name + ".vm"));
+    const auto levels = std::make_shared<std::vector<Image>>();
+    const auto run = [=]
+    {
+      constexpr int smallest = 64;
+      ProgressSubject subject;
+      levels->clear();
+      for (const Image* last = image.get(); std::min(last->getWidth(), last->getHeight()) >= smallest;
+           last = &levels->back())
+        levels->push_back(halved(*last, subject));
+    };
+    const auto result = [levels]
+    {
+      const Image& first = levels->front();
+      const double sum = std::accumulate(first.getData(), first.getData() + first.getSize(), 0.0);
+      return "levels=" + std::to_string(levels->size()) +
+             " mean1=" + std::to_string(sum / static_cast<double>(first.getSize()));
+    };
+    return TimedWork{run, static_cast<double>(image->getSize()) / 1e6, "Mpixel", result};
+  };
+  return {"pyramid", "plane16k_u8", oneAndTwo, prepare};
+}
+
 TimedTask surfaceTask(const std::string& input)
 {
   return volumeTask("marching_cubes", input,
@@ -227,7 +260,7 @@ std::vector<TimedTask> imageTasks()
 {
   const auto mean5 = []<class T>(T) { return MeanFilter<T>(FilterOptions{.size = 5}); };
   const auto gauss2 = []<class T>(T) { return GaussianFilter<T>(FilterOptions{.sigma = 2}); };
-  std::vector<TimedTask> tasks = {planeReadTask(), voxelReadTask(), voxelWriteTask()};
+  std::vector<TimedTask> tasks = {planeReadTask(), voxelReadTask(), voxelWriteTask(), pyramidTask()};
   for (const char* layout : {"strip8", "page", "deflate"})
     tasks.push_back(stackReadTask("stack400_" + std::string(layout) + "_u8.tif"));
   for (const char* input :

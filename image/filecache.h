@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -33,17 +34,25 @@ struct FileState
 template <class Value> class FileCache
 {
 public:
-  /// The value of an open file, from `compute` when it is not known. What `compute` throws passes through.
-  template <class Compute> std::shared_ptr<const Value> get(int descriptor, const Compute& compute)
+  /// The value of an open file, from `compute` when it is not known. What `compute` throws passes through, as does what
+  /// `whileWaiting` throws, which is called every millisecond while another thread computes.
+  template <class Compute, class Wait>
+  std::shared_ptr<const Value> get(int descriptor, const Compute& compute, const Wait& whileWaiting)
   {
     const FileState state(descriptor);
-    const std::lock_guard lock(_mutex);
+    std::unique_lock lock(_mutex, std::defer_lock);
+    while (!lock.try_lock_for(std::chrono::milliseconds(1))) whileWaiting();
     const auto found =
         std::find_if(_known.begin(), _known.end(), [&](const Known& each) { return each.state == state; });
     if (found != _known.end()) return found->value;
     _known.push_back({state, std::make_shared<const Value>(compute())});
     if (_known.size() > maxKnown) _known.pop_front();
     return _known.back().value;
+  }
+
+  template <class Compute> std::shared_ptr<const Value> get(int descriptor, const Compute& compute)
+  {
+    return get(descriptor, compute, [] {});
   }
 
 private:
@@ -55,6 +64,6 @@ private:
 
   static constexpr std::size_t maxKnown = 8;
 
-  std::mutex _mutex;
+  std::timed_mutex _mutex;
   std::deque<Known> _known; // the newest last
 };

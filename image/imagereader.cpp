@@ -13,6 +13,7 @@
 #include "image/tiffreading.h"
 #include "image/voxelmatrixfile.h"
 #include "image/voxelmatrixplanes.h"
+#include "numeric/progresssubject.h"
 
 #include <atomic>
 #include <cstdint>
@@ -27,12 +28,12 @@ namespace
 std::atomic<std::ostream*> magicNumberStream = &std::cout;
 
 /// The image of the current directory; the given image changes only when all went well.
-void readCurrentImage(Image& image, TiffFile& file)
+void readCurrentImage(Image& image, TiffFile& file, ProgressSubject& subject)
 {
   ImageHeader header;
   readTiffHeader(header, file);
   Image fresh;
-  readTiffPixels(fresh, header, file);
+  readTiffPixels(fresh, header, file, subject);
   image.swap(fresh);
   file.tellWarning();
 }
@@ -43,7 +44,8 @@ const std::string& requireImage(const std::string& filename, const char* where)
   return filename;
 }
 
-constexpr const char* mosaicSignature = "void ImageReader::read(Image&, const ImageSourceFileMosaic&)";
+constexpr const char* mosaicSignature =
+    "void ImageReader::read(Image&, const ImageSourceFileMosaic&, ProgressSubject&)";
 
 /// \throw FileFormatError  the tile is not of the given size, or not like the mosaic's first tile
 void requireFit(const ImageHeader& tile, int width, int height, const ImageHeader& first, const std::string& filename)
@@ -108,39 +110,54 @@ Image emptyMosaic(const MosaicGrid& grid, const std::string& filename)
 
 void ImageReader::read(Image& image, const ImageSource& source)
 {
+  ProgressSubject nobody;
+  read(image, source, nobody);
+}
+
+void ImageReader::read(Image& image, const std::string& filename)
+{
+  ProgressSubject nobody;
+  read(image, filename, nobody);
+}
+
+void ImageReader::read(Image& image, const ImageSource& source, ProgressSubject& subject)
+{
   switch (source.getType())
   {
   case ImageSourceType::File:
-    return read(image, static_cast<const ImageSourceFile&>(source));
+    return read(image, static_cast<const ImageSourceFile&>(source), subject);
   case ImageSourceType::FileMosaic:
-    return read(image, static_cast<const ImageSourceFileMosaic&>(source));
+    return read(image, static_cast<const ImageSourceFileMosaic&>(source), subject);
   case ImageSourceType::TiffStackPlane:
-    return read(image, static_cast<const ImageSourceTiffStackPlane&>(source));
+    return read(image, static_cast<const ImageSourceTiffStackPlane&>(source), subject);
   case ImageSourceType::LSMStackPlane:
-    return read(image, static_cast<const ImageSourceLSMStackPlane&>(source));
+    return read(image, static_cast<const ImageSourceLSMStackPlane&>(source), subject);
   case ImageSourceType::VoxelMatrixFilePlane:
-    return read(image, static_cast<const ImageSourceVoxelMatrixFilePlane&>(source));
+    return read(image, static_cast<const ImageSourceVoxelMatrixFilePlane&>(source), subject);
   case ImageSourceType::VoxelMatrixPlane:
-    return read(image, static_cast<const ImageSourceVoxelMatrixPlane&>(source));
+    return read(image, static_cast<const ImageSourceVoxelMatrixPlane&>(source), subject);
   }
 }
 
-void ImageReader::read(Image& image, const ImageSourceFile& source)
+void ImageReader::read(Image& image, const ImageSourceFile& source, ProgressSubject& subject)
 {
-  read(image, requireImage(source.getFilename(), "void ImageReader::read(Image&, const ImageSourceFile&)"));
+  read(image,
+       requireImage(source.getFilename(), "void ImageReader::read(Image&, const ImageSourceFile&, ProgressSubject&)"),
+       subject);
 }
 
-void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source)
+void ImageReader::read(Image& image, const ImageSourceTiffStackPlane& source, ProgressSubject& subject)
 {
-  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceTiffStackPlane&)";
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceTiffStackPlane&, ProgressSubject&)";
   TiffFile file(requireImage(source.getTiffStackFilename(), where), source.getPlane(), TiffPlanes::WithoutThumbnails);
-  readCurrentImage(image, file);
+  readCurrentImage(image, file, subject);
 }
 
-void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
+void ImageReader::read(Image& image, const ImageSourceFileMosaic& source, ProgressSubject& subject)
 {
   const MosaicGrid grid = checkedGrid(source);
   Image mosaic = emptyMosaic(grid, source.getFilename(0, 0));
+  const ProgressStep step(subject, "Reading the mosaic", long{source.getRows()} * source.getCols());
   int y = 0;
   for (int row = 0; row < source.getRows(); ++row)
   {
@@ -150,7 +167,7 @@ void ImageReader::read(Image& image, const ImageSourceFileMosaic& source)
     {
       const int width = grid.widths[static_cast<std::size_t>(column)];
       Image tile;
-      read(tile, source.getFilename(row, column));
+      read(tile, source.getFilename(row, column), subject);
       requireFit(tile.getHeader(), width, height, mosaic.getHeader(), source.getFilename(row, column));
       mosaic.paste(tile, x, y);
       x += width;
@@ -165,28 +182,29 @@ void ImageReader::read(Image& image, const ImageMosaic& mosaic)
   read(image, mosaic.getSource());
 }
 
-void ImageReader::read(Image& image, const ImageSourceLSMStackPlane& source)
+void ImageReader::read(Image& image, const ImageSourceLSMStackPlane& source, ProgressSubject& subject)
 {
-  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceLSMStackPlane&)";
-  readLSMImage(image, requireImage(source.getLSMStackFilename(), where), source.getPlane());
+  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceLSMStackPlane&, ProgressSubject&)";
+  readLSMImage(image, requireImage(source.getLSMStackFilename(), where), source.getPlane(), subject);
 }
 
-void ImageReader::read(Image& image, const ImageSourceVoxelMatrixFilePlane& source)
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixFilePlane& source, ProgressSubject& subject)
 {
-  constexpr const char* where = "void ImageReader::read(Image&, const ImageSourceVoxelMatrixFilePlane&)";
-  readPlane(image, VoxelMatrixFile(requireImage(source.getVoxelMatrixFilename(), where)), source.getPlane());
+  constexpr const char* where =
+      "void ImageReader::read(Image&, const ImageSourceVoxelMatrixFilePlane&, ProgressSubject&)";
+  readPlane(image, VoxelMatrixFile(requireImage(source.getVoxelMatrixFilename(), where)), source.getPlane(), subject);
 }
 
-void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source)
+void ImageReader::read(Image& image, const ImageSourceVoxelMatrixPlane& source, ProgressSubject& subject)
 {
-  source.readImage(image);
+  source.readImage(image, subject);
 }
 
-void ImageReader::read(Image& image, const std::string& filename)
+void ImageReader::read(Image& image, const std::string& filename, ProgressSubject& subject)
 {
   TiffFile file(filename, 0, TiffPlanes::WithoutThumbnails);
-  if (isLSM(file)) return readLSMImage(image, filename, 0);
-  readCurrentImage(image, file);
+  if (isLSM(file)) return readLSMImage(image, filename, 0, subject);
+  readCurrentImage(image, file, subject);
 }
 
 void ImageReader::read(ImageHeader& header, const std::string& filename)

@@ -9,10 +9,10 @@ bool ImageSourceVoxelMatrixPlane::isDefined() const
                     _voxelMatrix);
 }
 
-void ImageSourceVoxelMatrixPlane::readImage(Image& image) const
+void ImageSourceVoxelMatrixPlane::readImage(Image& image, ProgressSubject& subject) const
 {
-  requireMatrix("void ImageSourceVoxelMatrixPlane::readImage(Image&) const");
-  std::visit([&](const auto& matrix) { readPlane(image, *matrix, getPlane()); }, _voxelMatrix);
+  requireMatrix("void ImageSourceVoxelMatrixPlane::readImage(Image&, ProgressSubject&) const");
+  std::visit([&](const auto& matrix) { readPlane(image, *matrix, getPlane(), subject); }, _voxelMatrix);
 }
 
 ImageHeader ImageSourceVoxelMatrixPlane::readHeader() const

@@ -8,6 +8,7 @@
 #include <variant>
 
 class Image;
+class ProgressSubject;
 
 /// One plane, 0-based, of a voxel matrix in memory, which the source and its clones share.
 class ImageSourceVoxelMatrixPlane : public ImageSourceVoxelMatrixBase
@@ -24,8 +25,8 @@ public:
   bool isDefined() const override;
   std::unique_ptr<ImageSource> clone() const override { return std::make_unique<ImageSourceVoxelMatrixPlane>(*this); }
 
-  /// The plane as ImageReader::read() gives it. \throw RangeError  the source is not defined
-  void readImage(Image& image) const;
+  /// The plane as ImageReader::read() gives it. \throw RangeError  the source is not defined \throw Cancelled
+  void readImage(Image& image, ProgressSubject& subject) const;
   /// Calls f(matrix) with the matrix, whatever its element type. \throw RangeError  the source is not defined
   template <class Function> void visitMatrix(Function f) const
   {

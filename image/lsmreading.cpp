@@ -4,6 +4,7 @@
 #include "image/filewarnings.h"
 #include "image/image.h"
 #include "image/imagereader.h"
+#include "image/parallelloop.h"
 #include "image/tiffpixels.h"
 #include "image/tiffreading.h"
 #include "image/tifftags.h"
@@ -139,12 +140,21 @@ void uncross(ImageHeader& header, TiffFile& file)
 }
 
 /// Fills the image with one sample of every pixel.
-void takeSample(Image& image, const std::vector<unsigned char>& pixels, std::size_t numSamples, std::size_t sample)
+void takeSample(Image& image, const std::vector<unsigned char>& pixels, std::size_t numSamples, std::size_t sample,
+                ProgressSubject& subject)
 {
   const auto sampleSize = static_cast<std::size_t>(image.bytesPerPixel());
-  const unsigned char* from = pixels.data() + sample * sampleSize;
-  for (std::size_t i = 0; i < image.dataLength(); i += sampleSize, from += numSamples * sampleSize)
-    std::memcpy(image.getData() + i, from, sampleSize);
+  const auto takeLine = [&](long i, long)
+  {
+    unsigned char* const line = image.getLine(static_cast<int>(i));
+    const unsigned char* from =
+        pixels.data() + (static_cast<std::size_t>(i) * image.bytesPerLine() * numSamples + sample * sampleSize);
+    for (std::size_t j = 0; j < image.bytesPerLine(); j += sampleSize, from += numSamples * sampleSize)
+      std::memcpy(line + j, from, sampleSize);
+  };
+  const ProgressStep step(subject, "Reading the pixels", image.getHeight());
+  forEachRange(subject, image.getHeight(), 1, takeLine);
+  subject.throwIfCancelled(pixelsSignature);
 }
 
 /// An LSM file open at the plane of an image.
@@ -165,10 +175,10 @@ public:
   }
 
   const ImageHeader& getHeader() const { return _header; }
-  void readImage(Image& image)
+  void readImage(Image& image, ProgressSubject& subject)
   {
     initImage(image, _header, _file);
-    readLSMPixels(image, _file, _channel);
+    readLSMPixels(image, _file, _channel, subject);
   }
 
 private:
@@ -200,27 +210,28 @@ void readLSMColormap(ImageHeader& header, TiffFile& file)
   if (isIndexed) readTiffColormap(header, file);
 }
 
-void readLSMPixels(Image& image, TiffFile& file, int channel)
+void readLSMPixels(Image& image, TiffFile& file, int channel, ProgressSubject& subject)
 {
   const auto sample = static_cast<std::uint16_t>(channel);
   const auto numSamples = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
   if (channel < 0 || channel >= numSamples)
     file.failReading(pixelsSignature, "There is no channel " + std::to_string(channel));
   TiffRaster raster{image.getWidth(), image.getHeight(), static_cast<std::size_t>(image.bytesPerPixel())};
+  const ProgressStep step(subject, "Reading the image", 3); // pixels, sample, levels
   if (numSamples == 1 || readTagOrDefault<std::uint16_t>(file, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE)
   {
     raster.sample = numSamples == 1 ? std::uint16_t{0} : sample;
-    readTiffRaster(image.getData(), raster, file, pixelsSignature);
+    readTiffRaster(image.getData(), raster, file, pixelsSignature, subject);
   }
   else
   {
     raster.bytesPerPixel *= numSamples;
     checkTiffLength(static_cast<double>(raster.dataLength()), file, pixelsSignature);
     std::vector<unsigned char> pixels(raster.dataLength());
-    readTiffRaster(pixels.data(), raster, file, pixelsSignature);
-    takeSample(image, pixels, numSamples, sample);
+    readTiffRaster(pixels.data(), raster, file, pixelsSignature, subject);
+    takeSample(image, pixels, numSamples, sample, subject);
   }
-  turnMinIsWhite(image.getData(), image.dataLength(), file);
+  turnMinIsWhite(image.getData(), image.dataLength(), file, subject);
 }
 
 void readLSMImageHeader(ImageHeader& header, const std::string& filename, int index)
@@ -228,10 +239,10 @@ void readLSMImageHeader(ImageHeader& header, const std::string& filename, int in
   header = LSMImageFile(filename, index).getHeader();
 }
 
-void readLSMImage(Image& image, const std::string& filename, int index)
+void readLSMImage(Image& image, const std::string& filename, int index, ProgressSubject& subject)
 {
   Image fresh;
-  LSMImageFile(filename, index).readImage(fresh);
+  LSMImageFile(filename, index).readImage(fresh, subject);
   image.swap(fresh);
   tellWarning(filename);
 }

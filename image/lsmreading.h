@@ -4,6 +4,7 @@
 
 class Image;
 class ImageHeader;
+class ProgressSubject;
 class TiffFile;
 
 /// Confocal stacks in the LSM variant of TIFF: a directory per plane, others for thumbnails, a private block that tells
@@ -21,11 +22,11 @@ bool isLSM(const TiffFile& file);
 void readLSMHeader(ImageHeader& header, TiffFile& file);
 /// The palette of indexed images.
 void readLSMColormap(ImageHeader& header, TiffFile& file);
-/// Fills an image, sized as the current directory, with one channel, 0-based.
-void readLSMPixels(Image& image, TiffFile& file, int channel);
+/// Fills an image, sized as the current directory, with one channel, 0-based. \throw Cancelled  the subject is
+void readLSMPixels(Image& image, TiffFile& file, int channel, ProgressSubject& subject);
 
 /// Header of an image as readLSMImage() gives it: sizes of the raster, pixel width along X, planes without thumbnails.
 /// Both write the magic number once per file.
 void readLSMImageHeader(ImageHeader& header, const std::string& filename, int index);
-void readLSMImage(Image& image, const std::string& filename, int index);
+void readLSMImage(Image& image, const std::string& filename, int index, ProgressSubject& subject);
 /// @}

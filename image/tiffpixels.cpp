@@ -1,6 +1,8 @@
 #include "image/tiffpixels.h"
 
+#include "image/parallelloop.h"
 #include "image/tifftags.h"
+#include "numeric/progresssubject.h"
 #include "numeric/targetclones.h"
 
 #include <algorithm>
@@ -87,10 +89,10 @@ MIRELO_TARGET_CLONES void swapBytePairs(unsigned char* bytes, std::size_t numPai
   }
 }
 
-/// Pieces small enough that several threads share the work of reading a large block.
+/// Pieces small enough that several threads share the work of reading a large block, and can be stopped soon.
 std::vector<Block> split(const std::vector<Block>& blocks)
 {
-  constexpr std::uint64_t greatestPiece = 8 << 20;
+  constexpr std::uint64_t greatestPiece = 1 << 20;
   std::vector<Block> pieces;
   for (const Block& block : blocks)
     for (std::uint64_t start = 0; start < block.length; start += greatestPiece)
@@ -98,15 +100,20 @@ std::vector<Block> split(const std::vector<Block>& blocks)
   return pieces;
 }
 
-bool readBlocks(unsigned char* pixels, const std::vector<Block>& blocks, const TiffFile& file)
+bool readBlocks(unsigned char* pixels, const std::vector<Block>& blocks, const TiffFile& file, ProgressSubject& subject)
 {
   const std::vector<Block> pieces = split(blocks);
   std::vector<std::uint64_t> starts(pieces.size());
   for (std::size_t i = 1; i < pieces.size(); ++i) starts[i] = starts[i - 1] + pieces[i - 1].length;
   std::atomic<bool> isRead = true;
-#pragma omp parallel for schedule(static) if (pieces.size() > 1)
-  for (std::size_t i = 0; i < pieces.size(); ++i)
-    if (!file.readAt(pieces[i].offset, pixels + starts[i], pieces[i].length)) isRead = false;
+  const auto numPieces = static_cast<long>(pieces.size());
+  const ProgressStep step(subject, "Reading the pixels", numPieces);
+  forEachRange(subject, numPieces, 1,
+               [&](long piece, long)
+               {
+                 const auto i = static_cast<std::size_t>(piece);
+                 if (!file.readAt(pieces[i].offset, pixels + starts[i], pieces[i].length)) isRead = false;
+               });
   return isRead;
 }
 
@@ -115,19 +122,58 @@ bool hasSwappedPairs(const TiffFile& file)
   return TIFFIsByteSwapped(file.get()) && readTagOrDefault<std::uint16_t>(file, TIFFTAG_BITSPERSAMPLE) == 16;
 }
 
-void decodeStrips(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where)
+void swapBytePairs(unsigned char* bytes, std::size_t numBytes, ProgressSubject& subject)
+{
+  constexpr std::size_t pieceLength = std::size_t{1} << 20;
+  const ProgressStep step(subject, "Reading the pixels", static_cast<long>(numBytes));
+  forEachRange(subject, static_cast<long>(numBytes), pieceLength,
+               [bytes](long first, long last)
+               { swapBytePairs(bytes + first, static_cast<std::size_t>(last - first) / 2); });
+}
+
+/// Whether libtiff decodes the lines of a strip one by one as fast as the strip, and the strip takes long.
+bool hasLongStrips(const TiffRaster& raster, const TiffFile& file)
+{
+  constexpr std::size_t longStrip = std::size_t{1} << 20;
+  const auto compression = readTagOrDefault<std::uint16_t>(file, TIFFTAG_COMPRESSION);
+  const bool isByLine = compression == COMPRESSION_NONE || compression == COMPRESSION_PACKBITS ||
+                        compression == COMPRESSION_LZW || compression == COMPRESSION_DEFLATE ||
+                        compression == COMPRESSION_ADOBE_DEFLATE;
+  return isByLine && rowsPerStrip(raster, file) * raster.bytesPerLine() > longStrip;
+}
+
+void decodeLines(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where,
+                 ProgressSubject& subject)
+{
+  const ProgressStep step(subject, "Reading the pixels", raster.height);
+  for (int row = 0; row < raster.height; ++row)
+  {
+    subject.throwIfCancelled(where);
+    const std::size_t start = static_cast<std::size_t>(row) * raster.bytesPerLine();
+    if (TIFFReadScanline(file.get(), pixels + start, static_cast<std::uint32_t>(row), raster.sample) != 1)
+      file.failReading(where, "Cannot read the pixels");
+    subject.progress(row + 1);
+  }
+}
+
+void decodeStrips(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where,
+                  ProgressSubject& subject)
 {
   if (TIFFScanlineSize64(file.get()) != raster.bytesPerLine())
     file.failReading(where, "Cannot read TIFF with padded lines");
+  if (hasLongStrips(raster, file)) return decodeLines(pixels, raster, file, where, subject);
+  const ProgressStep step(subject, "Reading the pixels", raster.height);
   const auto height = static_cast<std::uint32_t>(raster.height), numRows = rowsPerStrip(raster, file);
   std::uint32_t strip = TIFFComputeStrip(file.get(), 0, raster.sample);
   for (std::uint32_t row = 0; row < height; ++strip)
   {
+    subject.throwIfCancelled(where);
     const std::uint32_t count = std::min(numRows, height - row);
     const auto length = static_cast<tmsize_t>(count * raster.bytesPerLine());
     if (TIFFReadEncodedStrip(file.get(), strip, pixels + row * raster.bytesPerLine(), length) != length)
       file.failReading(where, "Cannot read the pixels");
     row += count;
+    subject.progress(row);
   }
 }
 
@@ -142,7 +188,8 @@ void pasteTile(unsigned char* pixels, const TiffRaster& raster, const std::vecto
     std::memcpy(pixels + (y + i) * raster.bytesPerLine() + shift, tile.data() + i * tileLine, numBytes);
 }
 
-void decodeTiles(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where)
+void decodeTiles(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where,
+                 ProgressSubject& subject)
 {
   const auto tileWidth = readTagOrDefault<std::uint32_t>(file, TIFFTAG_TILEWIDTH);
   const auto tileHeight = readTagOrDefault<std::uint32_t>(file, TIFFTAG_TILELENGTH);
@@ -154,31 +201,37 @@ void decodeTiles(unsigned char* pixels, const TiffRaster& raster, TiffFile& file
   std::uint32_t index = TIFFComputeTile(file.get(), 0, 0, 0, raster.sample);
   const auto width = static_cast<std::uint64_t>(raster.width), height = static_cast<std::uint64_t>(raster.height);
   const auto length = static_cast<tmsize_t>(tileSize);
+  const ProgressStep step(subject, "Reading the pixels", raster.height);
   for (std::uint64_t y = 0; y < height; y += tileHeight)
   {
     for (std::uint64_t x = 0; x < width; x += tileWidth)
     {
+      subject.throwIfCancelled(where);
       if (TIFFReadEncodedTile(file.get(), index++, tile.data(), length) != length)
         file.failReading(where, "Cannot read the pixels");
       pasteTile(pixels, raster, tile, tileWidth * raster.bytesPerPixel, x, y);
     }
+    subject.progress(static_cast<long>(y));
   }
 }
 } // namespace
 
-void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where)
+void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where,
+                    ProgressSubject& subject)
 {
   std::vector<Block> blocks = plainBlocks(raster, file);
   for (Block& block : blocks) block.offset += raster.pixelsBehind * raster.bytesPerPixel;
   if (!blocks.empty())
   {
-    if (!readBlocks(pixels, blocks, file)) file.failReading(where, "Cannot read the pixels");
-    if (hasSwappedPairs(file)) swapBytePairs(pixels, raster.dataLength() / 2);
+    const ProgressStep step(subject, "Reading the pixels", 2);
+    if (!readBlocks(pixels, blocks, file, subject)) file.failReading(where, "Cannot read the pixels");
+    if (hasSwappedPairs(file)) swapBytePairs(pixels, raster.dataLength(), subject);
+    subject.throwIfCancelled(where);
   }
   else if (TIFFIsTiled(file.get()))
-    decodeTiles(pixels, raster, file, where);
+    decodeTiles(pixels, raster, file, where, subject);
   else
-    decodeStrips(pixels, raster, file, where);
+    decodeStrips(pixels, raster, file, where, subject);
 }
 
 std::optional<TiffRasterRun> findRasterRun(const TiffRaster& raster, const TiffFile& file)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 
+class ProgressSubject;
 class TiffFile;
 
 /// The pixels of a directory of an open TIFF file: lines without padding, one after another.
@@ -20,9 +21,12 @@ struct TiffRaster
 };
 
 /// Fills the dataLength() bytes at `pixels`; 16-bit samples get the machine's byte order. Pixels that need no decoding
-/// come straight from the file, large ones by several threads.
+/// come straight from the file, large ones by several threads. All in pieces that take milliseconds, between which the
+/// subject is looked at; strips of less common compressions and tiles are one piece.
 /// \throw FileFormatError  with the where-text of the caller
-void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where);
+/// \throw Cancelled        the subject is
+void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& file, const char* where,
+                    ProgressSubject& subject);
 
 /// Images of one size that lie one after another, the directory's own being the first.
 struct TiffRasterRun

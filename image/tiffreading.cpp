@@ -1,6 +1,7 @@
 #include "image/tiffreading.h"
 
 #include "image/image.h"
+#include "image/parallelloop.h"
 #include "image/tiffpixels.h"
 #include "image/tifftags.h"
 #include "numeric/targetclones.h"
@@ -239,19 +240,20 @@ void readTiffColormap(ImageHeader& header, TiffFile& file)
   header.setColormap(colormap);
 }
 
-void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file)
+void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file, ProgressSubject& subject)
 {
   checkPixels(header, file);
   const TiffRaster raster = rasterOf(header, file);
-  readTiffRaster(pixels, raster, file, pixelsSignature);
-  turnMinIsWhite(pixels, raster.dataLength(), file);
+  const ProgressStep step(subject, "Reading the image", 2);
+  readTiffRaster(pixels, raster, file, pixelsSignature, subject);
+  turnMinIsWhite(pixels, raster.dataLength(), file, subject);
 }
 
-void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file)
+void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file, ProgressSubject& subject)
 {
   checkPixels(header, file);
   initImage(image, header, file);
-  readTiffPixels(image.getData(), header, file);
+  readTiffPixels(image.getData(), header, file, subject);
 }
 
 void initImage(Image& image, const ImageHeader& header, TiffFile& file)
@@ -267,8 +269,13 @@ void initImage(Image& image, const ImageHeader& header, TiffFile& file)
   image.setDescription(header);
 }
 
-void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file)
+void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file, ProgressSubject& subject)
 {
   const auto samplesPerPixel = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
-  if (samplesPerPixel == 1 && photometric(file, samplesPerPixel) == PHOTOMETRIC_MINISWHITE) invert(pixels, numBytes);
+  if (samplesPerPixel != 1 || photometric(file, samplesPerPixel) != PHOTOMETRIC_MINISWHITE) return;
+  constexpr long pieceLength = 1 << 20;
+  const ProgressStep step(subject, "Reading the image", static_cast<long>(numBytes));
+  forEachRange(subject, static_cast<long>(numBytes), pieceLength,
+               [pixels](long first, long last) { invert(pixels + first, static_cast<std::size_t>(last - first)); });
+  subject.throwIfCancelled(pixelsSignature);
 }

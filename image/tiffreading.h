@@ -4,6 +4,7 @@
 
 class Image;
 class ImageHeader;
+class ProgressSubject;
 class TiffFile;
 
 /// The steps of reading the current directory of an open TIFF file. All throw FileFormatError with the file's name.
@@ -22,13 +23,13 @@ int numTiffPlanes(const ImageHeader& header, const TiffFile& file);
 /// Pixel size and unit from the resolution tags and, without a unit there, from the description.
 void readTiffCalibration(ImageHeader& header, TiffFile& file);
 void readTiffColormap(ImageHeader& header, TiffFile& file);
-/// Sizes the image as the header says and fills it.
-void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file);
+/// Sizes the image as the header says and fills it. \throw Cancelled  the subject is, as for the next one
+void readTiffPixels(Image& image, const ImageHeader& header, TiffFile& file, ProgressSubject& subject);
 /// The same into memory for height lines of width x depth / 8 bytes.
-void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file);
+void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& file, ProgressSubject& subject);
 
 /// Sizes and describes the image as the header says.
 void initImage(Image& image, const ImageHeader& header, TiffFile& file);
 /// Turns min-is-white, when the file says so, into min-is-black: the complement of every level.
-void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file);
+void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file, ProgressSubject& subject);
 /// @}

@@ -4,6 +4,7 @@
 #include "image/filewarnings.h"
 #include "image/finiterange.h"
 #include "numeric/exception.h"
+#include "numeric/progresssubject.h"
 
 #include <algorithm>
 #include <array>
@@ -43,15 +44,20 @@ std::size_t sizeOfType(int typeId)
   }
 }
 
-template <class T> std::pair<long double, long double> rangeOf(const VoxelMatrixFile& file)
+constexpr const char* rangeSignature =
+    "std::pair<long double, long double> VoxelMatrixFile::getRange(const ProgressSubject&) const";
+
+template <class T>
+std::pair<long double, long double> rangeOf(const VoxelMatrixFile& file, const ProgressSubject& subject)
 {
-  constexpr std::size_t blockSize = std::size_t{1} << 20;
+  constexpr std::size_t blockSize = std::size_t{1} << 18; // a millisecond or so
   const std::size_t numVoxels = file.getHeader().numVoxels();
   FiniteRange<T> range;
   std::vector<T> block(std::min(blockSize, numVoxels));
   for (std::size_t first = 0; first < numVoxels; first += block.size())
   {
     const std::size_t count = std::min(block.size(), numVoxels - first);
+    subject.throwIfCancelled(rangeSignature);
     file.read(block.data(), first, count);
     range.extend(block.data(), count);
   }
@@ -181,9 +187,10 @@ void VoxelMatrixFile::read(void* voxels, std::size_t first, std::size_t count) c
   }
 }
 
-std::pair<long double, long double> VoxelMatrixFile::getRange() const
+std::pair<long double, long double> VoxelMatrixFile::getRange(const ProgressSubject& subject) const
 {
   static FileCache<std::pair<long double, long double>> known;
-  return *known.get(_descriptor, [this]
-                    { return withElementType(_header, [this](auto zero) { return rangeOf<decltype(zero)>(*this); }); });
+  const auto compute = [&]
+  { return withElementType(_header, [&](auto zero) { return rangeOf<decltype(zero)>(*this, subject); }); };
+  return *known.get(_descriptor, compute, [&subject] { subject.throwIfCancelled(rangeSignature); });
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+class ProgressSubject;
+
 /// A voxel-matrix file opened for reading: an optional header of 48 bytes, then the voxels, plane after plane, row
 /// after row, all little-endian.
 ///
@@ -30,9 +32,9 @@ public:
   void read(void* voxels, std::size_t first, std::size_t count) const;
 
   /// Smallest and largest finite voxel of the file (the first is the larger one when there is none), from one pass over
-  /// it; files asked for last are remembered until they change. Safe to call from any thread. \throw FileReadError  the
-  /// disk fails
-  std::pair<long double, long double> getRange() const;
+  /// it; files asked for last are remembered until they change. Safe to call from any thread.
+  /// \throw FileReadError  the disk fails   \throw Cancelled  the subject is
+  std::pair<long double, long double> getRange(const ProgressSubject& subject) const;
 
 private:
   [[noreturn]] void fail(const std::string& what) const;

@@ -7,6 +7,7 @@
 #include "image/tiffwriting.h"
 #include "image/voxelmatrix.h"
 #include "numeric/atomicfile.h"
+#include "numeric/progresssubject.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,8 +35,10 @@ template <class T> void readPlane(PixelMatrix<T>& plane, Image& image, TiffFile&
   readTiffHeader(header, file);
   if (header.getHeight() != plane.getSize1() || header.getWidth() != plane.getSize2())
     file.failReading(loadSignature, "Plane " + std::to_string(file.getPlane()) + " has another size than the first");
-  if (holdsElements<T>(header)) return readTiffPixels(reinterpret_cast<unsigned char*>(plane.data()), header, file);
-  readTiffPixels(image, header, file);
+  ProgressSubject nobody;
+  if (holdsElements<T>(header))
+    return readTiffPixels(reinterpret_cast<unsigned char*>(plane.data()), header, file, nobody);
+  readTiffPixels(image, header, file, nobody);
   try
   {
     plane.convertFromImage(image);
