@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 
+#include <functional>
 #include <set>
 #include <string>
 
@@ -73,10 +74,12 @@ protected:
   void atEventBatchEnd() override;
 
 private:
-  template <class Slot>
-  QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
-  template <class Slot>
-  QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
+  static constexpr int messageMilliseconds = 5000;
+
+  QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
+                        const std::function<void()>& slot);
+  QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
+                             const std::function<void()>& slot);
   template <class Dialog, class... Arguments> void openDialog(Arguments&&... arguments);
   QAction* createLaterAction(const QString& text, const QString& toolTip);
   void createFileActions();
