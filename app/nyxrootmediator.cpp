@@ -1,6 +1,7 @@
 #include "app/nyxrootmediator.h"
 
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
+#include "app/core/actions/nyxsliceorderaction.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
@@ -16,6 +17,7 @@
 #include "app/nyxstacklistwidget.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "numeric/exception.h"
 
 #include <QAction>
 #include <QDir>
@@ -25,6 +27,21 @@
 #include <QToolBar>
 
 #include <utility>
+
+namespace
+{
+/// An action that cannot be used for a reason tells it in place of what it does.
+void enable(QAction& action, bool isPossible, const QString& reason)
+{
+  action.setEnabled(isPossible && reason.isEmpty());
+  action.setToolTip(reason.isEmpty() ? action.whatsThis() : plainText(reason));
+}
+
+QString nameOf(const StackSlice& slice)
+{
+  return QString::fromStdString(slice.getName());
+}
+} // namespace
 
 NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
 {
@@ -50,6 +67,7 @@ void NYXRootMediator::initialize()
 
   connect(_stackList, &NYXStackListWidget::currentStackChanged, this, &NYXRootMediator::showCurrentStack);
   connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
+  connect(_sliceList, &NYXSliceListWidget::sliceDragged, this, &NYXRootMediator::moveSlice);
   connect(_sliceEditWidget, &NYXRootSliceEditWidget::openRequested, this, &NYXRootMediator::openStack);
   updatePluginActions();
   updateActions();
@@ -125,46 +143,119 @@ void NYXRootMediator::showStackState()
 
 void NYXRootMediator::updateActions()
 {
-  enableActions(currentStack() != nullptr);
-  lockRequest(_lockedSlices.contains(currentSlice()));
+  const NYXStack* const stack = currentStack();
+  const StackSlice* const slice = currentSlice();
+  enableActions(stack != nullptr);
+  lockRequest(slice != nullptr && stack->isLocked(*slice));
+  showHistories();
+}
+
+QString NYXRootMediator::lockText(const StackSlice& slice)
+{
+  return tr("Slice %1 is locked: a computation works on it").arg(nameOf(slice));
+}
+
+/// Why a step cannot be undone or made again now; empty when it can.
+QString NYXRootMediator::obstacleText(const StackSlice* obstacle, const StackSlice* locked)
+{
+  if (locked != nullptr) return lockText(*locked);
+  return obstacle == nullptr ? QString() : tr("A step on slice %1 comes first: go there").arg(nameOf(*obstacle));
 }
 
 /// Nothing is edited on a slice while a computation works on it.
 void NYXRootMediator::lockRequest(bool isLocked)
 {
-  const bool isEditable = currentSlice() != nullptr && !isLocked;
-  _deleteSlice->setEnabled(isEditable);
-  for (QAction* action : std::as_const(_sliceActions)) action->setEnabled(isEditable);
-  showHistories();
+  const StackSlice* const slice = currentSlice();
+  for (QAction* action : std::as_const(_sliceActions))
+    enable(*action, slice != nullptr, isLocked ? lockText(*slice) : QString());
+}
+
+/// What changes all slices, or the places of slices, waits until none is locked.
+void NYXRootMediator::enableActions(bool flag)
+{
+  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
+  const NYXStack* const stack = currentStack();
+  const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
+  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : QString();
+  for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
+  const StackSlice* const slice = currentSlice();
+  enable(*_deleteSlice, slice != nullptr, reason);
+  enable(*_moveSliceUp, slice != nullptr && slice->getIndex() > 0, reason);
+  enable(*_moveSliceDown, slice != nullptr && slice->getIndex() + 1 < stack->getNumSlices(), reason);
+}
+
+/// Makes a change that the user of this window asks for, and shows the slice that came or moved with it, if one did.
+void NYXRootMediator::change(const std::function<void(NYXStack&)>& make)
+{
+  NYXStack* const stack = currentStack();
+  if (stack == nullptr) return;
+  _concernedSlice = nullptr;
+  try
+  {
+    make(*stack);
+  }
+  catch (const Exception& error)
+  {
+    _statusBar->showMessage(QString::fromStdString(error.getWhat()), messageMilliseconds);
+    refreshSlices();
+  }
+  if (_concernedSlice != nullptr) _sliceList->selectSlice(*_concernedSlice);
 }
 
 void NYXRootMediator::undo()
 {
-  if (NYXStack* stack = currentStack()) stack->histories().undo(currentSlice());
+  change([this](NYXStack& stack) { stack.histories().undo(currentSlice()); });
 }
 
 void NYXRootMediator::redo()
 {
-  if (NYXStack* stack = currentStack()) stack->histories().redo(currentSlice());
+  change([this](NYXStack& stack) { stack.histories().redo(currentSlice()); });
 }
 
 void NYXRootMediator::insertSlices()
 {
-  NYXStack& stack = *currentStack();
-  stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0));
+  change([this](NYXStack& stack) { stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0)); });
+}
+
+QString NYXRootMediator::deletionText(const StackSlice& slice)
+{
+  const auto numItems = static_cast<int>(slice.getItems().size());
+  if (numItems == 0) return tr("Deleted slice %1; Undo restores it").arg(nameOf(slice));
+  if (numItems == 1) return tr("Deleted slice %1 with 1 item; Undo restores both").arg(nameOf(slice));
+  return tr("Deleted slice %1 with %2 items; Undo restores them").arg(nameOf(slice)).arg(numItems);
 }
 
 void NYXRootMediator::deleteSlice()
 {
-  StackSlice& slice = *currentSlice();
-  const QString name = QString::fromStdString(slice.getName());
-  const auto numItems = static_cast<int>(slice.getItems().size());
-  currentStack()->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
-  _statusBar->showMessage(numItems == 0 ? tr("Deleted slice %1; Undo restores it").arg(name)
-                          : numItems == 1
-                              ? tr("Deleted slice %1 with 1 item; Undo restores both").arg(name)
-                              : tr("Deleted slice %1 with %2 items; Undo restores them").arg(name).arg(numItems),
-                          messageMilliseconds);
+  change(
+      [this](NYXStack& stack)
+      {
+        StackSlice& slice = *currentSlice();
+        const QString text = deletionText(slice);
+        stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
+        _statusBar->showMessage(text, messageMilliseconds);
+      });
+}
+
+void NYXRootMediator::moveCurrentSlice(int distance)
+{
+  const int slice = _sliceList->currentSlice();
+  moveSlice(slice, slice + distance);
+}
+
+void NYXRootMediator::moveSlice(int slice, int place)
+{
+  change(
+      [&](NYXStack& stack)
+      {
+        if (slice < 0 || slice >= stack.getNumSlices()) return;
+        StackSlice& moved = *stack.getSlice(slice);
+        stack.history().pushStep(std::make_unique<NYXSliceOrderAction>(moved, place));
+        const QString text = moved.useRelativePosition()
+                                 ? tr("Moved slice %1 to place %2")
+                                 : tr("Moved slice %1 to place %2; it keeps its absolute depth");
+        _statusBar->showMessage(text.arg(QString::fromStdString(moved.getName())).arg(place + 1), messageMilliseconds);
+      });
 }
 
 void NYXRootMediator::followHistories()
@@ -172,39 +263,29 @@ void NYXRootMediator::followHistories()
   disconnect(_historiesChanged);
   if (NYXStack* stack = currentStack())
     _historiesChanged =
-        connect(&stack->histories(), &NYXStackHistories::changed, this, &NYXRootMediator::showHistories);
-  showHistories();
+        connect(&stack->histories(), &NYXStackHistories::changed, this, &NYXRootMediator::updateActions);
+  updateActions();
 }
 
 void NYXRootMediator::showHistories()
 {
-  NYXStack* const stack = currentStack();
-  const StackSlice* const slice = currentSlice();
-  const bool isLocked = _lockedSlices.contains(slice);
-  const auto show =
-      [&](QAction& action, const QString& name, bool isPossible, const QString& description, const StackSlice* obstacle)
+  const auto show = [](QAction& action, const QString& name, const QString& description, const QString& reason)
   {
-    action.setEnabled(isPossible && !isLocked);
-    action.setText(isPossible ? tr("%1: %2").arg(name, description) : name);
-    if (action.whatsThis().isEmpty()) action.setWhatsThis(action.toolTip()); // the tool tip when nothing is in the way
-    action.setToolTip(
-        obstacle == nullptr
-            ? action.whatsThis()
-            : plainText(
-                  tr("A step on slice %1 comes first: go there").arg(QString::fromStdString(obstacle->getName()))));
+    action.setText(description.isEmpty() ? name : tr("%1: %2").arg(name, description));
+    enable(action, !description.isEmpty(), reason);
   };
-  const bool isUndoable = stack != nullptr && stack->histories().isUndoable(slice);
-  const bool isRedoable = stack != nullptr && stack->histories().isRedoable(slice);
-  show(*_undo, tr("Undo"), isUndoable, isUndoable ? stack->histories().undoDescription(slice, true) : QString(),
-       stack != nullptr ? stack->histories().undoObstacle(slice) : nullptr);
-  show(*_redo, tr("Redo"), isRedoable, isRedoable ? stack->histories().redoDescription(slice, true) : QString(),
-       stack != nullptr ? stack->histories().redoObstacle(slice) : nullptr);
-}
-
-void NYXRootMediator::enableActions(bool flag)
-{
-  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
-  for (QAction* action : std::as_const(_pluginActions)) action->setEnabled(flag);
+  NYXStack* const stack = currentStack();
+  if (stack == nullptr)
+  {
+    show(*_undo, tr("Undo"), {}, {});
+    return show(*_redo, tr("Redo"), {}, {});
+  }
+  NYXStackHistories& histories = stack->histories();
+  const StackSlice* const slice = currentSlice();
+  show(*_undo, tr("Undo"), histories.isUndoable(slice) ? histories.undoDescription(slice, true) : QString(),
+       obstacleText(histories.undoObstacle(slice), histories.undoLock(slice)));
+  show(*_redo, tr("Redo"), histories.isRedoable(slice) ? histories.redoDescription(slice, true) : QString(),
+       obstacleText(histories.redoObstacle(slice), histories.redoLock(slice)));
 }
 
 void NYXRootMediator::updateRecentFilesMenu()
@@ -285,16 +366,15 @@ void NYXRootMediator::preferencesEvent(const NYXPreferencesEvent&)
 
 void NYXRootMediator::stackCloseEvent(const NYXStackCloseEvent& event)
 {
-  for (int i = 0; i < event.getStack().getNumSlices(); ++i) _lockedSlices.erase(event.getStack().getSlice(i));
+  _sliceList->forget(event.getStack());
 }
 
+/// The actions follow the stack's news of what can be undone.
 void NYXRootMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 {
-  if (event.isLocked)
-    _lockedSlices.insert(&event.getSlice());
-  else
-    _lockedSlices.erase(&event.getSlice());
-  updateActions();
+  const StackSlice& slice = event.getSlice();
+  const NYXStack* const stack = currentStack();
+  if (stack != nullptr && slice.getStack() == stack) _sliceList->showLock(slice.getIndex(), event.isLocked);
 }
 
 void NYXRootMediator::refreshSlice(const StackSlice* slice)
@@ -303,6 +383,18 @@ void NYXRootMediator::refreshSlice(const StackSlice* slice)
   if (stack != nullptr && slice != nullptr && slice->getStack() == stack)
     _sliceList->refreshSlice(*stack, slice->getIndex());
   _sliceEditWidget->update();
+}
+
+/// The change that is made may be a step of several actions, and may be taken back.
+void NYXRootMediator::noteConcernedSlice(const NYXSliceAction& action)
+{
+  const StackSlice& slice = action.getSlice();
+  if (slice.getStack() == nullptr)
+  {
+    if (_concernedSlice == &slice) _concernedSlice = nullptr;
+  }
+  else if (_concernedSlice == nullptr && action.changesPlaces())
+    _concernedSlice = &slice;
 }
 
 /// At once, or when the batch of events is over.
@@ -319,8 +411,9 @@ void NYXRootMediator::atEventBatchEnd()
   if (_areSlicesStale) refreshSlices();
 }
 
-void NYXRootMediator::processSliceAction(NYXSliceAction&)
+void NYXRootMediator::processSliceAction(NYXSliceAction& action)
 {
+  noteConcernedSlice(action);
   refreshSlices();
 }
 

@@ -26,6 +26,7 @@ QAction* NYXRootMediator::createAction(const QString& text, const QString& toolT
   action->setShortcut(shortcut);
   action->setStatusTip(toolTip);
   action->setToolTip(shortcut.isEmpty() ? toolTip : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
+  action->setWhatsThis(action->toolTip()); // the tool tip while nothing is in the way: see enable()
   connect(action, &QAction::triggered, this, slot);
   return action;
 }
@@ -35,6 +36,15 @@ QAction* NYXRootMediator::createStackAction(const QString& text, const QString& 
 {
   QAction* action = createAction(text, toolTip, shortcut, slot);
   _stackActions.append(action);
+  return action;
+}
+
+/// An action that changes what belongs to all slices.
+QAction* NYXRootMediator::createWholeStackAction(const QString& text, const QString& toolTip,
+                                                 const QKeySequence& shortcut, const std::function<void()>& slot)
+{
+  QAction* action = createAction(text, toolTip, shortcut, slot);
+  _wholeStackActions.append(action);
   return action;
 }
 
@@ -91,10 +101,14 @@ void NYXRootMediator::createEditActions()
   _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), QKeySequence("Ctrl+Shift+Z"),
                        [this] { redo(); });
   _redo->setIcon(QIcon(":/icons/redo.svg"));
-  _insertSlice = createStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
-                                   [this] { insertSlices(); });
+  _insertSlice = createWholeStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
+                                        [this] { insertSlices(); });
   _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
                               [this] { deleteSlice(); });
+  _moveSliceUp = createAction(tr("Move slice up"), tr("Move the current slice before the previous one"),
+                              QKeySequence("Ctrl+Shift+Up"), [this] { moveCurrentSlice(-1); });
+  _moveSliceDown = createAction(tr("Move slice down"), tr("Move the current slice behind the next one"),
+                                QKeySequence("Ctrl+Shift+Down"), [this] { moveCurrentSlice(1); });
   const auto sliceDialog = [this](const QString& text, const QString& toolTip, auto open)
   {
     QAction* const action = createAction(text, toolTip, {}, [this, open] { open(*currentStack(), *currentSlice()); });
@@ -102,12 +116,14 @@ void NYXRootMediator::createEditActions()
     return action;
   };
   _editDialogs = {
-      createStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
-                        [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
+      createWholeStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
+                             [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
       _insertSlice,
       _deleteSlice,
-      createStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
-                        [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
+      _moveSliceUp,
+      _moveSliceDown,
+      createWholeStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
+                             [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
       sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
                   [this](NYXStack& stack, StackSlice& slice)
                   { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); }),
@@ -144,10 +160,10 @@ void NYXRootMediator::createProcessActions()
       createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
       createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
-      createStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
-                        [this] { openDialog<NYXTransferModelsDialog>(*currentStack()); }),
-      createStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
-                        [this] { openDialog<NYXFilterModelsDialog>(*currentStack()); }),
+      createWholeStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
+                             [this] { openDialog<NYXTransferModelsDialog>(*currentStack()); }),
+      createWholeStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
+                             [this] { openDialog<NYXFilterModelsDialog>(*currentStack()); }),
   };
 }
 
