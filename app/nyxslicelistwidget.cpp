@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
@@ -62,6 +63,12 @@ private:
   {
     const int side = option.fontMetrics.height();
     const QRect place(qRound(right) - side, option.rect.center().y() - side / 2, side, side);
+    if (option.state & QStyle::State_Selected) // whose colour is too near to the icon's
+    {
+      painter.setPen(Qt::NoPen);
+      painter.setBrush(option.palette.base());
+      painter.drawRoundedRect(place, side / 4.0, side / 4.0);
+    }
     QIcon(":/icons/lock.svg").paint(&painter, place);
   }
 };
@@ -129,6 +136,7 @@ void NYXSliceListWidget::refresh(const NYXStack& stack)
 void NYXSliceListWidget::list(const NYXStack* stack, int row)
 {
   const QSignalBlocker blocker(_list);
+  const int scroll = stack == _stack ? _list->verticalScrollBar()->value() : 0;
   _stack = stack;
   _list->clear();
   for (int i = 0; stack != nullptr && i < stack->getNumSlices(); ++i)
@@ -139,6 +147,8 @@ void NYXSliceListWidget::list(const NYXStack* stack, int row)
     item->setData(LockRole, stack->isLocked(*stack->getSlice(i)));
     refreshSlice(*stack, i);
   }
+  _list->doItemsLayout();
+  _list->verticalScrollBar()->setValue(scroll); // selecting moves on only as far as needed
   selectNearestShown(selectedRow(row));
   noteRow(_list->currentRow());
 }

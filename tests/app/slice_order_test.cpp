@@ -137,6 +137,19 @@ TEST_F(SliceOrder, TheSelectionFollowsItsSlice)
   EXPECT_EQ(history.getUndoListSize(), 0);
 }
 
+TEST_F(SliceOrder, TheListStaysWhereItWasScrolledTo)
+{
+  addStackOf(200);
+  QApplication::processEvents();
+  list().setCurrentRow(120);
+  list().scrollToItem(list().item(120), QAbstractItemView::PositionAtTop);
+  const int top = list().visualItemRect(list().item(120)).top();
+  EXPECT_EQ(top, 0);
+  trigger("Move slice down");
+  EXPECT_EQ(list().currentRow(), 121);
+  EXPECT_EQ(list().visualItemRect(list().item(120)).top(), top);
+}
+
 TEST_F(SliceOrder, ASliceThatComesBackIsSelectedWhereItWasAskedFor)
 {
   const NYXRootWindow second;
