@@ -5,12 +5,14 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "tests/support/stacks.h"
+#include "tests/support/temporaryfolder.h"
 #include "window_test_support.h"
 
 #include <gtest/gtest.h>
 
 #include <QAction>
 #include <QApplication>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 
@@ -128,6 +130,26 @@ TEST_F(SliceLocks, AreShownInTheirRowsWhileTheFilterStays)
   lock(1, false);
   EXPECT_EQ(picture(), unlocked);
   EXPECT_FALSE(listOf(second).item(1)->toolTip().contains("Locked"));
+}
+
+TEST_F(SliceLocks, DoNotLetTheUnitBeChangedForAFile)
+{
+  const TemporaryFolder folder;
+  stack->setFilename(QString::fromStdString(folder.file("fine.sdf")));
+  stack->setDefaultRelativePosition(0.0645f); // micrometer
+  lock(1);
+  QStringList messages;
+  const auto answer = [&](QDialog& dialog)
+  {
+    messages.append(static_cast<QMessageBox&>(dialog).informativeText());
+    if (messages.size() == 1) click(dialog, "Convert to nanometer");
+    dialog.reject();
+  };
+  inDialogs(answer, [&] { actionOf(test.window(), "Save stack").trigger(); });
+  ASSERT_EQ(messages.size(), 2);
+  EXPECT_EQ(messages[1], reason + ".");
+  EXPECT_EQ(stack->getLengthUnit().getScale(), -6);
+  EXPECT_FALSE(QFileInfo::exists(stack->getFilename()));
 }
 
 TEST_F(SliceLocks, RefuseToLetASliceBeDragged)
