@@ -5,8 +5,10 @@
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxannotationdialog.h"
+#include "app/nyxdialogs.h"
 #include "app/nyxfiltermodelsdialog.h"
 #include "app/nyxmodelsdialog.h"
+#include "app/nyxnames.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxpluginrun.h"
 #include "app/nyxpluginserver.h"
@@ -28,7 +30,6 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QMenu>
-#include <QMessageBox>
 #include <QToolBar>
 
 #include <utility>
@@ -98,8 +99,8 @@ void NYXRootMediator::createFileActions()
   _newStack->setIcon(QIcon(":/icons/new.svg"));
   _newStackFromFile = createAction(tr("New stack from file"), tr("Make a stack of the planes of one file"),
                                    QKeySequence("Ctrl+Shift+N"), [this] { stackIO().newStackFromFile(); });
-  _openStack =
-      createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
+  _openStack = createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open,
+                            [this] { selectStack(stackIO().openStack()); });
   _openStack->setIcon(QIcon(":/icons/open.svg"));
   _saveStack = createStackAction(tr("Save stack"), tr("Save the current stack to its file"), QKeySequence::Save,
                                  &NYXRootMediator::saveCurrentStack);
@@ -193,12 +194,10 @@ void NYXRootMediator::createPluginsActions()
 
 void NYXRootMediator::initFileMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions({_newWindow, _closeWindow});
   menu.addSeparator();
   menu.addActions({_newStack, _newStackFromFile, _openStack});
-  _recentFilesMenu = menu.addMenu(tr("Recent stacks..."));
-  _recentFilesMenu->setToolTipsVisible(true);
+  _recentFilesMenu = &addMenu(menu, tr("Recent stacks..."), tr("Open a stack file that was opened before"));
   menu.addSeparator();
   menu.addActions({_saveStack, _saveStackAs});
   menu.addSeparator();
@@ -210,7 +209,6 @@ void NYXRootMediator::initFileMenu(QMenu& menu)
 
 void NYXRootMediator::initEditMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions({_undo, _redo});
   menu.addSeparator();
   menu.addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
@@ -224,20 +222,16 @@ void NYXRootMediator::initEditMenu(QMenu& menu)
 
 void NYXRootMediator::initProcessMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions(_process);
 }
 
 void NYXRootMediator::initAnalyzeMenu(QMenu& menu)
 {
-  QMenu* spatialAnalysis = menu.addMenu(tr("Spatial analysis"));
-  spatialAnalysis->setToolTipsVisible(true);
-  spatialAnalysis->addAction(_runSpatialAnalysis);
+  addMenu(menu, tr("Spatial analysis"), tr("How objects lie in space")).addAction(_runSpatialAnalysis);
 }
 
 void NYXRootMediator::initPluginsMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addAction(_refreshPlugins);
   _pluginsMenu = &menu;
   // Another window may have looked for plug-ins since.
@@ -255,6 +249,7 @@ void NYXRootMediator::initialize()
   _toolBar->addSeparator();
   _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
+  _sliceEditWidget->setInsertAction(*_insertSlice);
 
   connect(_stackList, &NYXStackListWidget::currentStackChanged, this, &NYXRootMediator::showCurrentStack);
   connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
@@ -283,7 +278,17 @@ NYXStackIO NYXRootMediator::stackIO() const
 
 void NYXRootMediator::openStack(const QString& filename)
 {
-  stackIO().openStack(filename);
+  selectStack(stackIO().openStack(filename));
+}
+
+void NYXRootMediator::newStack(const QStringList& images)
+{
+  stackIO().newStack(images);
+}
+
+void NYXRootMediator::selectStack(const NYXStack* stack)
+{
+  if (stack != nullptr) _stackList->selectStack(*stack);
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -314,7 +319,10 @@ void NYXRootMediator::showSlice(int slice)
     _statusBar->setSliceText({});
     return;
   }
-  _sliceEditWidget->showSlice(slice < 0 ? nullptr : stack->getSlice(slice));
+  if (slice < 0)
+    _sliceEditWidget->showNoSlice(stack->getNumSlices() > 0);
+  else
+    _sliceEditWidget->showSlice(*stack->getSlice(slice));
   updateActions();
   if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
@@ -422,9 +430,9 @@ void NYXRootMediator::updateRecentFilesMenu()
   {
     QAction* action = _recentFilesMenu->addAction(QFileInfo(file).fileName().replace("&", "&&"), this,
                                                   [this, file] { openStack(file); });
-    action->setToolTip(plainText(QDir::toNativeSeparators(file)));
-    action->setStatusTip(action->toolTip());
+    setTips(*action, plainText(QDir::toNativeSeparators(file)));
   }
+  nameParts(*_recentFilesMenu);
   _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
 }
 
@@ -436,7 +444,7 @@ void NYXRootMediator::refreshPlugins()
   const int count = server.getNumPlugins();
   _statusBar->showMessage(count == 1 ? tr("1 plug-in found") : tr("%1 plug-ins found").arg(count), messageMilliseconds);
   if (server.getProblems().isEmpty()) return;
-  QMessageBox::warning(_window, tr("Plug-in error"), plainText(server.getProblems().join('\n')));
+  showWarning(_window, tr("Plug-in error"), server.getProblems().join('\n'));
 }
 
 void NYXRootMediator::updatePluginActions()
@@ -449,6 +457,7 @@ void NYXRootMediator::updatePluginActions()
     const NYXLoadedPlugin& plugin = server.getPlugin(i);
     QAction* action = createAction(plugin.name, tr("Run the plug-in on the current stack"), {},
                                    [this, plugin] { pluginActionTriggered(plugin); });
+    action->setObjectName("Plug-in " + plugin.name);
     action->setText(QString(plugin.name).replace("&", "&&"));
     _pluginActions.append(action);
   }
@@ -458,7 +467,7 @@ void NYXRootMediator::updatePluginActions()
 
 void NYXRootMediator::showPluginError(const QString& name, const QString& reason)
 {
-  QMessageBox::warning(_window, tr("Plug-in error"), plainText(tr("%1 failed: %2").arg(name, reason)));
+  showWarning(_window, tr("Plug-in error"), tr("%1 failed: %2").arg(name, reason));
 }
 
 /// Takes a copy: the menu may be filled anew meanwhile.

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QFileDialog>
+
+/// A dialog for files that starts in the folder where the last one ended.
+class NYXFileDialog : public QFileDialog
+{
+public:
+  enum Purpose
+  {
+    Reading,
+    Writing
+  };
+
+  NYXFileDialog(QWidget* parent, const QString& name, const QString& title, Purpose purpose = Reading);
+
+  /// Shows the dialog. \return what the user chose; empty when it was cancelled
+  QStringList ask();
+
+private:
+  Purpose _purpose;
+};
