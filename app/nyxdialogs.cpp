@@ -33,11 +33,16 @@ QDialogButtonBox* createButtonBox(QDialogButtonBox::StandardButtons buttons, QDi
   return box;
 }
 
+QSize textSize(const QWidget& window, int numCharacters, int numLines)
+{
+  const QFontMetrics font = window.fontMetrics();
+  return {font.averageCharWidth() * numCharacters, font.lineSpacing() * numLines};
+}
+
 void rememberSize(QDialog& dialog, int numCharacters, int numLines)
 {
   const QString key = "dialogs/" + dialog.objectName() + "/size";
-  const QFontMetrics font = dialog.fontMetrics();
-  const QSize first(font.averageCharWidth() * numCharacters, font.lineSpacing() * numLines);
+  const QSize first = textSize(dialog, numCharacters, numLines);
   const QSize last = QSettings().value(key).toSize();
   const QSize screen = QGuiApplication::primaryScreen()->availableSize();
   dialog.resize((last.isValid() ? last : first).boundedTo(screen).expandedTo(dialog.minimumSizeHint()));

@@ -14,6 +14,8 @@ public:
 
   NYXFileDialog(QWidget* parent, const QString& name, const QString& title, Purpose purpose = Reading);
 
+  /// Gives it the size that it had when it was closed last, under its name.
+  void rememberSize();
   /// Shows the dialog. \return what the user chose; empty when it was cancelled
   QStringList ask();
 

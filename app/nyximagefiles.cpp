@@ -1,6 +1,5 @@
 #include "app/nyximagefiles.h"
 
-#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 
 #include <QCollator>
@@ -14,7 +13,7 @@ QStringList chooseImageFiles(QWidget* parent, const QString& filter)
                        QCoreApplication::translate("NYXStackIO", "Select image files"));
   dialog.setNameFilter(filter);
   dialog.setFileMode(QFileDialog::ExistingFiles);
-  rememberSize(dialog, 100, 28);
+  dialog.rememberSize();
   QStringList files = dialog.ask();
   sortByNumbers(files);
   return files;

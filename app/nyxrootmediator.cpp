@@ -99,6 +99,7 @@ void NYXRootMediator::createFileActions()
   _newStack->setIcon(QIcon(":/icons/new.svg"));
   _newStackFromFile = createAction(tr("New stack from file"), tr("Make a stack of the planes of one file"),
                                    QKeySequence("Ctrl+Shift+N"), [this] { stackIO().newStackFromFile(); });
+  _newStackFromFile->setIcon(QIcon(":/icons/newfromfile.svg"));
   _openStack = createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open,
                             [this] { selectStack(stackIO().openStack()); });
   _openStack->setIcon(QIcon(":/icons/open.svg"));
@@ -124,6 +125,7 @@ void NYXRootMediator::createEditActions()
   _redo->setIcon(QIcon(":/icons/redo.svg"));
   _insertSlice = createStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
                                    &NYXRootMediator::insertSlices);
+  _insertSlice->setIcon(QIcon(":/icons/insert.svg"));
   _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
                               &NYXRootMediator::deleteSlice);
   const auto sliceDialog = [this](const QString& text, const QString& toolTip, auto open)

@@ -23,6 +23,7 @@ NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
 QToolButton* NYXRootSliceEditWidget::createButton(QAction& action)
 {
   auto* const button = new QToolButton(this);
+  action.setIconText(action.text()); // the button would leave "..." out
   button->setDefaultAction(&action);
   button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   button->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
@@ -58,7 +59,6 @@ QWidget* NYXRootSliceEditWidget::createStartPage()
   connect(_recentFiles, &QLabel::linkActivated, this,
           [this](const QString& link) { emit openRequested(QUrl(link).toLocalFile()); });
   auto* hint = new QLabel(tr("Stack files and images can also be dropped on this window."), page);
-  hint->setEnabled(false);
 
   auto* column = new QVBoxLayout(page);
   column->addStretch(1);

@@ -4,7 +4,6 @@
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
-#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
@@ -297,7 +296,7 @@ void NYXSlicePropertiesEditor::chooseImage()
   if (file.dir().exists() && file.isAbsolute()) dialog.setDirectory(file.absolutePath());
   dialog.setNameFilter("*.tif *.TIF *.tiff *.TIFF *.img");
   dialog.setFileMode(QFileDialog::ExistingFile);
-  rememberSize(dialog, 100, 28);
+  dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (chosen.isEmpty()) return;
   try

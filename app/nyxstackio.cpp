@@ -9,7 +9,6 @@
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
-#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 #include "app/nyximagefiles.h"
 #include "app/nyxnewstackdialog.h"
@@ -188,7 +187,7 @@ void NYXStackIO::newStackFromFile()
   NYXFileDialog dialog(_parent, "openImageStackDialog", tr("Open image stack"));
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setNameFilters({"Image stack: *.tif *.tiff *.TIF *.TIFF *.vm", "Confocal stack: *.lsm *.LSM"});
-  rememberSize(dialog, 100, 28);
+  dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (!chosen.isEmpty()) newStackFromFile(chosen.first());
 }
@@ -412,7 +411,7 @@ bool NYXStackIO::saveStackAs(NYXStack& stack)
   dialog.setDefaultSuffix("sdf");
   if (!isNew) dialog.setDirectory(former.path());
   dialog.selectFile(isNew ? proposedFileName(stack.displayName()) + ".sdf" : former.fileName());
-  rememberSize(dialog, 100, 28);
+  dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (chosen.isEmpty()) return false;
   const QString file = withStackSuffix(chosen.first());

@@ -4,7 +4,6 @@
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
-#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
@@ -208,7 +207,7 @@ void NYXStackPropertiesEditor::chooseFolder()
   if (!_imagesPath->text().isEmpty()) dialog.setDirectory(_imagesPath->text());
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
-  rememberSize(dialog, 100, 28);
+  dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (chosen.isEmpty()) return;
   _imagesPath->setText(chosen.first());
