@@ -48,7 +48,7 @@ TEST(OpenStack, SelectsTheStackOfAFileThatIsOpenAlready)
   const QString a = stackFile(folder, "a.sdf"), b = stackFile(folder, "b.sdf");
   const QString link = QString::fromStdString(folder.file("link.sdf"));
   ASSERT_TRUE(QFile::link(a, link));
-  test.window().startupOpenStack(a);
+  test.window().startupOpenStack(link);
   const NYXStackServer& server = NYXStackServer::server();
   const QString withoutSuffix = a.chopped(4), roundabout = QString(a).replace("/a.sdf", "/./a.sdf");
   for (const QString& name : {a, link, withoutSuffix, roundabout})
