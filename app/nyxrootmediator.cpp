@@ -459,7 +459,6 @@ void NYXRootMediator::updatePluginActions()
     const NYXLoadedPlugin& plugin = server.getPlugin(i);
     QAction* action = createAction(plugin.name, tr("Run the plug-in on the current stack"), {},
                                    [this, plugin] { pluginActionTriggered(plugin); });
-    action->setObjectName("Plug-in " + plugin.name);
     action->setText(QString(plugin.name).replace("&", "&&"));
     _pluginActions.append(action);
   }
