@@ -12,6 +12,7 @@ NYXAboutDialog::NYXAboutDialog(QWidget* parent) : QDialog(parent)
   setWindowTitle(QCoreApplication::translate("NYXAboutDialog", "About Mirelo"));
 
   auto* logo = new QLabel(this);
+  logo->setObjectName("logo");
   logo->setPixmap(QIcon(":/icons/mirelo.svg").pixmap(125, 100));
   logo->setAlignment(Qt::AlignCenter);
   auto* text = new QLabel(
@@ -23,8 +24,10 @@ NYXAboutDialog::NYXAboutDialog(QWidget* parent) : QDialog(parent)
                                                     "<p>Built with Qt, libtiff, FFTW, OpenGL and OpenMP.</p>")
           .arg(MIRELO_VERSION),
       this);
+  text->setObjectName("text");
   text->setAlignment(Qt::AlignCenter);
   auto* okButton = new QPushButton(" OK ", this);
+  okButton->setObjectName("okButton");
   okButton->setDefault(true);
   connect(okButton, &QPushButton::clicked, this, &QDialog::accept);
 

@@ -1,27 +1,27 @@
 #include "app/nyximagefiles.h"
 
-#include "app/core/nyxsettings.h"
+#include "app/nyxfiledialog.h"
 
 #include <QCollator>
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileDialog>
 
 #include <algorithm>
 
 QStringList chooseImageFiles(QWidget* parent, const QString& filter)
 {
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog dialog(parent, QCoreApplication::translate("NYXStackIO", "Select image files"),
-                     settings.getInputDirectory(), filter);
-  dialog.setObjectName("selectImageFilesDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  NYXFileDialog dialog(parent, "selectImageFilesDialog",
+                       QCoreApplication::translate("NYXStackIO", "Select image files"));
+  dialog.setNameFilter(filter);
   dialog.setFileMode(QFileDialog::ExistingFiles);
-  if (dialog.exec() != QDialog::Accepted) return {};
-  settings.setInputDirectory(dialog.directory().absolutePath());
-  QStringList files = dialog.selectedFiles();
-  QCollator collator;
-  collator.setNumericMode(true);
-  std::sort(files.begin(), files.end(), collator);
+  dialog.rememberSize();
+  QStringList files = dialog.ask();
+  sortByNumbers(files);
   return files;
+}
+
+void sortByNumbers(QStringList& names)
+{
+  QCollator collator(QLocale::English); // the C locale knows no numbers
+  collator.setNumericMode(true);
+  std::sort(names.begin(), names.end(), collator);
 }

@@ -27,6 +27,7 @@ NYXNameEdit::NYXNameEdit(QWidget* parent)
   : QLineEdit(parent),
     _sign(addAction(style()->standardIcon(QStyle::SP_MessageBoxWarning), QLineEdit::TrailingPosition))
 {
+  _sign->setObjectName("refusalSign");
   _sign->setVisible(false);
   connect(this, &QLineEdit::textChanged, this, &NYXNameEdit::showRefusal);
 }
@@ -42,6 +43,7 @@ void NYXNameEdit::showRefusal()
   const QString reason = refusal();
   _sign->setVisible(!reason.isEmpty());
   _sign->setToolTip(plainText(reason));
+  _sign->setStatusTip(plainText(reason));
   if (!isVisible()) return;
   if (reason.isEmpty())
     QToolTip::hideText();

@@ -1,6 +1,8 @@
 #include "app/nyxnewstackdialog.h"
 
+#include "app/nyxdialogs.h"
 #include "app/nyximagefiles.h"
+#include "app/nyxnames.h"
 #include "app/nyxplaintext.h"
 
 #include <QCheckBox>
@@ -34,7 +36,7 @@ NYXNewStackDialog::NYXNewStackDialog(QWidget* parent)
     _up(createButton("upButton", tr("Up"), tr("Move the selected file towards the first slice"), this)),
     _down(createButton("downButton", tr("Down"), tr("Move the selected file towards the last slice"), this)),
     _useCalibration(new QCheckBox(tr("Use image file calibration"), this)),
-    _buttons(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this))
+    _buttons(createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, *this))
 {
   setObjectName("newStackDialog");
   setWindowTitle(tr("New stack"));
@@ -59,7 +61,8 @@ NYXNewStackDialog::NYXNewStackDialog(QWidget* parent)
   layout->addWidget(_useCalibration, 2, 0);
   layout->addWidget(_buttons, 3, 0, 1, 2);
   setTabOrder(_files, add);
-  resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 24);
+  nameParts(*this);
+  rememberSize(*this, 80, 24);
 
   connect(add, &QPushButton::clicked, this, &NYXNewStackDialog::chooseFiles);
   connect(_remove, &QPushButton::clicked, this, &NYXNewStackDialog::removeSelected);
@@ -67,7 +70,6 @@ NYXNewStackDialog::NYXNewStackDialog(QWidget* parent)
   connect(_down, &QPushButton::clicked, this, [this] { move(1); });
   connect(_files, &QListWidget::itemSelectionChanged, this, &NYXNewStackDialog::updateButtons);
   connect(_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-  connect(_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   updateButtons();
 }
 

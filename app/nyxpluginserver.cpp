@@ -27,12 +27,22 @@ QStringList standardFolders()
           QDir(QCoreApplication::applicationDirPath()).filePath(MIRELO_PLUGIN_DIR)};
 }
 
+/// Why a library was not loaded, without the name of its file, which Qt and the system repeat.
+QString reasonOf(const QPluginLoader& loader, const QString& file)
+{
+  QString reason = loader.errorString();
+  const QString failure = "Cannot load library " + file + ": (";
+  if (reason.startsWith(failure) && reason.endsWith(')')) reason = reason.mid(failure.size()).chopped(1);
+  reason.remove(file + ": ");
+  return reason.replace("The file '" + file + "'", "it").replace("'" + file + "'", "it");
+}
+
 /// What keeps a library from being loaded, by what it says of itself; no code of it runs before this is known.
-QString objection(const QPluginLoader& loader)
+QString objection(const QPluginLoader& loader, const QString& file)
 {
   const QString iid = loader.metaData().value("IID").toString();
   if (iid == MIRELO_PLUGIN_IID) return {};
-  if (iid.isEmpty()) return loader.errorString();
+  if (iid.isEmpty()) return reasonOf(loader, file);
   const QString family = MIRELO_PLUGIN_FAMILY;
   if (!iid.startsWith(family)) return "it is no plug-in of this program";
   return QString("it is made for version %1, this is " MIRELO_VERSION).arg(iid.mid(family.size()));
@@ -43,12 +53,13 @@ NYXLoadedPlugin load(const QString& file)
 {
   const std::string where = "NYXLoadedPlugin load(const QString&)";
   QPluginLoader loader(file);
-  if (const QString reason = objection(loader); !reason.isEmpty()) throw NYXException(where, reason.toStdString());
+  if (const QString reason = objection(loader, file); !reason.isEmpty())
+    throw NYXException(where, reason.toStdString());
   // A symbol that is missing is found now and not when it is called; actions of the plug-in may outlive its last run.
   loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
   auto* const plugin = qobject_cast<NYXPlugin*>(loader.instance());
   if (plugin == nullptr)
-    throw NYXException(where, loader.isLoaded() ? "it holds no NYXPlugin" : loader.errorString().toStdString());
+    throw NYXException(where, (loader.isLoaded() ? "it holds no NYXPlugin" : reasonOf(loader, file)).toStdString());
   const QString name = plugin->name().simplified();
   if (name.isEmpty()) throw NYXException(where, "it has no name");
   return {name, file, plugin};

@@ -1,11 +1,12 @@
 #include "app/nyxpreferencesdialog.h"
 
+#include "app/nyxdialogs.h"
+#include "app/nyxnames.h"
 #include "app/nyxpreferencesdialogmediator.h"
 #include "app/nyxpreferenceseditor.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 NYXPreferencesDialog::NYXPreferencesDialog(QWidget* parent) : QDialog(parent)
@@ -14,14 +15,13 @@ NYXPreferencesDialog::NYXPreferencesDialog(QWidget* parent) : QDialog(parent)
   setWindowTitle(QCoreApplication::translate("NYXPreferencesDialog", "Preferences"));
 
   auto* editor = new NYXPreferencesEditor(this);
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this);
-  buttons->button(QDialogButtonBox::Ok)->setText("OK");
-  buttons->button(QDialogButtonBox::Apply)->setText("Apply");
-  buttons->button(QDialogButtonBox::Cancel)->setText("Cancel");
+  auto* buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, *this);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(editor);
   layout->addStretch(1);
   layout->addWidget(buttons);
+  nameParts(*this);
+  rememberSize(*this, 50, 16);
 
   new NYXPreferencesDialogMediator(*this, *editor, *buttons);
 }

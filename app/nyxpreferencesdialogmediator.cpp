@@ -15,7 +15,6 @@ NYXPreferencesDialogMediator::NYXPreferencesDialogMediator(QDialog& dialog, NYXP
   connect(&_applyButton, &QPushButton::clicked, this, &NYXPreferencesDialogMediator::apply);
   connect(&buttons, &QDialogButtonBox::accepted, this, &NYXPreferencesDialogMediator::apply);
   connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-  connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
 }
 
 void NYXPreferencesDialogMediator::apply()

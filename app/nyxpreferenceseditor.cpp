@@ -11,6 +11,7 @@ NYXPreferencesEditor::NYXPreferencesEditor(QWidget* parent) : QWidget(parent)
 {
   setObjectName("preferencesEditor");
   setLayout(new QFormLayout);
+  layout()->setContentsMargins(0, 0, 0, 0);
   _maxNumBackups = addSpinBox("maxNumBackups", tr("Maximum number of backup files"),
                               tr("Copies of older versions kept beside a saved stack; 0 keeps none"), 0,
                               NYXPreferences::largestNumBackups, NYXPreferences::getMaxNumBackups());
@@ -57,6 +58,7 @@ QSpinBox* NYXPreferencesEditor::addSpinBox(const char* name, const QString& labe
   auto* box = new QSpinBox(this);
   box->setObjectName(name);
   box->setToolTip(toolTip);
+  box->setAlignment(Qt::AlignRight);
   box->setRange(minimum, maximum);
   box->setValue(value);
   connect(box, qOverload<int>(&QSpinBox::valueChanged), this, &NYXPreferencesEditor::preferencesChanged);

@@ -5,6 +5,8 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
+#include "app/nyxdialogs.h"
+#include "app/nyxnames.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxpluginrun.h"
 #include "app/nyxpluginserver.h"
@@ -23,7 +25,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
-#include <QMessageBox>
 #include <QToolBar>
 
 #include <utility>
@@ -64,6 +65,7 @@ void NYXRootMediator::initialize()
   _toolBar->addSeparator();
   _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
+  _sliceEditWidget->setInsertAction(*_insertSlice);
 
   connect(_stackList, &NYXStackListWidget::currentStackChanged, this, &NYXRootMediator::showCurrentStack);
   connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
@@ -93,7 +95,17 @@ NYXStackIO NYXRootMediator::stackIO() const
 
 void NYXRootMediator::openStack(const QString& filename)
 {
-  stackIO().openStack(filename);
+  selectStack(stackIO().openStack(filename));
+}
+
+void NYXRootMediator::newStack(const QStringList& images)
+{
+  stackIO().newStack(images);
+}
+
+void NYXRootMediator::selectStack(const NYXStack* stack)
+{
+  if (stack != nullptr) _stackList->selectStack(*stack);
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -124,7 +136,10 @@ void NYXRootMediator::showSlice(int slice)
     _statusBar->setSliceText({});
     return;
   }
-  _sliceEditWidget->showSlice(slice < 0 ? nullptr : stack->getSlice(slice));
+  if (slice < 0)
+    _sliceEditWidget->showNoSlice(stack->getNumSlices() > 0);
+  else
+    _sliceEditWidget->showSlice(*stack->getSlice(slice));
   updateActions();
   if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
@@ -295,9 +310,9 @@ void NYXRootMediator::updateRecentFilesMenu()
   {
     QAction* action = _recentFilesMenu->addAction(QFileInfo(file).fileName().replace("&", "&&"), this,
                                                   [this, file] { openStack(file); });
-    action->setToolTip(plainText(QDir::toNativeSeparators(file)));
-    action->setStatusTip(action->toolTip());
+    setTips(*action, plainText(QDir::toNativeSeparators(file)));
   }
+  nameParts(*_recentFilesMenu);
   _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
 }
 
@@ -309,7 +324,7 @@ void NYXRootMediator::refreshPlugins()
   const int count = server.getNumPlugins();
   _statusBar->showMessage(count == 1 ? tr("1 plug-in found") : tr("%1 plug-ins found").arg(count), messageMilliseconds);
   if (server.getProblems().isEmpty()) return;
-  QMessageBox::warning(_window, tr("Plug-in error"), plainText(server.getProblems().join('\n')));
+  showWarning(_window, tr("Plug-in error"), server.getProblems().join('\n'));
 }
 
 void NYXRootMediator::updatePluginActions()
@@ -331,7 +346,7 @@ void NYXRootMediator::updatePluginActions()
 
 void NYXRootMediator::showPluginError(const QString& name, const QString& reason)
 {
-  QMessageBox::warning(_window, tr("Plug-in error"), plainText(tr("%1 failed: %2").arg(name, reason)));
+  showWarning(_window, tr("Plug-in error"), tr("%1 failed: %2").arg(name, reason));
 }
 
 /// Takes a copy: the menu may be filled anew meanwhile.

@@ -50,7 +50,10 @@ public:
   NYXStack* currentStack() const;
   /// The slice that is shown, or nullptr.
   StackSlice* currentSlice() const;
+  /// Opens a stack file, or shows its stack if it is open already.
   void openStack(const QString& filename);
+  /// Asks for the images of a new stack, these at first.
+  void newStack(const QStringList& images);
 
   /// Shows the stack that is selected in the list, or the start page.
   void showCurrentStack();
@@ -91,6 +94,7 @@ private:
   void createPluginsActions();
 
   NYXStackIO stackIO() const;
+  void selectStack(const NYXStack* stack);
   void saveCurrentStack();
   static QString lockText(const StackSlice& slice);
   static QString obstacleText(const StackSlice* obstacle, const StackSlice* locked);

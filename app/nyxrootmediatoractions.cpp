@@ -3,6 +3,7 @@
 #include "app/nyxannotationdialog.h"
 #include "app/nyxfiltermodelsdialog.h"
 #include "app/nyxmodelsdialog.h"
+#include "app/nyxnames.h"
 #include "app/nyxrootmediator.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
@@ -78,8 +79,9 @@ void NYXRootMediator::createFileActions()
   _newStack->setIcon(QIcon(":/icons/new.svg"));
   _newStackFromFile = createAction(tr("New stack from file"), tr("Make a stack of the planes of one file"),
                                    QKeySequence("Ctrl+Shift+N"), [this] { stackIO().newStackFromFile(); });
-  _openStack =
-      createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
+  _newStackFromFile->setIcon(QIcon(":/icons/newfromfile.svg"));
+  _openStack = createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open,
+                            [this] { selectStack(stackIO().openStack()); });
   _openStack->setIcon(QIcon(":/icons/open.svg"));
   _saveStack = createStackAction(tr("Save stack"), tr("Save the current stack to its file"), QKeySequence::Save,
                                  [this] { saveCurrentStack(); });
@@ -103,6 +105,7 @@ void NYXRootMediator::createEditActions()
   _redo->setIcon(QIcon(":/icons/redo.svg"));
   _insertSlice = createWholeStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
                                         [this] { insertSlices(); });
+  _insertSlice->setIcon(QIcon(":/icons/insert.svg"));
   _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
                               [this] { deleteSlice(); });
   _moveSliceUp = createAction(tr("Move slice up"), tr("Move the current slice before the previous one"),
@@ -179,12 +182,10 @@ void NYXRootMediator::createPluginsActions()
 
 void NYXRootMediator::initFileMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions({_newWindow, _closeWindow});
   menu.addSeparator();
   menu.addActions({_newStack, _newStackFromFile, _openStack});
-  _recentFilesMenu = menu.addMenu(tr("Recent stacks..."));
-  _recentFilesMenu->setToolTipsVisible(true);
+  _recentFilesMenu = &addMenu(menu, tr("Recent stacks..."), tr("Open a stack file that was opened before"));
   menu.addSeparator();
   menu.addActions({_saveStack, _saveStackAs});
   menu.addSeparator();
@@ -196,7 +197,6 @@ void NYXRootMediator::initFileMenu(QMenu& menu)
 
 void NYXRootMediator::initEditMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions({_undo, _redo});
   menu.addSeparator();
   menu.addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
@@ -210,20 +210,16 @@ void NYXRootMediator::initEditMenu(QMenu& menu)
 
 void NYXRootMediator::initProcessMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addActions(_process);
 }
 
 void NYXRootMediator::initAnalyzeMenu(QMenu& menu)
 {
-  QMenu* spatialAnalysis = menu.addMenu(tr("Spatial analysis"));
-  spatialAnalysis->setToolTipsVisible(true);
-  spatialAnalysis->addAction(_runSpatialAnalysis);
+  addMenu(menu, tr("Spatial analysis"), tr("How objects lie in space")).addAction(_runSpatialAnalysis);
 }
 
 void NYXRootMediator::initPluginsMenu(QMenu& menu)
 {
-  menu.setToolTipsVisible(true);
   menu.addAction(_refreshPlugins);
   _pluginsMenu = &menu;
   // Another window may have looked for plug-ins since.

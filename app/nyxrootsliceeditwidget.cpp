@@ -20,6 +20,34 @@ NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
   _pages->addWidget(createStartPage());
   _pages->addWidget(_sliceWidget);
   _sliceWidget->mediator().setImageServer(NYXSliceImageServer::server());
+  _pages->addWidget(createNoSlicePage());
+}
+
+QToolButton* NYXRootSliceEditWidget::createButton(QAction& action)
+{
+  auto* const button = new QToolButton(this);
+  action.setIconText(action.text()); // the button would leave "..." out
+  button->setDefaultAction(&action);
+  button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  button->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+  return button;
+}
+
+QWidget* NYXRootSliceEditWidget::createNoSlicePage()
+{
+  auto* const page = new QWidget(this);
+  page->setObjectName("noSlicePage");
+  _noSlice = new QLabel(page);
+  _noSlice->setObjectName("noSlice");
+  _noSlice->setWordWrap(true);
+  _noSlice->setAlignment(Qt::AlignCenter);
+  auto* const column = new QVBoxLayout(page);
+  column->addStretch(1);
+  column->addWidget(_noSlice);
+  _insertion = new QVBoxLayout;
+  column->addLayout(_insertion);
+  column->addStretch(2);
+  return page;
 }
 
 QWidget* NYXRootSliceEditWidget::createStartPage()
@@ -33,8 +61,7 @@ QWidget* NYXRootSliceEditWidget::createStartPage()
   _recentFiles->setObjectName("recentFiles");
   connect(_recentFiles, &QLabel::linkActivated, this,
           [this](const QString& link) { emit openRequested(QUrl(link).toLocalFile()); });
-  auto* hint = new QLabel(tr("Stack files can also be dropped on this window."), page);
-  hint->setEnabled(false);
+  auto* hint = new QLabel(tr("Stack files and images can also be dropped on this window."), page);
 
   auto* column = new QVBoxLayout(page);
   column->addStretch(1);
@@ -48,14 +75,12 @@ QWidget* NYXRootSliceEditWidget::createStartPage()
 
 void NYXRootSliceEditWidget::setStartActions(const QList<QAction*>& actions)
 {
-  for (QAction* action : actions)
-  {
-    auto* button = new QToolButton(this);
-    button->setDefaultAction(action);
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
-    _startActions->addWidget(button, 0, Qt::AlignHCenter);
-  }
+  for (QAction* action : actions) _startActions->addWidget(createButton(*action), 0, Qt::AlignHCenter);
+}
+
+void NYXRootSliceEditWidget::setInsertAction(QAction& action)
+{
+  _insertion->addWidget(createButton(action), 0, Qt::AlignHCenter);
 }
 
 void NYXRootSliceEditWidget::setRecentFiles(const QStringList& files)
@@ -78,8 +103,17 @@ void NYXRootSliceEditWidget::showStartPage()
   _pages->setCurrentIndex(0);
 }
 
-void NYXRootSliceEditWidget::showSlice(StackSlice* slice)
+void NYXRootSliceEditWidget::showSlice(StackSlice& slice)
 {
-  _sliceWidget->setSlice(slice);
+  _sliceWidget->setSlice(&slice);
   _pages->setCurrentWidget(_sliceWidget);
+}
+
+void NYXRootSliceEditWidget::showNoSlice(bool hasStackSlices)
+{
+  _sliceWidget->setSlice(nullptr);
+  _noSlice->setText(hasStackSlices ? tr("No slice has a name that holds the text of the filter.")
+                                   : tr("This stack has no slices yet."));
+  _insertion->itemAt(0)->widget()->setVisible(!hasStackSlices);
+  _pages->setCurrentWidget(_noSlice->parentWidget());
 }

@@ -8,9 +8,11 @@ class StackSlice;
 class QAction;
 class QLabel;
 class QStackedLayout;
+class QToolButton;
 class QVBoxLayout;
 
-/// The right side of the root window: the current slice, or a page that offers stacks to open when there is none.
+/// The right side of the root window: the current slice, a page that offers stacks to open when there is none, or one
+/// that says why there is no slice.
 class NYXRootSliceEditWidget : public QWidget
 {
   Q_OBJECT
@@ -26,8 +28,12 @@ public:
 
   void showStartPage();
 
-  /// Shows a slice; nullptr for a stack without slices.
-  void showSlice(StackSlice* slice);
+  /// The action that the page of a stack without slices offers, as a button. To be set once.
+  void setInsertAction(QAction& action);
+
+  void showSlice(StackSlice& slice);
+  /// The stack has no slices, or none that the filter of the slice list shows.
+  void showNoSlice(bool hasStackSlices);
 
   NYXSliceWidget& sliceWidget() const { return *_sliceWidget; }
 
@@ -36,9 +42,13 @@ signals:
 
 private:
   QWidget* createStartPage();
+  QWidget* createNoSlicePage();
+  QToolButton* createButton(QAction& action);
 
   QStackedLayout* _pages;
   NYXSliceWidget* _sliceWidget;
   QVBoxLayout* _startActions;
   QLabel* _recentFiles;
+  QLabel* _noSlice;
+  QVBoxLayout* _insertion;
 };

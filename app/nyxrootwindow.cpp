@@ -1,7 +1,9 @@
 #include "app/nyxrootwindow.h"
 
 #include "app/nyxaboutdialog.h"
-#include "app/nyxplaintext.h"
+#include "app/nyxdialogs.h"
+#include "app/nyximagefiles.h"
+#include "app/nyxnames.h"
 #include "app/nyxrootbrowser.h"
 #include "app/nyxrootmediator.h"
 #include "app/nyxrootsliceeditwidget.h"
@@ -13,13 +15,15 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QSettings>
+#include <QStyle>
+#include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -56,6 +60,7 @@ NYXRootWindow::NYXRootWindow()
   show();
   setTitle("");
   setAcceptDrops(true);
+  nameParts(*this);
   _mediator->showCurrentStack();
   _statusBar->showMessage(tr("Ready."), 2000);
 }
@@ -74,14 +79,14 @@ void NYXRootWindow::leave()
 
 void NYXRootWindow::createMenus()
 {
-  _mediator->initFileMenu(*_menuBar->addMenu(tr("File")));
-  _mediator->initEditMenu(*_menuBar->addMenu(tr("Edit")));
-  _mediator->initProcessMenu(*_menuBar->addMenu(tr("Process")));
-  _mediator->initAnalyzeMenu(*_menuBar->addMenu(tr("Analyze")));
-  _mediator->initPluginsMenu(*_menuBar->addMenu(tr("Plugins")));
+  _mediator->initFileMenu(addMenu(*_menuBar, tr("File"), tr("Windows and stacks")));
+  _mediator->initEditMenu(addMenu(*_menuBar, tr("Edit"), tr("Change the stack and choose what is shown")));
+  _mediator->initProcessMenu(addMenu(*_menuBar, tr("Process"), tr("Work on all slices or models")));
+  _mediator->initAnalyzeMenu(addMenu(*_menuBar, tr("Analyze"), tr("Measure and test")));
+  _mediator->initPluginsMenu(addMenu(*_menuBar, tr("Plugins"), tr("Run plug-ins on the stack")));
   _mediator->initialize();
-  createShowMenu(*_menuBar->addMenu(tr("Show")));
-  createHelpMenu(*_menuBar->addMenu(tr("Help")));
+  createShowMenu(addMenu(*_menuBar, tr("Show"), tr("Show or hide parts of the window")));
+  createHelpMenu(addMenu(*_menuBar, tr("Help"), tr("Help and information on the program")));
 }
 
 QAction* NYXRootWindow::addToggle(QMenu& menu, const QString& text, const QString& toolTip, QWidget& widget,
@@ -90,8 +95,8 @@ QAction* NYXRootWindow::addToggle(QMenu& menu, const QString& text, const QStrin
   const bool isVisible = QSettings().value(key, true).toBool();
   widget.setVisible(isVisible);
   QAction* action = menu.addAction(text, this, toggle);
-  action->setToolTip(toolTip);
-  action->setStatusTip(toolTip);
+  action->setObjectName(text);
+  setTips(*action, toolTip);
   action->setCheckable(true);
   action->setChecked(isVisible);
   return action;
@@ -113,17 +118,16 @@ void NYXRootWindow::createHelpMenu(QMenu& menu)
   {
     QAction* action = menu.addAction(text, this, open);
     action->setEnabled(*address != '\0');
-    action->setToolTip(*address != '\0' ? tr("Opens %1").arg(address) : tr("This build names no address"));
-    action->setStatusTip(action->toolTip());
+    action->setObjectName(text);
+    setTips(*action, *address != '\0' ? tr("Opens %1").arg(address) : tr("This build names no address"));
   };
-  menu.setToolTipsVisible(true);
   addLink(tr("Mirelo Homepage [web]"), MIRELO_HOMEPAGE_URL, &NYXRootWindow::openHomepage);
   addLink(tr("Mirelo Manual [web]"), MIRELO_MANUAL_URL, &NYXRootWindow::openPDFManual);
   addLink(tr("Subscribe mailing list [web]"), MIRELO_MAILING_LIST_URL, &NYXRootWindow::subscribeMailingList);
   menu.addSeparator();
   QAction* aboutAction = menu.addAction(tr("About Mirelo"), this, &NYXRootWindow::about);
-  aboutAction->setToolTip(tr("Version, licence and credits"));
-  aboutAction->setStatusTip(aboutAction->toolTip());
+  aboutAction->setObjectName("About Mirelo");
+  setTips(*aboutAction, tr("Version, licence and credits"));
 }
 
 void NYXRootWindow::layOut()
@@ -173,9 +177,29 @@ void NYXRootWindow::setTitle(const QString& name)
   setWindowTitle(name.isEmpty() ? QString("Mirelo") : "Mirelo - " + name);
 }
 
+namespace
+{
+/// A place below and to the right of the window that is there already, or at the edge when that is off the screen.
+QPoint placeBeside(const QRect& window, int step, const QRect& screen)
+{
+  QRect place = window.translated(step, step);
+  if (place.right() > screen.right()) place.moveLeft(screen.left());
+  if (place.bottom() > screen.bottom()) place.moveTop(screen.top());
+  return place.topLeft();
+}
+
+bool isImageFile(const QString& filename)
+{
+  static const QStringList suffixes = {"tif", "tiff", "img"};
+  return suffixes.contains(QFileInfo(filename).suffix().toLower());
+}
+} // namespace
+
 void NYXRootWindow::newWindow()
 {
-  new NYXRootWindow;
+  auto* const window = new NYXRootWindow; // lies on the one that was moved last
+  const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  window->move(placeBeside(window->frameGeometry(), step, window->screen()->availableGeometry()));
 }
 
 namespace
@@ -275,12 +299,18 @@ void NYXRootWindow::dragEnterEvent(QDragEnterEvent* event)
 void NYXRootWindow::dropEvent(QDropEvent* event)
 {
   event->acceptProposedAction();
+  QStringList images;
   for (const QUrl& url : event->mimeData()->urls())
   {
-    if (url.isLocalFile())
-      startupOpenStack(url.toLocalFile());
+    if (!url.isLocalFile())
+      showWarning(this, tr("Error"), tr("Error: %1 is not a file of this machine.").arg(url.toString()));
+    else if (isImageFile(url.toLocalFile()))
+      images.append(url.toLocalFile());
     else
-      QMessageBox::warning(this, tr("Error"),
-                           plainText(tr("Error: %1 is not a file of this machine.").arg(url.toString())));
+      startupOpenStack(url.toLocalFile());
   }
+  if (images.isEmpty()) return;
+  sortByNumbers(images);
+  // Later: the program that the files come from waits for the end of the drop.
+  QTimer::singleShot(0, this, [this, images] { _mediator->newStack(images); });
 }

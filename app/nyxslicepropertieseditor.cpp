@@ -2,9 +2,9 @@
 
 #include "app/core/actions/nyxsliceimageaction.h"
 #include "app/core/nyxactionstep.h"
-#include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
+#include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
 #include "image/imagesourcefilemosaic.h"
@@ -17,7 +17,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -293,16 +292,16 @@ void NYXSlicePropertiesEditor::showImage()
 void NYXSlicePropertiesEditor::chooseImage()
 {
   const QFileInfo file(sourceText(_slices.front()->getImageSource()));
-  const QString start =
-      file.dir().exists() && file.isAbsolute() ? file.absolutePath() : NYXSettings::settings().getInputDirectory();
-  QFileDialog dialog(this, tr("Select image files"), start, "*.tif *.TIF *.tiff *.TIFF *.img");
-  dialog.setObjectName("selectImageFilesDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  NYXFileDialog dialog(this, "selectImageFilesDialog", tr("Select image files"));
+  if (file.dir().exists() && file.isAbsolute()) dialog.setDirectory(file.absolutePath());
+  dialog.setNameFilter("*.tif *.TIF *.tiff *.TIFF *.img");
   dialog.setFileMode(QFileDialog::ExistingFile);
-  if (dialog.exec() != QDialog::Accepted) return;
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (chosen.isEmpty()) return;
   try
   {
-    setImageFile(dialog.selectedFiles().value(0));
+    setImageFile(chosen.first());
   }
   catch (const Exception& error)
   {

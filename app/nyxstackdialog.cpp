@@ -3,13 +3,12 @@
 #include "app/core/actions/nyxsliceaction.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
+#include "app/nyxdialogs.h"
+#include "app/nyxnames.h"
 #include "numeric/exception.h"
 
-#include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
-#include <QSettings>
 #include <QVBoxLayout>
 
 NYXStackDialog::NYXStackDialog(NYXStack& stack, const QString& name, const QString& title, QWidget* parent)
@@ -34,18 +33,7 @@ void NYXStackDialog::layOut(QWidget& content, QDialogButtonBox::StandardButtons 
   _message->setObjectName("message");
   _message->setTextFormat(Qt::PlainText);
   _message->setWordWrap(true);
-  _buttons = new QDialogButtonBox(buttons, this);
-  const std::pair<QDialogButtonBox::StandardButton, QString> texts[] = {{QDialogButtonBox::Ok, tr("OK")},
-                                                                        {QDialogButtonBox::Apply, tr("Apply")},
-                                                                        {QDialogButtonBox::Cancel, tr("Cancel")},
-                                                                        {QDialogButtonBox::Close, tr("Close")}};
-  for (const auto& [which, text] : texts)
-  {
-    QPushButton* const button = _buttons->button(which);
-    if (!button) continue;
-    button->setText(text);
-    button->setObjectName(text.toLower() + "Button");
-  }
+  _buttons = createButtonBox(buttons, *this);
   auto* const layout = new QVBoxLayout(this);
   layout->addWidget(&content, 1);
   layout->addWidget(_message);
@@ -55,7 +43,6 @@ void NYXStackDialog::layOut(QWidget& content, QDialogButtonBox::StandardButtons 
           {
             if (apply()) accept();
           });
-  connect(_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   if (QPushButton* const applyButton = _buttons->button(QDialogButtonBox::Apply))
     connect(applyButton, &QPushButton::clicked, this, &NYXStackDialog::apply);
   for (const auto which : {QDialogButtonBox::Ok, QDialogButtonBox::Close, QDialogButtonBox::Cancel})
@@ -65,10 +52,8 @@ void NYXStackDialog::layOut(QWidget& content, QDialogButtonBox::StandardButtons 
 void NYXStackDialog::finish(int numCharacters, int numLines)
 {
   refresh();
-  const QSize first(fontMetrics().averageCharWidth() * numCharacters, fontMetrics().lineSpacing() * numLines);
-  const QSize size = QSettings().value("dialogs/" + objectName() + "/size").toSize();
-  const QSize screen = QGuiApplication::primaryScreen()->availableSize();
-  resize((size.isValid() ? size : first).boundedTo(screen).expandedTo(minimumSizeHint()));
+  nameParts(*this);
+  rememberSize(*this, numCharacters, numLines);
   NYXEventServer::attach(*this);
 }
 
@@ -114,12 +99,6 @@ bool NYXStackDialog::apply()
   const bool isDone = attempt([this] { change(); });
   refresh();
   return isDone;
-}
-
-void NYXStackDialog::done(int result)
-{
-  QSettings().setValue("dialogs/" + objectName() + "/size", size());
-  QDialog::done(result);
 }
 
 bool NYXStackDialog::concerns(const Stack* stack) const

@@ -27,8 +27,6 @@ public:
   /// Puts the dialog's changes into effect. \return whether it could; if not, the line for messages says why
   bool apply();
 
-  void done(int result) override;
-
 signals:
   /// Tells what was done, as for a status bar.
   void messageShown(const QString& message);

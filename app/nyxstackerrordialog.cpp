@@ -1,5 +1,8 @@
 #include "app/nyxstackerrordialog.h"
 
+#include "app/nyxdialogs.h"
+#include "app/nyxnames.h"
+
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -30,13 +33,13 @@ NYXStackErrorDialog::NYXStackErrorDialog(const QString& filename, const QStringL
                  this);
   consequence->setObjectName("consequence");
   consequence->setWordWrap(true);
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  auto* buttons = createButtonBox(QDialogButtonBox::Close, *this);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(banner);
   layout->addWidget(lines, 1);
   layout->addWidget(consequence);
   layout->addWidget(buttons);
-  resize(fontMetrics().averageCharWidth() * 90, fontMetrics().height() * 16);
+  nameParts(*this);
+  rememberSize(*this, 90, 16);
 }

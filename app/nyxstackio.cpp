@@ -9,9 +9,11 @@
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
+#include "app/nyxfiledialog.h"
 #include "app/nyximagefiles.h"
 #include "app/nyxnewstackdialog.h"
 #include "app/nyxplaintext.h"
+#include "app/nyxproposedfilename.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxstackerrordialog.h"
 #include "model/io/stackreader.h"
@@ -23,7 +25,6 @@
 #include "slice/image/nyxprogressrun.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -60,6 +61,7 @@ struct Message
 int warn(QWidget* parent, const Message& message)
 {
   QMessageBox box(QMessageBox::Warning, message.title, message.text, message.buttons, parent);
+  box.setObjectName("warningDialog");
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(plainText(message.details));
   box.setDefaultButton(message.preferred);
@@ -80,11 +82,31 @@ std::optional<int> chooseChannel(QWidget* parent, int numChannels)
   return dialog.intValue() - 1;
 }
 
+/// The open stack of a file, whatever links lead to it; nullptr when it is not open.
+NYXStack* stackOfFile(const QString& file)
+{
+  const QString canonical = QFileInfo(file).canonicalFilePath();
+  const NYXStackServer& server = NYXStackServer::server();
+  for (int i = 0; i < server.getNumStacks(); ++i)
+  {
+    const QString& other = server.getStack(i).getFilename();
+    if (!other.isEmpty() && !canonical.isEmpty() && QFileInfo(other).canonicalFilePath() == canonical)
+      return &server.getStack(i);
+  }
+  return nullptr;
+}
+
 QString withStackSuffix(const QString& filename)
 {
   return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
 }
 } // namespace
+
+/// False when the user cancelled, be it so late that the work is complete.
+bool NYXStackIO::isDone(const QString& title, ProgressSubject& subject, const std::function<void()>& work) const
+{
+  return runWithProgress(_parent, title, subject, _statusBar, work) && !subject.isCancelled();
+}
 
 void NYXStackIO::showMessage(const QString& text, int milliseconds) const
 {
@@ -94,16 +116,13 @@ void NYXStackIO::showMessage(const QString& text, int milliseconds) const
 QString NYXStackIO::chooseStackFile()
 {
   NYXSettings& settings = NYXSettings::settings();
-  QFileDialog dialog(_parent, tr("Open stack"), settings.getInputDirectory(), "*.sdf");
-  dialog.setObjectName("openStackDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  NYXFileDialog dialog(_parent, "openStackDialog", tr("Open stack"));
+  dialog.setNameFilter("*.sdf");
   dialog.setFileMode(QFileDialog::ExistingFile);
   if (settings.getOpenStackDialogSize().isValid()) dialog.resize(settings.getOpenStackDialogSize());
-  const bool isAccepted = dialog.exec() == QDialog::Accepted;
+  const QStringList chosen = dialog.ask();
   settings.setOpenStackDialogSize(dialog.size());
-  if (!isAccepted) return {};
-  settings.setInputDirectory(dialog.directory().absolutePath());
-  return dialog.selectedFiles().value(0);
+  return chosen.value(0);
 }
 
 void NYXStackIO::showFormatError(const Exception& error) const
@@ -142,9 +161,10 @@ void NYXStackIO::openNewStack(std::unique_ptr<NYXStack> stack, const QString& na
   opened.setModified(true);
 }
 
-void NYXStackIO::newStack()
+void NYXStackIO::newStack(const QStringList& proposed)
 {
   NYXNewStackDialog dialog(_parent);
+  dialog.addFiles(proposed);
   if (dialog.exec() != QDialog::Accepted) return;
   std::vector<std::string> files;
   for (const QString& file : dialog.getFiles()) files.push_back(file.toStdString());
@@ -153,7 +173,7 @@ void NYXStackIO::newStack()
   const auto add = [&] { addImageFiles(*stack, files, dialog.usesFileCalibration(), subject); };
   try
   {
-    if (!runWithProgress(_parent, tr("New stack"), subject, _statusBar, add)) return;
+    if (!isDone(tr("New stack"), subject, add)) return;
     openNewStack(std::move(stack), QFileInfo(dialog.getFiles().first()).dir().dirName());
   }
   catch (const Exception& error)
@@ -164,15 +184,12 @@ void NYXStackIO::newStack()
 
 void NYXStackIO::newStackFromFile()
 {
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog dialog(_parent, tr("Open image stack"), settings.getInputDirectory());
-  dialog.setObjectName("openImageStackDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  NYXFileDialog dialog(_parent, "openImageStackDialog", tr("Open image stack"));
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setNameFilters({"Image stack: *.tif *.tiff *.TIF *.TIFF *.vm", "Confocal stack: *.lsm *.LSM"});
-  if (dialog.exec() != QDialog::Accepted) return;
-  settings.setInputDirectory(dialog.directory().absolutePath());
-  newStackFromFile(dialog.selectedFiles().value(0));
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (!chosen.isEmpty()) newStackFromFile(chosen.first());
 }
 
 void NYXStackIO::newStackFromFile(const QString& filename)
@@ -183,19 +200,19 @@ void NYXStackIO::newStackFromFile(const QString& filename)
   {
     ProgressSubject subject;
     // Finding the planes of a large file on a slow disk takes its time.
-    const auto isDone = [&](const std::function<void()>& work)
+    const auto isRead = [&](const std::function<void()>& work)
     {
       const auto step = [&]
       {
         const ProgressStep reading(subject, tr("Reading %1").arg(QFileInfo(filename).fileName()).toStdString(), 1);
         work();
       };
-      return runWithProgress(_parent, tr("Open image stack"), subject, _statusBar, step) && !subject.isCancelled();
+      return isDone(tr("Open image stack"), subject, step);
     };
     int numChannels = 1;
-    if (!isDone([&] { numChannels = numChannelsOf(file); })) return;
+    if (!isRead([&] { numChannels = numChannelsOf(file); })) return;
     const std::optional<int> channel = chooseChannel(_parent, numChannels);
-    if (!channel || !isDone([&] { addPlanesOf(*stack, file, *channel); })) return;
+    if (!channel || !isRead([&] { addPlanesOf(*stack, file, *channel); })) return;
     openNewStack(std::move(stack), QFileInfo(filename).completeBaseName());
   }
   catch (const Exception& error)
@@ -215,7 +232,7 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
   try
   {
     const auto make = [&] { made = makeSlices(stack, files, true, subject); };
-    if (!runWithProgress(_parent, tr("Insert slice"), subject, _statusBar, make)) return;
+    if (!isDone(tr("Insert slice"), subject, make)) return;
     const NYXEventBatch batch;
     NYXActionStep step(stack.history());
     for (std::unique_ptr<StackSlice>& slice : made.slices)
@@ -227,38 +244,50 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
   }
 }
 
-void NYXStackIO::openStack()
+NYXStack* NYXStackIO::openStack()
 {
   const QString filename = chooseStackFile();
-  if (!filename.isEmpty()) openStack(filename);
+  return filename.isEmpty() ? nullptr : openStack(filename);
 }
 
-void NYXStackIO::openStack(const QString& filename)
+NYXStack* NYXStackIO::openStack(const QString& filename)
 {
   if (filename.isEmpty())
   {
     warn(_parent, {tr("Error"), tr("Error: a stack file needs a name."), {}});
-    return;
+    return nullptr;
   }
   const QString file = QFileInfo(withStackSuffix(filename)).absoluteFilePath();
+  if (NYXStack* const open = stackOfFile(file))
+  {
+    showMessage(tr("%1 is open already").arg(file), 5000);
+    return open;
+  }
+  return readStack(file);
+}
+
+NYXStack* NYXStackIO::readStack(const QString& file)
+{
   auto stack = std::make_unique<NYXStack>();
   stack->setFilename(file);
   StackReader reader;
   const auto read = [&] { reader.read(*stack, file.toStdString()); };
-  if (!runWithProgress(_parent, tr("Opening stack"), reader, _statusBar, read) || reader.isCancelled())
-    return showMessage(tr("Opening canceled"), 2000);
-
+  if (!isDone(tr("Opening stack"), reader, read))
+  {
+    showMessage(tr("Opening canceled"), 2000);
+    return nullptr;
+  }
   if (reader.getNumFatalErrors() == 0 && !reader.hasReadStack())
   {
     warn(_parent, {tr("Error"), tr("Error: %1 is not a stack file: it holds no STACK statement.").arg(file), {}});
-    return;
+    return nullptr;
   }
   if (!reader.getLog().empty())
     NYXStackErrorDialog(file, toQStrings(reader.getLog()), reader.getNumFatalErrors() == 0, _parent).exec();
-  if (reader.getNumFatalErrors() != 0) return;
+  if (reader.getNumFatalErrors() != 0) return nullptr;
   stack->noteFile(reader.getLog().empty());
-  NYXStackServer::server().addStack(std::move(stack));
   NYXSettings::settings().addRecentFile(file);
+  return &NYXStackServer::server().addStack(std::move(stack));
 }
 
 /// Losses of lengths that were told before are not told again.
@@ -383,21 +412,18 @@ bool NYXStackIO::saveStack(NYXStack& stack)
 
 bool NYXStackIO::saveStackAs(NYXStack& stack)
 {
-  NYXSettings& settings = NYXSettings::settings();
-  const QString proposal = stack.getFilename().isEmpty()
-                               ? settings.getOutputDirectory() + "/" + stack.displayName() + ".sdf"
-                               : stack.getFilename();
-  QFileDialog dialog(_parent, tr("Save stack as"), QFileInfo(proposal).path(), "*.sdf");
-  dialog.setObjectName("saveStackDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  const QFileInfo former(stack.getFilename());
+  const bool isNew = stack.getFilename().isEmpty();
+  NYXFileDialog dialog(_parent, "saveStackDialog", tr("Save stack as"), NYXFileDialog::Writing);
+  dialog.setNameFilter("*.sdf");
   dialog.setDefaultSuffix("sdf");
-  dialog.selectFile(QFileInfo(proposal).fileName());
-  if (dialog.exec() != QDialog::Accepted) return false;
-  settings.setOutputDirectory(dialog.directory().absolutePath());
-  const QString chosen = dialog.selectedFiles().value(0);
-  const QString file = withStackSuffix(chosen);
-  return mayReplace(chosen, file) && saveTo(stack, file);
+  if (!isNew) dialog.setDirectory(former.path());
+  dialog.selectFile(isNew ? proposedFileName(stack.displayName()) + ".sdf" : former.fileName());
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (chosen.isEmpty()) return false;
+  const QString file = withStackSuffix(chosen.first());
+  return mayReplace(chosen.first(), file) && saveTo(stack, file);
 }
 
 /// The dialog has asked about the file that was typed; asks about the one that the suffix makes of it.

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class Exception;
 class NYXRootStatusBar;
 class NYXStack;
+class ProgressSubject;
 class QWidget;
 class StackWriter;
 
@@ -22,19 +24,20 @@ public:
   {
   }
 
-  /// Makes a stack of image files that the user chooses.
-  void newStack();
+  /// Makes a stack of image files that the user chooses, from a list that holds the proposed ones at first.
+  void newStack(const QStringList& proposed = {});
   /// Makes a stack of the planes of a file that the user chooses.
   void newStackFromFile();
   void newStackFromFile(const QString& filename);
   /// Asks for image files and inserts a slice for each before a place of the stack, as one step that can be undone.
   void insertSlices(NYXStack& stack, int place);
 
-  /// Asks for a stack file and opens it.
-  void openStack();
+  /// Asks for a stack file and opens it. \return as below
+  NYXStack* openStack();
 
   /// Opens a stack file. Its problems are shown; one that cannot be read or is no stack file opens nothing.
-  void openStack(const QString& filename);
+  /// \return its stack, which may have been open before; nullptr when nothing is opened
+  NYXStack* openStack(const QString& filename);
 
   /// Writes a stack to its file, or asks for one when it has none. False when nothing was written.
   bool saveStack(NYXStack& stack);
@@ -54,7 +57,9 @@ private:
     Canceled
   };
 
+  bool isDone(const QString& title, ProgressSubject& subject, const std::function<void()>& work) const;
   QString chooseStackFile();
+  NYXStack* readStack(const QString& file);
   bool askForSpacing(NYXStack& stack) const;
   void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
   void showFormatError(const Exception& error) const;

@@ -38,6 +38,11 @@ NYXStack* NYXStackListWidget::currentStack() const
   return stackOf(currentItem());
 }
 
+void NYXStackListWidget::selectStack(const NYXStack& stack)
+{
+  setCurrentItem(itemOf(stack));
+}
+
 QListWidgetItem* NYXStackListWidget::itemOf(const NYXStack& stack) const
 {
   for (int i = 0; i < count(); ++i)

@@ -16,6 +16,7 @@ public:
 
   /// The selected stack, nullptr when there is none.
   NYXStack* currentStack() const;
+  void selectStack(const NYXStack& stack);
 
 signals:
   void currentStackChanged(NYXStack* stack);

@@ -2,9 +2,9 @@
 
 #include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/nyxactionstep.h"
-#include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
+#include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
 #include "numeric/exception.h"
@@ -12,7 +12,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -204,15 +203,14 @@ QWidget* NYXStackPropertiesEditor::createImagesGroup()
 
 void NYXStackPropertiesEditor::chooseFolder()
 {
-  const QString start =
-      _imagesPath->text().isEmpty() ? NYXSettings::settings().getInputDirectory() : _imagesPath->text();
-  QFileDialog dialog(this, tr("Select the folder of the images"), start);
-  dialog.setObjectName("imagesFolderDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  NYXFileDialog dialog(this, "imagesFolderDialog", tr("Select the folder of the images"));
+  if (!_imagesPath->text().isEmpty()) dialog.setDirectory(_imagesPath->text());
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
-  if (dialog.exec() != QDialog::Accepted) return;
-  _imagesPath->setText(dialog.selectedFiles().value(0));
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (chosen.isEmpty()) return;
+  _imagesPath->setText(chosen.first());
   emit _imagesPath->textEdited(_imagesPath->text());
 }
 

@@ -125,8 +125,9 @@ void NYXTransferModelsDialog::showOutcome()
     if (models[i]->getName() != planned.copies[i].model->getName())
       renamed.append(QString::fromStdString(planned.copies[i].model->getName()));
   if (!renamed.isEmpty()) lines.append(tr("Names that are taken get a number: %1.").arg(renamed.join(", ")));
-  if (chosenStack(*_from)->getDefaultPixelCalibration() != chosenStack(*_to)->getDefaultPixelCalibration())
-    lines.append(tr("The pixels of the two stacks differ in size, so the copies will, too."));
+  if (planned.numResized > 0)
+    lines.append(tr("%1 will have another size in space: the pixels of the two slices differ in size.")
+                     .arg(itemsText(planned.numResized)));
   if (planned.numWithoutSlice > 0)
     lines.append(tr("%1 left out: no slice matches.").arg(itemsText(planned.numWithoutSlice)));
   if (planned.numOutside > 0)

@@ -7,6 +7,8 @@
 
 namespace
 {
+/// Source: Okabe and Ito, "Color universal design: how to make figures and presentations that are friendly to
+/// colorblind people", 2002; with white in place of black, which cannot be seen on dark tissue.
 constexpr ModelItemProperties::Color palette[] = {
     {230, 159, 0},   // orange
     {86, 180, 233},  // sky blue
@@ -15,7 +17,7 @@ constexpr ModelItemProperties::Color palette[] = {
     {0, 114, 178},   // blue
     {213, 94, 0},    // vermilion
     {204, 121, 167}, // reddish purple
-    {0, 0, 0},       // black, hard to see on tissue, comes last
+    {255, 255, 255}, // white
 };
 } // namespace
 

@@ -4,12 +4,15 @@
 #include "model/stack.h"
 #include "numeric/exception.h"
 
+#include <algorithm>
+#include <cmath>
 #include <set>
 #include <unordered_map>
 
 namespace
 {
 constexpr int unlimited = -1;
+constexpr double lengthTolerance = 1e-4; // relative: files hold lengths with few digits, in various units
 
 struct ImageSize
 {
@@ -28,6 +31,20 @@ ImageSize imageSizeOf(const StackSlice& slice)
   {
     return {unlimited, unlimited};
   }
+}
+
+/// Whether two lengths, in their units, differ in space.
+bool differ(double a, const LengthUnit& unitOfA, double b, const LengthUnit& unitOfB)
+{
+  b *= std::pow(10.0, unitOfB.getScale() - unitOfA.getScale());
+  return std::abs(a - b) > lengthTolerance * std::max(std::abs(a), std::abs(b));
+}
+
+bool havePixelsOfOneSize(const StackSlice& a, const StackSlice& b)
+{
+  const PixelCalibration &p = a.getPixelCalibration(), &q = b.getPixelCalibration();
+  return !differ(p.getPixelWidth(), p.getLengthUnit(), q.getPixelWidth(), q.getLengthUnit()) &&
+         !differ(p.getPixelHeight(), p.getLengthUnit(), q.getPixelHeight(), q.getLengthUnit());
 }
 
 /// Finds the slices of the target and the sizes of their images, each of which is read once.
@@ -97,7 +114,9 @@ ModelTransfer copyModels(const std::vector<const Model*>& models, const Stack& t
       const bool isOutside = slice && !slices.isInside(*item, *slice);
       if (!slice) ++transfer.numWithoutSlice;
       if (isOutside) ++transfer.numOutside;
-      if (slice && (!isOutside || keepsItemsOutside)) copy.items.push_back(copyOf(*item, *copy.model, *slice));
+      if (!slice || (isOutside && !keepsItemsOutside)) continue;
+      copy.items.push_back(copyOf(*item, *copy.model, *slice));
+      if (!havePixelsOfOneSize(*item->getSlice(), *slice)) ++transfer.numResized;
     }
     transfer.numItems += static_cast<int>(copy.items.size());
   }

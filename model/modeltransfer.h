@@ -26,6 +26,7 @@ struct ModelTransfer
   int numItems = 0;        ///< that are copied
   int numWithoutSlice = 0; ///< left out, since no slice matches theirs
   int numOutside = 0;      ///< that reach beyond the image of their new slice
+  int numResized = 0;      ///< that are copied to pixels of another size than theirs
 };
 
 /// Copies models, in the given order, for a stack, which is not changed. Pixels stay as they are. Items that reach

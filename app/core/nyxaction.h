@@ -25,6 +25,8 @@ public:
 
   /// A text for menus; the detailed one names what is changed, where that is known by a name.
   virtual QString description(bool isDetailed) const;
+  /// How many objects of the kind that the description names are changed.
+  virtual int getNumObjects() const { return 1; }
   /// Whether the action changes nothing.
   virtual bool isNull() const { return false; }
   /// Whether the two make the same change to the same object.

@@ -141,13 +141,13 @@ void NYXActionHistory::redo()
 QString NYXActionHistory::getUndoDescription(bool isDetailed) const
 {
   const Step* const step = stepToUndo();
-  return step ? step->actions.getAction(0).description(isDetailed) : tr("(Nothing to undo)");
+  return step ? step->actions.description(isDetailed) : tr("(Nothing to undo)");
 }
 
 QString NYXActionHistory::getRedoDescription(bool isDetailed) const
 {
   const Step* const step = stepToRedo();
-  return step ? step->actions.getAction(0).description(isDetailed) : tr("(Nothing to redo)");
+  return step ? step->actions.description(isDetailed) : tr("(Nothing to redo)");
 }
 
 void NYXActionHistory::clear()

@@ -3,6 +3,7 @@
 #include "app/core/nyxeventbatch.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace
 {
@@ -70,6 +71,16 @@ void NYXActionList::takeBack()
 void NYXActionList::destroy()
 {
   while (!_actions.empty()) _actions.pop_back();
+}
+
+QString NYXActionList::description(bool isDetailed) const
+{
+  const NYXAction& first = *_actions.front();
+  int numObjects = 0;
+  for (const auto& action : _actions)
+    if (typeid(*action) == typeid(first)) numObjects += action->getNumObjects();
+  if (!isDetailed || numObjects < 2) return first.description(isDetailed);
+  return QString("%1 (%2)").arg(first.description(false)).arg(numObjects);
 }
 
 bool NYXActionList::isNull() const

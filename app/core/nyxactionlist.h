@@ -33,6 +33,9 @@ public:
   /// Action i. Unchecked.
   NYXAction& getAction(int i) const { return *_actions[static_cast<std::size_t>(i)]; }
 
+  /// That of the first action. The detailed one tells how many objects it changes with those of its kind behind it, if
+  /// they are several. Unchecked: the list is not empty.
+  QString description(bool isDetailed) const;
   bool isNull() const;
   bool touchesSlices() const;
   /// A locked slice that one of the actions would change, or nullptr.

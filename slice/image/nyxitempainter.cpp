@@ -52,8 +52,9 @@ bool areApart(const QPointF& a, const QPointF& b)
   return std::abs(a.x() - b.x()) >= vertexSpacing || std::abs(a.y() - b.y()) >= vertexSpacing;
 }
 
-/// The item's vertices on the canvas, without those that nobody could tell from the one before; the last one stays.
-QPolygonF visibleVertices(const ModelItem& item, const QTransform& toCanvas)
+/// The item's vertices on the canvas, without those that nobody could tell from the one before; the first one again at
+/// the end when the curve is closed.
+QPolygonF reducedVertices(const ModelItem& item, const QTransform& toCanvas)
 {
   const Vertices<int>& vertices = item.getVertices();
   const int count = vertices.getNumVertices();
@@ -65,36 +66,68 @@ QPolygonF visibleVertices(const ModelItem& item, const QTransform& toCanvas)
     const QPointF point = toCanvas.map(QPointF(position[0], position[1]));
     if (i == 0 || i == count - 1 || areApart(point, polygon.constLast())) polygon << point;
   }
+  if (item.isClosed()) polygon << polygon.constFirst();
   return polygon;
 }
 
-void strokeCurve(QPainter& painter, const QPolygonF& vertices, bool isClosed)
+/// Whether a segment's box reaches into a rectangle.
+bool isNear(const QPointF& a, const QPointF& b, const QRectF& rect)
 {
-  isClosed ? painter.drawPolygon(vertices) : painter.drawPolyline(vertices);
+  return std::max(a.x(), b.x()) >= rect.left() && std::min(a.x(), b.x()) <= rect.right() &&
+         std::max(a.y(), b.y()) >= rect.top() && std::min(a.y(), b.y()) <= rect.bottom();
 }
 
-void drawCurve(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, NYXItemDetail detail)
+/// Strokes the runs of segments that reach into a rectangle.
+void strokeVisible(QPainter& painter, const QPolygonF& vertices, const QRectF& rect)
+{
+  const int count = vertices.size();
+  for (int first = 0; first + 1 < count;)
+  {
+    int last = first;
+    while (last + 1 < count && isNear(vertices[last], vertices[last + 1], rect)) ++last;
+    if (last > first) painter.drawPolyline(vertices.constData() + first, last - first + 1);
+    first = std::max(last, first + 1);
+  }
+}
+
+void strokeCurve(QPainter& painter, const QPolygonF& vertices, bool isClosed, const QRectF& visible)
+{
+  if (!visible.contains(vertices.boundingRect()))
+    strokeVisible(painter, vertices, visible);
+  else if (isClosed)
+    painter.drawPolygon(vertices.constData(), vertices.size() - 1);
+  else
+    painter.drawPolyline(vertices);
+}
+
+void drawCurve(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+               NYXItemDetail detail)
 {
   const ModelItemProperties properties = effectiveProperties(item);
-  const QPolygonF vertices = visibleVertices(item, toCanvas);
+  const QPolygonF vertices = reducedVertices(item, toCanvas);
+  const double width = lineWidth(item, properties);
+  const double margin = width + haloWidth;
+  const QRectF reach = visible.adjusted(-margin, -margin, margin, margin);
   painter.setBrush(Qt::NoBrush);
   if (detail == NYXItemDetail::Thin)
   {
     painter.setPen(QPen(toQColor(properties), 1));
-    return strokeCurve(painter, vertices, item.isClosed());
+    return strokeCurve(painter, vertices, item.isClosed(), reach);
   }
-  const double width = lineWidth(item, properties);
-  painter.setPen(QPen(QColor(0, 0, 0, 110), width + haloWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  strokeCurve(painter, vertices, item.isClosed());
-  painter.setPen(QPen(toQColor(properties), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  strokeCurve(painter, vertices, item.isClosed());
+  painter.setPen(QPen(QColor(0, 0, 0, 110), width + haloWidth, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  strokeCurve(painter, vertices, item.isClosed(), reach);
+  painter.setPen(QPen(toQColor(properties), width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  strokeCurve(painter, vertices, item.isClosed(), reach);
 }
 
-void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, NYXItemDetail detail)
+void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                NYXItemDetail detail)
 {
   const ModelItemProperties properties = effectiveProperties(item);
   const QColor color = toQColor(properties);
   const double radius = pointRadius(properties);
+  const double margin = radius + highlight + 1;
+  const QRectF reach = visible.adjusted(-margin, -margin, margin, margin);
   const Vertices<int>& vertices = item.getVertices();
   painter.setPen(QPen(QColor(0, 0, 0, 160), 1));
   painter.setBrush(color);
@@ -102,6 +135,7 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
   for (int i = 0; i < vertices.getNumVertices(); ++i, position += 2)
   {
     const QPointF point = toCanvas.map(QPointF(position[0], position[1]));
+    if (!reach.contains(point)) continue;
     const bool isSelected = isHighlighted(item) && item.getSelection().isSelected(i);
     const double r = radius + (isSelected ? highlight : 0);
     if (detail == NYXItemDetail::Full)
@@ -111,7 +145,7 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
   }
 }
 
-void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas)
+void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible)
 {
   QColor color = toQColor(effectiveProperties(item));
   color.setAlpha(isHighlighted(item) ? 160 : 110);
@@ -120,23 +154,25 @@ void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCa
   for (const RLEItem& run : item.getRLEItemSet().getItems())
   {
     const QRectF pixels(run.getOriginX() - 0.5, run.begin() - 0.5, 1, run.getLength());
-    painter.fillRect(toCanvas.mapRect(pixels), color);
+    const QRectF rect = toCanvas.mapRect(pixels);
+    if (rect.intersects(visible)) painter.fillRect(rect, color);
   }
   painter.restore();
 }
 } // namespace
 
-void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, NYXItemDetail detail)
+void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                   NYXItemDetail detail)
 {
   if (item.getModel() == nullptr) return;
   switch (item.getModel()->getGeometry())
   {
   case MPrimitive::Polypoint:
-    return drawPoints(painter, item, toCanvas, detail);
+    return drawPoints(painter, item, toCanvas, visible, detail);
   case MPrimitive::Region:
-    return drawRegion(painter, item, toCanvas);
+    return drawRegion(painter, item, toCanvas, visible);
   default:
-    return drawCurve(painter, item, toCanvas, detail);
+    return drawCurve(painter, item, toCanvas, visible, detail);
   }
 }
 

@@ -14,8 +14,10 @@ enum class NYXItemDetail
 };
 
 /// Draws an item; `toCanvas` maps image pixels, whose centres are whole numbers, to the painter's pixels. Lines and
-/// points keep their size on the screen. Curves with many more vertices than pixels are drawn reduced.
-void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, NYXItemDetail detail);
+/// points keep their size on the screen. Curves with many more vertices than pixels are drawn reduced, and what lies
+/// outside of `visible`, the painter's clip or a rectangle around it, may be left out.
+void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                   NYXItemDetail detail);
 
 /// How far an item is drawn beyond its vertices at the most, in pixels of the screen.
 double modelItemMargin(const ModelItem& item);

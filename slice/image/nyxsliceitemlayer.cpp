@@ -28,6 +28,11 @@ long numParts(const ModelItem& item)
   return item.isRegion() ? item.getRLEItemSet().numItems() : item.getVertices().getNumVertices();
 }
 
+bool isAt(const StackSlice& slice, std::ptrdiff_t i, const ModelItem& item)
+{
+  return i < slice.getNumItems() && slice.getItem(static_cast<int>(i)) == &item;
+}
+
 QPainter::RenderHints quality()
 {
   return QPainter::Antialiasing;
@@ -52,24 +57,22 @@ void NYXSliceItemLayer::setSlice(const StackSlice* slice)
 
 void NYXSliceItemLayer::invalidate()
 {
-  _bounds.clear();
-  _isAllStale = true;
+  _areEntriesStale = _isAllStale = true;
 }
 
 void NYXSliceItemLayer::invalidate(const ModelItem& item)
 {
-  addStale(item);
-  _bounds.erase(&item);
-  if (isOnSlice(item)) addStale(item);
-}
-
-void NYXSliceItemLayer::addStale(const ModelItem& item)
-{
-  const auto known = _bounds.find(&item);
-  if (known != _bounds.end())
-    _stale += canvasRect(known->second);
-  else if (isOnSlice(item))
-    _stale += canvasRect(boundsOf(item));
+  if (_areEntriesStale && _isAllStale) return;
+  const auto entry = std::find_if(_entries.begin(), _entries.end(), [&](const Entry& e) { return e.item == &item; });
+  if (entry != _entries.end()) _stale += canvasRect(*entry);
+  if (entry != _entries.end() && !_areEntriesStale && isAt(*_slice, entry - _entries.begin(), item))
+  {
+    *entry = entryOf(item);
+    _stale += canvasRect(*entry);
+    return;
+  }
+  if (isOnSlice(item)) _stale += canvasRect(entryOf(item));
+  _areEntriesStale = true;
 }
 
 bool NYXSliceItemLayer::isOnSlice(const ModelItem& item) const
@@ -79,20 +82,32 @@ bool NYXSliceItemLayer::isOnSlice(const ModelItem& item) const
   return false;
 }
 
-const NYXSliceItemLayer::Bounds& NYXSliceItemLayer::boundsOf(const ModelItem& item)
+NYXSliceItemLayer::Entry NYXSliceItemLayer::entryOf(const ModelItem& item)
 {
-  const auto known = _bounds.find(&item);
-  if (known != _bounds.end()) return known->second;
-  return _bounds.emplace(&item, Bounds{pixelBounds(item), numParts(item), modelItemMargin(item)}).first->second;
+  return {&item, pixelBounds(item), numParts(item), modelItemMargin(item)};
 }
 
-QRect NYXSliceItemLayer::canvasRect(const Bounds& bounds) const
+void NYXSliceItemLayer::updateEntries()
 {
-  if (bounds.pixels.isEmpty()) return {};
-  const double margin = bounds.margin * _frame.pixelRatio;
-  const QRectF pixels = QRectF(bounds.pixels).translated(-0.5, -0.5); // a pixel's centre is a whole number
-  const QRectF whole = _frame.toCanvas().mapRect(pixels).adjusted(-margin, -margin, margin, margin);
-  return whole.intersected(QRectF(QPointF(0, 0), _frame.size)).toAlignedRect();
+  if (!_areEntriesStale) return;
+  _areEntriesStale = false;
+  _entries.clear();
+  for (int i = 0; _slice != nullptr && i < _slice->getNumItems(); ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
+}
+
+QRect NYXSliceItemLayer::canvasRect(const Entry& entry) const
+{
+  if (entry.pixels.isEmpty()) return {};
+  const double margin = entry.margin * _frame.pixelRatio;
+  const double left = entry.pixels.left() * _frame.scaleX - _frame.offset.x() - margin;
+  const double top = entry.pixels.top() * _frame.scaleY - _frame.offset.y() - margin;
+  const double right = (entry.pixels.right() + 1) * _frame.scaleX - _frame.offset.x() + margin;
+  const double bottom = (entry.pixels.bottom() + 1) * _frame.scaleY - _frame.offset.y() + margin;
+  const QSize size = _frame.size;
+  if (right < 0 || bottom < 0 || left > size.width() || top > size.height()) return {};
+  return QRect(QPoint(static_cast<int>(std::max(left, 0.0)), static_cast<int>(std::max(top, 0.0))),
+               QPoint(static_cast<int>(std::min(right, size.width() - 1.0)),
+                      static_cast<int>(std::min(bottom, size.height() - 1.0))));
 }
 
 const QImage& NYXSliceItemLayer::update(const NYXImageViewport& viewport, double pixelRatio)
@@ -115,7 +130,9 @@ const QImage& NYXSliceItemLayer::update(const NYXImageViewport& viewport, double
   else if (frame.offset != _frame.offset)
     scroll(frame.offset);
   _isAllStale = false;
-  if (!_stale.isEmpty()) paint(_stale);
+  if (!_stale.isEmpty()) _refined = QImage();
+  updateEntries();
+  for (const QRect& rect : _stale) paint(rect);
   _stale = QRegion();
   return _picture;
 }
@@ -144,47 +161,41 @@ void NYXSliceItemLayer::scroll(const QPoint& offset)
   _stale += QRegion(all) - kept;
 }
 
-void NYXSliceItemLayer::paint(const QRegion& region)
+void NYXSliceItemLayer::paint(const QRect& rect)
 {
-  _refined = QImage();
   QPainter painter(&_picture);
-  painter.setClipRegion(region);
+  painter.setClipRect(rect);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.fillRect(region.boundingRect(), Qt::transparent);
+  painter.fillRect(rect, Qt::transparent);
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  if (_slice == nullptr) return;
-  const bool isThin = _needsRefinement || visibleComplexity(region) > mostVerticesPerFrame;
-  _needsRefinement = isThin;
-  paintItems(painter, region, isThin ? NYXItemDetail::Thin : NYXItemDetail::Full);
+  _needsRefinement = _needsRefinement || visibleComplexity(rect) > mostVerticesPerFrame;
+  paintItems(painter, rect, _needsRefinement ? NYXItemDetail::Thin : NYXItemDetail::Full);
 }
 
 /// An upper bound of the vertices that are drawn: an item shows no more of them than there are pixels along it.
-long NYXSliceItemLayer::visibleComplexity(const QRegion& region)
+long NYXSliceItemLayer::visibleComplexity(const QRect& rect) const
 {
   long sum = 0;
-  for (int i = 0; i < _slice->getNumItems(); ++i)
+  for (const Entry& entry : _entries)
   {
-    const Bounds& bounds = boundsOf(*_slice->getItem(i));
-    const QRect rect = canvasRect(bounds);
-    if (region.intersects(rect)) sum += std::min(bounds.numVertices, 2L * (rect.width() + rect.height()));
+    const QRect visible = canvasRect(entry) & rect;
+    if (!visible.isEmpty()) sum += std::min(entry.numVertices, 2L * (visible.width() + visible.height()));
   }
   return sum;
 }
 
-void NYXSliceItemLayer::paintItems(QPainter& painter, const QRegion& region, NYXItemDetail detail)
+void NYXSliceItemLayer::paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const
 {
   painter.setRenderHints(quality());
   const QTransform toCanvas = _frame.toCanvas();
-  for (int i = 0; i < _slice->getNumItems(); ++i)
-  {
-    const ModelItem& item = *_slice->getItem(i);
-    if (region.intersects(canvasRect(boundsOf(item)))) drawModelItem(painter, item, toCanvas, detail);
-  }
+  for (const Entry& entry : _entries)
+    if (canvasRect(entry).intersects(rect)) drawModelItem(painter, *entry.item, toCanvas, rect, detail);
 }
 
 bool NYXSliceItemLayer::refine(int milliseconds)
 {
-  if (!_needsRefinement || _slice == nullptr) return true;
+  if (!_needsRefinement) return true;
+  if (_isAllStale || _areEntriesStale || !_stale.isEmpty()) return false; // the next frame begins anew
   if (_refined.isNull())
   {
     _refined = QImage(_frame.size, QImage::Format_ARGB32_Premultiplied);
@@ -196,11 +207,12 @@ bool NYXSliceItemLayer::refine(int milliseconds)
   QPainter painter(&_refined);
   painter.setRenderHints(quality());
   const QTransform toCanvas = _frame.toCanvas();
-  for (; _numRefined < _slice->getNumItems(); ++_numRefined)
+  const QRect all(QPoint(0, 0), _frame.size);
+  for (; _numRefined < _entries.size(); ++_numRefined)
   {
     if (time.elapsed() >= milliseconds) return false;
-    const ModelItem& item = *_slice->getItem(_numRefined);
-    if (!canvasRect(boundsOf(item)).isEmpty()) drawModelItem(painter, item, toCanvas, NYXItemDetail::Full);
+    const Entry& entry = _entries[_numRefined];
+    if (!canvasRect(entry).isEmpty()) drawModelItem(painter, *entry.item, toCanvas, all, NYXItemDetail::Full);
   }
   painter.end();
   _picture = std::move(_refined);

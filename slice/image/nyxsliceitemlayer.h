@@ -7,7 +7,7 @@
 #include <QRect>
 #include <QRegion>
 
-#include <unordered_map>
+#include <vector>
 
 class ModelItem;
 class QTransform;
@@ -51,30 +51,32 @@ private:
     QTransform toCanvas() const;
   };
 
-  struct Bounds
+  /// An item of the slice, in the slice's order.
+  struct Entry
   {
-    QRect pixels;    ///< of the image; empty without vertices
+    const ModelItem* item;
+    QRect pixels;     ///< of the image; empty without vertices
     long numVertices; ///< or runs
-    double margin;   ///< around it, in pixels of the screen
+    double margin;    ///< around it, in pixels of the screen
   };
 
-  const Bounds& boundsOf(const ModelItem& item);
-  QRect canvasRect(const Bounds& bounds) const;
-  /// The item's place; forgets what was known of it.
-  void addStale(const ModelItem& item);
-  void scroll(const QPoint& offset);
-  void paint(const QRegion& region);
-  void paintItems(QPainter& painter, const QRegion& region, NYXItemDetail detail);
-  long visibleComplexity(const QRegion& region);
+  static Entry entryOf(const ModelItem& item);
+  void updateEntries();
+  QRect canvasRect(const Entry& entry) const;
   bool isOnSlice(const ModelItem& item) const;
+  void scroll(const QPoint& offset);
+  void paint(const QRect& rect);
+  void paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const;
+  long visibleComplexity(const QRect& rect) const;
 
   const StackSlice* _slice = nullptr;
-  std::unordered_map<const ModelItem*, Bounds> _bounds; // of items that were asked for
+  std::vector<Entry> _entries;
+  bool _areEntriesStale = true;
   Frame _frame;
   QImage _picture;
   QRegion _stale; // of the picture
   bool _isAllStale = true;
   bool _needsRefinement = false;
-  QImage _refined;      // the full picture while it is being drawn
-  int _numRefined = 0;  // items drawn into it
+  QImage _refined;              // the full picture while it is being drawn
+  std::size_t _numRefined = 0; // items drawn into it
 };

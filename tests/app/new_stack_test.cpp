@@ -18,7 +18,9 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QListWidget>
+#include <QProgressDialog>
 #include <QPushButton>
+#include <QStatusBar>
 
 namespace
 {
@@ -100,6 +102,35 @@ TEST(NewStack, OfOneFileHasItsPlanes)
             QStringList("File format error|" + text + " cannot be read."));
   inDialogs([](QDialog& dialog) { dialog.reject(); }, [&] { NYXStackIO(&test.window()).newStackFromFile(file); });
   EXPECT_EQ(NYXStackServer::server().getNumStacks(), 1);
+}
+
+TEST(NewStack, AndNewSlicesAreNotMadeWhenCancelIsPressedAtTheVeryEnd)
+{
+  WindowTest test;
+  const TemporaryFolder folder;
+  const QStringList files = {image(folder, "a.tif")};
+  auto& statusBar = *test.window().findChild<QStatusBar*>();
+  statusBar.clearMessage();
+  int numCancelled = 0;
+  const auto cancelAtTheEnd = [&](const QString& message)
+  {
+    if (!message.isEmpty()) return;
+    for (QProgressDialog* dialog : test.window().findChildren<QProgressDialog*>())
+    {
+      ++numCancelled;
+      emit dialog->canceled();
+    }
+  };
+  const auto connection = QObject::connect(&statusBar, &QStatusBar::messageChanged, cancelAtTheEnd);
+  QStringList seen;
+  inDialogs(choosing(files, 1, seen), [&] { test.action("New stack")->trigger(); });
+  EXPECT_EQ(NYXStackServer::server().getNumStacks(), 0);
+  NYXStack& stack = addStack("empty", {}, false);
+  statusBar.clearMessage();
+  inDialogs(choosing(files, 1, seen), [&] { test.action("Insert slice...")->trigger(); });
+  EXPECT_EQ(stack.getNumSlices(), 0);
+  EXPECT_EQ(numCancelled, 2);
+  QObject::disconnect(connection);
 }
 
 TEST(Slices, AreInsertedAndDeletedInTheWindowAndThatIsUndone)

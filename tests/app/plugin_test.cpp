@@ -89,6 +89,7 @@ TEST(PluginServer, NamesWhatCannotBeLoadedInOneLine)
     EXPECT_THAT(said, AllOf(testing::StartsWith("mirelo: cannot load plug-in "), HasSubstr(file.toStdString() + ": "),
                             HasSubstr(cases[i].reason)));
     EXPECT_EQ(std::ranges::count(said, '\n'), 1) << said;
+    EXPECT_EQ(QString::fromStdString(said).count(file), 1) << said;
     EXPECT_EQ(PluginFolder::names(), QStringList());
     ASSERT_TRUE(QFile::remove(folder.path(file)));
   }

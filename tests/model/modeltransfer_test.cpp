@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
 #include <set>
 
 namespace
@@ -105,6 +109,35 @@ TEST(ModelTransfer, LeavesOutOrKeepsWhatReachesBeyondTheImage)
   }
 }
 
+TEST(ModelTransfer, CountsItemsWhosePixelsChangeTheirSize)
+{
+  Source source; // two items on slice 0, one on slice 1
+  setPixelSize(*source.stack.getSlice(0), 0.5f, 0.5f);
+  setPixelSize(*source.stack.getSlice(1), 2, 3);
+  const struct
+  {
+    float width0, height0, width1, height1;
+    int scale; // of the unit; that of the source is 0
+    int numResized;
+  } cases[] = {{0.5f, 0.5f, 2, 3, 0, 0},      {0.5f, 0.6f, 2, 3, 0, 2},  {0.5f, 0.5f, 3, 2, 0, 1},
+               {500, 500, 2000, 3000, -3, 0}, {0.5f, 0.5f, 2, 3, -3, 3}, {0.5e6f, 0.5e6f, 2e6f, 3e6f, -6, 0},
+               {0.500001f, 0.5f, 2, 3, 0, 0}};
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(&c - cases);
+    Stack target;
+    setPixelSize(addSlice(target, 100, 80), c.width0, c.height0);
+    setPixelSize(addSlice(target, 100, 80), c.width1, c.height1);
+    for (int i = 0; i < 2; ++i)
+    {
+      PixelCalibration calibration = target.getSlice(i)->getPixelCalibration();
+      calibration.setLengthUnit(LengthUnit(c.scale));
+      target.getSlice(i)->setPixelCalibration(calibration);
+    }
+    EXPECT_EQ(copyModels(source.models(), target, SliceMatching::ByIndex, false).numResized, c.numResized);
+  }
+}
+
 TEST(ModelTransfer, GivesNumbersToNamesThatAreTaken)
 {
   Source source;
@@ -136,5 +169,63 @@ TEST(ProposedModels, GoThroughEightColors)
   stack.deleteModel(2);
   EXPECT_EQ(proposedModelColor(stack), third);
   EXPECT_EQ(freeModelName(stack, "Model"), "Model 3");
+}
+
+using LinearColor = std::array<double, 3>;
+
+LinearColor linear(const ModelItemProperties::Color& color)
+{
+  LinearColor result;
+  for (std::size_t i = 0; i < 3; ++i)
+  {
+    const double value = color[i] / 255.0;
+    result[i] = value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+  }
+  return result;
+}
+
+LinearColor operator*(const std::array<LinearColor, 3>& matrix, const LinearColor& color)
+{
+  LinearColor result;
+  for (std::size_t i = 0; i < 3; ++i)
+    result[i] = std::clamp(std::inner_product(color.begin(), color.end(), matrix[i].begin(), 0.0), 0.0, 1.0);
+  return result;
+}
+
+/// CIE L*a*b* of a linear sRGB color, white point D65.
+LinearColor lab(const LinearColor& rgb)
+{
+  const std::array<LinearColor, 3> toXyz = {
+      {{0.4339, 0.3762, 0.1899}, {0.2126, 0.7152, 0.0722}, {0.0177, 0.1095, 0.8728}}};
+  LinearColor f = toXyz * rgb;
+  for (double& t : f) t = t > 0.008856 ? std::cbrt(t) : 7.787 * t + 16 / 116.0;
+  return {116 * f[1] - 16, 500 * (f[0] - f[1]), 200 * (f[1] - f[2])};
+}
+
+/// Simulated eyes: Machado, Oliveira and Fernandes, "A physiologically-based model for simulation of color vision
+/// deficiency", 2009, table for full severity.
+TEST(ProposedModels, HaveColorsThatAllEyesTellApartAndSeeOnDarkTissue)
+{
+  const std::array<LinearColor, 3> eyes[] = {
+      {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+      {{{0.152286, 1.052583, -0.204868}, {0.114503, 0.786281, 0.099216}, {-0.003882, -0.048116, 1.051998}}},
+      {{{0.367322, 0.860646, -0.227968}, {0.280085, 0.672501, 0.047413}, {-0.011820, 0.042940, 0.968881}}},
+      {{{1.255528, -0.076749, -0.178779}, {-0.078411, 0.930809, 0.147602}, {0.004733, 0.691367, 0.303900}}}};
+  Stack stack;
+  for (int i = 0; i < 8; ++i)
+    addModel(stack, freeModelName(stack, "Model"), MPrimitive::Polygon)
+        .getItemProperties()
+        .setColor(proposedModelColor(stack));
+  for (const auto& eye : eyes)
+    for (int i = 0; i < 8; ++i)
+    {
+      const LinearColor a = lab(eye * linear(stack.getModel(i)->getItemProperties().getColor()));
+      EXPECT_GT(a[0], 40) << i;
+      for (int j = 0; j < i; ++j)
+      {
+        const LinearColor b = lab(eye * linear(stack.getModel(j)->getItemProperties().getColor()));
+        EXPECT_GT(std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]), 15) << i << " and " << j;
+      }
+    }
 }
 } // namespace

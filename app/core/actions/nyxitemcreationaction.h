@@ -19,6 +19,7 @@ public:
   void apply() override;
   void revert() override;
   QString description(bool isDetailed) const override;
+  int getNumObjects() const override { return static_cast<int>(getItems().size()); }
 
   const std::vector<ModelItem*>& getItems() const { return _items.getItems(); }
 

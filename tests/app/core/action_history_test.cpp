@@ -36,6 +36,20 @@ private:
   char _name;
 };
 
+/// "Deletion", of a number of objects.
+class CountedAction : public NYXAction
+{
+public:
+  explicit CountedAction(int numObjects) : _numObjects(numObjects) {}
+  void apply() override { NYXAction::apply(); }
+  void revert() override { NYXAction::revert(); }
+  QString description(bool isDetailed) const override { return isDetailed ? "Deletion: a" : "Deletion"; }
+  int getNumObjects() const override { return _numObjects; }
+
+private:
+  int _numObjects;
+};
+
 struct ActionHistory : testing::Test
 {
   ActionHistory()
@@ -67,6 +81,26 @@ struct ActionHistory : testing::Test
   std::string signalLog;
   NYXActionHistory history;
 };
+
+TEST_F(ActionHistory, DetailedDescriptionCountsTheObjectsOfAStep)
+{
+  const struct
+  {
+    std::vector<int> numObjects; // of an action each
+    const char* description;
+  } cases[] = {{{1}, "Deletion: a"}, {{3}, "Deletion (3)"}, {{1, 1}, "Deletion (2)"}, {{2, 0, 3}, "Deletion (5)"}};
+  for (const auto& c : cases)
+  {
+    history.openStep();
+    for (const int number : c.numObjects) history.push(std::make_unique<CountedAction>(number), true);
+    push('b'); // of another kind: not counted
+    history.closeStep();
+    EXPECT_EQ(history.getUndoDescription(true), c.description);
+    EXPECT_EQ(history.getUndoDescription(false), "Deletion");
+    history.undo();
+    EXPECT_EQ(history.getRedoDescription(true), c.description);
+  }
+}
 
 TEST_F(ActionHistory, RevertsStepsBackwardsAndAppliesThemForwards)
 {
