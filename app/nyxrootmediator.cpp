@@ -1,12 +1,10 @@
 #include "app/nyxrootmediator.h"
 
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
+#include "app/core/actions/nyxsliceorderaction.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
-#include "app/nyxannotationdialog.h"
-#include "app/nyxfiltermodelsdialog.h"
-#include "app/nyxmodelsdialog.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxpluginrun.h"
 #include "app/nyxpluginserver.h"
@@ -15,18 +13,15 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxslicelistwidget.h"
-#include "app/nyxslicepropertiesdialog.h"
 #include "app/nyxstackio.h"
 #include "app/nyxstacklistwidget.h"
-#include "app/nyxstackpropertiesdialog.h"
-#include "app/nyxtransfermodelsdialog.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "numeric/exception.h"
 
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
-#include <QIcon>
 #include <QMenu>
 #include <QMessageBox>
 #include <QToolBar>
@@ -35,7 +30,17 @@
 
 namespace
 {
-constexpr int messageMilliseconds = 5000;
+/// An action that cannot be used for a reason tells it in place of what it does.
+void enable(QAction& action, bool isPossible, const QString& reason)
+{
+  action.setEnabled(isPossible && reason.isEmpty());
+  action.setToolTip(reason.isEmpty() ? action.whatsThis() : plainText(reason));
+}
+
+QString nameOf(const StackSlice& slice)
+{
+  return QString::fromStdString(slice.getName());
+}
 } // namespace
 
 NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
@@ -46,202 +51,6 @@ NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
   createProcessActions();
   createAnalyzeActions();
   createPluginsActions();
-}
-
-template <class Slot> QAction* NYXRootMediator::createAction(const QString& text, const QString& toolTip,
-                                                             const QKeySequence& shortcut, Slot&& slot)
-{
-  auto* action = new QAction(text, this);
-  action->setObjectName(text);
-  action->setShortcut(shortcut);
-  action->setStatusTip(toolTip);
-  action->setToolTip(shortcut.isEmpty() ? toolTip : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
-  connect(action, &QAction::triggered, this, std::forward<Slot>(slot));
-  return action;
-}
-
-template <class Slot> QAction* NYXRootMediator::createStackAction(const QString& text, const QString& toolTip,
-                                                                  const QKeySequence& shortcut, Slot&& slot)
-{
-  QAction* action = createAction(text, toolTip, shortcut, std::forward<Slot>(slot));
-  _stackActions.append(action);
-  return action;
-}
-
-/// Shows a dialog until it is closed; its messages go to the status bar, too.
-template <class Dialog, class... Arguments> void NYXRootMediator::openDialog(Arguments&&... arguments)
-{
-  Dialog dialog(std::forward<Arguments>(arguments)..., _window);
-  connect(&dialog, &Dialog::messageShown, _statusBar,
-          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
-  dialog.exec();
-}
-
-/// An action whose subsystem is not built yet: disabled, and its tool tip says so.
-QAction* NYXRootMediator::createLaterAction(const QString& text, const QString& toolTip)
-{
-  QAction* action = createAction(text, toolTip + tr(" (not available in this version)"), {}, [] {});
-  action->setEnabled(false);
-  return action;
-}
-
-void NYXRootMediator::createFileActions()
-{
-  _newWindow = createAction(tr("New window"), tr("Open another window on the same stacks"), {},
-                            [this] { _window->newWindow(); });
-  _closeWindow = createAction(tr("Close window"), tr("Close this window; the last one quits the program"), {},
-                              [this] { _window->close(); });
-  _quit =
-      createAction(tr("Quit"), tr("Close all stacks and quit"), QKeySequence("Ctrl+Q"), [this] { _window->quit(); });
-  _newStack = createAction(tr("New stack"), tr("Make a stack of image files"), QKeySequence::New,
-                           [this] { stackIO().newStack(); });
-  _newStack->setIcon(QIcon(":/icons/new.svg"));
-  _newStackFromFile = createAction(tr("New stack from file"), tr("Make a stack of the planes of one file"),
-                                   QKeySequence("Ctrl+Shift+N"), [this] { stackIO().newStackFromFile(); });
-  _openStack =
-      createAction(tr("Open stack"), tr("Open a stack file"), QKeySequence::Open, [this] { stackIO().openStack(); });
-  _openStack->setIcon(QIcon(":/icons/open.svg"));
-  _saveStack = createStackAction(tr("Save stack"), tr("Save the current stack to its file"), QKeySequence::Save,
-                                 &NYXRootMediator::saveCurrentStack);
-  _saveStack->setIcon(QIcon(":/icons/save.svg"));
-  _saveStackAs = createStackAction(tr("Save stack as..."), tr("Save the current stack to another file"),
-                                   QKeySequence("Ctrl+Shift+S"), [this] { stackIO().saveStackAs(*currentStack()); });
-  _closeStack = createStackAction(tr("Close stack"), tr("Close the current stack"), QKeySequence("Ctrl+W"),
-                                  [this] { stackIO().closeStack(*currentStack()); });
-  _closeAll = createStackAction(tr("Close all"), tr("Close all stacks"), {}, [this] { stackIO().closeAll(); });
-}
-
-void NYXRootMediator::createEditActions()
-{
-  _displayPanorama = createLaterAction(tr("Display stack panorama"), tr("Show all slices of the stack side by side"));
-  _displaySingleSlice = createLaterAction(tr("Display single slice"), tr("Show one slice"));
-  _displayOverview = createLaterAction(tr("Display overview"), tr("Show the whole slice in a small window"));
-  _undo = createAction(tr("Undo"), tr("Take the last change back"), QKeySequence::Undo, &NYXRootMediator::undo);
-  _undo->setIcon(QIcon(":/icons/undo.svg"));
-  _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), QKeySequence("Ctrl+Shift+Z"),
-                       &NYXRootMediator::redo);
-  _redo->setIcon(QIcon(":/icons/redo.svg"));
-  _insertSlice = createStackAction(tr("Insert slice..."), tr("Insert images before the current slice"), {},
-                                   &NYXRootMediator::insertSlices);
-  _deleteSlice = createAction(tr("Delete slice"), tr("Delete the current slice and what is drawn on it"), {},
-                              &NYXRootMediator::deleteSlice);
-  const auto sliceDialog = [this](const QString& text, const QString& toolTip, auto open)
-  {
-    QAction* const action = createAction(text, toolTip, {}, [this, open] { open(*currentStack(), *currentSlice()); });
-    _sliceActions.append(action);
-    return action;
-  };
-  _editDialogs = {
-      createStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
-                        [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
-      _insertSlice,
-      _deleteSlice,
-      createStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
-                        [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
-      sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
-                  [this](NYXStack& stack, StackSlice& slice)
-                  { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); }),
-      createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
-                        [this] { openDialog<NYXAnnotationDialog>(*currentStack()); }),
-      sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
-                  [this](NYXStack& stack, StackSlice& slice) { openDialog<NYXAnnotationDialog>(stack, slice); }),
-  };
-  _preferences =
-      createAction(tr("Preferences..."), tr("Change how the program works"), {}, &NYXRootMediator::editPreferences);
-}
-
-void NYXRootMediator::createSliceActions()
-{
-  _selectFirstSlice = createStackAction(tr("Select first slice"), tr("Go to the first slice"),
-                                        QKeySequence(Qt::Key_Home), [this] { _sliceList->selectEnd(false); });
-  _selectLastSlice = createStackAction(tr("Select last slice"), tr("Go to the last slice"), QKeySequence(Qt::Key_End),
-                                       [this] { _sliceList->selectEnd(true); });
-  _selectNextSlice = createStackAction(tr("Select next slice"), tr("Go to the next slice"),
-                                       QKeySequence(Qt::Key_PageDown), [this] { _sliceList->selectNeighbour(1); });
-  _selectPreviousSlice = createStackAction(tr("Select previous slice"), tr("Go to the previous slice"),
-                                           QKeySequence(Qt::Key_PageUp), [this] { _sliceList->selectNeighbour(-1); });
-  _selectFirstSlice->setIcon(QIcon(":/icons/first.svg"));
-  _selectLastSlice->setIcon(QIcon(":/icons/last.svg"));
-  _selectNextSlice->setIcon(QIcon(":/icons/next.svg"));
-  _selectPreviousSlice->setIcon(QIcon(":/icons/previous.svg"));
-}
-
-void NYXRootMediator::createProcessActions()
-{
-  _process = {
-      createLaterAction(tr("Register"), tr("Align each slice on the one before")),
-      createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
-      createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
-      createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
-      createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),
-      createStackAction(tr("Transfer models..."), tr("Copy models from another stack"), {},
-                        [this] { openDialog<NYXTransferModelsDialog>(*currentStack()); }),
-      createStackAction(tr("Filter models..."), tr("Keep the items of models that meet conditions"), {},
-                        [this] { openDialog<NYXFilterModelsDialog>(*currentStack()); }),
-  };
-}
-
-void NYXRootMediator::createAnalyzeActions()
-{
-  _runSpatialAnalysis = createLaterAction(tr("Run"), tr("Test whether objects are placed at random"));
-}
-
-void NYXRootMediator::createPluginsActions()
-{
-  _refreshPlugins = createAction(tr("Refresh"), tr("Look for plug-ins again"), {}, [this] { refreshPlugins(); });
-}
-
-void NYXRootMediator::initFileMenu(QMenu& menu)
-{
-  menu.setToolTipsVisible(true);
-  menu.addActions({_newWindow, _closeWindow});
-  menu.addSeparator();
-  menu.addActions({_newStack, _newStackFromFile, _openStack});
-  _recentFilesMenu = menu.addMenu(tr("Recent stacks..."));
-  _recentFilesMenu->setToolTipsVisible(true);
-  menu.addSeparator();
-  menu.addActions({_saveStack, _saveStackAs});
-  menu.addSeparator();
-  menu.addActions({_closeStack, _closeAll});
-  menu.addSeparator();
-  menu.addAction(_quit);
-  connect(&menu, &QMenu::aboutToShow, this, &NYXRootMediator::updateRecentFilesMenu);
-}
-
-void NYXRootMediator::initEditMenu(QMenu& menu)
-{
-  menu.setToolTipsVisible(true);
-  menu.addActions({_undo, _redo});
-  menu.addSeparator();
-  menu.addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
-  menu.addSeparator();
-  menu.addActions({_selectFirstSlice, _selectLastSlice, _selectNextSlice, _selectPreviousSlice});
-  menu.addSeparator();
-  menu.addActions(_editDialogs);
-  menu.addSeparator();
-  menu.addAction(_preferences);
-}
-
-void NYXRootMediator::initProcessMenu(QMenu& menu)
-{
-  menu.setToolTipsVisible(true);
-  menu.addActions(_process);
-}
-
-void NYXRootMediator::initAnalyzeMenu(QMenu& menu)
-{
-  QMenu* spatialAnalysis = menu.addMenu(tr("Spatial analysis"));
-  spatialAnalysis->setToolTipsVisible(true);
-  spatialAnalysis->addAction(_runSpatialAnalysis);
-}
-
-void NYXRootMediator::initPluginsMenu(QMenu& menu)
-{
-  menu.setToolTipsVisible(true);
-  menu.addAction(_refreshPlugins);
-  _pluginsMenu = &menu;
-  // Another window may have looked for plug-ins since.
-  connect(&menu, &QMenu::aboutToShow, this, &NYXRootMediator::updatePluginActions);
 }
 
 void NYXRootMediator::initialize()
@@ -258,6 +67,7 @@ void NYXRootMediator::initialize()
 
   connect(_stackList, &NYXStackListWidget::currentStackChanged, this, &NYXRootMediator::showCurrentStack);
   connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
+  connect(_sliceList, &NYXSliceListWidget::sliceDragged, this, &NYXRootMediator::moveSlice);
   connect(_sliceEditWidget, &NYXRootSliceEditWidget::openRequested, this, &NYXRootMediator::openStack);
   updatePluginActions();
   updateActions();
@@ -333,46 +143,119 @@ void NYXRootMediator::showStackState()
 
 void NYXRootMediator::updateActions()
 {
-  enableActions(currentStack() != nullptr);
-  lockRequest(_lockedSlices.contains(currentSlice()));
+  const NYXStack* const stack = currentStack();
+  const StackSlice* const slice = currentSlice();
+  enableActions(stack != nullptr);
+  lockRequest(slice != nullptr && stack->isLocked(*slice));
+  showHistories();
+}
+
+QString NYXRootMediator::lockText(const StackSlice& slice)
+{
+  return tr("Slice %1 is locked: a computation works on it").arg(nameOf(slice));
+}
+
+/// Why a step cannot be undone or made again now; empty when it can.
+QString NYXRootMediator::obstacleText(const StackSlice* obstacle, const StackSlice* locked)
+{
+  if (locked != nullptr) return lockText(*locked);
+  return obstacle == nullptr ? QString() : tr("A step on slice %1 comes first: go there").arg(nameOf(*obstacle));
 }
 
 /// Nothing is edited on a slice while a computation works on it.
 void NYXRootMediator::lockRequest(bool isLocked)
 {
-  const bool isEditable = currentSlice() != nullptr && !isLocked;
-  _deleteSlice->setEnabled(isEditable);
-  for (QAction* action : std::as_const(_sliceActions)) action->setEnabled(isEditable);
-  showHistories();
+  const StackSlice* const slice = currentSlice();
+  for (QAction* action : std::as_const(_sliceActions))
+    enable(*action, slice != nullptr, isLocked ? lockText(*slice) : QString());
+}
+
+/// What changes all slices, or the places of slices, waits until none is locked.
+void NYXRootMediator::enableActions(bool flag)
+{
+  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
+  const NYXStack* const stack = currentStack();
+  const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
+  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : QString();
+  for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
+  const StackSlice* const slice = currentSlice();
+  enable(*_deleteSlice, slice != nullptr, reason);
+  enable(*_moveSliceUp, slice != nullptr && slice->getIndex() > 0, reason);
+  enable(*_moveSliceDown, slice != nullptr && slice->getIndex() + 1 < stack->getNumSlices(), reason);
+}
+
+/// Makes a change that the user of this window asks for, and shows the slice that came or moved with it, if one did.
+void NYXRootMediator::change(const std::function<void(NYXStack&)>& make)
+{
+  NYXStack* const stack = currentStack();
+  if (stack == nullptr) return;
+  _concernedSlice = nullptr;
+  try
+  {
+    make(*stack);
+  }
+  catch (const Exception& error)
+  {
+    _statusBar->showMessage(QString::fromStdString(error.getWhat()), messageMilliseconds);
+    refreshSlices();
+  }
+  if (_concernedSlice != nullptr) _sliceList->selectSlice(*_concernedSlice);
 }
 
 void NYXRootMediator::undo()
 {
-  if (NYXStack* stack = currentStack()) stack->histories().undo(currentSlice());
+  change([this](NYXStack& stack) { stack.histories().undo(currentSlice()); });
 }
 
 void NYXRootMediator::redo()
 {
-  if (NYXStack* stack = currentStack()) stack->histories().redo(currentSlice());
+  change([this](NYXStack& stack) { stack.histories().redo(currentSlice()); });
 }
 
 void NYXRootMediator::insertSlices()
 {
-  NYXStack& stack = *currentStack();
-  stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0));
+  change([this](NYXStack& stack) { stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0)); });
+}
+
+QString NYXRootMediator::deletionText(const StackSlice& slice)
+{
+  const auto numItems = static_cast<int>(slice.getItems().size());
+  if (numItems == 0) return tr("Deleted slice %1; Undo restores it").arg(nameOf(slice));
+  if (numItems == 1) return tr("Deleted slice %1 with 1 item; Undo restores both").arg(nameOf(slice));
+  return tr("Deleted slice %1 with %2 items; Undo restores them").arg(nameOf(slice)).arg(numItems);
 }
 
 void NYXRootMediator::deleteSlice()
 {
-  StackSlice& slice = *currentSlice();
-  const QString name = QString::fromStdString(slice.getName());
-  const auto numItems = static_cast<int>(slice.getItems().size());
-  currentStack()->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
-  _statusBar->showMessage(numItems == 0 ? tr("Deleted slice %1; Undo restores it").arg(name)
-                          : numItems == 1
-                              ? tr("Deleted slice %1 with 1 item; Undo restores both").arg(name)
-                              : tr("Deleted slice %1 with %2 items; Undo restores them").arg(name).arg(numItems),
-                          messageMilliseconds);
+  change(
+      [this](NYXStack& stack)
+      {
+        StackSlice& slice = *currentSlice();
+        const QString text = deletionText(slice);
+        stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
+        _statusBar->showMessage(text, messageMilliseconds);
+      });
+}
+
+void NYXRootMediator::moveCurrentSlice(int distance)
+{
+  const int slice = _sliceList->currentSlice();
+  moveSlice(slice, slice + distance);
+}
+
+void NYXRootMediator::moveSlice(int slice, int place)
+{
+  change(
+      [&](NYXStack& stack)
+      {
+        if (slice < 0 || slice >= stack.getNumSlices()) return;
+        StackSlice& moved = *stack.getSlice(slice);
+        stack.history().pushStep(std::make_unique<NYXSliceOrderAction>(moved, place));
+        const QString text = moved.useRelativePosition()
+                                 ? tr("Moved slice %1 to place %2")
+                                 : tr("Moved slice %1 to place %2; it keeps its absolute depth");
+        _statusBar->showMessage(text.arg(QString::fromStdString(moved.getName())).arg(place + 1), messageMilliseconds);
+      });
 }
 
 void NYXRootMediator::followHistories()
@@ -380,39 +263,29 @@ void NYXRootMediator::followHistories()
   disconnect(_historiesChanged);
   if (NYXStack* stack = currentStack())
     _historiesChanged =
-        connect(&stack->histories(), &NYXStackHistories::changed, this, &NYXRootMediator::showHistories);
-  showHistories();
+        connect(&stack->histories(), &NYXStackHistories::changed, this, &NYXRootMediator::updateActions);
+  updateActions();
 }
 
 void NYXRootMediator::showHistories()
 {
-  NYXStack* const stack = currentStack();
-  const StackSlice* const slice = currentSlice();
-  const bool isLocked = _lockedSlices.contains(slice);
-  const auto show =
-      [&](QAction& action, const QString& name, bool isPossible, const QString& description, const StackSlice* obstacle)
+  const auto show = [](QAction& action, const QString& name, const QString& description, const QString& reason)
   {
-    action.setEnabled(isPossible && !isLocked);
-    action.setText(isPossible ? tr("%1: %2").arg(name, description) : name);
-    if (action.whatsThis().isEmpty()) action.setWhatsThis(action.toolTip()); // the tool tip when nothing is in the way
-    action.setToolTip(
-        obstacle == nullptr
-            ? action.whatsThis()
-            : plainText(
-                  tr("A step on slice %1 comes first: go there").arg(QString::fromStdString(obstacle->getName()))));
+    action.setText(description.isEmpty() ? name : tr("%1: %2").arg(name, description));
+    enable(action, !description.isEmpty(), reason);
   };
-  const bool isUndoable = stack != nullptr && stack->histories().isUndoable(slice);
-  const bool isRedoable = stack != nullptr && stack->histories().isRedoable(slice);
-  show(*_undo, tr("Undo"), isUndoable, isUndoable ? stack->histories().undoDescription(slice, true) : QString(),
-       stack != nullptr ? stack->histories().undoObstacle(slice) : nullptr);
-  show(*_redo, tr("Redo"), isRedoable, isRedoable ? stack->histories().redoDescription(slice, true) : QString(),
-       stack != nullptr ? stack->histories().redoObstacle(slice) : nullptr);
-}
-
-void NYXRootMediator::enableActions(bool flag)
-{
-  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
-  for (QAction* action : std::as_const(_pluginActions)) action->setEnabled(flag);
+  NYXStack* const stack = currentStack();
+  if (stack == nullptr)
+  {
+    show(*_undo, tr("Undo"), {}, {});
+    return show(*_redo, tr("Redo"), {}, {});
+  }
+  NYXStackHistories& histories = stack->histories();
+  const StackSlice* const slice = currentSlice();
+  show(*_undo, tr("Undo"), histories.isUndoable(slice) ? histories.undoDescription(slice, true) : QString(),
+       obstacleText(histories.undoObstacle(slice), histories.undoLock(slice)));
+  show(*_redo, tr("Redo"), histories.isRedoable(slice) ? histories.redoDescription(slice, true) : QString(),
+       obstacleText(histories.redoObstacle(slice), histories.redoLock(slice)));
 }
 
 void NYXRootMediator::updateRecentFilesMenu()
@@ -493,16 +366,15 @@ void NYXRootMediator::preferencesEvent(const NYXPreferencesEvent&)
 
 void NYXRootMediator::stackCloseEvent(const NYXStackCloseEvent& event)
 {
-  for (int i = 0; i < event.getStack().getNumSlices(); ++i) _lockedSlices.erase(event.getStack().getSlice(i));
+  _sliceList->forget(event.getStack());
 }
 
+/// The actions follow the stack's news of what can be undone.
 void NYXRootMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 {
-  if (event.isLocked)
-    _lockedSlices.insert(&event.getSlice());
-  else
-    _lockedSlices.erase(&event.getSlice());
-  updateActions();
+  const StackSlice& slice = event.getSlice();
+  const NYXStack* const stack = currentStack();
+  if (stack != nullptr && slice.getStack() == stack) _sliceList->showLock(slice.getIndex(), event.isLocked);
 }
 
 void NYXRootMediator::refreshSlice(const StackSlice* slice)
@@ -511,6 +383,18 @@ void NYXRootMediator::refreshSlice(const StackSlice* slice)
   if (stack != nullptr && slice != nullptr && slice->getStack() == stack)
     _sliceList->refreshSlice(*stack, slice->getIndex());
   _sliceEditWidget->update();
+}
+
+/// The change that is made may be a step of several actions, and may be taken back.
+void NYXRootMediator::noteConcernedSlice(const NYXSliceAction& action)
+{
+  const StackSlice& slice = action.getSlice();
+  if (slice.getStack() == nullptr)
+  {
+    if (_concernedSlice == &slice) _concernedSlice = nullptr;
+  }
+  else if (_concernedSlice == nullptr && action.changesPlaces())
+    _concernedSlice = &slice;
 }
 
 /// At once, or when the batch of events is over.
@@ -527,8 +411,9 @@ void NYXRootMediator::atEventBatchEnd()
   if (_areSlicesStale) refreshSlices();
 }
 
-void NYXRootMediator::processSliceAction(NYXSliceAction&)
+void NYXRootMediator::processSliceAction(NYXSliceAction& action)
 {
+  noteConcernedSlice(action);
   refreshSlices();
 }
 

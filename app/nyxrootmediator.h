@@ -6,7 +6,7 @@
 #include <QList>
 #include <QObject>
 
-#include <set>
+#include <functional>
 #include <string>
 
 class NYXRootSliceEditWidget;
@@ -73,10 +73,14 @@ protected:
   void atEventBatchEnd() override;
 
 private:
-  template <class Slot>
-  QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
-  template <class Slot>
-  QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, Slot&& slot);
+  static constexpr int messageMilliseconds = 5000;
+
+  QAction* createAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
+                        const std::function<void()>& slot);
+  QAction* createStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
+                             const std::function<void()>& slot);
+  QAction* createWholeStackAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut,
+                                  const std::function<void()>& slot);
   template <class Dialog, class... Arguments> void openDialog(Arguments&&... arguments);
   QAction* createLaterAction(const QString& text, const QString& toolTip);
   void createFileActions();
@@ -88,13 +92,20 @@ private:
 
   NYXStackIO stackIO() const;
   void saveCurrentStack();
+  static QString lockText(const StackSlice& slice);
+  static QString obstacleText(const StackSlice* obstacle, const StackSlice* locked);
+  static QString deletionText(const StackSlice& slice);
   void undo();
   void redo();
   void insertSlices();
   void deleteSlice();
+  void moveSlice(int slice, int place);
+  void moveCurrentSlice(int distance);
+  void change(const std::function<void(NYXStack&)>& make);
   void lockRequest(bool isLocked);
   void followHistories();
   void showHistories();
+  void noteConcernedSlice(const NYXSliceAction& action);
   void refreshSlices();
   void refreshSlice(const StackSlice* slice);
   void editPreferences();
@@ -138,6 +149,8 @@ private:
   QAction* _redo;
   QAction* _insertSlice;
   QAction* _deleteSlice;
+  QAction* _moveSliceUp;
+  QAction* _moveSliceDown;
   QList<QAction*> _editDialogs;
   QList<QAction*> _sliceActions; // that edit the shown slice
   QAction* _preferences;
@@ -147,9 +160,10 @@ private:
   QAction* _refreshPlugins;
   QMenu* _pluginsMenu = nullptr;
   QList<QAction*> _pluginActions;
-  QList<QAction*> _stackActions; // enabled only while a stack is current
+  QList<QAction*> _stackActions;      // enabled only while a stack is current
+  QList<QAction*> _wholeStackActions; // and none of its slices is locked
 
-  std::set<const StackSlice*> _lockedSlices; // by computations that run
-  bool _areSlicesStale = false;              // in the list, until the end of a batch of events
-  QMetaObject::Connection _historiesChanged; // of the current stack
+  bool _areSlicesStale = false;                // in the list, until the end of a batch of events
+  const StackSlice* _concernedSlice = nullptr; // the first that came or moved with the change that is made here
+  QMetaObject::Connection _historiesChanged;   // of the current stack
 };

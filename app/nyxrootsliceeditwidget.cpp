@@ -1,6 +1,8 @@
 #include "app/nyxrootsliceeditwidget.h"
 
-#include "slice/image/nyxsliceview.h"
+#include "slice/image/nyxsliceimageserver.h"
+#include "slice/image/nyxslicewidget.h"
+#include "slice/image/nyxslicewidgetmediator.h"
 
 #include <QAction>
 #include <QDir>
@@ -12,11 +14,12 @@
 #include <QVBoxLayout>
 
 NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
-  : QWidget(parent), _pages(new QStackedLayout(this)), _sliceView(new NYXSliceView(this))
+  : QWidget(parent), _pages(new QStackedLayout(this)), _sliceWidget(new NYXSliceWidget(this))
 {
   setObjectName("rootSliceEditWidget");
   _pages->addWidget(createStartPage());
-  _pages->addWidget(_sliceView);
+  _pages->addWidget(_sliceWidget);
+  _sliceWidget->mediator().setImageServer(NYXSliceImageServer::server());
 }
 
 QWidget* NYXRootSliceEditWidget::createStartPage()
@@ -71,12 +74,12 @@ void NYXRootSliceEditWidget::setRecentFiles(const QStringList& files)
 
 void NYXRootSliceEditWidget::showStartPage()
 {
-  _sliceView->setSlice(nullptr);
+  _sliceWidget->setSlice(nullptr);
   _pages->setCurrentIndex(0);
 }
 
-void NYXRootSliceEditWidget::showSlice(const StackSlice* slice)
+void NYXRootSliceEditWidget::showSlice(StackSlice* slice)
 {
-  _sliceView->setSlice(slice);
-  _pages->setCurrentWidget(_sliceView);
+  _sliceWidget->setSlice(slice);
+  _pages->setCurrentWidget(_sliceWidget);
 }

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-class NYXSliceView;
+class NYXSliceWidget;
 class Stack;
 class StackSlice;
 class QAction;
@@ -27,9 +27,9 @@ public:
   void showStartPage();
 
   /// Shows a slice; nullptr for a stack without slices.
-  void showSlice(const StackSlice* slice);
+  void showSlice(StackSlice* slice);
 
-  const NYXSliceView& sliceView() const { return *_sliceView; }
+  NYXSliceWidget& sliceWidget() const { return *_sliceWidget; }
 
 signals:
   void openRequested(const QString& file);
@@ -38,7 +38,7 @@ private:
   QWidget* createStartPage();
 
   QStackedLayout* _pages;
-  NYXSliceView* _sliceView;
+  NYXSliceWidget* _sliceWidget;
   QVBoxLayout* _startActions;
   QLabel* _recentFiles;
 };

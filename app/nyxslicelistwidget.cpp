@@ -1,14 +1,16 @@
 #include "app/nyxslicelistwidget.h"
 
+#include "app/core/nyxstack.h"
 #include "app/nyxplaintext.h"
 #include "model/model.h"
 #include "model/modelitem.h"
-#include "model/stack.h"
 #include "model/stackslice.h"
 
+#include <QIcon>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
@@ -18,10 +20,16 @@
 
 namespace
 {
-constexpr int dotsRole = Qt::UserRole;
+enum Role
+{
+  SliceRole = Qt::UserRole,
+  DotsRole,  // colours of the models on the slice
+  NamesRole, // and their names
+  LockRole
+};
 
-/// Draws the dots of an item's models at the right end of its row.
-class DotsDelegate : public QStyledItemDelegate
+/// Draws the lock and the dots of an item's models at the right end of its row.
+class RowDelegate : public QStyledItemDelegate
 {
 public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -29,18 +37,39 @@ public:
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
   {
     QStyledItemDelegate::paint(painter, option, index);
-    const QVariantList colors = index.data(dotsRole).toList();
-    const double diameter = option.fontMetrics.xHeight() * 0.9;
-    QPointF center(option.rect.right() - diameter, option.rect.center().y() + 0.5);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(QPen(option.palette.color(QPalette::Mid), 0.5));
+    const double left = paintDots(*painter, option, index.data(DotsRole).toList());
+    if (index.data(LockRole).toBool()) paintLock(*painter, option, left);
+    painter->restore();
+  }
+
+private:
+  /// \return where the dots begin
+  static double paintDots(QPainter& painter, const QStyleOptionViewItem& option, const QVariantList& colors)
+  {
+    const double diameter = option.fontMetrics.xHeight() * 0.9;
+    QPointF center(option.rect.right() - diameter, option.rect.center().y() + 0.5);
+    painter.setPen(QPen(option.palette.color(QPalette::Mid), 0.5));
     for (auto color = colors.rbegin(); color != colors.rend(); ++color, center.rx() -= 1.5 * diameter)
     {
-      painter->setBrush(color->value<QColor>());
-      painter->drawEllipse(center, diameter / 2, diameter / 2);
+      painter.setBrush(color->value<QColor>());
+      painter.drawEllipse(center, diameter / 2, diameter / 2);
     }
-    painter->restore();
+    return center.x() + diameter / 2;
+  }
+
+  static void paintLock(QPainter& painter, const QStyleOptionViewItem& option, double right)
+  {
+    const int side = option.fontMetrics.height();
+    const QRect place(qRound(right) - side, option.rect.center().y() - side / 2, side, side);
+    if (option.state & QStyle::State_Selected) // whose colour is too near to the icon's
+    {
+      painter.setPen(Qt::NoPen);
+      painter.setBrush(option.palette.base());
+      painter.drawRoundedRect(place, side / 4.0, side / 4.0);
+    }
+    QIcon(":/icons/lock.svg").paint(&painter, place);
   }
 };
 
@@ -77,43 +106,54 @@ NYXSliceListWidget::NYXSliceListWidget(QWidget* parent)
   _filter->setClearButtonEnabled(true);
   _list->setObjectName("sliceList");
   _list->setUniformItemSizes(true);
-  _list->setItemDelegate(new DotsDelegate(_list));
+  _list->setItemDelegate(new RowDelegate(_list));
+  _list->setDragDropMode(QAbstractItemView::InternalMove);
+  _list->setToolTip(tr("Drag a slice to another place to change the order"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(_filter);
   layout->addWidget(_list, 1);
   connect(_filter, &QLineEdit::textChanged, this, &NYXSliceListWidget::filter);
-  connect(_list, &QListWidget::currentRowChanged, this, &NYXSliceListWidget::currentSliceChanged);
+  connect(_list, &QListWidget::currentRowChanged, this, &NYXSliceListWidget::noteRow);
+  connect(
+      _list->model(), &QAbstractItemModel::rowsMoved, this,
+      [this](const QModelIndex&, int from, int, const QModelIndex&, int before)
+      { emit sliceDragged(from, before > from ? before - 1 : before); },
+      Qt::QueuedConnection); // once the view is done with the drop
 }
 
-void NYXSliceListWidget::setStack(const Stack* stack)
+void NYXSliceListWidget::setStack(const NYXStack* stack)
+{
+  list(stack, 0);
+}
+
+void NYXSliceListWidget::refresh(const NYXStack& stack)
+{
+  list(&stack, qMax(_list->currentRow(), 0));
+}
+
+/// Selects the slice nearest to a row when the one selected last is gone.
+void NYXSliceListWidget::list(const NYXStack* stack, int row)
 {
   const QSignalBlocker blocker(_list);
-  list(stack);
-  selectNearestShown(0);
-  emit currentSliceChanged(_list->currentRow());
-}
-
-void NYXSliceListWidget::refresh(const Stack& stack)
-{
-  const QSignalBlocker blocker(_list);
-  const int row = qMax(_list->currentRow(), 0);
-  list(&stack);
-  selectNearestShown(row);
-  emit currentSliceChanged(_list->currentRow());
-}
-
-void NYXSliceListWidget::list(const Stack* stack)
-{
+  const int scroll = stack == _stack ? _list->verticalScrollBar()->value() : 0;
+  _stack = stack;
   _list->clear();
   for (int i = 0; stack != nullptr && i < stack->getNumSlices(); ++i)
   {
-    _list->addItem(QString());
+    auto* const item = new QListWidgetItem(_list);
+    item->setFlags(item->flags() & ~Qt::ItemIsDropEnabled); // slices are dropped between rows
+    item->setData(SliceRole, QVariant::fromValue<void*>(stack->getSlice(i)));
+    item->setData(LockRole, stack->isLocked(*stack->getSlice(i)));
     refreshSlice(*stack, i);
   }
+  _list->doItemsLayout();
+  _list->verticalScrollBar()->setValue(scroll); // selecting moves on only as far as needed
+  selectNearestShown(selectedRow(row));
+  noteRow(_list->currentRow());
 }
 
-void NYXSliceListWidget::refreshSlice(const Stack& stack, int slice)
+void NYXSliceListWidget::refreshSlice(const NYXStack& stack, int slice)
 {
   QListWidgetItem* const row = _list->item(slice);
   if (row == nullptr) return;
@@ -125,9 +165,55 @@ void NYXSliceListWidget::refreshSlice(const Stack& stack, int slice)
     names.append(QString::fromStdString(model->getName()));
   }
   row->setText(QString::fromStdString(stack.getSlice(slice)->getName()));
-  row->setData(dotsRole, colors);
-  row->setToolTip(names.isEmpty() ? tr("Nothing drawn yet") : plainText(tr("Models: %1").arg(names.join(", "))));
-  showOrHide(slice);
+  row->setData(DotsRole, colors);
+  row->setData(NamesRole, names);
+  describe(slice);
+}
+
+void NYXSliceListWidget::showLock(int slice, bool isLocked)
+{
+  QListWidgetItem* const row = _list->item(slice);
+  if (row == nullptr) return;
+  row->setData(LockRole, isLocked);
+  describe(slice);
+}
+
+/// Hides the row if the filter does, and tells what is known of its slice.
+void NYXSliceListWidget::describe(int row)
+{
+  QListWidgetItem& item = *_list->item(row);
+  item.setHidden(!item.text().contains(_filter->text(), Qt::CaseInsensitive));
+  const QStringList names = item.data(NamesRole).toStringList();
+  QStringList lines(names.isEmpty() ? tr("Nothing drawn yet") : tr("Models: %1").arg(names.join(", ")));
+  if (item.data(LockRole).toBool()) lines.append(tr("Locked: a computation works on it"));
+  if (!_filter->text().isEmpty()) lines.append(tr("Clear the filter to change the order by dragging"));
+  item.setToolTip(plainText(lines.join('\n')));
+}
+
+void NYXSliceListWidget::noteRow(int row)
+{
+  if (row >= 0) _selected[_stack] = sliceOf(row);
+  emit currentSliceChanged(row);
+}
+
+const StackSlice* NYXSliceListWidget::sliceOf(int row) const
+{
+  return static_cast<const StackSlice*>(_list->item(row)->data(SliceRole).value<void*>());
+}
+
+/// Row of the slice that was selected last.
+int NYXSliceListWidget::selectedRow(int otherwise) const
+{
+  const auto selected = _selected.find(_stack);
+  for (int row = 0; selected != _selected.end() && row < _list->count(); ++row)
+    if (sliceOf(row) == selected->second) return row;
+  return otherwise;
+}
+
+void NYXSliceListWidget::selectSlice(const StackSlice& slice)
+{
+  for (int row = 0; row < _list->count(); ++row)
+    if (sliceOf(row) == &slice && !_list->isRowHidden(row)) return _list->setCurrentRow(row);
 }
 
 int NYXSliceListWidget::numSlices() const
@@ -158,16 +244,12 @@ void NYXSliceListWidget::selectShown(int from, int direction)
   }
 }
 
-void NYXSliceListWidget::filter(const QString&)
+void NYXSliceListWidget::filter(const QString& text)
 {
-  for (int i = 0; i < _list->count(); ++i) showOrHide(i);
-  const int row = qMax(_list->currentRow(), 0);
+  _list->setDragDropMode(text.isEmpty() ? QAbstractItemView::InternalMove : QAbstractItemView::NoDragDrop);
+  for (int i = 0; i < _list->count(); ++i) describe(i);
+  const int row = selectedRow(0);
   if (_list->count() > 0 && (_list->currentRow() < 0 || _list->isRowHidden(row))) selectNearestShown(row);
-}
-
-void NYXSliceListWidget::showOrHide(int row)
-{
-  _list->setRowHidden(row, !_list->item(row)->text().contains(_filter->text(), Qt::CaseInsensitive));
 }
 
 /// What the user does to the slice must not happen to one that is not seen; without any that is, none is selected.

@@ -328,7 +328,15 @@ bool NYXStackIO::settleLosses(NYXStack& stack) const
     return true;
   }
   if (!convert || box.clickedButton() != convert) return false;
-  stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, losses.keepingUnit->getScale()));
+  try
+  {
+    stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, losses.keepingUnit->getScale()));
+  }
+  catch (const Exception& error) // as for a locked slice
+  {
+    warn(_parent, {tr("Saving stack"), tr("The stack cannot be converted."), QString::fromStdString(error.getWhat())});
+    return false;
+  }
   return settleLosses(stack); // some digits no unit keeps
 }
 

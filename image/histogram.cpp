@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <span>
@@ -29,15 +28,12 @@ template <class T> std::size_t levelIndex(T x)
 /// them keep one increment from waiting for the one before.
 template <class T> void countLevels(std::span<const T> x, Counts& counts)
 {
-  constexpr std::size_t numTables = sizeof(T) == 1 ? sizeof(std::uint64_t) : 2;
+  constexpr std::size_t numTables = sizeof(T) == 1 ? 4 : 2;
+  constexpr std::size_t stride = 8;
   auto tables = std::make_unique<std::array<std::array<std::uint32_t, numLevels<T>>, numTables>>();
   std::size_t i = 0;
-  for (; i + numTables <= x.size(); i += numTables)
-  {
-    std::array<std::make_unsigned_t<T>, numTables> levels;
-    std::memcpy(levels.data(), x.data() + i, sizeof levels);
-    for (std::size_t k = 0; k < numTables; ++k) ++(*tables)[k][levels[k]];
-  }
+  for (; i + stride <= x.size(); i += stride)
+    for (std::size_t k = 0; k < stride; ++k) ++(*tables)[k % numTables][levelIndex(x[i + k])];
   for (; i < x.size(); ++i) ++counts[levelIndex(x[i])];
   for (const auto& table : *tables)
     for (std::size_t level = 0; level < table.size(); ++level) counts[level] += table[level];

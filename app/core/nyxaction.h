@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QString>
 
+class StackSlice;
+
 /// A change that can be applied, reverted and applied again. An action is made when its object is as the action will
 /// find it; actions are applied and reverted in the order of their history, so that each finds it so again.
 ///
@@ -35,6 +37,8 @@ public:
 
   /// Whether it changes slices, or what is drawn on them: then it keeps its place in time among the steps of slices.
   virtual bool touchesSlices() const { return true; }
+  /// A slice that it would change although a computation has locked it, or nullptr.
+  virtual const StackSlice* lockedSlice() const { return nullptr; }
   /// Called when the action becomes part of a step.
   virtual void record() {}
 

@@ -1,5 +1,7 @@
 #include "app/core/nyxactionhistory.h"
 
+#include "app/core/nyxexception.h"
+#include "model/stackslice.h"
 #include "numeric/exception.h"
 
 #include <iostream>
@@ -14,6 +16,12 @@ void destroyUndone(std::vector<NYXActionHistory::Step>& redoList)
 {
   for (NYXActionHistory::Step& step : redoList) step.actions.destroy();
   redoList.clear();
+}
+
+void requireUnlocked(const StackSlice* lockedSlice, const char* where)
+{
+  if (lockedSlice)
+    throw NYXException(where, "Slice " + lockedSlice->getName() + " is locked: a computation works on it.");
 }
 
 void destroyMade(std::vector<NYXActionHistory::Step>& undoList)
@@ -48,6 +56,7 @@ void NYXActionHistory::push(std::unique_ptr<NYXAction> action, const bool apply)
   {
     try
     {
+      requireUnlocked(pushed.lockedSlice(), "void NYXActionHistory::push(NYXAction*, const bool)");
       pushed.apply();
     }
     catch (...)
@@ -108,6 +117,7 @@ void NYXActionHistory::pushStep(std::unique_ptr<NYXAction> action, const bool ap
 void NYXActionHistory::undo()
 {
   if (!isUndoable()) return;
+  requireUnlocked(_undoList.back().actions.lockedSlice(), "void NYXActionHistory::undo()");
   _undoList.back().actions.revert();
   _redoList.push_back(std::move(_undoList.back()));
   _undoList.pop_back();
@@ -119,6 +129,7 @@ void NYXActionHistory::undo()
 void NYXActionHistory::redo()
 {
   if (!isRedoable()) return;
+  requireUnlocked(_redoList.back().actions.lockedSlice(), "void NYXActionHistory::redo()");
   _redoList.back().actions.apply();
   _undoList.push_back(std::move(_redoList.back()));
   _redoList.pop_back();

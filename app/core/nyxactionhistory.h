@@ -13,6 +13,9 @@
 ///
 /// A step is opened, receives actions and is closed; NYXActionStep does this on every path. When an action throws, in
 /// push(), undo() or redo(), the step is taken back as a whole, no step is lost, and none is open.
+///
+/// Here, where steps are applied and reverted, those are refused that would change a locked slice. A computation that
+/// locks a slice takes the lock off before it pushes what it found.
 class NYXActionHistory : public QObject
 {
   Q_OBJECT
@@ -24,7 +27,8 @@ public:
   /// \throw UsageError  a step is open already
   void openStep();
   /// Adds an action to the open step and applies it if asked to; the steps that could be made again are lost.
-  /// The history takes the action over, also when it throws. \throw UsageError  no step is open
+  /// The history takes the action over, also when it throws.
+  /// \throw UsageError  no step is open \throw NYXException  the action is to be applied to a locked slice
   void push(std::unique_ptr<NYXAction> action, const bool apply);
   void push(NYXAction* action, const bool apply) { push(std::unique_ptr<NYXAction>(action), apply); }
   /// A step without actions is dropped. \throw UsageError  no step is open
@@ -36,6 +40,7 @@ public:
   bool isStepOpen() const { return _isStepOpen; }
 
   /// Nothing happens when there is nothing to undo or redo, or a step is open.
+  /// \throw NYXException  the step would change a locked slice
   void undo();
   void redo();
   bool isUndoable() const { return !_isStepOpen && !_undoList.empty(); }

@@ -82,6 +82,13 @@ bool NYXActionList::touchesSlices() const
   return std::ranges::any_of(_actions, [](const auto& action) { return action->touchesSlices(); });
 }
 
+const StackSlice* NYXActionList::lockedSlice() const
+{
+  for (const auto& action : _actions)
+    if (const StackSlice* const slice = action->lockedSlice()) return slice;
+  return nullptr;
+}
+
 bool NYXActionList::operator==(const NYXActionList& other) const
 {
   return std::ranges::equal(_actions, other._actions, [](const auto& a, const auto& b) { return *a == *b; });

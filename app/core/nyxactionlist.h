@@ -35,6 +35,8 @@ public:
 
   bool isNull() const;
   bool touchesSlices() const;
+  /// A locked slice that one of the actions would change, or nullptr.
+  const StackSlice* lockedSlice() const;
   bool operator==(const NYXActionList& other) const;
 
 private:

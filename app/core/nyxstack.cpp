@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace
 {
 const Stack* stackOf(const NYXSliceEvent& event)
@@ -87,6 +89,11 @@ QString NYXStack::displayName() const
   return QCoreApplication::translate("NYXStack", "Untitled");
 }
 
+bool NYXStack::isLocked(const StackSlice& slice) const
+{
+  return std::ranges::find(_lockedSlices, &slice) != _lockedSlices.end();
+}
+
 void NYXStack::updateReconstruction()
 {
   _reconstruction.emplace(*this);
@@ -113,7 +120,18 @@ void NYXStack::noteMovedSlices(const NYXEvent& event, const Stack* stack)
 
 void NYXStack::processSliceAction(NYXSliceAction& action)
 {
-  if (&action.getStack() == this) _reconstruction.reset();
+  if (&action.getStack() != this) return;
+  _reconstruction.reset();
+  if (action.getSlice().getStack() == nullptr) std::erase(_lockedSlices, &action.getSlice()); // it has left
+}
+
+void NYXStack::sliceLockEvent(const NYXSliceLockEvent& event)
+{
+  const StackSlice& slice = event.getSlice();
+  const bool wasLocked = std::erase(_lockedSlices, &slice) > 0; // also one that has left the stack meanwhile
+  const bool isLocked = event.isLocked && slice.getStack() == this;
+  if (isLocked) _lockedSlices.push_back(&slice);
+  if (isLocked != wasLocked) emit _histories.changed();
 }
 
 void NYXStack::modelItemCreateEvent(const NYXModelItemCreateEvent& event)

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 /// An open stack: the project with its file name, its modified flag, its histories, and what is kept to show it.
 ///
@@ -64,6 +65,11 @@ public:
   void endRegistration() { _isInRegistration = false; }
   bool inRegistration() const { return _isInRegistration; }
 
+  /// The slices that computations have locked (NYXSliceLockEvent), in the order in which they were; nothing is edited
+  /// on them, and histories refuse steps that change them.
+  const std::vector<const StackSlice*>& getLockedSlices() const { return _lockedSlices; }
+  bool isLocked(const StackSlice& slice) const;
+
   /// Computes the places of the slices in space. \throw FileError  the size of a slice's image is not known
   void updateReconstruction();
   /// Those places, computed anew when the stack has told of a change to its slices. \throw FileError  as above
@@ -85,6 +91,7 @@ protected:
   void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
   void sliceAnnotationEvent(const NYXSliceAnnotationEvent& event) override;
+  void sliceLockEvent(const NYXSliceLockEvent& event) override;
   void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
   void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
@@ -115,6 +122,7 @@ private:
   int _numLooseChanges = 0;
   bool _wasModified = false; // as told last
   bool _isInRegistration = false;
+  std::vector<const StackSlice*> _lockedSlices;
   NYXStackHistories _histories;
   std::optional<StackReconstruction<float>> _reconstruction; // none: to be computed
   std::unique_ptr<NYXStackImages> _panoramaImageServer;

@@ -81,10 +81,17 @@ NYXStackHistories::Choice NYXStackHistories::choose(const StackSlice* shown, con
   NYXActionHistory* const slice = find(shown);
   const Step* const sliceStep = slice ? (slice->*direction.next)() : nullptr;
   const Step* const stackStep = (_history.*direction.next)();
-  if (sliceStep && (!stackStep || direction.isBefore(sliceStep->number, stackStep->number))) return {slice, nullptr};
+  if (sliceStep && (!stackStep || direction.isBefore(sliceStep->number, stackStep->number)))
+    return unlessLocked(*slice, *sliceStep);
   if (!stackStep) return {};
-  if (const StackSlice* const inTheWay = obstacle(*stackStep, direction)) return {nullptr, inTheWay};
-  return {&_history, nullptr};
+  if (const StackSlice* const inTheWay = obstacle(*stackStep, direction)) return {nullptr, inTheWay, nullptr};
+  return unlessLocked(_history, *stackStep);
+}
+
+NYXStackHistories::Choice NYXStackHistories::unlessLocked(NYXActionHistory& history, const Step& step)
+{
+  const StackSlice* const locked = step.actions.lockedSlice();
+  return {locked ? nullptr : &history, nullptr, locked};
 }
 
 void NYXStackHistories::undo(const StackSlice* shown)

@@ -5,6 +5,16 @@
 #include "slice/image/nyxsliceimageproxy.h"
 #include "slice/image/nyxsliceimageserverdata.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+
+NYXSliceImageServer& NYXSliceImageServer::server()
+{
+  static QPointer<NYXSliceImageServer> server;
+  if (!server) server = new NYXSliceImageServer(QCoreApplication::instance());
+  return *server;
+}
+
 NYXSliceImageServer::NYXSliceImageServer(QObject* parent) : NYXImageServer(parent)
 {
   NYXEventServer::attach(*this);

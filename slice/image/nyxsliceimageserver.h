@@ -11,6 +11,9 @@ class NYXSliceImageServer : public NYXImageServer, public NYXEventClient
   Q_OBJECT
 
 public:
+  /// The one that all windows share. It belongs to the application object, which must be there.
+  static NYXSliceImageServer& server();
+
   /// Attaches itself to the event bus.
   explicit NYXSliceImageServer(QObject* parent = nullptr);
 

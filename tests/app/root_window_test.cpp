@@ -9,7 +9,9 @@
 #include "app/nyxrootwindow.h"
 #include "app/nyxslicelistwidget.h"
 #include "app/nyxstackerrordialog.h"
-#include "slice/image/nyxsliceview.h"
+#include "slice/image/nyximageproxy.h"
+#include "slice/image/nyximagewidgetcanvas.h"
+#include "slice/image/nyxslicewidget.h"
 
 #include <gtest/gtest.h>
 
@@ -83,8 +85,8 @@ TEST(RootWindow, MenusHaveTheirEntries)
        {"Undo (off)", "Redo (off)", "Display stack panorama (off)", "Display single slice (off)",
         "Display overview (off)", "Select first slice (off)", "Select last slice (off)", "Select next slice (off)",
         "Select previous slice (off)", "Edit models... (off)", "Insert slice... (off)", "Delete slice (off)",
-        "Stack properties... (off)", "Slice properties... (off)", "Annotate stack... (off)", "Annotate slice... (off)",
-        "Preferences..."}},
+        "Move slice up (off)", "Move slice down (off)", "Stack properties... (off)", "Slice properties... (off)",
+        "Annotate stack... (off)", "Annotate slice... (off)", "Preferences..."}},
       {"Process",
        {"Register (off)", "Reconstruct (off)", "Image processing (off)", "Find spots (off)", "Normalize (off)",
         "Transfer models... (off)", "Filter models... (off)"}},
@@ -172,10 +174,11 @@ TEST(RootWindow, OpensStackFilesAndShowsTheirSlices)
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 1);
   const Stack& stack = NYXStackServer::server().getStack(0);
   auto& slices = *test.window().findChild<NYXSliceListWidget*>();
-  const auto& view = test.window().findChild<NYXRootSliceEditWidget*>()->sliceView();
+  auto& canvas = test.window().findChild<NYXRootSliceEditWidget*>()->sliceWidget().canvas();
   EXPECT_EQ(slices.numSlices(), stack.getNumSlices());
   EXPECT_EQ(slices.currentSlice(), 0);
-  EXPECT_EQ(view.imageSize(), QSize(256, 256));
+  EXPECT_EQ(canvas.viewport().getImageSize(), QSize(256, 256));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return canvas.getImageProxy().hasImage(); }));
   EXPECT_EQ(NYXSettings::settings().getRecentFilesList().first(), QString(MIRELO_EXAMPLE));
 
   test.action("Select next slice")->trigger();
@@ -231,8 +234,8 @@ TEST(RootWindow, DroppedFilesAreOpenedInOrder)
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 2);
   EXPECT_EQ(NYXStackServer::server().getStack(1).getFilename(), copy);
   // The copy lies apart from its images: the slice says so in place of its image.
-  const auto& view = test.window().findChild<NYXRootSliceEditWidget*>()->sliceView();
-  EXPECT_TRUE(view.problem().contains("slice-00"));
+  auto& canvas = test.window().findChild<NYXRootSliceEditWidget*>()->sliceWidget().canvas();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return canvas.getImageProxy().problem().contains("slice-00"); }));
 }
 
 TEST(RootWindow, BadFilesOpenNothingAndAreNamed)

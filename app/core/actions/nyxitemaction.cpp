@@ -11,6 +11,11 @@ NYXItemAction::NYXItemAction(ModelItem& item)
 {
 }
 
+bool NYXItemAction::lieOn(const StackSlice& slice, const std::vector<ModelItem*>& items)
+{
+  return std::ranges::any_of(items, [&](const ModelItem* item) { return item->getSlice() == &slice; });
+}
+
 bool NYXItemVertexAction::areEqual(const Vertices<int>& a, const Vertices<int>& b)
 {
   const int size = a.getSize();

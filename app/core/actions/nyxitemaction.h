@@ -3,6 +3,8 @@
 #include "app/core/actions/nyxstackaction.h"
 #include "model/modelitem.h"
 
+#include <vector>
+
 /// An action on one item (or on several, which then are listed by the action) of an open stack.
 class NYXItemAction : public NYXStackAction
 {
@@ -12,6 +14,10 @@ public:
 protected:
   /// \throw UsageError  the item lies on no slice of an open stack
   explicit NYXItemAction(ModelItem& item);
+
+  bool changes(const StackSlice& slice) const override { return _item->getSlice() == &slice; }
+  /// The same of several items.
+  static bool lieOn(const StackSlice& slice, const std::vector<ModelItem*>& items);
 
 private:
   ModelItem* _item;

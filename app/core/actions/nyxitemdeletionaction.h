@@ -21,6 +21,7 @@ public:
   const std::vector<ModelItem*>& getItems() const { return _items.getItems(); }
 
 private:
+  bool changes(const StackSlice& slice) const override { return lieOn(slice, getItems()); }
   void postEvents() override;
   bool isEqual(const NYXAction& other) const override;
 

@@ -17,6 +17,7 @@ public:
   QString description(bool isDetailed) const override;
 
 private:
+  bool changes(const StackSlice&) const override { return false; } // nothing is drawn in it
   void postEvents() override;
 
   std::unique_ptr<Model> _model; // while it is not in the stack

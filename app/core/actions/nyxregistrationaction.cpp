@@ -2,6 +2,8 @@
 
 #include "app/core/nyxstack.h"
 
+#include <algorithm>
+
 namespace
 {
 Stack* stackOf(const std::vector<NYXRegistrationAction::Alignment>& alignments)
@@ -43,6 +45,11 @@ void NYXRegistrationAction::change(const std::vector<Alignment>& alignments)
   getStack().setLastRegisteredSlice(_otherLastRegisteredSlice);
   _otherLastRegisteredSlice = name;
   for (const Alignment& alignment : alignments) alignment.slice->setRegistration(alignment.registration);
+}
+
+bool NYXRegistrationAction::changes(const StackSlice& slice) const
+{
+  return std::ranges::find(_alignments, &slice, &Alignment::slice) != _alignments.end();
 }
 
 QString NYXRegistrationAction::description(bool) const

@@ -31,6 +31,7 @@ public:
   bool isNull() const override { return _alignments == _oldAlignments; }
 
 private:
+  bool changes(const StackSlice& slice) const override;
   void postEvents() override;
   bool isEqual(const NYXAction& other) const override;
   void change(const std::vector<Alignment>& alignments);

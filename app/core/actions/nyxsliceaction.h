@@ -9,6 +9,8 @@ class NYXSliceAction : public NYXStackAction
 {
 public:
   StackSlice& getSlice() const { return *_slice; }
+  /// Whether slices come, go or change places.
+  virtual bool changesPlaces() const { return false; }
 
 protected:
   /// \throw UsageError  the slice is in no open stack

@@ -17,6 +17,7 @@ public:
   QString description(bool isDetailed) const override;
 
 private:
+  bool changes(const StackSlice& slice) const override { return &slice == &getSlice(); }
   void postEvents() override;
 
   std::unique_ptr<ImageSource> _oldSource;

@@ -31,6 +31,7 @@ public:
   void apply() override;
   void revert() override;
   QString description(bool isDetailed) const override;
+  bool changesPlaces() const override { return true; }
 
 private:
   /// There is no event of slices that come and go: clients are told of the action.

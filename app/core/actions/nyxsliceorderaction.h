@@ -12,6 +12,7 @@ public:
   void apply() override;
   void revert() override;
   QString description(bool isDetailed) const override;
+  bool changesPlaces() const override { return true; }
   bool isNull() const override { return _place == _oldPlace; }
 
 private:

@@ -43,6 +43,7 @@ public:
   bool isNull() const override { return _properties == _oldProperties; }
 
 private:
+  bool changes(const StackSlice& slice) const override { return &slice == &getSlice(); }
   void postEvents() override;
   bool isEqual(const NYXAction& other) const override;
   void rename(const std::string& name);

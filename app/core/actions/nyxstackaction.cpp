@@ -3,6 +3,8 @@
 #include "app/core/nyxstack.h"
 #include "numeric/exception.h"
 
+#include <algorithm>
+
 NYXStack& NYXStackAction::openStack(Stack* stack, const char* where)
 {
   auto* const open = dynamic_cast<NYXStack*>(stack);
@@ -26,6 +28,13 @@ void NYXStackAction::record()
 {
   _isRecorded = true;
   noteLooseChange();
+}
+
+const StackSlice* NYXStackAction::lockedSlice() const
+{
+  const auto& locked = _stack->getLockedSlices();
+  const auto found = std::ranges::find_if(locked, [this](const StackSlice* slice) { return changes(*slice); });
+  return found == locked.end() ? nullptr : *found;
 }
 
 void NYXStackAction::announce()

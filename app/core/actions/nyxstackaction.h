@@ -15,6 +15,7 @@ public:
   void apply() override;
   void revert() override;
   void record() override;
+  const StackSlice* lockedSlice() const override;
 
 protected:
   explicit NYXStackAction(NYXStack& stack) : _stack(&stack) {}
@@ -22,6 +23,9 @@ protected:
   /// The open stack that a stack of the model is. \throw UsageError  it is none
   static NYXStack& openStack(Stack* stack, const char* where);
 
+  /// Whether the action changes this slice of the stack, or what is drawn on it. An action that touches slices changes
+  /// all of them, for all that is known here.
+  virtual bool changes(const StackSlice&) const { return touchesSlices(); }
   /// Whether the action changes what is saved.
   virtual bool changesContent() const { return true; }
   /// Posts the events that tell of the change.

@@ -52,6 +52,15 @@ void NYXStackPropertiesAction::revert()
   NYXStackAction::revert();
 }
 
+/// The defaults and the images path are those of all slices; name and notes are the stack's own.
+bool NYXStackPropertiesAction::changes(const StackSlice&) const
+{
+  NYXStackProperties renamed = _oldProperties;
+  renamed.name = _properties.name;
+  renamed.annotation = _properties.annotation;
+  return renamed != _properties;
+}
+
 QString NYXStackPropertiesAction::description(bool) const
 {
   return tr("Stack properties");

@@ -37,6 +37,7 @@ public:
   bool touchesSlices() const override { return false; }
 
 private:
+  bool changes(const StackSlice& slice) const override;
   void postEvents() override;
   bool isEqual(const NYXAction& other) const override;
 

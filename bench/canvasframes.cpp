@@ -1,0 +1,180 @@
+// Frame times of a root window whose slice is dragged by the middle button: an image of SIDE x SIDE pixels that is still
+// being loaded, with ITEMS contours of 100 vertices each in view. Times run from swapped frame to swapped frame.
+//
+//   canvas_frames [SIDE] [ITEMS] [ZOOM]      under a screen, or xvfb-run
+
+#include "app/core/nyxstack.h"
+#include "app/core/nyxstackserver.h"
+#include "app/nyxrootsliceeditwidget.h"
+#include "app/nyxrootwindow.h"
+#include "image/image.h"
+#include "image/imagesourcefile.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "numeric/randomgenerator.h"
+#include "slice/image/nyximageproxy.h"
+#include "slice/image/nyximagewidgetmediator.h"
+#include "slice/image/nyxslicewidget.h"
+#include "slice/image/nyxslicewidgetcanvas.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <numbers>
+
+namespace
+{
+constexpr int numFrames = 300;
+constexpr int numVertices = 100;
+
+struct Settings
+{
+  int side = 16384;
+  int numItems = 10000;
+  float zoom = 0.125F;
+};
+
+void writeTexture(const std::string& filename, int side)
+{
+  Image image(side, side, 8);
+  for (int y = 0; y < side; ++y)
+  {
+    unsigned char* line = image.getLine(y);
+    for (int x = 0; x < side; ++x) line[x] = static_cast<unsigned char>((x ^ y) * 3 + (x * y >> 12));
+  }
+  image.writeFile(filename, true);
+}
+
+Vertices<int> contour(double x, double y, double radius)
+{
+  Vertices<int> vertices(2, numVertices);
+  for (int k = 0; k < numVertices; ++k)
+  {
+    const double angle = 2 * std::numbers::pi * k / numVertices;
+    const double r = radius * (1 + 0.2 * std::sin(5 * angle));
+    vertices[k][0] = static_cast<int>(x + r * std::cos(angle));
+    vertices[k][1] = static_cast<int>(y + r * std::sin(angle));
+  }
+  return vertices;
+}
+
+/// Contours around the centre of the image, all within a view of 900 x 500 canvas pixels.
+void drawItems(StackSlice& slice, Model& model, const Settings& settings)
+{
+  RandomGenerator random(1);
+  const double w = std::min(900 / static_cast<double>(settings.zoom), settings.side * 0.9);
+  const double h = std::min(500 / static_cast<double>(settings.zoom), settings.side * 0.9);
+  for (int i = 0; i < settings.numItems; ++i)
+  {
+    const double x = (settings.side - w) / 2 + random.uniformLF(0, w);
+    const double y = (settings.side - h) / 2 + random.uniformLF(0, h);
+    ModelItem::create(model, slice).setVertices(contour(x, y, 6 / static_cast<double>(settings.zoom)));
+  }
+}
+
+std::unique_ptr<NYXStack> makeStack(const std::string& image, const Settings& settings)
+{
+  auto stack = std::make_unique<NYXStack>();
+  Model& model = stack->addModel(std::make_unique<Model>("contours"));
+  StackSlice& slice = stack->addSlice(std::make_unique<StackSlice>());
+  slice.setName("slice");
+  slice.setImageSource(ImageSourceFile(image));
+  drawItems(slice, model, settings);
+  return stack;
+}
+
+/// Drags the canvas from frame to frame and collects the times between them.
+class Drag : public QObject
+{
+public:
+  explicit Drag(NYXImageWidgetCanvas& canvas) : _canvas(canvas)
+  {
+    connect(&canvas, &QOpenGLWidget::frameSwapped, this, [this] { nextFrame(); });
+  }
+
+  void start()
+  {
+    _position = _canvas.rect().center();
+    send(QEvent::MouseButtonPress, Qt::MiddleButton);
+    _clock.start();
+    move();
+  }
+
+private:
+  void nextFrame()
+  {
+    if (!_clock.isValid()) return;
+    _times.push_back(static_cast<double>(_clock.nsecsElapsed()) / 1e6);
+    _numLoading += _canvas.getImageProxy().getNumImages() < 2;
+    _clock.restart();
+    if (static_cast<int>(_times.size()) == numFrames) return report();
+    QTimer::singleShot(0, this, [this] { move(); });
+  }
+
+  void move()
+  {
+    const int turn = static_cast<int>(_times.size()) / 20 % 2 == 0 ? 1 : -1;
+    _position += QPoint(7 * turn, 3 * turn);
+    send(QEvent::MouseMove, Qt::NoButton);
+  }
+
+  void send(QEvent::Type type, Qt::MouseButton button)
+  {
+    QMouseEvent event(type, _position, _canvas.mapToGlobal(_position), button, Qt::MiddleButton, Qt::NoModifier);
+    QApplication::sendEvent(&_canvas, &event);
+  }
+
+  void report()
+  {
+    std::sort(_times.begin(), _times.end());
+    std::cout << "canvas " << _canvas.width() << "x" << _canvas.height() << ": median " << _times[numFrames / 2]
+              << " ms, 99% " << _times[numFrames * 99 / 100] << " ms, worst " << _times.back() << " ms; " << _numLoading
+              << " frames without pyramid\n";
+    QCoreApplication::exit();
+  }
+
+  NYXImageWidgetCanvas& _canvas;
+  QPoint _position;
+  QElapsedTimer _clock;
+  std::vector<double> _times;
+  int _numLoading = 0;
+};
+
+Settings settingsOf(const QStringList& arguments)
+{
+  Settings settings;
+  if (arguments.size() > 1) settings.side = arguments[1].toInt();
+  if (arguments.size() > 2) settings.numItems = arguments[2].toInt();
+  if (arguments.size() > 3) settings.zoom = arguments[3].toFloat();
+  return settings;
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+  QApplication application(argc, argv);
+  QCoreApplication::setOrganizationName("VELK");
+  QCoreApplication::setApplicationName("canvas_frames"); // settings of its own
+  QApplication::setStyle("Fusion");
+  const Settings settings = settingsOf(QCoreApplication::arguments());
+  const QTemporaryDir folder;
+  const std::string image = folder.filePath("image.tif").toStdString();
+  writeTexture(image, settings.side);
+
+  auto* window = new NYXRootWindow;
+  window->setGeometry(0, 0, 1280, 800);
+  NYXStackServer::server().addStack(makeStack(image, settings));
+  NYXSliceWidget& widget = window->findChild<NYXRootSliceEditWidget*>()->sliceWidget();
+  widget.canvas().setBestFitMode(false, false);
+  widget.canvas().setZoomFactor(settings.zoom);
+  widget.mediator().centerView();
+  Drag drag(widget.canvas());
+  QTimer::singleShot(0, &drag, [&drag] { drag.start(); });
+  return QCoreApplication::exec();
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QSize>
+
+#include <vector>
+
+class Image;
+class NYXImageViewport;
+
+/// Draws the visible part of an image into the current OpenGL context, by the fixed pipeline's pixel drawing.
+class NYXImagePainter
+{
+public:
+  /// Grey level, as a share of the largest one, that is drawn black and white; indexed images are drawn as they are.
+  void setBlackAndWhite(float black, float white);
+
+  /// Draws a level of the pyramid into a canvas of the viewport's size, whose pixels are `pixelRatio` device pixels
+  /// wide. A level much finer than the screen is sampled first, so that a frame costs what the screen shows.
+  void paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio);
+
+private:
+  struct Axis;
+
+  void drawPixels(const Image& image, const unsigned char* pixels, const QSize& size) const;
+  const unsigned char* sample(const Image& level, const Axis& x, const Axis& y);
+
+  float _black = 0;
+  float _white = 1;
+  std::vector<unsigned char> _sampled;
+};

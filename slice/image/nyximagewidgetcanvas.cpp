@@ -1,0 +1,180 @@
+#include "slice/image/nyximagewidgetcanvas.h"
+
+#include "app/core/nyxpreferences.h"
+#include "image/image.h"
+#include "slice/image/nyximageproxy.h"
+#include "slice/image/nyximagewidgetcanvasextrapainter.h"
+
+#include <GL/glu.h>
+
+#include <QMutexLocker>
+#include <QPainter>
+
+#include <algorithm>
+#include <iostream>
+
+namespace
+{
+constexpr float pixelGridZoom = 16; // from which on the borders of pixels are drawn
+}
+
+NYXImageWidgetCanvas::NYXImageWidgetCanvas(QWidget* parent) : QOpenGLWidget(parent)
+{
+  setObjectName("imageCanvas");
+  setFocusPolicy(Qt::StrongFocus);
+  setMouseTracking(true);
+  setMinimumSize(64, 64);
+}
+
+NYXImageWidgetCanvas::~NYXImageWidgetCanvas() = default;
+
+NYXImageProxy& NYXImageWidgetCanvas::getImageProxy()
+{
+  if (!_proxy) _proxy = newImageProxy();
+  return *_proxy;
+}
+
+std::unique_ptr<NYXImageProxy> NYXImageWidgetCanvas::newImageProxy() const
+{
+  return std::make_unique<NYXImageProxy>();
+}
+
+void NYXImageWidgetCanvas::clear()
+{
+  getImageProxy().setImageSource(nullptr);
+  updateImageSize();
+  update();
+}
+
+QPoint NYXImageWidgetCanvas::convertToImagePosition(const QPoint& canvasPoint) const
+{
+  return _viewport.convertToImagePosition(canvasPoint);
+}
+
+QPoint NYXImageWidgetCanvas::convertToCanvasPosition(const QPoint& imagePoint) const
+{
+  return _viewport.convertToCanvasPosition(imagePoint);
+}
+
+Vector<int> NYXImageWidgetCanvas::convertToVectori(const QPoint& canvasPoint) const
+{
+  const QPoint position = convertToImagePosition(canvasPoint);
+  Vector<int> result(2);
+  result[0] = position.x();
+  result[1] = position.y();
+  return result;
+}
+
+void NYXImageWidgetCanvas::updateImageSize()
+{
+  const NYXImageProxy& proxy = getImageProxy();
+  const QSize size = proxy.getOriginalImageSize();
+  _viewport.setImageSize(size.isValid() ? size : fallbackImageSize());
+  _viewport.setPixelCalibration(proxy.getPixelCalibration());
+  if (isBestFitMode()) setBestFitZoomFactor();
+  rectifyViewOrigin();
+}
+
+void NYXImageWidgetCanvas::setBlackAndWhite(float black, float white)
+{
+  _imagePainter.setBlackAndWhite(black, white);
+}
+
+void NYXImageWidgetCanvas::addExtraPainter(NYXImageWidgetCanvasExtraPainter* painter)
+{
+  _extraPainters.push_back(painter);
+}
+
+void NYXImageWidgetCanvas::removeExtraPainter(NYXImageWidgetCanvasExtraPainter* painter)
+{
+  std::erase(_extraPainters, painter);
+}
+
+void NYXImageWidgetCanvas::initPainterTransform(QPainter& painter) const
+{
+  painter.scale(_viewport.scaleX(), _viewport.scaleY());
+  painter.translate(0.5 - getViewOrigin().x(), 0.5 - getViewOrigin().y());
+}
+
+void NYXImageWidgetCanvas::resizeEvent(QResizeEvent* event)
+{
+  const QPoint center = viewCenter();
+  _viewport.setCanvasSize(size());
+  if (isBestFitMode())
+    setBestFitZoomFactor();
+  else
+    setViewCenter(center);
+  rectifyViewOrigin();
+  QOpenGLWidget::resizeEvent(event);
+  emit resized();
+}
+
+void NYXImageWidgetCanvas::initializeGL()
+{
+  initializeOpenGLFunctions();
+}
+
+void NYXImageWidgetCanvas::paintGL()
+{
+  const QMutexLocker lock(&_mutex);
+  const QColor background = NYXPreferences::getImageCanvasBackgroundColor();
+  glClearColor(static_cast<float>(background.redF()), static_cast<float>(background.greenF()),
+               static_cast<float>(background.blueF()), 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  if (isImageShown() && getImageProxy().hasImage()) paintImage();
+  paintOver();
+  reportErrors();
+}
+
+void NYXImageWidgetCanvas::paintImage()
+{
+  const double pixelRatio = devicePixelRatioF();
+  const Image& level = getImageProxy().getImageForZoom(getZoomFactor() * static_cast<float>(pixelRatio));
+  _imagePainter.paint(level, _viewport, pixelRatio);
+}
+
+void NYXImageWidgetCanvas::paintOver()
+{
+  QPainter painter(this);
+  if (isImageShown() && getZoomFactor() >= pixelGridZoom) paintPixelGrid(painter);
+  paintForeground(painter);
+  if (isImageShown()) paintProblem(painter);
+  for (NYXImageWidgetCanvasExtraPainter* extra : _extraPainters)
+  {
+    painter.save();
+    extra->paint(painter);
+    painter.restore();
+  }
+}
+
+void NYXImageWidgetCanvas::paintPixelGrid(QPainter& painter) const
+{
+  const QRect view = currentView();
+  const QPointF end = _viewport.mapToCanvas(view.bottomRight() + QPoint(1, 1));
+  painter.setPen(QPen(QColor(128, 128, 128, 90), 1));
+  for (int x = view.left(); x <= view.right() + 1; ++x)
+  {
+    const double column = _viewport.mapToCanvas(QPointF(x, 0)).x();
+    painter.drawLine(QPointF(column, 0), QPointF(column, end.y()));
+  }
+  for (int y = view.top(); y <= view.bottom() + 1; ++y)
+  {
+    const double line = _viewport.mapToCanvas(QPointF(0, y)).y();
+    painter.drawLine(QPointF(0, line), QPointF(end.x(), line));
+  }
+}
+
+void NYXImageWidgetCanvas::paintProblem(QPainter& painter) const
+{
+  if (!_proxy || _proxy->problem().isEmpty()) return;
+  const QString text = tr("The image of this slice cannot be shown.") + "\n" + _proxy->problem();
+  const QColor background = NYXPreferences::getImageCanvasBackgroundColor();
+  painter.setPen(background.lightnessF() < 0.6 ? Qt::white : Qt::black);
+  painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap, text);
+}
+
+void NYXImageWidgetCanvas::reportErrors() const
+{
+  for (GLenum error = ::glGetError(); error != GL_NO_ERROR; error = ::glGetError())
+    std::cerr << "*** OpenGL error: " << gluErrorString(error) << std::endl;
+}

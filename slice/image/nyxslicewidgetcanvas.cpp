@@ -1,0 +1,99 @@
+#include "slice/image/nyxslicewidgetcanvas.h"
+
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+#include "slice/image/nyxsliceimageproxy.h"
+
+#include <QPainter>
+
+namespace
+{
+constexpr int refinementDelay = 150; // milliseconds without a change of the view
+constexpr int refinementStep = 8;    // milliseconds of drawing at a time
+
+/// Large enough for the items; not valid without any.
+QSize sizeOfItems(const StackSlice& slice)
+{
+  QSize size;
+  for (int i = 0; i < slice.getNumItems(); ++i)
+  {
+    const BoundingBox<int> box = slice.getItem(i)->boundingBox();
+    if (!box.isEmpty()) size = size.expandedTo(QSize(box.getMaximum()[0] + 1, box.getMaximum()[1] + 1));
+  }
+  return size.isValid() ? size.expandedTo(QSize(1, 1)) : size;
+}
+} // namespace
+
+NYXSliceWidgetCanvas::NYXSliceWidgetCanvas(QWidget* parent) : NYXImageWidgetCanvas(parent)
+{
+  setObjectName("sliceCanvas");
+  _refinement.setSingleShot(true);
+  connect(&_refinement, &QTimer::timeout, this, &NYXSliceWidgetCanvas::refineItems);
+}
+
+StackSlice& NYXSliceWidgetCanvas::getSlice() const
+{
+  if (_slice == nullptr)
+    throw ProgramError("StackSlice& NYXSliceWidgetCanvas::getSlice() const", "No slice in this canvas");
+  return *_slice;
+}
+
+std::unique_ptr<NYXImageProxy> NYXSliceWidgetCanvas::newImageProxy() const
+{
+  return std::make_unique<NYXSliceImageProxy>(_slice);
+}
+
+NYXSliceImageProxy& NYXSliceWidgetCanvas::getSliceImageProxy()
+{
+  return static_cast<NYXSliceImageProxy&>(getImageProxy());
+}
+
+void NYXSliceWidgetCanvas::setSlice(StackSlice* slice)
+{
+  _slice = slice;
+  getSliceImageProxy().setSlice(slice);
+  _items.setSlice(slice);
+  updateImageSize();
+  update();
+}
+
+void NYXSliceWidgetCanvas::clear()
+{
+  setSlice(nullptr);
+}
+
+QSize NYXSliceWidgetCanvas::fallbackImageSize() const
+{
+  if (_slice == nullptr) return {};
+  const ImageSource* source = _slice->getImageSource();
+  if (source != nullptr && source->getFallbackSize1() > 0 && source->getFallbackSize2() > 0)
+    return {source->getFallbackSize2(), source->getFallbackSize1()};
+  return sizeOfItems(*_slice);
+}
+
+void NYXSliceWidgetCanvas::repaintItem(const ModelItem& item)
+{
+  _items.invalidate(item);
+  update();
+}
+
+void NYXSliceWidgetCanvas::repaintItems()
+{
+  _items.invalidate();
+  update();
+}
+
+void NYXSliceWidgetCanvas::paintForeground(QPainter& painter)
+{
+  if (_mode == CanvasMode::Background || _slice == nullptr) return;
+  painter.drawImage(QRectF(rect()), _items.update(viewport(), devicePixelRatioF()));
+  if (_items.needsRefinement() && !_refinement.isActive()) _refinement.start(refinementDelay);
+}
+
+void NYXSliceWidgetCanvas::refineItems()
+{
+  if (_items.refine(refinementStep))
+    update();
+  else
+    _refinement.start(0); // whatever else waits comes first
+}
