@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <sys/stat.h>
+#include <thread>
 
 /// What tells one state of a file from another.
 struct FileState
@@ -35,24 +36,25 @@ template <class Value> class FileCache
 {
 public:
   /// The value of an open file, from `compute` when it is not known. What `compute` throws passes through, as does what
-  /// `whileWaiting` throws, which is called every millisecond while another thread computes.
+  /// `whileWaiting` throws, if it is given, which is called every millisecond while another thread computes.
   template <class Compute, class Wait>
   std::shared_ptr<const Value> get(int descriptor, const Compute& compute, const Wait& whileWaiting)
   {
     const FileState state(descriptor);
     std::unique_lock lock(_mutex, std::defer_lock);
-    while (!lock.try_lock_for(std::chrono::milliseconds(1))) whileWaiting();
-    const auto found =
-        std::find_if(_known.begin(), _known.end(), [&](const Known& each) { return each.state == state; });
-    if (found != _known.end()) return found->value;
-    _known.push_back({state, std::make_shared<const Value>(compute())});
-    if (_known.size() > maxKnown) _known.pop_front();
-    return _known.back().value;
+    while (!lock.try_lock())
+    {
+      whileWaiting();
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return find(state, compute);
   }
 
   template <class Compute> std::shared_ptr<const Value> get(int descriptor, const Compute& compute)
   {
-    return get(descriptor, compute, [] {});
+    const FileState state(descriptor);
+    const std::lock_guard lock(_mutex);
+    return find(state, compute);
   }
 
 private:
@@ -62,8 +64,19 @@ private:
     std::shared_ptr<const Value> value;
   };
 
+  /// To be called with the mutex locked.
+  template <class Compute> std::shared_ptr<const Value> find(const FileState& state, const Compute& compute)
+  {
+    const auto found =
+        std::find_if(_known.begin(), _known.end(), [&](const Known& each) { return each.state == state; });
+    if (found != _known.end()) return found->value;
+    _known.push_back({state, std::make_shared<const Value>(compute())});
+    if (_known.size() > maxKnown) _known.pop_front();
+    return _known.back().value;
+  }
+
   static constexpr std::size_t maxKnown = 8;
 
-  std::timed_mutex _mutex;
+  std::mutex _mutex;
   std::deque<Known> _known; // the newest last
 };

@@ -223,7 +223,7 @@ void readTiffRaster(unsigned char* pixels, const TiffRaster& raster, TiffFile& f
   for (Block& block : blocks) block.offset += raster.pixelsBehind * raster.bytesPerPixel;
   if (!blocks.empty())
   {
-    const ProgressStep step(subject, "Reading the pixels", 2);
+    const ProgressStep step(subject, "Reading the pixels", hasSwappedPairs(file) ? 2 : 1);
     if (!readBlocks(pixels, blocks, file, subject)) file.failReading(where, "Cannot read the pixels");
     if (hasSwappedPairs(file)) swapBytePairs(pixels, raster.dataLength(), subject);
     subject.throwIfCancelled(where);

@@ -151,6 +151,12 @@ void checkPixels(const ImageHeader& header, TiffFile& file)
   if (header.getDepth() > 32) file.failReading(pixelsSignature, "Invalid depth value");
 }
 
+bool isMinIsWhite(const TiffFile& file)
+{
+  const auto samplesPerPixel = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
+  return samplesPerPixel == 1 && photometric(file, samplesPerPixel) == PHOTOMETRIC_MINISWHITE;
+}
+
 /// Turns min-is-white into min-is-black: the complement of every level, whatever its number of bytes.
 MIRELO_TARGET_CLONES void invert(unsigned char* pixels, std::size_t numBytes)
 {
@@ -244,7 +250,7 @@ void readTiffPixels(unsigned char* pixels, const ImageHeader& header, TiffFile& 
 {
   checkPixels(header, file);
   const TiffRaster raster = rasterOf(header, file);
-  const ProgressStep step(subject, "Reading the image", 2);
+  const ProgressStep step(subject, "Reading the image", isMinIsWhite(file) ? 2 : 1);
   readTiffRaster(pixels, raster, file, pixelsSignature, subject);
   turnMinIsWhite(pixels, raster.dataLength(), file, subject);
 }
@@ -271,8 +277,7 @@ void initImage(Image& image, const ImageHeader& header, TiffFile& file)
 
 void turnMinIsWhite(unsigned char* pixels, std::size_t numBytes, const TiffFile& file, ProgressSubject& subject)
 {
-  const auto samplesPerPixel = readTagOrDefault<std::uint16_t>(file, TIFFTAG_SAMPLESPERPIXEL);
-  if (samplesPerPixel != 1 || photometric(file, samplesPerPixel) != PHOTOMETRIC_MINISWHITE) return;
+  if (!isMinIsWhite(file)) return;
   constexpr long pieceLength = 1 << 20;
   const ProgressStep step(subject, "Reading the image", static_cast<long>(numBytes));
   forEachRange(subject, static_cast<long>(numBytes), pieceLength,

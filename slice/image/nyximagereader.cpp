@@ -41,7 +41,7 @@ void NYXImageReader::work(ProgressSubject& subject)
 {
   try
   {
-    const ProgressStep step(subject, "Loading the image", 2);
+    const ProgressStep step(subject, "Loading the image", _source->getColormap() ? 2 : 1);
     _read(*_image, *_source, subject);
     expandColormap(*_image, subject);
   }

@@ -126,16 +126,17 @@ void NYXImageServerData::start(QThread& thread, NYXImageWorker& worker)
   thread.start(QThread::InheritPriority);
 }
 
-void NYXImageServerData::stop(QThread& thread)
+void NYXImageServerData::stop(QThread& thread, const NYXImageWorker& worker)
 {
   thread.quit();
   thread.wait();
+  static_cast<void>(worker.isDone()); // what the thread did comes before, also for checkers that do not know Qt's wait
 }
 
 void NYXImageServerData::readerFinished()
 {
   if (!_isRunning || !_reader.isDone()) return; // cancelled since
-  stop(_readerThread);
+  stop(_readerThread, _reader);
   if (!problem().isEmpty())
   {
     _isRunning = false;
@@ -160,7 +161,7 @@ void NYXImageServerData::reducedImageAvailable()
 void NYXImageServerData::resizerFinished()
 {
   if (!_isRunning) return;
-  stop(_resizerThread);
+  stop(_resizerThread, _resizer);
   _isRunning = false;
   emit finished(this);
 }
@@ -180,8 +181,8 @@ void NYXImageServerData::cancel()
 {
   _reader.cancel();
   _resizer.cancel();
-  stop(_readerThread);
-  stop(_resizerThread);
+  stop(_readerThread, _reader);
+  stop(_resizerThread, _resizer);
   _isRunning = false;
 }
 

@@ -65,7 +65,7 @@ signals:
 
 private:
   void start(QThread& thread, NYXImageWorker& worker);
-  static void stop(QThread& thread);
+  static void stop(QThread& thread, const NYXImageWorker& worker);
   void readerFinished();
   void resizerFinished();
   void reducedImageAvailable();
