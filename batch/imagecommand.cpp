@@ -5,6 +5,7 @@
 #include "image/imagereader.h"
 #include "image/imagewriter.h"
 #include "image/voxelmatrixplanes.h"
+#include "numeric/progresssubject.h"
 
 #include <CLI/CLI.hpp>
 
@@ -42,7 +43,7 @@ VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<unsigned short>& volume)
 /// A linear map of the range of the volume's finite voxels.
 template <class T> VoxelMatrix<unsigned char> to8Bits(const VoxelMatrix<T>& volume)
 {
-  const auto [low, high] = finiteRange(volume);
+  const auto [low, high] = finiteRange(volume, ProgressSubject());
   VoxelMatrix<unsigned char> levels(volume.getSize1(), volume.getSize2(), volume.getSize3());
   Image image;
   for (int k = 0; k < volume.getSize3(); ++k)

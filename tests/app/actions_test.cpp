@@ -7,6 +7,8 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstackio.h"
+#include "slice/image/nyximageproxy.h"
+#include "slice/image/nyximagewidgetcanvas.h"
 #include "tests/support/temporaryfolder.h"
 #include "window_test_support.h"
 
@@ -17,6 +19,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QSettings>
+#include <QTest>
 
 namespace
 {
@@ -36,6 +39,11 @@ private:
   int _count = 0;
 };
 
+NYXImageWidgetCanvas& canvasOf(const NYXRootWindow& window)
+{
+  return *window.findChild<NYXImageWidgetCanvas*>();
+}
+
 /// What a user sees of the program, and what it remembers.
 struct Appearance
 {
@@ -43,7 +51,9 @@ struct Appearance
     : numWindows(QApplication::topLevelWidgets().size()),
       slice(window.findChild<QListWidget*>("sliceList")->currentRow()),
       message(window.findChild<NYXRootStatusBar*>()->currentMessage()),
-      isVisible(window.isVisible())
+      isVisible(window.isVisible()),
+      cursor(canvasOf(window).cursor().shape()),
+      picture(canvasOf(window).grabFramebuffer())
   {
     for (const QString& key : QSettings().allKeys()) settings[key] = QSettings().value(key);
   }
@@ -53,6 +63,8 @@ struct Appearance
   int slice;
   QString message;
   bool isVisible;
+  Qt::CursorShape cursor;
+  QImage picture; // of the slice
   QMap<QString, QVariant> settings;
 };
 
@@ -67,6 +79,7 @@ void prepare(WindowTest& test, const TemporaryFolder& folder)
   for (int i = 0; i < 2; ++i) test.action("Delete slice")->trigger();
   test.window().findChild<QAction*>("Undo")->trigger();
   test.window().findChild<NYXRootStatusBar*>()->clearMessage();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return canvasOf(test.window()).getImageProxy().getNumImages() > 1; }));
   QApplication::processEvents();
 }
 
