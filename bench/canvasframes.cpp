@@ -1,5 +1,5 @@
-// Frame times of a root window whose slice is dragged by the middle button: an image of SIDE x SIDE pixels that is still
-// being loaded, with ITEMS contours of 100 vertices each in view. Times run from swapped frame to swapped frame.
+// Frame times of a root window whose slice is dragged by the middle button: an image of SIDE x SIDE pixels that is
+// still being loaded, with ITEMS contours of 100 vertices each in view. Times run from swapped frame to swapped frame.
 //
 //   canvas_frames [SIDE] [ITEMS] [ZOOM]      under a screen, or xvfb-run
 

@@ -78,7 +78,7 @@ void NYXDoubleSlider::paintHandle(QPainter& painter, int handle) const
 {
   const double w = width();
   const double top = handleTop(_values[handle]) + (handle == 0 ? handleHeight : 0);
-  const double tip = handle == 0 ? top : top + handleHeight;   // points at the value
+  const double tip = handle == 0 ? top : top + handleHeight; // points at the value
   const double base = handle == 0 ? top + handleHeight : top;
   const bool isFocused = hasFocus() && handle == _handle;
   painter.setPen(palette().color(QPalette::WindowText));

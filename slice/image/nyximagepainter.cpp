@@ -25,7 +25,8 @@ struct NYXImagePainter::Axis
     zoom = scale / share;
     step = std::max(1, static_cast<int>(1 / zoom));
     zoom *= step;
-    first = std::clamp(static_cast<int>(origin * share), 0, levelExtent - 1) / step * step; // does not jump while panning
+    first =
+        std::clamp(static_cast<int>(origin * share), 0, levelExtent - 1) / step * step; // does not jump while panning
     const int available = (levelExtent - first + step - 1) / step;
     count = static_cast<int>(std::min(std::ceil(canvasExtent / zoom) + 1, static_cast<double>(available)));
   }
@@ -93,7 +94,8 @@ void drawLevels(int depth, float black, float white, const unsigned char* pixels
 /// Copies every step-th pixel of a line.
 template <int numBytes> void sampleLine(const unsigned char* line, int step, int count, unsigned char* target)
 {
-  for (int i = 0; i < count; ++i) std::memcpy(target + i * numBytes, line + std::ptrdiff_t(i) * step * numBytes, numBytes);
+  for (int i = 0; i < count; ++i)
+    std::memcpy(target + i * numBytes, line + std::ptrdiff_t(i) * step * numBytes, numBytes);
 }
 
 void sampleLine(int numBytes, const unsigned char* line, int step, int count, unsigned char* target)

@@ -31,9 +31,12 @@ NYXImageWidget::NYXImageWidget(QWidget* parent)
 }
 
 NYXImageWidget::NYXImageWidget(NYXImageWidgetCanvas* canvas, NYXImageWidgetStatusBar* statusBar, QWidget* parent)
-  : QWidget(parent), _canvas(canvas), _statusBar(statusBar),
+  : QWidget(parent),
+    _canvas(canvas),
+    _statusBar(statusBar),
     _horizontalScrollBar(newScrollBar(Qt::Horizontal, "horizontalScrollBar", this)),
-    _verticalScrollBar(newScrollBar(Qt::Vertical, "verticalScrollBar", this)), _slider(new NYXDoubleSlider(this)),
+    _verticalScrollBar(newScrollBar(Qt::Vertical, "verticalScrollBar", this)),
+    _slider(new NYXDoubleSlider(this)),
     _toolBar(new QToolBar(this))
 {
   setObjectName("imageWidget");

@@ -30,7 +30,8 @@ QString imageTypeText(const Image& image)
   switch (image.getDepth())
   {
   case 8:
-    return image.isIndexed() ? NYXImageWidgetMediator::tr("8 bits, palette") : NYXImageWidgetMediator::tr("8 bits, grey");
+    return image.isIndexed() ? NYXImageWidgetMediator::tr("8 bits, palette")
+                             : NYXImageWidgetMediator::tr("8 bits, grey");
   case 16:
     return NYXImageWidgetMediator::tr("16 bits, grey");
   case 24:

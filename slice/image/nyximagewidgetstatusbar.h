@@ -8,7 +8,8 @@
 class QHBoxLayout;
 class QLabel;
 
-/// What is known of the image that a canvas shows: the pixel under the cursor, the zoom, the size and the kind of image.
+/// What is known of the image that a canvas shows: the pixel under the cursor, the zoom, the size and the kind of
+/// image.
 class NYXImageWidgetStatusBar : public QWidget
 {
   Q_OBJECT

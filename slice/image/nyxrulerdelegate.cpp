@@ -40,7 +40,8 @@ QString NYXRulerDelegate::measureText(const QPoint& from, const QPoint& to, cons
 {
   const double dx = (to.x() - from.x()) * static_cast<double>(calibration.getPixelWidth());
   const double dy = (to.y() - from.y()) * static_cast<double>(calibration.getPixelHeight());
-  const double angle = dx == 0 && dy == 0 ? 0 : std::atan2(-dy, dx) * 180 / std::numbers::pi; // the screen's y goes down
+  const double angle =
+      dx == 0 && dy == 0 ? 0 : std::atan2(-dy, dx) * 180 / std::numbers::pi; // the screen's y goes down
   return QString("%1 %2, %3°")
       .arg(std::hypot(dx, dy), 0, 'g', 6)
       .arg(QString::fromStdString(calibration.getLengthUnit().symbol()))

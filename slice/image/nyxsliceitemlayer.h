@@ -77,6 +77,6 @@ private:
   QRegion _stale; // of the picture
   bool _isAllStale = true;
   bool _needsRefinement = false;
-  QImage _refined;              // the full picture while it is being drawn
+  QImage _refined;             // the full picture while it is being drawn
   std::size_t _numRefined = 0; // items drawn into it
 };

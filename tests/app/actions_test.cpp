@@ -72,7 +72,8 @@ struct Appearance
 void prepare(WindowTest& test, const TemporaryFolder& folder)
 {
   const std::string copy = folder.file("specimen.sdf");
-  std::filesystem::copy_file(MIRELO_EXAMPLE, copy, std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy(std::filesystem::path(MIRELO_EXAMPLE).parent_path(), folder.file(""),
+                        std::filesystem::copy_options::overwrite_existing | std::filesystem::copy_options::recursive);
   NYXStackIO(&test.window()).openStack(QString::fromStdString(copy));
   auto* const list = test.window().findChild<QListWidget*>("sliceList");
   list->setCurrentRow(5);
@@ -83,6 +84,12 @@ void prepare(WindowTest& test, const TemporaryFolder& folder)
   QApplication::processEvents();
 }
 
+/// The entry of a choice that is chosen already.
+bool isChosen(const QAction& action)
+{
+  return action.actionGroup() != nullptr && action.isChecked();
+}
+
 QStringList enabledActions()
 {
   WindowTest test;
@@ -90,7 +97,8 @@ QStringList enabledActions()
   prepare(test, folder);
   QStringList names;
   for (const QAction* action : test.window().findChildren<QAction*>())
-    if (action->isEnabled() && !action->isSeparator() && !action->menu() && !action->text().isEmpty())
+    if (action->isEnabled() && !action->isSeparator() && !action->menu() && !action->text().isEmpty() &&
+        !isChosen(*action))
       names.append(action->objectName().isEmpty() ? action->text() : action->objectName());
   return names;
 }
