@@ -39,9 +39,8 @@ void NYXRulerDelegate::deactivate()
 QString NYXRulerDelegate::measureText(const QPoint& from, const QPoint& to, const PixelCalibration& calibration)
 {
   const double dx = (to.x() - from.x()) * static_cast<double>(calibration.getPixelWidth());
-  const double dy = (to.y() - from.y()) * static_cast<double>(calibration.getPixelHeight());
-  const double angle =
-      dx == 0 && dy == 0 ? 0 : std::atan2(-dy, dx) * 180 / std::numbers::pi; // the screen's y goes down
+  const double dy = (from.y() - to.y()) * static_cast<double>(calibration.getPixelHeight()); // the screen's y goes down
+  const double angle = std::atan2(dy, dx) * 180 / std::numbers::pi;
   return QString("%1 %2, %3°")
       .arg(std::hypot(dx, dy), 0, 'g', 6)
       .arg(QString::fromStdString(calibration.getLengthUnit().symbol()))
