@@ -130,7 +130,7 @@ const QImage& NYXSliceItemLayer::update(const NYXImageViewport& viewport, double
   else if (frame.offset != _frame.offset)
     scroll(frame.offset);
   _isAllStale = false;
-  if (!_stale.isEmpty()) _refined = QImage();
+  if (_areEntriesStale || !_stale.isEmpty()) _refined = QImage();
   updateEntries();
   for (const QRect& rect : _stale) paint(rect);
   _stale = QRegion();
@@ -195,7 +195,7 @@ void NYXSliceItemLayer::paintItems(QPainter& painter, const QRect& rect, NYXItem
 bool NYXSliceItemLayer::refine(int milliseconds)
 {
   if (!_needsRefinement) return true;
-  if (_isAllStale || _areEntriesStale || !_stale.isEmpty()) return false; // the next frame begins anew
+  if (_isAllStale || _areEntriesStale || !_stale.isEmpty()) return true; // the next frame begins anew
   if (_refined.isNull())
   {
     _refined = QImage(_frame.size, QImage::Format_ARGB32_Premultiplied);

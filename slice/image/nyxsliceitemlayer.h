@@ -36,7 +36,8 @@ public:
   bool needsRefinement() const { return _needsRefinement; }
   /// Whether refine() has begun and nothing was drawn since that would make it begin anew.
   bool isBeingRefined() const { return !_refined.isNull(); }
-  /// Draws items in full for some milliseconds. Returns true when all are drawn and the picture is the full one.
+  /// Draws items in full for some milliseconds. Returns true when there is nothing more to do before the next update():
+  /// the picture is the full one, or it is out of date.
   bool refine(int milliseconds);
 
 private:
