@@ -63,6 +63,11 @@ void NYXRulerDelegate::mousePressEvent(QMouseEvent& event)
   canvas().update();
 }
 
+void NYXRulerDelegate::mouseDoubleClickEvent(QMouseEvent& event)
+{
+  mousePressEvent(event); // a press soon after another one
+}
+
 void NYXRulerDelegate::mouseMoveEvent(QMouseEvent& event)
 {
   if (!_isDrawing) return;

@@ -27,6 +27,7 @@ signals:
 
 protected:
   void mousePressEvent(QMouseEvent& event) override;
+  void mouseDoubleClickEvent(QMouseEvent& event) override;
   void mouseMoveEvent(QMouseEvent& event) override;
   void mouseReleaseEvent(QMouseEvent& event) override;
   void keyPressEvent(QKeyEvent& event) override;
