@@ -136,8 +136,8 @@ private:
     const auto worst = std::max_element(_times.begin(), _times.end()) - _times.begin();
     std::sort(_times.begin(), _times.end());
     std::cout << "canvas " << _canvas.width() << "x" << _canvas.height() << ": median " << _times[numFrames / 2]
-              << " ms, 99% " << _times[numFrames * 99 / 100] << " ms, worst " << _times.back() << " ms (frame " << worst << "); " << _numLoading
-              << " frames without pyramid\n";
+              << " ms, 99% " << _times[numFrames * 99 / 100] << " ms, worst " << _times.back() << " ms (frame " << worst
+              << "); " << _numLoading << " frames without pyramid\n";
     QCoreApplication::exit();
   }
 
