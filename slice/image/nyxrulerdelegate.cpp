@@ -85,6 +85,14 @@ void NYXRulerDelegate::keyPressEvent(QKeyEvent& event)
   if (event.key() == Qt::Key_Escape) deactivate();
 }
 
+bool NYXRulerDelegate::anyEvent(QEvent& event)
+{
+  if (!isActive() || event.type() != QEvent::ShortcutOverride) return false;
+  if (static_cast<QKeyEvent&>(event).key() != Qt::Key_Escape) return false;
+  event.accept(); // no shortcut of the windows around is meant
+  return true;
+}
+
 void NYXRulerDelegate::paint(QPainter& painter)
 {
   if (!_hasLine) return;

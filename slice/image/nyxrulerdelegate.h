@@ -31,6 +31,7 @@ protected:
   void mouseMoveEvent(QMouseEvent& event) override;
   void mouseReleaseEvent(QMouseEvent& event) override;
   void keyPressEvent(QKeyEvent& event) override;
+  bool anyEvent(QEvent& event) override;
 
 private:
   QPoint imagePosition(const QMouseEvent& event) const;

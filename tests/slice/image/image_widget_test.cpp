@@ -1,6 +1,7 @@
 // How the image widget answers mouse, pen and keys.
 
-#include "image/imagesourcevoxelmatrixplane.h"
+#include "counting_server.h"
+
 #include "slice/image/nyxdoubleslider.h"
 #include "slice/image/nyximageproxy.h"
 #include "slice/image/nyximageserver.h"
@@ -16,6 +17,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTabletEvent>
 #include <QTest>
 
@@ -81,7 +83,7 @@ protected:
   QAction& action(const char* name) const { return *mediator.findChild<QAction*>(name); }
   QPoint origin() const { return canvas.getViewOrigin(); }
 
-  const ImageSourceVoxelMatrixPlane source{std::make_shared<const VoxelMatrix<unsigned char>>(300, 400, 1)};
+  const ImageSourceVoxelMatrixPlane source = Planes(300, 400, 8)[7];
   NYXImageWidget widget;
   NYXImageWidgetCanvas& canvas = widget.canvas();
   NYXImageWidgetMediator& mediator = widget.mediator();
@@ -298,7 +300,7 @@ TEST_F(ImageWidget, TellsThePixelUnderTheCursor)
   EXPECT_EQ(&mediator.getImageServer(), &server);
   EXPECT_EQ(field("imageSizeField"), "400x300 [117 Kb]");
   move({7, 9}, Qt::NoButton);
-  EXPECT_EQ(field("pixelField"), "X=57, Y=49, G=0");
+  EXPECT_EQ(field("pixelField"), "X=57, Y=49, G=7");
   mediator.bestFitZoomFactor();
   move({199, 155}, Qt::NoButton); // below the image
   EXPECT_EQ(field("pixelField"), "");
@@ -323,8 +325,12 @@ TEST_F(ImageWidget, DrawsTheRulerFromPressToRelease)
   sendMouse(QEvent::MouseButtonDblClick, {20, 120}, Qt::LeftButton, Qt::LeftButton); // pressed again at once
   move({60, 120}, Qt::LeftButton);
   EXPECT_NE(canvas.grabFramebuffer().pixel(40, 120), without.pixel(40, 120));
+  const QShortcut escape(Qt::Key_Escape, &widget);
+  bool wasCalled = false;
+  QObject::connect(&escape, &QShortcut::activated, [&wasCalled] { wasCalled = true; });
   QTest::keyClick(&canvas, Qt::Key_Escape);
   EXPECT_FALSE(action("ruler").isChecked());
+  EXPECT_FALSE(wasCalled);
   EXPECT_EQ(canvas.grabFramebuffer(), without);
 }
 
