@@ -51,7 +51,7 @@ private:
     double pixelRatio = 1;
 
     bool hasSameScale(const Frame& other) const;
-    QTransform toCanvas() const;
+    QTransform toCanvas() const; ///< from image pixels, whose centres are whole numbers, to pixels of the screen
   };
 
   /// An item of the slice, in the slice's order.
@@ -69,6 +69,7 @@ private:
   bool isOnSlice(const ModelItem& item) const;
   void scroll(const QPoint& offset);
   void paint(const QRect& rect);
+  void prepare(QPainter& painter) const;
   void paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const;
   long visibleComplexity(const QRect& rect) const;
 

@@ -68,12 +68,13 @@ protected:
   {
     const QPoint origin = viewport.getViewOrigin();
     const double sx = viewport.scaleX(), sy = viewport.scaleY();
-    const QTransform toCanvas(sx, 0, 0, sy, 0.5 * sx - std::round(origin.x() * sx),
-                              0.5 * sy - std::round(origin.y() * sy));
-    QImage picture(viewport.getCanvasSize(), QImage::Format_ARGB32_Premultiplied);
+    const auto corner = [this](double place) { return std::round(place * pixelRatio) / pixelRatio; };
+    const QTransform toCanvas(sx, 0, 0, sy, 0.5 * sx - corner(origin.x() * sx), 0.5 * sy - corner(origin.y() * sy));
+    QImage picture(viewport.getCanvasSize() * pixelRatio, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixelRatio, pixelRatio);
     for (const ModelItem* item : slice.getItems())
       drawModelItem(painter, *item, toCanvas, QRectF(-1e6, -1e6, 2e6, 2e6), NYXItemDetail::Full);
     return picture;
@@ -81,11 +82,11 @@ protected:
 
   QImage picture()
   {
-    layer.update(viewport, 1);
+    layer.update(viewport, pixelRatio);
     while (!layer.refine(1))
     {
     }
-    return layer.update(viewport, 1);
+    return layer.update(viewport, pixelRatio);
   }
 
   /// The largest difference of a channel; strokes that are cut elsewhere may round otherwise by some levels of 255.
@@ -160,17 +161,20 @@ protected:
   StackSlice& slice = addSlice(stack, 600, 500);
   NYXImageViewport viewport;
   NYXSliceItemLayer layer;
+  double pixelRatio = 1;
 };
 } // namespace
 
 TEST_F(ItemLayer, ShowsAfterAnyChangesWhatIsDrawnAnew)
 {
-  for (const float ratio : {1.F, 3.F, 0.6F})
+  const std::pair<float, double> ratios[] = {{1, 1}, {3, 1}, {0.6F, 1}, {1, 2}};
+  for (const auto& [ratio, pixels] : ratios)
   {
+    pixelRatio = pixels;
     PixelCalibration calibration;
     calibration.setAspectRatio(ratio);
     viewport.setPixelCalibration(calibration);
-    for (int step = 0; step < 150; ++step)
+    for (int step = 0; step < 100; ++step)
     {
       for (int k = uniform(3); k >= 0; --k) uniform(3) == 0 ? changeView() : changeItems();
       if (uniform(3) == 0) continue; // several changes within one frame
@@ -182,17 +186,17 @@ TEST_F(ItemLayer, ShowsAfterAnyChangesWhatIsDrawnAnew)
 TEST_F(ItemLayer, DrawsThinLinesUntilThereIsTime)
 {
   for (int i = 0; i < 40; ++i) add(i % 2, 80 + i, 60, 50, 4000);
-  layer.update(viewport, 1);
+  layer.update(viewport, pixelRatio);
   ASSERT_TRUE(layer.needsRefinement());
   const QImage full = drawnAnew();
-  EXPECT_GT(difference(layer.update(viewport, 1), full), rounding);
+  EXPECT_GT(difference(layer.update(viewport, pixelRatio), full), rounding);
   EXPECT_LE(difference(picture(), full), rounding);
   EXPECT_FALSE(layer.needsRefinement());
 
   for (int step = 0; step < 30; ++step) // refinement is interrupted
   {
     step % 5 == 4 ? changeItems() : changeView();
-    layer.update(viewport, 1);
+    layer.update(viewport, pixelRatio);
     layer.refine(1);
     if (step % 3 != 0) continue;
     ASSERT_LE(difference(picture(), drawnAnew()), rounding) << "step " << step;
@@ -202,7 +206,7 @@ TEST_F(ItemLayer, DrawsThinLinesUntilThereIsTime)
 TEST_F(ItemLayer, HasNothingToRefineWhileAFrameIsDue)
 {
   for (int i = 0; i < 40; ++i) add(0, 80 + i, 60, 50, 4000);
-  layer.update(viewport, 1);
+  layer.update(viewport, pixelRatio);
   layer.invalidate(*slice.getItem(0));
   EXPECT_TRUE(layer.refine(1)); // who waits for more would wait for a window that is hidden, perhaps
   EXPECT_TRUE(layer.needsRefinement());
@@ -213,7 +217,7 @@ TEST_F(ItemLayer, RefinesAnewWhenAnItemOutOfViewComesOrGoes)
 {
   ModelItem& outside = add(0, 550, 450, 20, 10);
   for (int i = 0; i < 40; ++i) add(0, 80 + i, 60, 50, 4000);
-  layer.update(viewport, 1);
+  layer.update(viewport, pixelRatio);
   EXPECT_FALSE(layer.refine(1));
   remove(outside); // the others move up in the list
   EXPECT_LE(difference(picture(), drawnAnew()), rounding);
@@ -223,10 +227,10 @@ TEST_F(ItemLayer, RefinesAnewWhenAnItemOutOfViewComesOrGoes)
 TEST_F(ItemLayer, LeavesOutWhatIsNotInView)
 {
   for (int i = 0; i < 40; ++i) add(0, 450, 400, 50, 4000);
-  EXPECT_LE(difference(layer.update(viewport, 1), drawnAnew()), rounding);
+  EXPECT_LE(difference(layer.update(viewport, pixelRatio), drawnAnew()), rounding);
   EXPECT_FALSE(layer.needsRefinement()); // there is nothing to draw
   viewport.setViewOrigin({400, 350});
-  layer.update(viewport, 1);
+  layer.update(viewport, pixelRatio);
   EXPECT_TRUE(layer.needsRefinement());
 }
 
