@@ -34,11 +34,11 @@ struct NYXImagePainter::Axis
   /// Number of pixels from the first one on.
   int count() const { return std::clamp(indexAt(canvasExtent - 1) + 1 - first(), 1, levelExtent - first()); }
 
-  /// The pixel for every device pixel of the canvas that shows one.
+  /// The pixel for every device pixel of the canvas that shows one; the first one shows a thinner image, too.
   std::vector<int> indices() const
   {
-    std::vector<int> result;
-    for (int i = 0; i < canvasExtent && indexAt(i) < levelExtent; ++i) result.push_back(indexAt(i));
+    std::vector<int> result = {first()};
+    for (int i = 1; i < canvasExtent && indexAt(i) < levelExtent; ++i) result.push_back(indexAt(i));
     return result;
   }
 };

@@ -225,6 +225,20 @@ TEST_F(ImagePicture, SamplesALevelThatIsMuchFinerThanTheScreen)
   }
 }
 
+TEST_F(ImagePicture, ShowsAThinImageAsALine)
+{
+  RandomGenerator random(7);
+  const std::vector<Image> levels = {noise(5000, 1, 8, Palette::None, random)};
+  show(levels, 1, 1, {});
+  canvas.setBestFitMode(true, true);
+  const QImage picture = canvas.grabFramebuffer();
+  for (const int x : {0, 60, 119})
+  {
+    EXPECT_EQ(picture.pixelColor(x, 0).red(), picture.pixelColor(x, 0).green()); // grey
+    EXPECT_EQ(picture.pixelColor(x, 1), QColor(200, 0, 100));
+  }
+}
+
 TEST_F(ImagePicture, MarksTheBordersOfLargePixels)
 {
   RandomGenerator random(8);
