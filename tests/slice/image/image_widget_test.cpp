@@ -301,6 +301,17 @@ TEST_F(ImageWidget, TellsThePixelUnderTheCursor)
   EXPECT_EQ(field("imageSizeField"), "400x300 [117 Kb]");
   move({7, 9}, Qt::NoButton);
   EXPECT_EQ(field("pixelField"), "X=57, Y=49, G=7");
+  sendSpace(QEvent::KeyPress);
+  press({7, 9}, Qt::LeftButton);
+  move({17, 9}, Qt::LeftButton);
+  sendSpace(QEvent::KeyRelease);
+  EXPECT_EQ(field("pixelField"), "X=77, Y=49, G=7"); // of the view that has moved
+  QTest::keyClick(&canvas, Qt::Key_Left);
+  EXPECT_EQ(field("pixelField"), "X=76, Y=49, G=7");
+  QEvent leave(QEvent::Leave);
+  QApplication::sendEvent(&canvas, &leave);
+  QTest::keyClick(&canvas, Qt::Key_Left);
+  EXPECT_EQ(field("pixelField"), "");
   mediator.bestFitZoomFactor();
   move({199, 155}, Qt::NoButton); // below the image
   EXPECT_EQ(field("pixelField"), "");
