@@ -9,8 +9,15 @@
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediatorcreationdelegate.h"
+#include "slice/nyxsliceeditwidgetmediatordouglaspeuckerdecimationdelegate.h"
 #include "slice/nyxsliceeditwidgetmediatoreditiondelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorfourierdelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorreorigindelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorresamplingdelegate.h"
 #include "slice/nyxsliceeditwidgetmediatorselectiondelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorshiftdelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorsplitdelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorthresholdingdelegate.h"
 #include "slice/nyxsliceeditwidgetstatusbar.h"
 
 #include <QAction>
@@ -40,9 +47,17 @@ void NYXSliceEditWidgetMediator::initialize()
   _selection = new NYXSliceEditWidgetMediatorSelectionDelegate(*this);
   _creation = new NYXSliceEditWidgetMediatorCreationDelegate(*this);
   _edition = new NYXSliceEditWidgetMediatorEditionDelegate(*this);
+  _thresholding = new NYXSliceEditWidgetMediatorThresholdingDelegate(*this);
+  _resampling = new NYXSliceEditWidgetMediatorResamplingDelegate(*this);
+  _douglasPeucker = new NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate(*this);
+  _reorigin = new NYXSliceEditWidgetMediatorReoriginDelegate(*this);
+  _fourier = new NYXSliceEditWidgetMediatorFourierDelegate(*this);
+  _split = new NYXSliceEditWidgetMediatorSplitDelegate(*this);
+  _shift = new NYXSliceEditWidgetMediatorShiftDelegate(*this);
   _selection->activate();
   NYXSliceWidgetMediator::initialize();
   createEditActions();
+  createContourTools();
   createMenus();
   updateEditActions();
 }
@@ -77,14 +92,32 @@ void NYXSliceEditWidgetMediator::createEditActions()
                         [this] { _selection->pasteSelection(); });
   _delete = createAction(tr("Delete"), tr("Delete what is selected"), "delete", Qt::Key_Delete,
                          [this] { _selection->removeSelection(); });
-  _editPoints = createAction(tr("Edit points"), tr("Move, insert and delete points of the selected contour"),
-                             "editPoints", Qt::Key_E, [this] { _edition->activate(); });
-  _decimate = createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate",
-                           {}, [this] { _selection->decimateSelection(); });
   _selectAll = createAction(tr("Select all"), tr("Select everything on the slice"), "selectAll",
                             QKeySequence::SelectAll, [this] { _selection->selectAllModelItems(); });
   _properties = createAction(tr("Properties..."), tr("Change the colour and lines of what is selected"), "properties",
                              {}, [this] { emit propertiesRequested(); });
+}
+
+void NYXSliceEditWidgetMediator::createContourTools()
+{
+  _contourTools = {
+      createAction(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints", Qt::Key_E,
+                   [this] { _edition->activate(); }),
+      createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {},
+                   [this] { _selection->decimateSelection(); }),
+      createAction(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"),
+                   "decimateDouglasPeucker", {}, [this] { _douglasPeucker->activate(); }),
+      createAction(tr("Change origin"), tr("Make another vertex of the contour the first one"), "changeOrigin", {},
+                   [this] { _reorigin->activate(); }),
+      createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
+                   [this] { _resampling->activate(); }),
+      createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
+                   [this] { _fourier->activate(); }),
+      createAction(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {},
+                   [this] { _split->activate(); }),
+  };
+  _shiftItems = createAction(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {},
+                             [this] { _shift->activate(); });
 }
 
 QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const QString& toolTip, const QString& name,
@@ -250,12 +283,14 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   const bool isIdle = isEditable() && _activeTool == nullptr;
   const ModelItem* const item = isIdle ? _selection->selectedItem() : nullptr;
   _cancel->setEnabled(_activeTool != nullptr || item != nullptr);
-  for (QAction* action : {_copy, _delete, _editPoints, _decimate, _properties}) action->setEnabled(item != nullptr);
+  for (QAction* action : {_copy, _delete, _shiftItems, _properties}) action->setEnabled(item != nullptr);
+  for (QAction* action : std::as_const(_contourTools)) action->setEnabled(item != nullptr);
   _paste->setEnabled(isIdle && _selection->hasClipboard());
   _selectAll->setEnabled(isIdle && sliceCanvas().getSlice().getNumItems() > 0);
   _convertMenu->setEnabled(item != nullptr);
   _reconstructionMenu->setEnabled(item != nullptr && item->isClosed());
   _manualMenu->setEnabled(isEditable());
+  _automaticMenu->setEnabled(isEditable());
   _selectMenu->setEnabled(isIdle);
 }
 
@@ -277,6 +312,7 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   if (_selection->selectedItem() == nullptr)
   {
     menu.addMenu(_manualMenu);
+    menu.addMenu(_automaticMenu);
     menu.addMenu(_selectMenu);
     menu.addSeparator();
     menu.addActions({_paste, _selectAll});
@@ -285,7 +321,8 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   {
     menu.addActions({_copy, _paste, _delete});
     menu.addSeparator();
-    menu.addActions({_editPoints, _decimate});
+    menu.addActions(_contourTools);
+    menu.addAction(_shiftItems);
     menu.addSeparator();
     menu.addMenu(_convertMenu);
     menu.addMenu(_reconstructionMenu);

@@ -12,8 +12,15 @@ class NYXActionHistory;
 class NYXSliceEditWidget;
 class NYXSliceEditWidgetMediatorCreationDelegate;
 class NYXSliceEditWidgetMediatorDelegate;
+class NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate;
 class NYXSliceEditWidgetMediatorEditionDelegate;
+class NYXSliceEditWidgetMediatorFourierDelegate;
+class NYXSliceEditWidgetMediatorReoriginDelegate;
+class NYXSliceEditWidgetMediatorResamplingDelegate;
 class NYXSliceEditWidgetMediatorSelectionDelegate;
+class NYXSliceEditWidgetMediatorShiftDelegate;
+class NYXSliceEditWidgetMediatorSplitDelegate;
+class NYXSliceEditWidgetMediatorThresholdingDelegate;
 class QActionGroup;
 class QMenu;
 
@@ -55,6 +62,7 @@ public:
 
   /// The menus, filled when they are about to be shown.
   QMenu& manualMenu() const { return *_manualMenu; }
+  QMenu& automaticMenu() const { return *_automaticMenu; }
   QMenu& selectMenu() const { return *_selectMenu; }
   QMenu& convertMenu() const { return *_convertMenu; }
   QMenu& reconstructionMenu() const { return *_reconstructionMenu; }
@@ -91,6 +99,7 @@ protected:
 
 private:
   void createEditActions();
+  void createContourTools();
   void createMenus();
   QMenu* createModelMenu(const QString& title, const QString& toolTip, const QString& name,
                          QStringList (NYXSliceEditWidgetMediator::*names)() const,
@@ -102,17 +111,25 @@ private:
   NYXSliceEditWidgetMediatorSelectionDelegate* _selection = nullptr;
   NYXSliceEditWidgetMediatorCreationDelegate* _creation = nullptr;
   NYXSliceEditWidgetMediatorEditionDelegate* _edition = nullptr;
+  NYXSliceEditWidgetMediatorThresholdingDelegate* _thresholding = nullptr;
+  NYXSliceEditWidgetMediatorResamplingDelegate* _resampling = nullptr;
+  NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate* _douglasPeucker = nullptr;
+  NYXSliceEditWidgetMediatorReoriginDelegate* _reorigin = nullptr;
+  NYXSliceEditWidgetMediatorFourierDelegate* _fourier = nullptr;
+  NYXSliceEditWidgetMediatorSplitDelegate* _split = nullptr;
+  NYXSliceEditWidgetMediatorShiftDelegate* _shift = nullptr;
 
   QAction* _cancel = nullptr;
   QAction* _copy = nullptr;
   QAction* _paste = nullptr;
   QAction* _delete = nullptr;
-  QAction* _editPoints = nullptr;
-  QAction* _decimate = nullptr;
+  QList<QAction*> _contourTools; // that work on selected contours
+  QAction* _shiftItems = nullptr;
   QAction* _selectAll = nullptr;
   QAction* _properties = nullptr;
   QActionGroup* _tags = nullptr;
   QMenu* _manualMenu = nullptr;
+  QMenu* _automaticMenu = nullptr;
   QMenu* _selectMenu = nullptr;
   QMenu* _convertMenu = nullptr;
   QMenu* _reconstructionMenu = nullptr;

@@ -15,9 +15,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMessageBox>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QTabletEvent>
 
 NYXSliceEditWidgetMediatorCreationDelegate::NYXSliceEditWidgetMediatorCreationDelegate(
     NYXSliceEditWidgetMediator& mediator)
@@ -35,7 +33,6 @@ void NYXSliceEditWidgetMediatorCreationDelegate::activate(const QString& modelNa
   cancel();
   _item = std::make_unique<ModelItem>(stack().getModel(i), &slice());
   _discs.clear();
-  _sinceTap.invalidate();
   _cursor = canvas().mapFromGlobal(QCursor::pos());
   editCanvas().setExtraItem(_item.get());
   NYXSliceEditWidgetMediatorDelegate::activate();
@@ -69,43 +66,6 @@ QString NYXSliceEditWidgetMediatorCreationDelegate::hint() const
             "cancel");
 }
 
-void NYXSliceEditWidgetMediatorCreationDelegate::mousePressEvent(QMouseEvent& event)
-{
-  press(event.pos(), event.button());
-}
-
-void NYXSliceEditWidgetMediatorCreationDelegate::mouseMoveEvent(QMouseEvent& event)
-{
-  move(event.pos(), event.buttons());
-}
-
-void NYXSliceEditWidgetMediatorCreationDelegate::mouseDoubleClickEvent(QMouseEvent& event)
-{
-  if (event.button() != Qt::LeftButton) return;
-  addVertex(event.pos(), false);
-  apply();
-}
-
-/// The pen sends no double clicks: two taps at one place, one soon after the other, are one.
-void NYXSliceEditWidgetMediatorCreationDelegate::tabletPressEvent(QTabletEvent& event)
-{
-  event.accept();
-  const bool isSecondTap = event.button() == Qt::LeftButton && _sinceTap.isValid() &&
-                           _sinceTap.elapsed() < QApplication::doubleClickInterval() &&
-                           (event.pos() - _tap).manhattanLength() < QApplication::startDragDistance();
-  _tap = event.pos();
-  press(event.pos(), event.button());
-  if (!isActive()) return;
-  if (isSecondTap) return apply();
-  _sinceTap.start();
-}
-
-void NYXSliceEditWidgetMediatorCreationDelegate::tabletMoveEvent(QTabletEvent& event)
-{
-  event.accept();
-  move(event.pos(), event.buttons());
-}
-
 void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
 {
   switch (event.key())
@@ -122,17 +82,24 @@ void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
   }
 }
 
-void NYXSliceEditWidgetMediatorCreationDelegate::press(const QPoint& position, Qt::MouseButton button)
+void NYXSliceEditWidgetMediatorCreationDelegate::press(const NYXPointerEvent& event)
 {
-  _cursor = position;
-  if (button == Qt::LeftButton) addVertex(position, false);
-  if (button == Qt::RightButton) cancel();
+  _cursor = event.position;
+  if (event.button == Qt::LeftButton) addVertex(event.position, false);
+  if (event.button == Qt::RightButton) cancel();
 }
 
-void NYXSliceEditWidgetMediatorCreationDelegate::move(const QPoint& position, Qt::MouseButtons buttons)
+void NYXSliceEditWidgetMediatorCreationDelegate::doubleClick(const NYXPointerEvent& event)
 {
-  _cursor = position;
-  if ((buttons & Qt::LeftButton) && !isPoints()) addVertex(position, true);
+  if (event.button != Qt::LeftButton) return;
+  addVertex(event.position, false);
+  apply();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::move(const NYXPointerEvent& event)
+{
+  _cursor = event.position;
+  if ((event.buttons & Qt::LeftButton) && !isPoints()) addVertex(event.position, true);
   canvas().update();
 }
 

@@ -5,7 +5,6 @@
 #include "model/rleitemset.h"
 #include "numeric/vector.h"
 
-#include <QElapsedTimer>
 #include <QPoint>
 
 #include <vector>
@@ -37,16 +36,12 @@ public:
 protected:
   QString editMode() const override { return "CREATE"; }
   QString hint() const override;
-  void mousePressEvent(QMouseEvent& event) override;
-  void mouseMoveEvent(QMouseEvent& event) override;
-  void mouseDoubleClickEvent(QMouseEvent& event) override;
-  void tabletPressEvent(QTabletEvent& event) override;
-  void tabletMoveEvent(QTabletEvent& event) override;
+  void press(const NYXPointerEvent& event) override;
+  void move(const NYXPointerEvent& event) override;
+  void doubleClick(const NYXPointerEvent& event) override;
   void keyPressEvent(QKeyEvent& event) override;
 
 private:
-  void press(const QPoint& position, Qt::MouseButton button);
-  void move(const QPoint& position, Qt::MouseButtons buttons);
   void addVertex(const QPoint& canvasPoint, bool isStroke);
   void removeLastVertex();
   bool isPoints() const;
@@ -58,7 +53,5 @@ private:
   std::unique_ptr<ModelItem> _item;
   std::vector<RLEItemSet> _discs; // of a region, in the order in which they were added
   Vector<int> _lastDisc;
-  QPoint _cursor;          // on the canvas
-  QElapsedTimer _sinceTap; // of the pen
-  QPoint _tap;
+  QPoint _cursor; // on the canvas
 };

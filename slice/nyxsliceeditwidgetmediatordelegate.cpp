@@ -8,7 +8,19 @@
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTabletEvent>
+
 #include <algorithm>
+
+namespace
+{
+template <class Event> NYXPointerEvent pointerEvent(const Event& event)
+{
+  return {event.pos(), event.button(), event.buttons(), event.modifiers()};
+}
+} // namespace
 
 NYXSliceEditWidgetMediatorDelegate::NYXSliceEditWidgetMediatorDelegate(NYXSliceEditWidgetMediator& mediator)
   : NYXImageWidgetMediatorDelegate(mediator)
@@ -100,4 +112,56 @@ int NYXSliceEditWidgetMediatorDelegate::pickTolerance(const ModelItem& item) con
 void NYXSliceEditWidgetMediatorDelegate::pushStep(std::unique_ptr<NYXAction> action)
 {
   editMediator().pushStep(std::move(action));
+}
+
+void NYXSliceEditWidgetMediatorDelegate::mousePressEvent(QMouseEvent& event)
+{
+  press(pointerEvent(event));
+}
+
+void NYXSliceEditWidgetMediatorDelegate::mouseMoveEvent(QMouseEvent& event)
+{
+  move(pointerEvent(event));
+}
+
+void NYXSliceEditWidgetMediatorDelegate::mouseReleaseEvent(QMouseEvent& event)
+{
+  if (event.button() == Qt::LeftButton) release();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::mouseDoubleClickEvent(QMouseEvent& event)
+{
+  doubleClick(pointerEvent(event));
+}
+
+/// The pen sends no double clicks: two taps at one place, one soon after the other, are one.
+bool NYXSliceEditWidgetMediatorDelegate::isSecondTap(const QTabletEvent& event)
+{
+  const bool isSecond = event.button() == Qt::LeftButton && _sinceTap.isValid() &&
+                        _sinceTap.elapsed() < QApplication::doubleClickInterval() &&
+                        (event.pos() - _tap).manhattanLength() < QApplication::startDragDistance();
+  _tap = event.pos();
+  if (isSecond)
+    _sinceTap.invalidate();
+  else
+    _sinceTap.start();
+  return isSecond;
+}
+
+void NYXSliceEditWidgetMediatorDelegate::tabletPressEvent(QTabletEvent& event)
+{
+  event.accept(); // or the mouse would be said to have done the same
+  isSecondTap(event) ? doubleClick(pointerEvent(event)) : press(pointerEvent(event));
+}
+
+void NYXSliceEditWidgetMediatorDelegate::tabletMoveEvent(QTabletEvent& event)
+{
+  event.accept();
+  move(pointerEvent(event));
+}
+
+void NYXSliceEditWidgetMediatorDelegate::tabletReleaseEvent(QTabletEvent& event)
+{
+  event.accept();
+  release();
 }

@@ -3,6 +3,7 @@
 #include "geometry/boundingbox.h"
 #include "slice/image/nyximagewidgetmediatordelegate.h"
 
+#include <QElapsedTimer>
 #include <QString>
 
 #include <memory>
@@ -14,6 +15,15 @@ class NYXSliceEditWidgetMediator;
 class NYXStack;
 class StackSlice;
 class QPointF;
+
+/// A press or move of the mouse or the pen.
+struct NYXPointerEvent
+{
+  QPoint position; ///< on the canvas
+  Qt::MouseButton button = Qt::NoButton;
+  Qt::MouseButtons buttons = Qt::NoButton; ///< that are down
+  Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+};
 
 /// Base of the slice editor's tools. One of them is active at a time: activating one deactivates the one before, locks
 /// the editor, so that the slice stays, and shows the tool's name; deactivating it sets "READY" and unlocks.
@@ -43,6 +53,22 @@ protected:
   StackSlice& slice() const;
   NYXStack& stack() const;
 
+  /// What the mouse and the pen do alike; a release is that of the left button or of the pen.
+  /// @{
+  virtual void press(const NYXPointerEvent&) {}
+  virtual void move(const NYXPointerEvent&) {}
+  virtual void release() {}
+  /// Comes instead of the second press.
+  virtual void doubleClick(const NYXPointerEvent& event) { press(event); }
+  /// @}
+  void mousePressEvent(QMouseEvent& event) override;
+  void mouseMoveEvent(QMouseEvent& event) override;
+  void mouseReleaseEvent(QMouseEvent& event) override;
+  void mouseDoubleClickEvent(QMouseEvent& event) override;
+  void tabletPressEvent(QTabletEvent& event) override;
+  void tabletMoveEvent(QTabletEvent& event) override;
+  void tabletReleaseEvent(QTabletEvent& event) override;
+
   /// Name of the tool in the status bar, and what the next click, drag or key does.
   virtual QString editMode() const = 0;
   virtual QString hint() const = 0;
@@ -60,4 +86,10 @@ protected:
 
   /// Applies an action and records it as one step, unless it changes nothing.
   void pushStep(std::unique_ptr<NYXAction> action);
+
+private:
+  bool isSecondTap(const QTabletEvent& event);
+
+  QElapsedTimer _sinceTap; // of the pen
+  QPoint _tap;
 };

@@ -17,9 +17,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QMessageBox>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QTabletEvent>
 
 namespace
 {
@@ -90,39 +88,6 @@ QString NYXSliceEditWidgetMediatorEditionDelegate::hint() const
 
 // ------------------------------------------------------------------------------------------------ mouse and pen
 
-void NYXSliceEditWidgetMediatorEditionDelegate::mousePressEvent(QMouseEvent& event)
-{
-  if (event.button() == Qt::LeftButton) press(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorEditionDelegate::mouseMoveEvent(QMouseEvent& event)
-{
-  move(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorEditionDelegate::mouseReleaseEvent(QMouseEvent& event)
-{
-  if (event.button() == Qt::LeftButton) release();
-}
-
-void NYXSliceEditWidgetMediatorEditionDelegate::tabletPressEvent(QTabletEvent& event)
-{
-  event.accept();
-  if (event.button() == Qt::LeftButton) press(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorEditionDelegate::tabletMoveEvent(QTabletEvent& event)
-{
-  event.accept();
-  move(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorEditionDelegate::tabletReleaseEvent(QTabletEvent& event)
-{
-  event.accept();
-  release();
-}
-
 void NYXSliceEditWidgetMediatorEditionDelegate::contextMenuEvent(QContextMenuEvent& event)
 {
   QMenu menu(&canvas());
@@ -131,11 +96,11 @@ void NYXSliceEditWidgetMediatorEditionDelegate::contextMenuEvent(QContextMenuEve
   menu.exec(event.globalPos());
 }
 
-void NYXSliceEditWidgetMediatorEditionDelegate::press(const QPoint& position)
+void NYXSliceEditWidgetMediatorEditionDelegate::press(const NYXPointerEvent& event)
 {
-  _cursor = position;
-  if (!isOnImage(position)) return;
-  const Vector<int> point = canvas().convertToVectori(position);
+  _cursor = event.position;
+  if (event.button != Qt::LeftButton || !isOnImage(_cursor)) return;
+  const Vector<int> point = canvas().convertToVectori(_cursor);
   _isPressed = true;
   switch (_mode)
   {
@@ -148,12 +113,12 @@ void NYXSliceEditWidgetMediatorEditionDelegate::press(const QPoint& position)
   }
 }
 
-void NYXSliceEditWidgetMediatorEditionDelegate::move(const QPoint& position)
+void NYXSliceEditWidgetMediatorEditionDelegate::move(const NYXPointerEvent& event)
 {
-  _cursor = position;
+  _cursor = event.position;
   canvas().update();
   if (!_isPressed) return;
-  const Vector<int> point = pointOnImage(position);
+  const Vector<int> point = pointOnImage(_cursor);
   if (_moveAction)
   {
     _moveAction->setPoint(point);

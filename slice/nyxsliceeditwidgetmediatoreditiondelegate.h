@@ -32,18 +32,12 @@ public:
 protected:
   QString editMode() const override;
   QString hint() const override;
-  void mousePressEvent(QMouseEvent& event) override;
-  void mouseMoveEvent(QMouseEvent& event) override;
-  void mouseReleaseEvent(QMouseEvent& event) override;
-  void tabletPressEvent(QTabletEvent& event) override;
-  void tabletMoveEvent(QTabletEvent& event) override;
-  void tabletReleaseEvent(QTabletEvent& event) override;
+  void press(const NYXPointerEvent& event) override;
+  void move(const NYXPointerEvent& event) override;
+  void release() override;
   void contextMenuEvent(QContextMenuEvent& event) override;
 
 private:
-  void press(const QPoint& position);
-  void move(const QPoint& position);
-  void release();
   /// Ends a drag that is not over, without its change.
   void giveUp();
 

@@ -14,6 +14,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/nyxcontourvertices.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -22,9 +23,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMessageBox>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QTabletEvent>
 
 #include <algorithm>
 
@@ -72,8 +71,7 @@ void moveInto(const BoundingBox<int>& box, ModelItem& item)
 {
   if (item.isRegion()) return item.setRLEItemSet(clippedTo(box, item.getRLEItemSet()));
   Vertices<int> vertices = item.getVertices();
-  for (int i = 0; i < vertices.getNumVertices(); ++i)
-    for (int k = 0; k < 2; ++k) vertices[i][k] = std::clamp(vertices[i][k], box.getMinimum()[k], box.getMaximum()[k]);
+  clampTo(box, vertices);
   item.setVertices(vertices);
 }
 } // namespace
@@ -111,56 +109,23 @@ ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedCurve() const
 
 // ------------------------------------------------------------------------------------------------ mouse and pen
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::mousePressEvent(QMouseEvent& event)
-{
-  if (event.button() == Qt::LeftButton) press(event.pos(), event.modifiers() & Qt::ShiftModifier);
-}
-
-void NYXSliceEditWidgetMediatorSelectionDelegate::mouseMoveEvent(QMouseEvent& event)
-{
-  move(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorSelectionDelegate::mouseReleaseEvent(QMouseEvent& event)
-{
-  if (event.button() == Qt::LeftButton) release();
-}
-
-void NYXSliceEditWidgetMediatorSelectionDelegate::tabletPressEvent(QTabletEvent& event)
-{
-  event.accept();
-  if (event.button() == Qt::LeftButton) press(event.pos(), event.modifiers() & Qt::ShiftModifier);
-}
-
-void NYXSliceEditWidgetMediatorSelectionDelegate::tabletMoveEvent(QTabletEvent& event)
-{
-  event.accept();
-  move(event.pos());
-}
-
-void NYXSliceEditWidgetMediatorSelectionDelegate::tabletReleaseEvent(QTabletEvent& event)
-{
-  event.accept();
-  release();
-}
-
 void NYXSliceEditWidgetMediatorSelectionDelegate::contextMenuEvent(QContextMenuEvent& event)
 {
   editMediator().showContextMenu(event.globalPos());
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::press(const QPoint& position, bool isExtending)
+void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& event)
 {
-  if (!editCanvas().hasSlice() || !isOnImage(position)) return;
-  selectNear(canvas().convertToVectori(position), isExtending);
+  if (event.button != Qt::LeftButton || !editCanvas().hasSlice() || !isOnImage(event.position)) return;
+  selectNear(canvas().convertToVectori(event.position), event.modifiers & Qt::ShiftModifier);
   _isDragging = true;
-  _boxStart = _boxEnd = position;
+  _boxStart = _boxEnd = event.position;
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::move(const QPoint& position)
+void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& event)
 {
   if (!_isDragging) return;
-  _boxEnd = position;
+  _boxEnd = event.position;
   canvas().update();
 }
 

@@ -53,12 +53,9 @@ public slots:
 protected:
   QString editMode() const override { return "READY"; }
   QString hint() const override { return {}; }
-  void mousePressEvent(QMouseEvent& event) override;
-  void mouseMoveEvent(QMouseEvent& event) override;
-  void mouseReleaseEvent(QMouseEvent& event) override;
-  void tabletPressEvent(QTabletEvent& event) override;
-  void tabletMoveEvent(QTabletEvent& event) override;
-  void tabletReleaseEvent(QTabletEvent& event) override;
+  void press(const NYXPointerEvent& event) override;
+  void move(const NYXPointerEvent& event) override;
+  void release() override;
   void contextMenuEvent(QContextMenuEvent& event) override;
 
 private:
@@ -69,9 +66,6 @@ private:
     std::unique_ptr<ModelItem> item;
   };
 
-  void press(const QPoint& position, bool isExtending);
-  void move(const QPoint& position);
-  void release();
   void selectNear(const Vector<int>& point, bool isExtending);
   /// The vertex near the point, 0 for a curve or region that is near it; -1 when none is.
   int findNear(const ModelItem& item, const Vector<int>& point) const;
