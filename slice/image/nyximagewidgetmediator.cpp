@@ -61,8 +61,8 @@ NYXImageWidgetCanvas& NYXImageWidgetMediator::canvas() const
 void NYXImageWidgetMediator::initialize()
 {
   _ruler = new NYXRulerDelegate(*this);
-  new NYXPixelInfoDelegate(*this);
-  new NYXPanDelegate(*this); // the last one added looks at events first
+  new NYXPanDelegate(*this);
+  new NYXPixelInfoDelegate(*this); // the last one added looks at events first: it misses no move
   createActions();
   connectWidget();
   updateView();
