@@ -2,6 +2,7 @@
 
 #include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
+#include "app/core/actions/nyxstackpropertiesaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxeventbatch.h"
 #include "app/core/nyxpreferences.h"
@@ -30,6 +31,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -96,6 +98,18 @@ NYXStack* stackOfFile(const QString& file)
   return nullptr;
 }
 
+/// The properties of a stack without slices, or with slices in the unit of the calibration, that gets it as default.
+NYXStackProperties withCalibration(const NYXStack& stack, const PixelCalibration& calibration)
+{
+  NYXStackProperties properties(stack);
+  const int scale = stack.getLengthUnit().getScale() - calibration.getLengthUnit().getScale();
+  const auto factor = static_cast<float>(std::pow(10.0, scale));
+  properties.defaultRelativePosition *= factor;
+  properties.defaultSliceThickness *= factor;
+  properties.defaultPixelCalibration = calibration;
+  return properties;
+}
+
 QString withStackSuffix(const QString& filename)
 {
   return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
@@ -134,28 +148,30 @@ void NYXStackIO::showFormatError(const Exception& error) const
                  QString::fromStdString(error.getWhat())});
 }
 
-/// Slices without a distance would all lie at one depth. False when the user cancels.
-bool NYXStackIO::askForSpacing(NYXStack& stack) const
+/// The distance of neighbouring slices, which would all lie at one depth without one; none when the user cancels.
+std::optional<float> NYXStackIO::askForSpacing(const LengthUnit& unit) const
 {
-  if (stack.getNumSlices() < 2 || stack.getDefaultSliceSpacing() != 0) return true;
   QInputDialog dialog(_parent);
   dialog.setObjectName("spacingDialog");
   dialog.setWindowTitle(tr("Slice spacing"));
-  const QString unit = QString::fromStdString(stack.getLengthUnit().symbol());
-  dialog.setLabelText(
-      tr("The images do not tell the distance between neighbouring slices.\nDistance in %1:").arg(unit));
+  dialog.setLabelText(tr("The images do not tell the distance between neighbouring slices.\nDistance in %1:")
+                          .arg(QString::fromStdString(unit.symbol())));
   dialog.setInputMode(QInputDialog::DoubleInput);
   dialog.setDoubleDecimals(4);
   dialog.setDoubleRange(0.0001, 1e6);
   dialog.setDoubleValue(1);
-  if (dialog.exec() != QDialog::Accepted) return false;
-  stack.setDefaultSliceSpacing(static_cast<float>(dialog.doubleValue()));
-  return true;
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return static_cast<float>(dialog.doubleValue());
 }
 
 void NYXStackIO::openNewStack(std::unique_ptr<NYXStack> stack, const QString& name)
 {
-  if (!askForSpacing(*stack)) return;
+  if (stack->getNumSlices() > 1 && stack->getDefaultSliceSpacing() == 0)
+  {
+    const std::optional<float> spacing = askForSpacing(stack->getLengthUnit());
+    if (!spacing) return;
+    stack->setDefaultSliceSpacing(*spacing);
+  }
   if (isStorableName(name.toStdString())) stack->setName(name.toStdString());
   NYXStack& opened = NYXStackServer::server().addStack(std::move(stack));
   opened.setModified(true);
@@ -232,16 +248,30 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
   try
   {
     const auto make = [&] { made = makeSlices(stack, files, true, subject); };
-    if (!isDone(tr("Insert slice"), subject, make)) return;
-    const NYXEventBatch batch;
-    NYXActionStep step(stack.history());
-    for (std::unique_ptr<StackSlice>& slice : made.slices)
-      step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
+    if (isDone(tr("Insert slice"), subject, make)) insertSlices(stack, std::move(made), place);
   }
   catch (const Exception& error)
   {
     showFormatError(error);
   }
+}
+
+void NYXStackIO::insertSlices(NYXStack& stack, NewSlices made, int place) const
+{
+  const bool hadNeighbours = stack.getNumSlices() > 1;
+  NYXStackProperties properties = withCalibration(stack, made.defaultCalibration);
+  if (!hadNeighbours && stack.getNumSlices() + made.slices.size() > 1 && properties.defaultRelativePosition == 0)
+  {
+    const std::optional<float> spacing = askForSpacing(made.defaultCalibration.getLengthUnit());
+    if (!spacing) return;
+    properties.defaultRelativePosition = *spacing;
+  }
+  const NYXEventBatch batch;
+  NYXActionStep step(stack.history());
+  for (std::unique_ptr<StackSlice>& slice : made.slices)
+    step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
+  auto defaults = std::make_unique<NYXStackPropertiesAction>(stack, std::move(properties));
+  if (!defaults->isNull()) step.push(std::move(defaults));
 }
 
 NYXStack* NYXStackIO::openStack()

@@ -22,6 +22,8 @@
 #include <QPushButton>
 #include <QStatusBar>
 
+#include <cmath>
+
 namespace
 {
 QString image(const TemporaryFolder& folder, const char* name, int planes = 1)
@@ -167,6 +169,35 @@ TEST(Slices, AreInsertedAndDeletedInTheWindowAndThatIsUndone)
   redo->trigger();
   EXPECT_EQ(slicesOf(stack), QStringList({"000", "new", "001"}));
   EXPECT_FALSE(redo->isEnabled());
+}
+
+TEST(Slices, ThatAreTheFirstOnesGiveTheStackTheirUnitAndAreAskedForASpacing)
+{
+  WindowTest test;
+  const TemporaryFolder folder;
+  TiffRecipe{.resolutionUnit = RESUNIT_CENTIMETER, .xResolution = 20000.f, .yResolution = 20000.f}.write(
+      folder.file("half-micron.tif"));
+  const QString file = QString::fromStdString(folder.file("half-micron.tif"));
+  NYXStack& stack = addStack("emptied", {}, false);
+  stack.convertLengthUnit(-9);
+  QStringList seen;
+  for (int i = 0; i < 2; ++i)
+    inDialogs(choosing({file}, 2.5, seen), [&] { test.action("Insert slice...")->trigger(); });
+  EXPECT_EQ(seen, QStringList({"Select image files", "Select image files", "Slice spacing"}));
+  ASSERT_EQ(stack.getNumSlices(), 2);
+  const LengthUnit& unit = stack.getLengthUnit();
+  for (int i = 0; i < 2; ++i)
+  {
+    EXPECT_EQ(stack.getSlice(i)->getPixelCalibration().getLengthUnit(), unit);
+    EXPECT_NEAR(stack.getSlice(i)->getPixelCalibration().getPixelWidth() * std::pow(10., unit.getScale()), 5e-7, 1e-12);
+  }
+  EXPECT_EQ(stack.getSlice(1)->getAbsolutePosition(), 2.5f);
+  auto* const undo = test.window().findChild<QAction*>("Undo");
+  EXPECT_EQ(undo->text(), "Undo: Insert slice");
+  for (int i = 0; i < 2; ++i) undo->trigger();
+  EXPECT_EQ(stack.getNumSlices(), 0);
+  EXPECT_EQ(stack.getLengthUnit().getScale(), -9);
+  EXPECT_EQ(stack.getDefaultSliceSpacing(), 0);
 }
 
 TEST(StackSaving, AsksBeforeDigitsOfLengthsAreLost)
