@@ -127,6 +127,26 @@ TEST_F(PropertiesDialogs, LengthUnitConvertsOrNot)
   expectOneStep();
 }
 
+TEST_F(PropertiesDialogs, CalibrationsThatNoFileCanHoldAreRefused)
+{
+  NYXStackPropertiesDialog ofStack(stack);
+  ofStack.show();
+  chooseUnit(ofStack, 18); // of micrometers in exameters
+  press(ofStack, "okButton");
+  EXPECT_TRUE(ofStack.isVisible());
+  EXPECT_THAT(find<QLabel>(ofStack, "message").text().toStdString(), testing::HasSubstr("cannot be saved"));
+  NYXSlicePropertiesDialog ofSlice(stack, {stack.getSlice(0)});
+  ofSlice.show();
+  if (find<QCheckBox>(ofSlice, "calibrationAsStack").isChecked())
+    find<QCheckBox>(ofSlice, "calibrationAsStack").click();
+  type(ofSlice, "pixelWidth", "1e-9");
+  type(ofSlice, "pixelHeight", "1e9"); // each of them could be, but not the aspect ratio
+  press(ofSlice, "okButton");
+  EXPECT_TRUE(ofSlice.isVisible());
+  EXPECT_THAT(find<QLabel>(ofSlice, "message").text().toStdString(), testing::HasSubstr("cannot be saved"));
+  expectNoStep();
+}
+
 TEST_F(PropertiesDialogs, OtherPropertiesOfAStack)
 {
   NYXStackPropertiesDialog dialog(stack);
