@@ -10,9 +10,12 @@
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
+#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 #include "app/nyximagefiles.h"
+#include "app/nyxnames.h"
 #include "app/nyxnewstackdialog.h"
+#include "app/nyxnumberbox.h"
 #include "app/nyxplaintext.h"
 #include "app/nyxproposedfilename.h"
 #include "app/nyxrootstatusbar.h"
@@ -27,7 +30,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QFormLayout>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -41,6 +46,7 @@
 namespace
 {
 constexpr int maxNumWarnings = 8; // that fit a message box
+constexpr double leastSpacing = 1e-4, greatestSpacing = 1e6;
 
 QStringList toQStrings(const std::vector<std::string>& lines)
 {
@@ -151,17 +157,22 @@ void NYXStackIO::showFormatError(const Exception& error) const
 /// The distance of neighbouring slices, which would all lie at one depth without one; none when the user cancels.
 std::optional<float> NYXStackIO::askForSpacing(const LengthUnit& unit) const
 {
-  QInputDialog dialog(_parent);
+  QDialog dialog(_parent);
   dialog.setObjectName("spacingDialog");
   dialog.setWindowTitle(tr("Slice spacing"));
-  dialog.setLabelText(tr("The images do not tell the distance between neighbouring slices.\nDistance in %1:")
-                          .arg(QString::fromStdString(unit.symbol())));
-  dialog.setInputMode(QInputDialog::DoubleInput);
-  dialog.setDoubleDecimals(4);
-  dialog.setDoubleRange(0.0001, 1e6);
-  dialog.setDoubleValue(1);
+  auto* const form = new QFormLayout(&dialog);
+  form->addRow(new QLabel(tr("The images do not tell the distance between neighbouring slices."), &dialog));
+  NYXNumberBox* const box = NYXNumberBox::addTo(*form, "spacing", tr("Distance"), tr("From a slice to the next one"));
+  box->setRange(leastSpacing, greatestSpacing);
+  box->setUnit(QString::fromStdString(unit.symbol()));
+  box->setNumber(1);
+  QDialogButtonBox* const buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+  form->addRow(buttons);
+  nameParts(dialog);
+  box->selectAll();
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-  return static_cast<float>(dialog.doubleValue());
+  return static_cast<float>(box->getNumber());
 }
 
 void NYXStackIO::openNewStack(std::unique_ptr<NYXStack> stack, const QString& name)

@@ -16,11 +16,11 @@
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QInputDialog>
 #include <QListWidget>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTest>
 
 #include <cmath>
 
@@ -48,7 +48,11 @@ std::function<void(QDialog&)> choosing(const QStringList& files, double number, 
     seen.append(dialog.windowTitle());
     if (auto* fileDialog = qobject_cast<QFileDialog*>(&dialog))
       for (const QString& file : files) fileDialog->selectFile(file);
-    if (auto* input = qobject_cast<QInputDialog*>(&dialog)) input->setDoubleValue(number);
+    if (auto* input = dialog.findChild<QDoubleSpinBox*>())
+    {
+      input->selectAll();
+      QTest::keyClicks(input, QString::number(number));
+    }
     if (auto* newStack = qobject_cast<NYXNewStackDialog*>(&dialog)) newStack->addFiles(files);
     QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
   };
@@ -78,8 +82,10 @@ TEST(NewStack, IsMadeOfImagesAndAskedForItsSpacing)
   const TemporaryFolder folder;
   const QStringList files = {image(folder, "b.tif"), image(folder, "a.tif")};
   QStringList seen;
+  QLocale::setDefault(QLocale::German); // whose point stands between groups of digits
   inDialogs(choosing(files, 2.5, seen), [&] { test.action("New stack")->trigger(); });
   EXPECT_EQ(seen, QStringList({"New stack", "Slice spacing"}));
+  QLocale::setDefault(QLocale::c());
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 1);
   NYXStack& stack = NYXStackServer::server().getStack(0);
   EXPECT_EQ(slicesOf(stack), QStringList({"b", "a"}));

@@ -354,4 +354,29 @@ TEST(NumberBox, StepsByTheSecondDigitAndShowsWhatCounts)
     EXPECT_NEAR(box.getNumber(), c.next, 1e-12 + 1e-9 * std::abs(c.next)) << c.shown;
   }
 }
+
+TEST(NumberBox, TakesPointAndCommaForDecimalSignsInEachLanguage)
+{
+  const struct
+  {
+    QLocale locale;
+    const char* typed;
+    double number;
+  } cases[] = {{QLocale::German, "1.234", 1.234},    {QLocale::German, "1,234", 1.234},
+               {QLocale::German, "1.234,5", 1.2345}, // the second sign is not taken
+               {QLocale::French, "1.234", 1.234},    {QLocale::English, "1.234", 1.234},
+               {QLocale::English, "1,5", 1.5},       {QLocale::English, "nan", 7},
+               {QLocale::English, "inf", 7},         {QLocale::English, "1e3", 1000}};
+  for (const auto& c : cases)
+  {
+    NYXNumberBox box;
+    box.setLocale(c.locale);
+    box.setRange(-1e15, 1e15);
+    box.setUnit("mm");
+    box.setNumber(7);
+    box.selectAll();
+    QTest::keyClicks(&box, c.typed);
+    EXPECT_EQ(box.getNumber(), c.number) << c.locale.name().toStdString() << " " << c.typed;
+  }
+}
 } // namespace
