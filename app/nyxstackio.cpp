@@ -17,6 +17,7 @@
 #include "app/nyxnewstackdialog.h"
 #include "app/nyxnumberbox.h"
 #include "app/nyxplaintext.h"
+#include "app/nyxpluginrun.h"
 #include "app/nyxproposedfilename.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxstackerrordialog.h"
@@ -145,13 +146,25 @@ QString NYXStackIO::chooseStackFile()
   return chosen.value(0);
 }
 
-void NYXStackIO::showFormatError(const Exception& error) const
+/// Says why the images of slices cannot be used. To be called while the error is being handled.
+void NYXStackIO::showFormatError() const
 {
-  const auto* fileError = dynamic_cast<const FileError*>(&error);
-  const QString filename = fileError ? QString::fromStdString(fileError->getFilename()) : QString();
-  warn(_parent, {tr("File format error"),
-                 filename.isEmpty() ? tr("The stack cannot be made.") : tr("%1 cannot be read.").arg(filename),
-                 QString::fromStdString(error.getWhat())});
+  const QString reason = textOfCurrentError();
+  QString filename;
+  try
+  {
+    throw;
+  }
+  catch (const FileError& error)
+  {
+    filename = QString::fromStdString(error.getFilename());
+  }
+  catch (...) // names no file, as when the memory does not suffice
+  {
+  }
+  warn(_parent,
+       {tr("File format error"),
+        filename.isEmpty() ? tr("The stack cannot be made.") : tr("%1 cannot be read.").arg(filename), reason});
 }
 
 /// The distance of neighbouring slices, which would all lie at one depth without one; none when the user cancels.
@@ -203,9 +216,9 @@ void NYXStackIO::newStack(const QStringList& proposed)
     if (!isDone(tr("New stack"), subject, add)) return;
     openNewStack(std::move(stack), QFileInfo(dialog.getFiles().first()).dir().dirName());
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
 }
 
@@ -242,9 +255,9 @@ void NYXStackIO::newStackFromFile(const QString& filename)
     if (!channel || !isRead([&] { addPlanesOf(*stack, file, *channel); })) return;
     openNewStack(std::move(stack), QFileInfo(filename).completeBaseName());
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
 }
 
@@ -261,9 +274,9 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
     const auto make = [&] { made = makeSlices(stack, files, true, subject); };
     if (isDone(tr("Insert slice"), subject, make)) insertSlices(stack, std::move(made), place);
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
 }
 
@@ -304,7 +317,15 @@ NYXStack* NYXStackIO::openStack(const QString& filename)
     showMessage(tr("%1 is open already").arg(file), 5000);
     return open;
   }
-  return readStack(file);
+  try
+  {
+    return readStack(file);
+  }
+  catch (...) // what the reader does not note in its log, as when the memory does not suffice
+  {
+    warn(_parent, {tr("Error"), tr("Error: %1 cannot be opened.").arg(file), textOfCurrentError()});
+    return nullptr;
+  }
 }
 
 NYXStack* NYXStackIO::readStack(const QString& file)
@@ -353,9 +374,9 @@ NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, Q
     showWarnings(stack, filename, writer);
     return Result::Done;
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    reason = QString::fromStdString(error.getWhat());
+    reason = textOfCurrentError();
     return Result::Failed;
   }
 }

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 
-class Exception;
 class LengthUnit;
 class NYXRootStatusBar;
 class NYXStack;
@@ -66,7 +65,7 @@ private:
   std::optional<float> askForSpacing(const LengthUnit& unit) const;
   void insertSlices(NYXStack& stack, NewSlices made, int place) const;
   void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
-  void showFormatError(const Exception& error) const;
+  void showFormatError() const;
   void showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const;
   Result write(NYXStack& stack, const QString& filename, QString& reason);
   bool settleLosses(NYXStack& stack) const;
