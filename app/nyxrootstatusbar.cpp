@@ -1,6 +1,7 @@
 #include "app/nyxrootstatusbar.h"
 
-#include <QLabel>
+#include "slice/image/nyxstatusfield.h"
+
 #include <QProgressBar>
 
 namespace
@@ -10,21 +11,25 @@ constexpr int numSteps = 1000;
 } // namespace
 
 NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
-  : QStatusBar(parent), _stack(new QLabel(this)), _slice(new QLabel(this)), _progress(new QProgressBar(this))
+  : QStatusBar(parent),
+    _stack(new NYXStatusField("stackField", tr("The current stack; * when it has unsaved changes"), "rat-ganglion-01*",
+                              this)),
+    _slice(new NYXStatusField("sliceField", tr("The current slice and the number of slices"),
+                              tr("slice %1 (%2)").arg("section-0001", "1000 / 1000"), this)),
+    _progress(new QProgressBar(this))
 {
   setObjectName("rootStatusBar");
-  _stack->setTextFormat(Qt::PlainText);
-  _stack->setObjectName("stackField");
-  _stack->setToolTip(tr("The current stack; * when it has unsaved changes"));
-  _slice->setTextFormat(Qt::PlainText);
-  _slice->setObjectName("sliceField");
-  _slice->setToolTip(tr("The current slice and the number of slices"));
   _progress->setObjectName("progress");
   _progress->setMaximumWidth(fontMetrics().averageCharWidth() * 24);
   _progress->hide();
   addPermanentWidget(_progress);
   addPermanentWidget(_stack);
   addPermanentWidget(_slice);
+}
+
+void NYXRootStatusBar::setImageFields(QWidget& fields)
+{
+  insertPermanentWidget(1, &fields);
 }
 
 void NYXRootStatusBar::setStackText(const QString& text)

@@ -8,7 +8,7 @@
 class QLabel;
 class QProgressBar;
 
-/// Messages, the current stack and slice, and the progress of long computations.
+/// Messages, the progress of long computations, what is known of the image that is shown, the current stack and slice.
 class NYXRootStatusBar : public QStatusBar, public ProgressObserver
 {
   Q_OBJECT
@@ -16,6 +16,8 @@ class NYXRootStatusBar : public QStatusBar, public ProgressObserver
 public:
   explicit NYXRootStatusBar(QWidget* parent = nullptr);
 
+  /// Takes over the fields that tell of the image.
+  void setImageFields(QWidget& fields);
   void setStackText(const QString& text);
   void setSliceText(const QString& text);
 
