@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QStatusBar>
 
-class QLabel;
+class NYXStatusField;
 class QProgressBar;
 
 /// Messages, the progress of long computations, what is known of the image that is shown, the current stack and slice.
@@ -30,9 +30,14 @@ public slots:
   void subjectProgressed(int step, int ofSteps);
   void subjectFinished();
 
+protected:
+  /// A message may use the place of fields that say nothing.
+  void paintEvent(QPaintEvent* event) override;
+
 private:
-  QLabel* _stack;
-  QLabel* _slice;
+  int freeWidth() const;
+  NYXStatusField* _stack;
+  NYXStatusField* _slice;
   QProgressBar* _progress;
   QElapsedTimer _sinceRefresh;
   QString _stepMessage; // shown while a step runs; empty when another message was there first

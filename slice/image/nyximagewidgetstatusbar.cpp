@@ -14,7 +14,7 @@ NYXImageWidgetStatusBar::NYXImageWidgetStatusBar(QWidget* parent) : QWidget(pare
   _zoom = addField("zoomField", tr("Pixels of the screen per pixel of the image"), "6400%");
   _size = addField("imageSizeField", tr("Width and height of the image in pixels, and the memory that it takes"),
                    "9999x9999 [99.9 Mb]");
-  _type = addField("imageTypeField", tr("Kind of the image"), "24 bits, colour");
+  _type = addField("imageTypeField", tr("Kind of the image"), "8 bits, palette");
 }
 
 QLabel* NYXImageWidgetStatusBar::addField(const QString& name, const QString& toolTip, const QString& sample)

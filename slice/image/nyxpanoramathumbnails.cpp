@@ -19,6 +19,7 @@
 namespace
 {
 constexpr int drawingMilliseconds = 8; // at a time
+constexpr double itemScale = 0.6;      // of lines and points, against those of a slice
 
 NYXSlicePixmapCache* cacheOf(const NYXStack& stack)
 {
@@ -200,10 +201,12 @@ void NYXPanoramaThumbnails::drawItems(const StackSlice& slice, Entry& entry) con
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
   const QPointF corner = entry.thumbnail.place.topLeft();
-  const QTransform toBox(viewport.scaleX(), 0, 0, viewport.scaleY(), corner.x() + 0.5 * viewport.scaleX(),
-                         corner.y() + 0.5 * viewport.scaleY());
+  const double scaleX = viewport.scaleX() / itemScale, scaleY = viewport.scaleY() / itemScale;
+  const QTransform toBox(scaleX, 0, 0, scaleY, corner.x() / itemScale + 0.5 * scaleX,
+                         corner.y() / itemScale + 0.5 * scaleY);
+  painter.scale(itemScale, itemScale);
   for (int i = 0; i < slice.getNumItems(); ++i)
-    drawModelItem(painter, *slice.getItem(i), toBox, QRectF(QPointF(), _box), NYXItemDetail::Thin);
+    drawModelItem(painter, *slice.getItem(i), toBox, QRectF(QPointF(), QSizeF(_box) / itemScale), NYXItemDetail::Thin);
   painter.end();
   entry.thumbnail.items = picture;
 }
