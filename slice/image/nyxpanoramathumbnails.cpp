@@ -15,6 +15,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -67,11 +68,14 @@ NYXPanoramaThumbnails::NYXPanoramaThumbnails(QObject* parent) : QObject(parent)
   connect(&_drawing, &QTimer::timeout, this, &NYXPanoramaThumbnails::drawStaleItems);
 }
 
-NYXPanoramaThumbnails::~NYXPanoramaThumbnails() = default;
+NYXPanoramaThumbnails::~NYXPanoramaThumbnails()
+{
+  reset();
+}
 
 void NYXPanoramaThumbnails::setStack(NYXStack* stack)
 {
-  _entries.clear();
+  reset();
   _server = nullptr;
   _cache = nullptr;
   if (stack == nullptr) return;
@@ -85,7 +89,7 @@ void NYXPanoramaThumbnails::setStack(NYXStack* stack)
 void NYXPanoramaThumbnails::setBox(const QSize& box, double pixelRatio)
 {
   if (box == _box && pixelRatio == _pixelRatio) return;
-  _entries.clear();
+  reset();
   _box = box;
   _pixelRatio = pixelRatio;
 }
@@ -93,11 +97,21 @@ void NYXPanoramaThumbnails::setBox(const QSize& box, double pixelRatio)
 void NYXPanoramaThumbnails::show(const std::vector<const StackSlice*>& slices)
 {
   if (_server != nullptr) _server->setBaseSize(_box * _pixelRatio);
-  std::erase_if(_entries, [&](const auto& entry)
-                { return std::find(slices.begin(), slices.end(), entry.first) == slices.end(); });
+  std::vector<const StackSlice*> unwanted;
+  for (const auto& [slice, entry] : _entries)
+    if (std::find(slices.begin(), slices.end(), slice) == slices.end()) unwanted.push_back(slice);
+  drop(unwanted);
   for (const StackSlice* slice : slices)
     if (!_entries.contains(slice)) add(*slice);
   if (!_entries.empty() && !_drawing.isActive()) _drawing.start(0);
+}
+
+/// The last that were asked for go first: the one that is being read is among the others, and the server must not begin
+/// with the next one only to stop again.
+void NYXPanoramaThumbnails::drop(std::vector<const StackSlice*> slices)
+{
+  std::ranges::sort(slices, std::greater(), [this](const StackSlice* slice) { return _entries.at(slice).number; });
+  for (const StackSlice* slice : slices) _entries.erase(slice);
 }
 
 /// A picture that was kept may have been made for another screen.
@@ -110,6 +124,7 @@ bool NYXPanoramaThumbnails::isAsLargeAsTheBox(const QPixmap& picture) const
 void NYXPanoramaThumbnails::add(const StackSlice& slice)
 {
   Entry& entry = _entries[&slice];
+  entry.number = _numAdded++;
   entry.proxy = std::make_unique<NYXSliceImageProxy>(&slice);
   entry.thumbnail.place = placeOf(fitted(*entry.proxy, _box));
   entry.thumbnail.problem = entry.proxy->problem();
@@ -161,7 +176,7 @@ void NYXPanoramaThumbnails::invalidateItems()
 
 void NYXPanoramaThumbnails::reset()
 {
-  _entries.clear();
+  show({});
 }
 
 void NYXPanoramaThumbnails::forget(NYXStack& stack, const StackSlice& slice)

@@ -67,8 +67,10 @@ private:
     std::unique_ptr<NYXSliceImageProxy> proxy;
     Thumbnail thumbnail;
     bool areItemsStale = true;
+    int number = 0; // in the order in which they were asked for
   };
 
+  void drop(std::vector<const StackSlice*> slices);
   void add(const StackSlice& slice);
   bool isAsLargeAsTheBox(const QPixmap& picture) const;
   void takeImage(const StackSlice& slice);
@@ -80,5 +82,6 @@ private:
   QSize _box;
   double _pixelRatio = 1;
   std::map<const StackSlice*, Entry> _entries;
+  int _numAdded = 0;
   QTimer _drawing; // runs while items are to be drawn
 };
