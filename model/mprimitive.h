@@ -9,3 +9,9 @@ enum class MPrimitive
   Region,    ///< run-length-coded regions
   Unknown
 };
+
+/// The fewest vertices that make an item of a geometry.
+constexpr int minNumVertices(MPrimitive geometry)
+{
+  return geometry == MPrimitive::Polygon ? 3 : geometry == MPrimitive::Polyline ? 2 : 1;
+}

@@ -34,6 +34,8 @@ public:
 
   /// Whether items were drawn with thin lines that refine() is to replace.
   bool needsRefinement() const { return _needsRefinement; }
+  /// Whether refine() has begun and nothing was drawn since that would make it begin anew.
+  bool isBeingRefined() const { return !_refined.isNull(); }
   /// Draws items in full for some milliseconds. Returns true when all are drawn and the picture is the full one.
   bool refine(int milliseconds);
 

@@ -87,7 +87,7 @@ void NYXSliceWidgetCanvas::paintForeground(QPainter& painter)
 {
   if (_mode == CanvasMode::Background || _slice == nullptr) return;
   painter.drawImage(QRectF(rect()), _items.update(viewport(), devicePixelRatioF()));
-  if (_items.needsRefinement() && !_refinement.isActive()) _refinement.start(refinementDelay);
+  if (_items.needsRefinement() && !_items.isBeingRefined()) _refinement.start(refinementDelay);
 }
 
 void NYXSliceWidgetCanvas::refineItems()

@@ -19,7 +19,7 @@ public:
   NYXSliceWidgetCanvas& sliceCanvas() const;
 
   /// Shows another slice of an open stack; nullptr for none. It is let go when the stack closes.
-  void setSlice(StackSlice* slice);
+  virtual void setSlice(StackSlice* slice);
   void clear() override;
   void imageProxyChange() override;
 

@@ -10,11 +10,6 @@ namespace
 {
 constexpr const char* where = "NYXItemConversionAction::NYXItemConversionAction(ModelItem&, Model&)";
 
-int minNumVertices(MPrimitive geometry)
-{
-  return geometry == MPrimitive::Polygon ? 3 : geometry == MPrimitive::Polyline ? 2 : 1;
-}
-
 RLEItemSet positionsOf(const ModelItem& item)
 {
   const Vertices<int>& vertices = item.getVertices();

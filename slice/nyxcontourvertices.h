@@ -1,0 +1,17 @@
+#pragma once
+
+#include "geometry/curve.h"
+
+class ModelItem;
+
+/// The curve of an item, for calculations.
+Curve<double> realCurve(const ModelItem& item);
+
+/// Vertices at the nearest pixels.
+Vertices<int> roundedVertices(const Curve<double>& curve);
+
+/// Without vertices that are equal to the one before; a closed curve's last one is also compared with the first.
+Vertices<int> withoutRepetitions(const Vertices<int>& vertices, bool isClosed);
+
+/// Moves vertices that lie outside a box to its border.
+void clampTo(const BoundingBox<int>& box, Vertices<int>& vertices);

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "slice/image/nyxslicewidgetmediator.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class NYXAction;
+class NYXActionHistory;
+class NYXSliceEditWidget;
+class NYXSliceEditWidgetMediatorCreationDelegate;
+class NYXSliceEditWidgetMediatorDelegate;
+class NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate;
+class NYXSliceEditWidgetMediatorEditionDelegate;
+class NYXSliceEditWidgetMediatorFourierDelegate;
+class NYXSliceEditWidgetMediatorReoriginDelegate;
+class NYXSliceEditWidgetMediatorResamplingDelegate;
+class NYXSliceEditWidgetMediatorSelectionDelegate;
+class NYXSliceEditWidgetMediatorShiftDelegate;
+class NYXSliceEditWidgetMediatorSplitDelegate;
+class NYXSliceEditWidgetMediatorThresholdingDelegate;
+class QActionGroup;
+class QMenu;
+
+/// Drives the slice editor: owns its actions, its menus of models and its tools, one of which is active at a time.
+class NYXSliceEditWidgetMediator : public NYXSliceWidgetMediator
+{
+  Q_OBJECT
+
+public:
+  explicit NYXSliceEditWidgetMediator(NYXSliceEditWidget& widget);
+
+  void initialize() override;
+  void setSlice(StackSlice* slice) override;
+
+  NYXSliceEditWidget& editWidget() const;
+  /// The window of the widget, for message boxes.
+  QWidget& window() const;
+  /// The stack of the slice that is shown. \throw ProgramError  there is none
+  NYXStack& stack() const;
+  /// Of the slice.
+  NYXActionHistory& history() const;
+
+  /// The tool at work, or nullptr while the selection is; called by the tools. Locks the editor while there is one.
+  void setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool);
+  NYXSliceEditWidgetMediatorDelegate* activeTool() const { return _activeTool; }
+  void showEditMode(const QString& mode, const QString& hint);
+  /// A line for the user, gone after a while.
+  void showMessage(const QString& text);
+
+  /// Applies actions and records them as one step of the slice's history, without those that change nothing. One that
+  /// fails takes the step back and is told. \return whether there is a step
+  bool pushStep(std::unique_ptr<NYXAction> action);
+  bool pushStep(std::vector<std::unique_ptr<NYXAction>> actions);
+
+  /// Names for the menus: the models of the stack, those with items on the slice, those of closed contours.
+  QStringList buildStackModelList() const;
+  QStringList buildSliceModelList() const;
+  QStringList buildPolygonModelList() const;
+
+  /// The menus, filled when they are about to be shown.
+  QMenu& manualMenu() const { return *_manualMenu; }
+  QMenu& automaticMenu() const { return *_automaticMenu; }
+  QMenu& selectMenu() const { return *_selectMenu; }
+  QMenu& convertMenu() const { return *_convertMenu; }
+  QMenu& reconstructionMenu() const { return *_reconstructionMenu; }
+
+  /// Offers what can be done with what is selected.
+  void showContextMenu(const QPoint& globalPosition);
+  /// Enables the actions that apply to the selection.
+  void refreshContextMenuActions();
+  void updateEditActions();
+
+  NYXSliceEditWidgetMediatorSelectionDelegate& selection() const { return *_selection; }
+  NYXSliceEditWidgetMediatorCreationDelegate& creation() const { return *_creation; }
+  NYXSliceEditWidgetMediatorEditionDelegate& edition() const { return *_edition; }
+
+public slots:
+  /// Gives the active tool up, or else what is selected.
+  void cancel();
+  /// Whether the slice has to stay, since a tool works on it.
+  void requestLock(bool isLocked);
+
+signals:
+  void lockRequested(bool isLocked);
+  /// What the next click, drag or key does; empty when that needs no words.
+  void hintShown(const QString& text);
+  void messageShown(const QString& text);
+  /// The properties of what is selected are to be edited.
+  void propertiesRequested();
+
+protected:
+  void sliceLockEvent(const NYXSliceLockEvent& event) override;
+  void sliceItemSelectionEvent(const NYXSliceItemSelectionEvent& event) override;
+  void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
+  void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
+
+private:
+  void createEditActions();
+  void createContourTools();
+  void createMenus();
+  QMenu* createModelMenu(const QString& title, const QString& toolTip, const QString& name,
+                         QStringList (NYXSliceEditWidgetMediator::*names)() const,
+                         const std::function<void(const QString&)>& choose);
+  QAction* createTagAction(const QString& text, const QString& toolTip, const QString& name, int tag);
+  bool isEditable() const;
+
+  NYXSliceEditWidgetMediatorDelegate* _activeTool = nullptr;
+  NYXSliceEditWidgetMediatorSelectionDelegate* _selection = nullptr;
+  NYXSliceEditWidgetMediatorCreationDelegate* _creation = nullptr;
+  NYXSliceEditWidgetMediatorEditionDelegate* _edition = nullptr;
+  NYXSliceEditWidgetMediatorThresholdingDelegate* _thresholding = nullptr;
+  NYXSliceEditWidgetMediatorResamplingDelegate* _resampling = nullptr;
+  NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate* _douglasPeucker = nullptr;
+  NYXSliceEditWidgetMediatorReoriginDelegate* _reorigin = nullptr;
+  NYXSliceEditWidgetMediatorFourierDelegate* _fourier = nullptr;
+  NYXSliceEditWidgetMediatorSplitDelegate* _split = nullptr;
+  NYXSliceEditWidgetMediatorShiftDelegate* _shift = nullptr;
+
+  QAction* _cancel = nullptr;
+  QAction* _copy = nullptr;
+  QAction* _paste = nullptr;
+  QAction* _delete = nullptr;
+  QList<QAction*> _contourTools; // that work on selected contours
+  QAction* _shiftItems = nullptr;
+  QAction* _selectAll = nullptr;
+  QAction* _properties = nullptr;
+  QActionGroup* _tags = nullptr;
+  QMenu* _manualMenu = nullptr;
+  QMenu* _automaticMenu = nullptr;
+  QMenu* _selectMenu = nullptr;
+  QMenu* _convertMenu = nullptr;
+  QMenu* _reconstructionMenu = nullptr;
+};

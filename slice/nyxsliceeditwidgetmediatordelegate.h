@@ -1,0 +1,95 @@
+#pragma once
+
+#include "geometry/boundingbox.h"
+#include "slice/image/nyximagewidgetmediatordelegate.h"
+
+#include <QElapsedTimer>
+#include <QString>
+
+#include <memory>
+
+class ModelItem;
+class NYXAction;
+class NYXSliceEditWidgetCanvas;
+class NYXSliceEditWidgetMediator;
+class NYXStack;
+class StackSlice;
+class QPointF;
+
+/// A press or move of the mouse or the pen.
+struct NYXPointerEvent
+{
+  QPoint position; ///< on the canvas
+  Qt::MouseButton button = Qt::NoButton;
+  Qt::MouseButtons buttons = Qt::NoButton; ///< that are down
+  Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+};
+
+/// Base of the slice editor's tools. One of them is active at a time: activating one deactivates the one before, locks
+/// the editor, so that the slice stays, and shows the tool's name; deactivating it sets "READY" and unlocks.
+///
+/// Each finished change is recorded as one step of the slice's history.
+class NYXSliceEditWidgetMediatorDelegate : public NYXImageWidgetMediatorDelegate
+{
+  Q_OBJECT
+
+public:
+  explicit NYXSliceEditWidgetMediatorDelegate(NYXSliceEditWidgetMediator& mediator);
+
+  void activate() override;
+  void deactivate() override;
+
+  /// Whether the tool cannot go on when the item leaves its slice.
+  virtual bool worksOn(const ModelItem&) const { return false; }
+
+public slots:
+  /// Gives the tool up; what it has not finished is as if it had never begun. Nothing happens when it is not active.
+  virtual void cancel();
+
+protected:
+  NYXSliceEditWidgetMediator& editMediator() const;
+  NYXSliceEditWidgetCanvas& editCanvas() const;
+  /// Those that are shown; a tool is only used while there is a slice.
+  StackSlice& slice() const;
+  NYXStack& stack() const;
+
+  /// What the mouse and the pen do alike; a release is that of the left button or of the pen.
+  /// @{
+  virtual void press(const NYXPointerEvent&) {}
+  virtual void move(const NYXPointerEvent&) {}
+  virtual void release() {}
+  /// Comes instead of the second press.
+  virtual void doubleClick(const NYXPointerEvent& event) { press(event); }
+  /// @}
+  void mousePressEvent(QMouseEvent& event) override;
+  void mouseMoveEvent(QMouseEvent& event) override;
+  void mouseReleaseEvent(QMouseEvent& event) override;
+  void mouseDoubleClickEvent(QMouseEvent& event) override;
+  void tabletPressEvent(QTabletEvent& event) override;
+  void tabletMoveEvent(QTabletEvent& event) override;
+  void tabletReleaseEvent(QTabletEvent& event) override;
+
+  /// Name of the tool in the status bar, and what the next click, drag or key does.
+  virtual QString editMode() const = 0;
+  virtual QString hint() const = 0;
+  void showMode();
+
+  /// The box of the source image, (0, 0) to (W - 1, H - 1), in which tools work.
+  BoundingBox<int> imageBox() const;
+  bool isOnImage(const QPoint& canvasPoint) const;
+  /// The image position under a canvas point, moved into the box of the image.
+  Vector<int> pointOnImage(const QPoint& canvasPoint) const;
+  /// The centre of an image position on the canvas.
+  QPointF canvasCenter(const int* position) const;
+  /// How far from the mouse a vertex of the item is picked, in pixels of the image.
+  int pickTolerance(const ModelItem& item) const;
+
+  /// Applies an action and records it as one step, unless it changes nothing.
+  void pushStep(std::unique_ptr<NYXAction> action);
+
+private:
+  bool isSecondTap(const QTabletEvent& event);
+
+  QElapsedTimer _sinceTap; // of the pen
+  QPoint _tap;
+};

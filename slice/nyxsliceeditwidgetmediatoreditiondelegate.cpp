@@ -1,0 +1,267 @@
+#include "slice/nyxsliceeditwidgetmediatoreditiondelegate.h"
+
+#include "app/core/actions/nyxinsertvertexaction.h"
+#include "app/core/actions/nyxitemdeletionaction.h"
+#include "app/core/actions/nyxmodelitembrushaction.h"
+#include "app/core/actions/nyxmovevertexaction.h"
+#include "app/core/actions/nyxremovevertexaction.h"
+#include "app/core/nyxpreferences.h"
+#include "app/core/nyxstack.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+#include "slice/nyxregionbrush.h"
+#include "slice/nyxsliceeditwidgetcanvas.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPainter>
+
+namespace
+{
+constexpr int moveRadius = 10; // pixels of the image, whatever the zoom
+}
+
+NYXSliceEditWidgetMediatorEditionDelegate::NYXSliceEditWidgetMediatorEditionDelegate(
+    NYXSliceEditWidgetMediator& mediator)
+  : NYXSliceEditWidgetMediatorDelegate(mediator), _toolBar(new NYXVertexEditionToolBar(&canvas()))
+{
+  setBlocking(true);
+  _toolBar->hide();
+  connect(_toolBar, &NYXVertexEditionToolBar::modeChosen, this, &NYXSliceEditWidgetMediatorEditionDelegate::setMode);
+  connect(_toolBar, &NYXVertexEditionToolBar::endChosen, this, &NYXSliceEditWidgetMediatorEditionDelegate::deactivate);
+}
+
+NYXSliceEditWidgetMediatorEditionDelegate::~NYXSliceEditWidgetMediatorEditionDelegate() = default;
+
+void NYXSliceEditWidgetMediatorEditionDelegate::activate()
+{
+  if (!editCanvas().hasSlice() || slice().getSelectedItems().empty()) return;
+  _item = slice().getSelectedItems().back();
+  _isPressed = false;
+  _toolBar->setModesEnabled(!_item->isRegion());
+  _mode = _item->isRegion() ? VertexEditionMode::Delete : VertexEditionMode::Move;
+  NYXSliceEditWidgetMediatorDelegate::activate();
+  setMode(_mode);
+  _toolBar->move(canvas().mapToGlobal(QPoint(10, 10)));
+  _toolBar->show();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::deactivate()
+{
+  giveUp();
+  _toolBar->hide();
+  _item = nullptr;
+  NYXSliceEditWidgetMediatorDelegate::deactivate();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::setMode(VertexEditionMode mode)
+{
+  giveUp();
+  _mode = _item != nullptr && _item->isRegion() ? VertexEditionMode::Delete : mode;
+  _toolBar->setMode(_mode);
+  canvas().setCursor(_mode == VertexEditionMode::Delete ? Qt::BlankCursor : Qt::CrossCursor);
+  showMode();
+  canvas().update();
+}
+
+QString NYXSliceEditWidgetMediatorEditionDelegate::editMode() const
+{
+  return _mode == VertexEditionMode::Move ? "MOVE" : _mode == VertexEditionMode::Insert ? "INSERT" : "DELETE";
+}
+
+QString NYXSliceEditWidgetMediatorEditionDelegate::hint() const
+{
+  switch (_mode)
+  {
+  case VertexEditionMode::Move:
+    return tr("Drag a point to move it, right click for other modes, Escape to end");
+  case VertexEditionMode::Insert:
+    return tr("Press near the contour and drag to insert points, right click for other modes, Escape to end");
+  default:
+    return _item != nullptr && _item->isRegion() ? tr("Drag to erase the region, Escape to end")
+                                                 : tr("Click or drag over points to delete them, Escape to end");
+  }
+}
+
+// ------------------------------------------------------------------------------------------------ mouse and pen
+
+void NYXSliceEditWidgetMediatorEditionDelegate::contextMenuEvent(QContextMenuEvent& event)
+{
+  QMenu menu(&canvas());
+  menu.setObjectName("vertexEditionMenu");
+  _toolBar->fill(menu);
+  menu.exec(event.globalPos());
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::press(const NYXPointerEvent& event)
+{
+  _cursor = event.position;
+  if (event.button != Qt::LeftButton || !isOnImage(_cursor)) return;
+  const Vector<int> point = canvas().convertToVectori(_cursor);
+  _isPressed = true;
+  switch (_mode)
+  {
+  case VertexEditionMode::Move:
+    return beginMove(point);
+  case VertexEditionMode::Insert:
+    return beginInsertion(point);
+  default:
+    return beginDeletion(point);
+  }
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::move(const NYXPointerEvent& event)
+{
+  _cursor = event.position;
+  canvas().update();
+  if (!_isPressed) return;
+  const Vector<int> point = pointOnImage(_cursor);
+  if (_moveAction)
+  {
+    _moveAction->setPoint(point);
+    _moveAction->apply();
+  }
+  else if (_mode == VertexEditionMode::Insert && _insertionIndex >= 0)
+    insert(point);
+  else if (_mode == VertexEditionMode::Delete)
+    deleteNear(point);
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::release()
+{
+  if (!_isPressed) return;
+  _isPressed = false;
+  if (_moveAction && !_moveAction->isNull())
+  {
+    editMediator().history().openStep();
+    editMediator().history().push(std::move(_moveAction), false);
+  }
+  _moveAction.reset();
+  _insertionIndex = -1;
+  closeStep();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::giveUp()
+{
+  if (!_isPressed) return;
+  _isPressed = false;
+  if (_moveAction) _moveAction->revert();
+  _moveAction.reset();
+  _insertionIndex = -1;
+  editMediator().history().abandonStep();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::openStep()
+{
+  if (!editMediator().history().isStepOpen()) editMediator().history().openStep();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::closeStep()
+{
+  if (editMediator().history().isStepOpen()) editMediator().history().closeStep();
+}
+
+// -------------------------------------------------------------------------------------------------- the changes
+
+void NYXSliceEditWidgetMediatorEditionDelegate::beginMove(const Vector<int>& point)
+{
+  const int vertex = _item->findNearestVertex(point, moveRadius);
+  if (vertex >= 0) _moveAction = std::make_unique<NYXMoveVertexAction>(*_item, vertex);
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::beginInsertion(const Vector<int>& point)
+{
+  const bool isPoints = _item->getModel()->getGeometry() == MPrimitive::Polypoint;
+  _insertionIndex = isPoints ? _item->getSize() : _item->findInsertion(point, pickTolerance(*_item));
+  if (_insertionIndex < 0) return;
+  openStep();
+  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, _insertionIndex, point), true);
+  _last = point;
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::insert(const Vector<int>& point)
+{
+  if (point == _last) return;
+  _last = point;
+  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, ++_insertionIndex, point), true);
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::beginDeletion(const Vector<int>& point)
+{
+  openStep();
+  _last = point;
+  deleteNear(point);
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::deleteNear(const Vector<int>& point)
+{
+  if (_item->isRegion()) return erase(point);
+  const int vertex = _item->findNearestVertex(point, pickTolerance(*_item));
+  if (vertex < 0) return;
+  const QString refusal = deletionRefusal();
+  if (refusal.isEmpty())
+    return editMediator().history().push(std::make_unique<NYXRemoveVertexAction>(*_item, vertex), true);
+  release();
+  QMessageBox::warning(&editMediator().window(), "Warning", refusal);
+}
+
+QString NYXSliceEditWidgetMediatorEditionDelegate::deletionRefusal() const
+{
+  const MPrimitive geometry = _item->getModel()->getGeometry();
+  if (_item->getSize() > minNumVertices(geometry)) return {};
+  if (geometry == MPrimitive::Polygon)
+    return "You cannot remove any vertex from this contour.\n\nReason: cannot make a closed contour with less than 3 "
+           "vertices.";
+  if (geometry == MPrimitive::Polyline)
+    return "You cannot remove any vertex from this contour.\n\nReason: cannot make an open contour with less than 2 "
+           "vertices.";
+  return "You cannot remove this vertex.\n\nReason: it is the last one.";
+}
+
+/// A region of which nothing is left goes as a whole.
+void NYXSliceEditWidgetMediatorEditionDelegate::erase(const Vector<int>& point)
+{
+  const RLEItemSet stroke = brushStroke(imageBox(), _last, point, NYXPreferences::getRegionBrushSize());
+  _last = point;
+  RLEItemSet rest = _item->getRLEItemSet();
+  rest.remove(stroke);
+  NYXActionHistory& history = editMediator().history();
+  if (!rest.isEmpty())
+    return history.push(std::make_unique<NYXModelItemBrushAction>(*_item, stroke, NYXModelItemBrushAction::Erase),
+                        true);
+  ModelItem& item = *_item;
+  _item = nullptr;
+  _isPressed = false;
+  history.push(std::make_unique<NYXItemDeletionAction>(item), true);
+  closeStep();
+  deactivate();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::paint(QPainter& painter)
+{
+  if (!isActive() || _item == nullptr) return;
+  const QColor color = NYXPreferences::getSelectionColor();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(color, 1));
+  const Vertices<int>& vertices = _item->getVertices();
+  const QRectF visible = QRectF(canvas().rect()).adjusted(-4, -4, 4, 4);
+  for (int i = 0; i < vertices.getNumVertices(); ++i)
+  {
+    const QPointF center = canvasCenter(vertices.data(i));
+    if (visible.contains(center)) painter.drawRect(QRectF(center - QPointF(2.5, 2.5), QSizeF(5, 5)));
+  }
+  if (_mode == VertexEditionMode::Delete)
+  {
+    const double radius = pickTolerance(*_item) + 0.5;
+    painter.drawEllipse(QPointF(_cursor), radius * canvas().viewport().scaleX(), radius * canvas().viewport().scaleY());
+  }
+  if (_mode == VertexEditionMode::Insert || !isOnImage(_cursor)) return;
+  const int radius = _mode == VertexEditionMode::Move ? moveRadius : pickTolerance(*_item);
+  const int nearest = _item->isRegion() ? -1 : _item->findNearestVertex(canvas().convertToVectori(_cursor), radius);
+  if (nearest < 0) return;
+  painter.setBrush(color);
+  painter.drawEllipse(canvasCenter(vertices.data(nearest)), 4, 4);
+}

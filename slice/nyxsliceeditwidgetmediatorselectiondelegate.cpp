@@ -1,0 +1,358 @@
+#include "slice/nyxsliceeditwidgetmediatorselectiondelegate.h"
+
+#include "app/core/actions/nyxitemcreationaction.h"
+#include "app/core/actions/nyxitemdeletionaction.h"
+#include "app/core/actions/nyxitemselectionconversionaction.h"
+#include "app/core/actions/nyxitemtriangulationtagaction.h"
+#include "app/core/actions/nyxitemverticeschangeaction.h"
+#include "app/core/actions/nyxremoveselectionaction.h"
+#include "app/core/actions/nyxselectionaction.h"
+#include "app/core/nyxpreferences.h"
+#include "app/core/nyxstack.h"
+#include "geometry/curve.h"
+#include "geometry/curveprocessing/curvedecimation.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+#include "slice/nyxcontourvertices.h"
+#include "slice/nyxregionbrush.h"
+#include "slice/nyxsliceeditwidgetcanvas.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMessageBox>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace
+{
+ModelItemSelection selectionOf(const ModelItem& item, bool isSelected)
+{
+  ModelItemSelection selection = item.getSelection();
+  selection.set(isSelected);
+  return selection;
+}
+
+bool isCurve(const ModelItem& item)
+{
+  const MPrimitive geometry = item.getModel()->getGeometry();
+  return geometry == MPrimitive::Polygon || geometry == MPrimitive::Polyline;
+}
+
+bool isInside(const ModelItem& item, const BoundingBox<int>& box)
+{
+  const BoundingBox<int> bounds = item.boundingBox();
+  return !bounds.isEmpty() && box.contains(bounds.getMinimum()) && box.contains(bounds.getMaximum());
+}
+
+/// The points of an item that lie in a box are selected as well.
+ModelItemSelection withPointsInside(const ModelItem& item, const BoundingBox<int>& box)
+{
+  ModelItemSelection selection = item.getSelection();
+  for (int i = 0; i < item.getVertices().getNumVertices(); ++i)
+    if (box.contains(item.getVertices()[i])) selection.set(true, i, false);
+  return selection;
+}
+
+/// What is selected of an item, as an item that belongs to no slice.
+std::unique_ptr<ModelItem> copyOfSelection(const ModelItem& item)
+{
+  auto copy = std::make_unique<ModelItem>(item);
+  if (!item.isRegion()) copy->setVertices(item.selectedVertices());
+  copy->setModel(nullptr);
+  copy->setSlice(nullptr);
+  return copy;
+}
+
+void moveInto(const BoundingBox<int>& box, ModelItem& item)
+{
+  if (item.isRegion()) return item.setRLEItemSet(clippedTo(box, item.getRLEItemSet()));
+  Vertices<int> vertices = item.getVertices();
+  clampTo(box, vertices);
+  item.setVertices(vertices);
+}
+} // namespace
+
+NYXSliceEditWidgetMediatorSelectionDelegate::NYXSliceEditWidgetMediatorSelectionDelegate(
+    NYXSliceEditWidgetMediator& mediator)
+  : NYXSliceEditWidgetMediatorDelegate(mediator)
+{
+}
+
+NYXSliceEditWidgetMediatorSelectionDelegate::~NYXSliceEditWidgetMediatorSelectionDelegate() = default;
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::activate()
+{
+  setActive(true);
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::deactivate()
+{
+  _isDragging = false;
+  setActive(false);
+}
+
+ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedItem() const
+{
+  return editCanvas().hasSlice() ? slice().getSelectedItem() : nullptr;
+}
+
+ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedCurve() const
+{
+  if (!editCanvas().hasSlice()) return nullptr;
+  const std::vector<ModelItem*> items = slice().getSelectedItems();
+  return items.size() == 1 && isCurve(*items.front()) ? items.front() : nullptr;
+}
+
+// ------------------------------------------------------------------------------------------------ mouse and pen
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::contextMenuEvent(QContextMenuEvent& event)
+{
+  editMediator().showContextMenu(event.globalPos());
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& event)
+{
+  if (event.button != Qt::LeftButton || !editCanvas().hasSlice() || !isOnImage(event.position)) return;
+  selectNear(canvas().convertToVectori(event.position), event.modifiers & Qt::ShiftModifier);
+  _isDragging = true;
+  _boxStart = _boxEnd = event.position;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& event)
+{
+  if (!_isDragging) return;
+  _boxEnd = event.position;
+  canvas().update();
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::release()
+{
+  if (!_isDragging) return;
+  _isDragging = false;
+  canvas().update();
+  if ((_boxEnd - _boxStart).manhattanLength() < QApplication::startDragDistance()) return; // a click
+  const QRect rect = QRect(_boxStart, _boxEnd).normalized();
+  selectInBox(BoundingBox<int>(pointOnImage(rect.topLeft()), pointOnImage(rect.bottomRight())));
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::paint(QPainter& painter)
+{
+  if (!_isDragging) return;
+  const QColor color = NYXPreferences::getSelectionColor();
+  painter.setPen(QPen(color, 1));
+  painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
+  painter.drawRect(QRect(_boxStart, _boxEnd).normalized());
+}
+
+// ---------------------------------------------------------------------------------------------------- selecting
+
+bool NYXSliceEditWidgetMediatorSelectionDelegate::setSelection(ModelItem& item, const ModelItemSelection& selection)
+{
+  NYXSelectionAction action(item, selection);
+  if (action.isNull()) return false;
+  action.apply();
+  return true;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::notifySelection()
+{
+  editMediator().notifyEvent(NYXSliceItemSelectionEvent(slice()));
+}
+
+int NYXSliceEditWidgetMediatorSelectionDelegate::findNear(const ModelItem& item, const Vector<int>& point) const
+{
+  const int tolerance = pickTolerance(item);
+  if (item.isRegion())
+  {
+    const auto nearest = item.getRLEItemSet().nearestPosition(point[0], point[1]);
+    if (!nearest) return -1;
+    const double dx = (*nearest)[0] - point[0];
+    const double dy = (*nearest)[1] - point[1];
+    return dx * dx + dy * dy <= static_cast<double>(tolerance) * tolerance ? 0 : -1;
+  }
+  const int vertex = item.findNearestVertex(point, tolerance);
+  return vertex < 0 && isCurve(item) && item.findInsertion(point, tolerance) >= 0 ? 0 : vertex;
+}
+
+ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(const ModelItem& item,
+                                                                              const Vector<int>& point,
+                                                                              bool isExtending) const
+{
+  ModelItemSelection selection = item.getSelection();
+  const int vertex = findNear(item, point);
+  if (vertex < 0)
+  {
+    if (!isExtending) selection.set(false);
+  }
+  else if (isCurve(item) || item.isRegion())
+    selection.invert();
+  else
+    selection.set(!selection.isSelected(vertex), vertex, !isExtending);
+  return selection;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::selectNear(const Vector<int>& point, bool isExtending)
+{
+  bool isChanged = false;
+  for (ModelItem* item : slice().getItems())
+    isChanged = setSelection(*item, selectionNear(*item, point, isExtending)) || isChanged;
+  if (isChanged) notifySelection();
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::selectInBox(const BoundingBox<int>& box)
+{
+  bool isChanged = false;
+  for (ModelItem* item : slice().getItems())
+  {
+    const bool isWhole = isCurve(*item) || item->isRegion();
+    if (isWhole && !isInside(*item, box)) continue;
+    isChanged = setSelection(*item, isWhole ? selectionOf(*item, true) : withPointsInside(*item, box)) || isChanged;
+  }
+  if (isChanged) notifySelection();
+}
+
+template <class Test> void NYXSliceEditWidgetMediatorSelectionDelegate::selectItems(const Test& test)
+{
+  if (!editCanvas().hasSlice()) return;
+  bool isChanged = false;
+  for (ModelItem* item : slice().getItems())
+    isChanged = setSelection(*item, selectionOf(*item, test(*item))) || isChanged;
+  if (isChanged) notifySelection();
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::cancelSelection()
+{
+  selectItems([](const ModelItem&) { return false; });
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::selectAllModelItems()
+{
+  selectItems([](const ModelItem&) { return true; });
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::selectModelItems(const QString& modelName)
+{
+  selectItems([name = modelName.toStdString()](const ModelItem& item) { return item.getModel()->getName() == name; });
+}
+
+// ------------------------------------------------------------------------------------------------- the clipboard
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::copySelection()
+{
+  const std::vector<ModelItem*> items = slice().getSelectedItems();
+  if (items.empty()) return;
+  _clipboard.clear();
+  for (const ModelItem* item : items) _clipboard.push_back({item->getModel()->getName(), copyOfSelection(*item)});
+  editMediator().updateEditActions();
+}
+
+/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it.
+std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(const Copied& copied) const
+{
+  const int i = stack().findModel(copied.model);
+  if (i < 0 ||
+      (stack().getModel(i)->getGeometry() == MPrimitive::Region) != (copied.item->getVertices().getSize() == 0))
+    return nullptr;
+  auto item = std::make_unique<ModelItem>(*copied.item);
+  item->setModel(stack().getModel(i));
+  item->setSlice(&slice());
+  moveInto(imageBox(), *item);
+  if (item->getSize() == 0) return nullptr;
+  item->getSelection().set(true);
+  return item;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::pasteSelection()
+{
+  std::vector<std::unique_ptr<ModelItem>> items;
+  for (const Copied& copied : _clipboard)
+    if (auto item = pasted(copied)) items.push_back(std::move(item));
+  const std::size_t numMissing = _clipboard.size() - items.size();
+  if (!items.empty())
+  {
+    cancelSelection();
+    pushStep(std::make_unique<NYXItemCreationAction>(std::move(items)));
+    notifySelection();
+  }
+  if (numMissing > 0)
+    editMediator().showMessage(tr("The stack has no model for %n of the items.", "", static_cast<int>(numMissing)));
+}
+
+// ---------------------------------------------------------------------------------------------- what is selected
+
+QString NYXSliceEditWidgetMediatorSelectionDelegate::removalRefusal(const ModelItem& item) const
+{
+  if (item.getSelection().isComplete()) return {};
+  const int numLeft = item.getSize() - item.getSelection().getSize();
+  const int minimum = minNumVertices(item.getModel()->getGeometry());
+  if (item.isRegion() || numLeft >= minimum) return {};
+  return QString("%1:\n\nCould not remove selected vertices since this would leave only %2 vertices on the contour "
+                 "(the minimum number of vertices per contour is %3 in this model).")
+      .arg(QString::fromStdString(item.getModel()->getName()))
+      .arg(numLeft)
+      .arg(minimum);
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::removeSelection()
+{
+  std::vector<ModelItem*> whole;
+  std::vector<std::unique_ptr<NYXAction>> actions;
+  QStringList refusals;
+  for (ModelItem* item : slice().getSelectedItems())
+  {
+    const QString refusal = removalRefusal(*item);
+    if (!refusal.isEmpty())
+      refusals << refusal;
+    else if (item->getSelection().isComplete())
+      whole.push_back(item);
+    else
+      actions.push_back(std::make_unique<NYXRemoveSelectionAction>(*item));
+  }
+  if (!whole.empty()) actions.push_back(std::make_unique<NYXItemDeletionAction>(whole));
+  editMediator().pushStep(std::move(actions));
+  notifySelection();
+  for (const QString& refusal : refusals) QMessageBox::warning(&editMediator().window(), "Vertex suppresion", refusal);
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
+{
+  std::vector<std::unique_ptr<NYXAction>> actions;
+  for (ModelItem* item : slice().getSelectedItems())
+  {
+    if (!isCurve(*item)) continue;
+    Curve<int> decimated;
+    CurveDecimation<int>().apply(Curve<int>(item->getVertices(), !item->isClosed()), decimated);
+    if (decimated.getSize() >= minNumVertices(item->getModel()->getGeometry()))
+      actions.push_back(std::make_unique<NYXItemVerticesChangeAction>(*item, decimated));
+  }
+  editMediator().pushStep(std::move(actions));
+  notifySelection();
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
+{
+  const int i = stack().findModel(modelName.toStdString());
+  if (i < 0) return;
+  Model* const destination = stack().getModel(i);
+  std::vector<std::unique_ptr<NYXAction>> actions;
+  std::vector<ModelItem*> items = slice().getSelectedItems();
+  std::reverse(items.begin(), items.end());
+  for (ModelItem* item : items)
+    if (item->getModel() != destination)
+      actions.push_back(std::make_unique<NYXItemSelectionConversionAction>(*item, destination));
+  if (actions.empty()) return;
+  editMediator().pushStep(std::move(actions));
+  notifySelection();
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::changeSelectionTriangulationTag(const QAction& action)
+{
+  ModelItem* const item = selectedItem();
+  if (item == nullptr) return;
+  const auto tag = static_cast<CurveStackTriangulationContourTag>(action.data().toInt());
+  pushStep(std::make_unique<NYXItemTriangulationTagAction>(*item, tag));
+}

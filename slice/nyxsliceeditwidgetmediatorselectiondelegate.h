@@ -1,0 +1,85 @@
+#pragma once
+
+#include "slice/nyxsliceeditwidgetmediatordelegate.h"
+
+#include "model/modelitemselection.h"
+
+#include <QPoint>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+
+/// Selects items and points, by clicks and by a rubber box, and changes what is selected. Active when no other tool is.
+///
+/// Selecting is not undone; what is done to the selection is one step each.
+class NYXSliceEditWidgetMediatorSelectionDelegate : public NYXSliceEditWidgetMediatorDelegate
+{
+  Q_OBJECT
+
+public:
+  explicit NYXSliceEditWidgetMediatorSelectionDelegate(NYXSliceEditWidgetMediator& mediator);
+  ~NYXSliceEditWidgetMediatorSelectionDelegate() override;
+
+  void activate() override;
+  void deactivate() override;
+  void cancel() override {}
+
+  bool hasClipboard() const { return !_clipboard.empty(); }
+  /// The first selected item of the slice, or nullptr.
+  ModelItem* selectedItem() const;
+  /// The only selected closed or open curve of the slice, or nullptr.
+  ModelItem* selectedCurve() const;
+
+  void paint(QPainter& painter) override;
+
+public slots:
+  void cancelSelection();
+  void selectAllModelItems();
+  /// All items of the model of this name, and no others.
+  void selectModelItems(const QString& modelName);
+  void copySelection();
+  void pasteSelection();
+  void removeSelection();
+  /// Leaves out vertices of the selected curves that their shape hardly needs.
+  void decimateSelection();
+  /// Moves what is selected to the model of this name.
+  void convertSelection(const QString& modelName);
+  /// The action carries the tag for the first selected item.
+  void changeSelectionTriangulationTag(const QAction& action);
+
+protected:
+  QString editMode() const override { return "READY"; }
+  QString hint() const override { return {}; }
+  void press(const NYXPointerEvent& event) override;
+  void move(const NYXPointerEvent& event) override;
+  void release() override;
+  void contextMenuEvent(QContextMenuEvent& event) override;
+
+private:
+  /// What was copied: an item of its own, and the name of its model.
+  struct Copied
+  {
+    std::string model;
+    std::unique_ptr<ModelItem> item;
+  };
+
+  void selectNear(const Vector<int>& point, bool isExtending);
+  /// The vertex near the point, 0 for a curve or region that is near it; -1 when none is.
+  int findNear(const ModelItem& item, const Vector<int>& point) const;
+  ModelItemSelection selectionNear(const ModelItem& item, const Vector<int>& point, bool isExtending) const;
+  void selectInBox(const BoundingBox<int>& box);
+  bool setSelection(ModelItem& item, const ModelItemSelection& selection);
+  /// Selects all vertices of the items for which the test holds, and none of the others.
+  template <class Test> void selectItems(const Test& test);
+  void notifySelection();
+  QString removalRefusal(const ModelItem& item) const;
+  std::unique_ptr<ModelItem> pasted(const Copied& copied) const;
+
+  bool _isDragging = false;
+  QPoint _boxStart; // on the canvas
+  QPoint _boxEnd;
+  std::vector<Copied> _clipboard;
+};

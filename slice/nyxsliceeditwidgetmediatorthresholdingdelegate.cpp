@@ -1,0 +1,113 @@
+#include "slice/nyxsliceeditwidgetmediatorthresholdingdelegate.h"
+
+#include "app/core/actions/nyxitemcreationaction.h"
+#include "app/core/nyxpreferences.h"
+#include "app/core/nyxstack.h"
+#include "geometry/curveprocessing/curvedecimation.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "slice/image/nyximageproxy.h"
+#include "slice/nyxroicontour.h"
+#include "slice/nyxsliceeditwidgetcanvas.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPainter>
+
+namespace
+{
+constexpr auto resultTitle = "Automatic thresholding result";
+constexpr double pixelsPerLevel = 0.1; // tolerance of a level of decimation
+} // namespace
+
+NYXSliceEditWidgetMediatorThresholdingDelegate::NYXSliceEditWidgetMediatorThresholdingDelegate(
+    NYXSliceEditWidgetMediator& mediator)
+  : NYXSliceEditWidgetMediatorDelegate(mediator)
+{
+  setBlocking(true);
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::activate(const QString& modelName)
+{
+  if (stack().findModel(modelName.toStdString()) < 0) return;
+  _modelName = modelName;
+  _isDrawing = false;
+  NYXSliceEditWidgetMediatorDelegate::activate();
+  canvas().setCursor(Qt::CrossCursor);
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::deactivate()
+{
+  _isDrawing = false;
+  NYXSliceEditWidgetMediatorDelegate::deactivate();
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::press(const NYXPointerEvent& event)
+{
+  if (event.button != Qt::LeftButton) return;
+  _isDrawing = true;
+  _from = _to = event.position;
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::move(const NYXPointerEvent& event)
+{
+  if (!_isDrawing) return;
+  _to = event.position;
+  canvas().update();
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::release()
+{
+  if (!_isDrawing) return;
+  _isDrawing = false;
+  const QRect rect = QRect(_from, _to).normalized();
+  const Vector<int> first = pointOnImage(rect.topLeft());
+  const Vector<int> last = pointOnImage(rect.bottomRight());
+  const QString result = run(QRect(QPoint(first[0], first[1]), QPoint(last[0], last[1])));
+  deactivate();
+  if (!result.isEmpty()) QMessageBox::information(&editMediator().window(), resultTitle, result);
+}
+
+bool NYXSliceEditWidgetMediatorThresholdingDelegate::ask(const QString& label, int& level, int largest, int step) const
+{
+  bool isAccepted = false;
+  const int answer = QInputDialog::getInt(&editMediator().window(), tr("Automatic thresholding"), label, level, 0,
+                                          largest, step, &isAccepted);
+  if (isAccepted) level = answer;
+  return isAccepted;
+}
+
+QString NYXSliceEditWidgetMediatorThresholdingDelegate::run(const QRect& roi)
+{
+  if (!canvas().getImageProxy().hasImage()) return tr("The image of this slice is not there.");
+  if (!ask("Enter smoothing level:", _smoothing, 50, 1)) return {};
+  const auto contour = contourInRoi(canvas().getImageProxy().getImage(), roi, _smoothing);
+  if (!contour) return "No starting point found. Retry with another ROI.";
+  if (!ask("Enter decimation level:", _decimation, 100, 5)) return {};
+  Curve<int> decimated = *contour;
+  if (_decimation > 0)
+    CurveDecimation<int>(static_cast<Real<int>>(_decimation * pixelsPerLevel)).apply(*contour, decimated);
+  if (decimated.getSize() < minNumVertices(MPrimitive::Polygon))
+    return "The detected contour does not contain enough points\nHint: try using a smaller decimation level";
+  create(decimated);
+  return QString::asprintf("Curve created with %d vertices", decimated.getSize());
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::create(const Vertices<int>& vertices)
+{
+  const int model = stack().findModel(_modelName.toStdString());
+  auto item = std::make_unique<ModelItem>(stack().getModel(model), &slice());
+  item->setVertices(vertices);
+  item->setClockwise(false);
+  pushStep(std::make_unique<NYXItemCreationAction>(std::move(item)));
+}
+
+void NYXSliceEditWidgetMediatorThresholdingDelegate::paint(QPainter& painter)
+{
+  if (!isActive() || !_isDrawing) return;
+  const QColor color = NYXPreferences::getSelectionColor();
+  painter.setPen(QPen(color, 1));
+  painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
+  painter.drawRect(QRect(_from, _to).normalized());
+}
