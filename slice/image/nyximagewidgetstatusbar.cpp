@@ -13,7 +13,7 @@ NYXImageWidgetStatusBar::NYXImageWidgetStatusBar(QWidget* parent) : QWidget(pare
       addField("pixelField", tr("Position and value of the pixel under the cursor"), "X=9999, Y=9999, RGB=255,255,255");
   _zoom = addField("zoomField", tr("Pixels of the screen per pixel of the image"), "6400%");
   _size = addField("imageSizeField", tr("Width and height of the image in pixels, and the memory that it takes"),
-                   "9999x9999 [99.9 Mb]");
+                   "16384x16384 [256 Mb]");
   _type = addField("imageTypeField", tr("Kind of the image"), "8 bits, palette");
 }
 

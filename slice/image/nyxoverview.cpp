@@ -20,7 +20,8 @@
 
 namespace
 {
-constexpr int clearingDelay = 100; // milliseconds
+constexpr int clearingDelay = 100;  // milliseconds
+constexpr double smallestFrame = 5; // as it is drawn
 
 /// Every step-th pixel of every step-th line.
 Image thinnedOut(const Image& image, int step)
@@ -36,6 +37,13 @@ Image thinnedOut(const Image& image, int step)
   }
   return result;
 }
+/// About the same centre, to be seen however small it is.
+QRectF enlarged(const QRectF& rect)
+{
+  QRectF result(QPointF(), QSizeF(std::max(rect.width(), smallestFrame), std::max(rect.height(), smallestFrame)));
+  result.moveCenter(rect.center());
+  return result;
+}
 } // namespace
 
 NYXOverview::NYXOverview(NYXImageWidget& widget, QWidget* parent) : QWidget(parent, Qt::Tool), _widget(widget)
@@ -46,7 +54,6 @@ NYXOverview::NYXOverview(NYXImageWidget& widget, QWidget* parent) : QWidget(pare
   setMouseTracking(true);
   setFocusPolicy(Qt::NoFocus);
   setAttribute(Qt::WA_ShowWithoutActivating);
-  setToolTip(tr("Click or drag to move the view"));
   _clearing.setSingleShot(true);
   connect(&_clearing, &QTimer::timeout, this, &NYXOverview::updatePicture);
   connect(&widget, &NYXImageWidget::viewChanged, this, &NYXOverview::follow);
@@ -137,10 +144,11 @@ void NYXOverview::paintEvent(QPaintEvent*)
   if (!_picture.isNull()) painter.drawPixmap(imageRect(), _picture, _picture.rect());
   const QRectF view = frame();
   if (view.isEmpty()) return;
+  const QRectF drawn = enlarged(view.adjusted(1, 1, -1, -1));
   painter.setPen(QPen(QColor(0, 0, 0, 160), 4));
-  painter.drawRect(view.adjusted(1, 1, -2, -2));
+  painter.drawRect(drawn);
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 2));
-  painter.drawRect(view.adjusted(1, 1, -2, -2));
+  painter.drawRect(drawn);
 }
 
 void NYXOverview::mousePressEvent(QMouseEvent* event)
