@@ -18,6 +18,7 @@ void addCheckCommand(CLI::App& app, Run& run);
 void addConvertCommand(CLI::App& app, Run& run);
 void addExportCommand(CLI::App& app, Run& run);
 void addMeasureCommand(CLI::App& app, Run& run);
+void addRegisterCommand(CLI::App& app, Run& run);
 void addImageCommand(CLI::App& app, Run& run);
 void addThresholdCommand(CLI::App& app, Run& run);
 void addLabelCommand(CLI::App& app, Run& run);

@@ -44,6 +44,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   addConvertCommand(app, run);
   addExportCommand(app, run);
   addMeasureCommand(app, run);
+  addRegisterCommand(app, run);
   addImageCommand(app, run);
   addThresholdCommand(app, run);
   addLabelCommand(app, run);

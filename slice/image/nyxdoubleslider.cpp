@@ -64,8 +64,9 @@ void NYXDoubleSlider::paintEvent(QPaintEvent*)
   QPainter painter(this);
   const QRect bar((width() - barWidth) / 2, handleHeight, barWidth, height() - 2 * handleHeight);
   QLinearGradient gradient(bar.bottomLeft(), bar.topLeft());
-  gradient.setColorAt(static_cast<double>(_values[0]), Qt::black);
-  gradient.setColorAt(std::max(static_cast<double>(_values[1]), static_cast<double>(_values[0]) + 1e-6), Qt::white);
+  const double black = std::min(static_cast<double>(_values[0]), 1 - 1e-6);
+  gradient.setColorAt(black, Qt::black);
+  gradient.setColorAt(std::max(static_cast<double>(_values[1]), black + 1e-6), Qt::white);
   painter.setPen(palette().color(QPalette::Mid));
   painter.setBrush(gradient);
   painter.drawRect(bar.adjusted(0, 0, -1, -1));
@@ -92,6 +93,7 @@ void NYXDoubleSlider::mousePressEvent(QMouseEvent* event)
   const float value = valueAt(event->y());
   const float toLower = std::abs(value - _values[0]);
   const float toUpper = std::abs(value - _values[1]);
+  _isDragged = true;
   _handle = toLower == toUpper ? (value > _values[1] ? 1 : 0) : toLower < toUpper ? 0 : 1;
   moveHandle(_handle, value);
   update();
@@ -99,12 +101,14 @@ void NYXDoubleSlider::mousePressEvent(QMouseEvent* event)
 
 void NYXDoubleSlider::mouseMoveEvent(QMouseEvent* event)
 {
-  if (event->buttons() & Qt::LeftButton) moveHandle(_handle, valueAt(event->y()));
+  if (_isDragged && event->buttons() & Qt::LeftButton) moveHandle(_handle, valueAt(event->y()));
 }
 
 void NYXDoubleSlider::mouseDoubleClickEvent(QMouseEvent* event)
 {
-  if (event->button() == Qt::LeftButton) setValues(0, 1);
+  if (event->button() != Qt::LeftButton) return;
+  _isDragged = false; // the mouse may tremble until the button is up
+  setValues(0, 1);
 }
 
 void NYXDoubleSlider::keyPressEvent(QKeyEvent* event)

@@ -38,4 +38,5 @@ private:
 
   float _values[2] = {0, 1};
   int _handle = 1; // the one that is dragged, and that the keys move
+  bool _isDragged = false;
 };

@@ -11,24 +11,35 @@
 #include <cmath>
 #include <cstring>
 
-/// What is drawn of a level along one axis.
+/// Which pixels of a level are drawn along one axis.
 struct NYXImagePainter::Axis
 {
-  int first;   ///< index of the first pixel
-  int step;    ///< every step-th pixel is drawn
-  int count;   ///< number of pixels drawn
-  double zoom; ///< device pixels per drawn pixel
+  int levelExtent;
+  int canvasExtent;
+  double zoom; ///< device pixels per pixel of the level
+  int offset;  ///< of the canvas's corner from the level's, in device pixels, so that panning moves whole ones
 
-  Axis(int levelExtent, int imageExtent, int origin, int canvasExtent, double scale)
+  Axis(int level, int image, int origin, int canvas, double scale)
+    : levelExtent(level),
+      canvasExtent(canvas),
+      zoom(scale * image / level),
+      offset(static_cast<int>(std::lround(origin * scale)))
   {
-    const double share = static_cast<double>(levelExtent) / imageExtent;
-    zoom = scale / share;
-    step = std::max(1, static_cast<int>(1 / zoom));
-    zoom *= step;
-    first =
-        std::clamp(static_cast<int>(origin * share), 0, levelExtent - 1) / step * step; // does not jump while panning
-    const int available = (levelExtent - first + step - 1) / step;
-    count = static_cast<int>(std::min(std::ceil(canvasExtent / zoom) + 1, static_cast<double>(available)));
+  }
+
+  bool isWholeZoom() const { return zoom == std::round(zoom); }
+  /// The pixel under the centre of a device pixel of the canvas.
+  int indexAt(int position) const { return std::max(0, static_cast<int>((offset + position + 0.5) / zoom)); }
+  int first() const { return std::min(indexAt(0), levelExtent - 1); }
+  /// Number of pixels from the first one on.
+  int count() const { return std::clamp(indexAt(canvasExtent - 1) + 1 - first(), 1, levelExtent - first()); }
+
+  /// The pixel for every device pixel of the canvas that shows one; the first one shows a thinner image, too.
+  std::vector<int> indices() const
+  {
+    std::vector<int> result = {first()};
+    for (int i = 1; i < canvasExtent && indexAt(i) < levelExtent; ++i) result.push_back(indexAt(i));
+    return result;
   }
 };
 
@@ -91,25 +102,29 @@ void drawLevels(int depth, float black, float white, const unsigned char* pixels
   glPixelTransferf(GL_ALPHA_BIAS, 0);
 }
 
-/// Copies every step-th pixel of a line.
-template <int numBytes> void sampleLine(const unsigned char* line, int step, int count, unsigned char* target)
+/// Copies the pixels of some columns of a line.
+template <int numBytes>
+void sampleLine(const unsigned char* line, const std::vector<int>& columns, unsigned char* target)
 {
-  for (int i = 0; i < count; ++i)
-    std::memcpy(target + i * numBytes, line + std::ptrdiff_t(i) * step * numBytes, numBytes);
+  for (const int column : columns)
+  {
+    std::memcpy(target, line + std::ptrdiff_t(column) * numBytes, numBytes);
+    target += numBytes;
+  }
 }
 
-void sampleLine(int numBytes, const unsigned char* line, int step, int count, unsigned char* target)
+void sampleLine(int numBytes, const unsigned char* line, const std::vector<int>& columns, unsigned char* target)
 {
   switch (numBytes)
   {
   case 1:
-    return sampleLine<1>(line, step, count, target);
+    return sampleLine<1>(line, columns, target);
   case 2:
-    return sampleLine<2>(line, step, count, target);
+    return sampleLine<2>(line, columns, target);
   case 3:
-    return sampleLine<3>(line, step, count, target);
+    return sampleLine<3>(line, columns, target);
   default:
-    return sampleLine<4>(line, step, count, target);
+    return sampleLine<4>(line, columns, target);
   }
 }
 } // namespace
@@ -128,7 +143,6 @@ void NYXImagePainter::paint(const Image& level, const NYXImageViewport& viewport
   const QPoint origin = viewport.getViewOrigin();
   const Axis x(level.getWidth(), image.width(), origin.x(), canvas.width(), viewport.scaleX() * pixelRatio);
   const Axis y(level.getHeight(), image.height(), origin.y(), canvas.height(), viewport.scaleY() * pixelRatio);
-  const bool isSampled = x.step > 1 || y.step > 1;
 
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
@@ -136,17 +150,43 @@ void NYXImagePainter::paint(const Image& level, const NYXImageViewport& viewport
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
   glRasterPos2i(0, 0);
-  glPixelZoom(static_cast<float>(x.zoom), static_cast<float>(-y.zoom));
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-  glPixelStorei(GL_UNPACK_ROW_LENGTH, isSampled ? x.count : level.getWidth());
-  glPixelStorei(GL_UNPACK_SKIP_PIXELS, isSampled ? 0 : x.first);
-  glPixelStorei(GL_UNPACK_SKIP_ROWS, isSampled ? 0 : y.first);
-  drawPixels(level, isSampled ? sample(level, x, y) : level.getData(), QSize(x.count, y.count));
+  // Mesa draws colour indices from the image's corner on, whatever is to be skipped.
+  const bool isZoomed = x.isWholeZoom() && y.isWholeZoom() && !level.isIndexed();
+  isZoomed ? drawZoomed(level, x, y) : drawSampled(level, x, y);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+  glPixelZoom(1, 1);
+}
+
+void NYXImagePainter::drawZoomed(const Image& level, const Axis& x, const Axis& y) const
+{
+  glPixelZoom(static_cast<float>(x.zoom), static_cast<float>(-y.zoom));
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, level.getWidth());
+  glPixelStorei(GL_UNPACK_SKIP_PIXELS, x.first());
+  glPixelStorei(GL_UNPACK_SKIP_ROWS, y.first());
+  drawPixels(level, level.getData(), QSize(x.count(), y.count()));
   glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
   glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
   glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
-  glPixelZoom(1, 1);
+}
+
+void NYXImagePainter::drawSampled(const Image& level, const Axis& x, const Axis& y)
+{
+  const std::vector<int> columns = x.indices();
+  const std::vector<int> rows = y.indices();
+  const int numBytes = level.bytesPerPixel();
+  const std::size_t bytesPerLine = columns.size() * static_cast<std::size_t>(numBytes);
+  _sampled.resize(rows.size() * bytesPerLine);
+  unsigned char* target = _sampled.data();
+  for (std::size_t i = 0; i < rows.size(); ++i, target += bytesPerLine)
+  {
+    if (i > 0 && rows[i] == rows[i - 1])
+      std::memcpy(target, target - bytesPerLine, bytesPerLine);
+    else
+      sampleLine(numBytes, level.getLine(rows[i]), columns, target);
+  }
+  glPixelZoom(1, -1);
+  drawPixels(level, _sampled.data(), QSize(static_cast<int>(columns.size()), static_cast<int>(rows.size())));
 }
 
 void NYXImagePainter::drawPixels(const Image& image, const unsigned char* pixels, const QSize& size) const
@@ -155,15 +195,4 @@ void NYXImagePainter::drawPixels(const Image& image, const unsigned char* pixels
     drawIndexed(image.getColormap(), pixels, size);
   else
     drawLevels(image.getDepth(), _black, _white, pixels, size);
-}
-
-const unsigned char* NYXImagePainter::sample(const Image& level, const Axis& x, const Axis& y)
-{
-  const int numBytes = level.bytesPerPixel();
-  const auto bytesPerLine = static_cast<std::size_t>(x.count) * static_cast<std::size_t>(numBytes);
-  _sampled.resize(bytesPerLine * static_cast<std::size_t>(y.count));
-  for (int i = 0; i < y.count; ++i)
-    sampleLine(numBytes, level.getLine(y.first + i * y.step) + std::ptrdiff_t(x.first) * numBytes, x.step, x.count,
-               _sampled.data() + static_cast<std::size_t>(i) * bytesPerLine);
-  return _sampled.data();
 }

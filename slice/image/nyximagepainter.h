@@ -15,14 +15,16 @@ public:
   void setBlackAndWhite(float black, float white);
 
   /// Draws a level of the pyramid into a canvas of the viewport's size, whose pixels are `pixelRatio` device pixels
-  /// wide. A level much finer than the screen is sampled first, so that a frame costs what the screen shows.
+  /// wide. At zooms that are not whole numbers the level is sampled first: a frame costs what the screen shows, and the
+  /// places of pixels do not depend on how a driver rounds.
   void paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio);
 
 private:
   struct Axis;
 
   void drawPixels(const Image& image, const unsigned char* pixels, const QSize& size) const;
-  const unsigned char* sample(const Image& level, const Axis& x, const Axis& y);
+  void drawZoomed(const Image& level, const Axis& x, const Axis& y) const;
+  void drawSampled(const Image& level, const Axis& x, const Axis& y);
 
   float _black = 0;
   float _white = 1;

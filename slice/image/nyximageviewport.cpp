@@ -58,7 +58,7 @@ void NYXImageViewport::setBestFitZoomFactor()
   const double cw = _canvasSize.width();
   const double ch = _canvasSize.height();
   const double zoom = ch * w > cw * h ? std::round(cw * h / w) / h : std::round(ch * w / h) / w;
-  _zoomFactor = static_cast<float>(zoom > 0 ? zoom : 1 / std::max(w, h)); // a long image still takes a pixel
+  _zoomFactor = static_cast<float>(zoom > 0 ? zoom : std::min(cw / w, ch / h)); // lower than a pixel
 }
 
 void NYXImageViewport::stepZoomFactor(bool zoomingIn)

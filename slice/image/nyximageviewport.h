@@ -32,7 +32,8 @@ public:
   void setZoomFactor(float factor) { _zoomFactor = factor; }
   bool isBestFitMode() const { return _isBestFit; }
   /// Leaving the mode replaces the fitted zoom by the next full one: a whole number, or a half, a quarter...; the next
-  /// larger one when `zoomingIn`, the next smaller one otherwise, the fitted one itself when it is one of them.
+  /// larger one when `zoomingIn`, the next smaller one otherwise, the fitted one itself when it is one of them (but
+  /// zooming in from a half gives 1).
   void setBestFitMode(bool isOn, bool zoomingIn);
   /// The zoom at which the whole image fits into the canvas; nothing happens while its size is not known.
   void setBestFitZoomFactor();

@@ -63,8 +63,8 @@ void NYXImageWidgetMediator::initialize()
 {
   _loadingNotice = new NYXLoadingNotice(canvas(), this);
   _ruler = new NYXRulerDelegate(*this);
-  new NYXPixelInfoDelegate(*this);
-  new NYXPanDelegate(*this); // the last one added looks at events first
+  new NYXPanDelegate(*this);
+  new NYXPixelInfoDelegate(*this); // the last one added looks at events first: it misses no move
   createActions();
   connectWidget();
   updateView();

@@ -90,8 +90,8 @@ signals:
 protected:
   QAction* createAction(const QString& text, const QString& toolTip, const QString& name, const QKeySequence& shortcut,
                         const std::function<void()>& trigger);
-  /// Asks the server for the proxy's image.
-  void attachProxy();
+  /// Asks the server for the proxy's image, if the canvas shows images.
+  virtual void attachProxy();
   void detachProxy();
   /// The source or what is known of it changed.
   void showNewImage();

@@ -5,6 +5,7 @@
 #include "model/modelitem.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <QPolygonF>
 #include <QTransform>
 
@@ -12,9 +13,9 @@
 
 namespace
 {
-constexpr double haloWidth = 2;     // of the halo beyond the line, both sides together
-constexpr double highlight = 1.5;   // by which selected lines are wider
-constexpr double vertexSpacing = 1; // closer vertices are drawn as one, in pixels of the screen
+constexpr double haloWidth = 2;            // of the halo beyond the line, both sides together
+constexpr double highlight = 1.5;          // by which selected lines are wider
+constexpr double vertexSpacing = 1 - 1e-6; // of the screen; closer vertices are drawn as one, wherever they are
 
 /// The item's properties, completed by its model's and by the defaults.
 ModelItemProperties effectiveProperties(const ModelItem& item)
@@ -77,23 +78,32 @@ bool isNear(const QPointF& a, const QPointF& b, const QRectF& rect)
          std::max(a.y(), b.y()) >= rect.top() && std::min(a.y(), b.y()) <= rect.bottom();
 }
 
-/// Strokes the runs of segments that reach into a rectangle.
-void strokeVisible(QPainter& painter, const QPolygonF& vertices, const QRectF& rect)
+/// The runs of segments that reach into a rectangle, in one path: where they come close, their halos do not add up. A
+/// closed curve is cut where it is not seen, so that it is joined at its first vertex as anywhere else.
+QPainterPath visiblePath(const QPolygonF& vertices, bool isClosed, const QRectF& rect)
 {
-  const int count = vertices.size();
-  for (int first = 0; first + 1 < count;)
+  const int numSegments = vertices.size() - 1;
+  const auto isSeen = [&](int i) { return isNear(vertices[i], vertices[i + 1], rect); };
+  int cut = 0;
+  while (isClosed && cut < numSegments && isSeen(cut)) ++cut;
+  QPainterPath path;
+  bool isDown = false;
+  for (int k = 0; k < numSegments; ++k)
   {
-    int last = first;
-    while (last + 1 < count && isNear(vertices[last], vertices[last + 1], rect)) ++last;
-    if (last > first) painter.drawPolyline(vertices.constData() + first, last - first + 1);
-    first = std::max(last, first + 1);
+    const int i = (cut + k) % numSegments;
+    const bool wasDown = isDown;
+    isDown = isSeen(i);
+    if (isDown && !wasDown) path.moveTo(vertices[i]);
+    if (isDown) path.lineTo(vertices[i + 1]);
   }
+  if (isClosed && cut == numSegments) path.closeSubpath();
+  return path;
 }
 
 void strokeCurve(QPainter& painter, const QPolygonF& vertices, bool isClosed, const QRectF& visible)
 {
   if (!visible.contains(vertices.boundingRect()))
-    strokeVisible(painter, vertices, visible);
+    painter.drawPath(visiblePath(vertices, isClosed, visible));
   else if (isClosed)
     painter.drawPolygon(vertices.constData(), vertices.size() - 1);
   else

@@ -23,7 +23,8 @@ NYXPanDelegate::NYXPanDelegate(NYXImageWidgetMediator& mediator) : NYXImageWidge
 
 NYXPanDelegate::~NYXPanDelegate()
 {
-  if (isActive() || _isHandDown) QApplication::restoreOverrideCursor();
+  if (isActive()) QApplication::restoreOverrideCursor();
+  if (_isHandDown) QApplication::restoreOverrideCursor();
 }
 
 void NYXPanDelegate::activate()
@@ -50,6 +51,7 @@ bool NYXPanDelegate::anyEvent(QEvent& event)
   case QEvent::KeyRelease:
     return spaceEvent(static_cast<QKeyEvent&>(event), false);
   case QEvent::MouseButtonPress:
+  case QEvent::MouseButtonDblClick: // a press soon after another one
   case QEvent::MouseMove:
   case QEvent::MouseButtonRelease:
     return handEvent(static_cast<QMouseEvent&>(event));
@@ -77,14 +79,14 @@ bool NYXPanDelegate::spaceEvent(const QKeyEvent& event, bool isPress)
 
 bool NYXPanDelegate::handEvent(const QMouseEvent& event)
 {
-  if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::MiddleButton)
-    startHand(event.pos());
-  else if (event.type() == QEvent::MouseMove && _isHandDown)
+  const bool isMove = event.type() == QEvent::MouseMove;
+  if (isMove ? !_isHandDown : event.button() != Qt::MiddleButton) return false;
+  if (isMove)
     dragHand(event.pos());
-  else if (event.type() == QEvent::MouseButtonRelease && event.button() == Qt::MiddleButton && _isHandDown)
+  else if (event.type() == QEvent::MouseButtonRelease)
     endHand();
   else
-    return false;
+    startHand(event.pos());
   return true;
 }
 
@@ -124,6 +126,11 @@ bool NYXPanDelegate::wheelEvent(QWheelEvent& event)
 void NYXPanDelegate::mousePressEvent(QMouseEvent& event)
 {
   if (event.button() == Qt::LeftButton) _lastPosition = event.localPos();
+}
+
+void NYXPanDelegate::mouseDoubleClickEvent(QMouseEvent& event)
+{
+  mousePressEvent(event);
 }
 
 void NYXPanDelegate::mouseMoveEvent(QMouseEvent& event)

@@ -23,6 +23,7 @@ public:
 
 protected:
   void mousePressEvent(QMouseEvent& event) override;
+  void mouseDoubleClickEvent(QMouseEvent& event) override;
   void mouseMoveEvent(QMouseEvent& event) override;
   void tabletPressEvent(QTabletEvent& event) override;
   void tabletMoveEvent(QTabletEvent& event) override;

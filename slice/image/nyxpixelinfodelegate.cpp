@@ -39,6 +39,8 @@ QString valueText(const unsigned char* pixel, const Image& image)
 NYXPixelInfoDelegate::NYXPixelInfoDelegate(NYXImageWidgetMediator& mediator) : NYXImageWidgetMediatorDelegate(mediator)
 {
   setActive(true);
+  connect(&mediator.widget(), &NYXImageWidget::viewChanged, this, &NYXPixelInfoDelegate::showAgain);
+  connect(&mediator, &NYXImageWidgetMediator::imageChanged, this, &NYXPixelInfoDelegate::showAgain);
 }
 
 QString NYXPixelInfoDelegate::pixelText(const QPoint& position, const Image* image)
@@ -51,11 +53,17 @@ QString NYXPixelInfoDelegate::pixelText(const QPoint& position, const Image* ima
 
 void NYXPixelInfoDelegate::show(const QPoint& canvasPoint)
 {
+  _cursor = canvasPoint;
   const QPoint position = canvas().convertToImagePosition(canvasPoint);
   const NYXImageProxy& proxy = canvas().getImageProxy();
   const bool isOnImage = QRect(QPoint(0, 0), canvas().viewport().getImageSize()).contains(position);
   const Image* image = proxy.hasImage() ? &proxy.getImage() : nullptr;
   mediator().widget().statusBar().setPixelInfo(isOnImage ? pixelText(position, image) : QString());
+}
+
+void NYXPixelInfoDelegate::showAgain()
+{
+  if (_cursor) show(*_cursor);
 }
 
 void NYXPixelInfoDelegate::mouseMoveEvent(QMouseEvent& event)
@@ -70,6 +78,8 @@ void NYXPixelInfoDelegate::tabletMoveEvent(QTabletEvent& event)
 
 bool NYXPixelInfoDelegate::anyEvent(QEvent& event)
 {
-  if (event.type() == QEvent::Leave) mediator().widget().statusBar().setPixelInfo({});
+  if (event.type() != QEvent::Leave) return false;
+  _cursor.reset();
+  mediator().widget().statusBar().setPixelInfo({});
   return false;
 }

@@ -2,9 +2,12 @@
 
 #include "slice/image/nyximagewidgetmediatordelegate.h"
 
+#include <optional>
+
 class Image;
 
-/// Tells the position and the value of the pixel under the cursor in the status bar. Always active.
+/// Tells the position and the value of the pixel under the cursor in the status bar. Always active; follows
+/// changes of the view and of the image, too.
 class NYXPixelInfoDelegate : public NYXImageWidgetMediatorDelegate
 {
   Q_OBJECT
@@ -22,4 +25,7 @@ protected:
 
 private:
   void show(const QPoint& canvasPoint);
+  void showAgain();
+
+  std::optional<QPoint> _cursor; // on the canvas
 };

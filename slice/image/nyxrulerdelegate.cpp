@@ -39,9 +39,8 @@ void NYXRulerDelegate::deactivate()
 QString NYXRulerDelegate::measureText(const QPoint& from, const QPoint& to, const PixelCalibration& calibration)
 {
   const double dx = (to.x() - from.x()) * static_cast<double>(calibration.getPixelWidth());
-  const double dy = (to.y() - from.y()) * static_cast<double>(calibration.getPixelHeight());
-  const double angle =
-      dx == 0 && dy == 0 ? 0 : std::atan2(-dy, dx) * 180 / std::numbers::pi; // the screen's y goes down
+  const double dy = (from.y() - to.y()) * static_cast<double>(calibration.getPixelHeight()); // the screen's y goes down
+  const double angle = std::atan2(dy, dx) * 180 / std::numbers::pi;
   return QString("%1 %2, %3°")
       .arg(std::hypot(dx, dy), 0, 'g', 6)
       .arg(QString::fromStdString(calibration.getLengthUnit().symbol()))
@@ -64,6 +63,11 @@ void NYXRulerDelegate::mousePressEvent(QMouseEvent& event)
   canvas().update();
 }
 
+void NYXRulerDelegate::mouseDoubleClickEvent(QMouseEvent& event)
+{
+  mousePressEvent(event); // a press soon after another one
+}
+
 void NYXRulerDelegate::mouseMoveEvent(QMouseEvent& event)
 {
   if (!_isDrawing) return;
@@ -79,6 +83,14 @@ void NYXRulerDelegate::mouseReleaseEvent(QMouseEvent& event)
 void NYXRulerDelegate::keyPressEvent(QKeyEvent& event)
 {
   if (event.key() == Qt::Key_Escape) deactivate();
+}
+
+bool NYXRulerDelegate::anyEvent(QEvent& event)
+{
+  if (!isActive() || event.type() != QEvent::ShortcutOverride) return false;
+  if (static_cast<QKeyEvent&>(event).key() != Qt::Key_Escape) return false;
+  event.accept(); // no shortcut of the windows around is meant
+  return true;
 }
 
 void NYXRulerDelegate::paint(QPainter& painter)

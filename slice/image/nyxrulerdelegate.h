@@ -27,9 +27,11 @@ signals:
 
 protected:
   void mousePressEvent(QMouseEvent& event) override;
+  void mouseDoubleClickEvent(QMouseEvent& event) override;
   void mouseMoveEvent(QMouseEvent& event) override;
   void mouseReleaseEvent(QMouseEvent& event) override;
   void keyPressEvent(QKeyEvent& event) override;
+  bool anyEvent(QEvent& event) override;
 
 private:
   QPoint imagePosition(const QMouseEvent& event) const;

@@ -33,9 +33,10 @@ bool isAt(const StackSlice& slice, std::ptrdiff_t i, const ModelItem& item)
   return i < slice.getNumItems() && slice.getItem(static_cast<int>(i)) == &item;
 }
 
-QPainter::RenderHints quality()
+/// The same rectangle in pixels of the screen.
+QRectF onScreen(const QRect& rect, double pixelRatio)
 {
-  return QPainter::Antialiasing;
+  return QTransform::fromScale(1 / pixelRatio, 1 / pixelRatio).mapRect(QRectF(rect));
 }
 } // namespace
 
@@ -46,7 +47,8 @@ bool NYXSliceItemLayer::Frame::hasSameScale(const Frame& other) const
 
 QTransform NYXSliceItemLayer::Frame::toCanvas() const
 {
-  return QTransform(scaleX, 0, 0, scaleY, 0.5 * scaleX - offset.x(), 0.5 * scaleY - offset.y());
+  const QTransform toPicture(scaleX, 0, 0, scaleY, 0.5 * scaleX - offset.x(), 0.5 * scaleY - offset.y());
+  return toPicture * QTransform::fromScale(1 / pixelRatio, 1 / pixelRatio);
 }
 
 void NYXSliceItemLayer::setSlice(const StackSlice* slice)
@@ -130,7 +132,7 @@ const QImage& NYXSliceItemLayer::update(const NYXImageViewport& viewport, double
   else if (frame.offset != _frame.offset)
     scroll(frame.offset);
   _isAllStale = false;
-  if (!_stale.isEmpty()) _refined = QImage();
+  if (_areEntriesStale || !_stale.isEmpty()) _refined = QImage();
   updateEntries();
   for (const QRect& rect : _stale) paint(rect);
   _stale = QRegion();
@@ -184,18 +186,26 @@ long NYXSliceItemLayer::visibleComplexity(const QRect& rect) const
   return sum;
 }
 
+/// Items are drawn in pixels of the screen.
+void NYXSliceItemLayer::prepare(QPainter& painter) const
+{
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.scale(_frame.pixelRatio, _frame.pixelRatio);
+}
+
 void NYXSliceItemLayer::paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const
 {
-  painter.setRenderHints(quality());
+  prepare(painter);
   const QTransform toCanvas = _frame.toCanvas();
+  const QRectF visible = onScreen(rect, _frame.pixelRatio);
   for (const Entry& entry : _entries)
-    if (canvasRect(entry).intersects(rect)) drawModelItem(painter, *entry.item, toCanvas, rect, detail);
+    if (canvasRect(entry).intersects(rect)) drawModelItem(painter, *entry.item, toCanvas, visible, detail);
 }
 
 bool NYXSliceItemLayer::refine(int milliseconds)
 {
   if (!_needsRefinement) return true;
-  if (_isAllStale || _areEntriesStale || !_stale.isEmpty()) return false; // the next frame begins anew
+  if (_isAllStale || _areEntriesStale || !_stale.isEmpty()) return true; // the next frame begins anew
   if (_refined.isNull())
   {
     _refined = QImage(_frame.size, QImage::Format_ARGB32_Premultiplied);
@@ -205,9 +215,9 @@ bool NYXSliceItemLayer::refine(int milliseconds)
   QElapsedTimer time;
   time.start();
   QPainter painter(&_refined);
-  painter.setRenderHints(quality());
+  prepare(painter);
   const QTransform toCanvas = _frame.toCanvas();
-  const QRect all(QPoint(0, 0), _frame.size);
+  const QRectF all = onScreen(QRect(QPoint(0, 0), _frame.size), _frame.pixelRatio);
   for (; _numRefined < _entries.size(); ++_numRefined)
   {
     if (time.elapsed() >= milliseconds) return false;

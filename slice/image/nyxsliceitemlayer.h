@@ -36,7 +36,8 @@ public:
   bool needsRefinement() const { return _needsRefinement; }
   /// Whether refine() has begun and nothing was drawn since that would make it begin anew.
   bool isBeingRefined() const { return !_refined.isNull(); }
-  /// Draws items in full for some milliseconds. Returns true when all are drawn and the picture is the full one.
+  /// Draws items in full for some milliseconds. Returns true when there is nothing more to do before the next update():
+  /// the picture is the full one, or it is out of date.
   bool refine(int milliseconds);
 
 private:
@@ -50,7 +51,7 @@ private:
     double pixelRatio = 1;
 
     bool hasSameScale(const Frame& other) const;
-    QTransform toCanvas() const;
+    QTransform toCanvas() const; ///< from image pixels, whose centres are whole numbers, to pixels of the screen
   };
 
   /// An item of the slice, in the slice's order.
@@ -68,6 +69,7 @@ private:
   bool isOnSlice(const ModelItem& item) const;
   void scroll(const QPoint& offset);
   void paint(const QRect& rect);
+  void prepare(QPainter& painter) const;
   void paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const;
   long visibleComplexity(const QRect& rect) const;
 

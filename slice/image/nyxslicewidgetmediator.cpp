@@ -56,10 +56,15 @@ void NYXSliceWidgetMediator::setCanvasMode(CanvasMode mode)
   emit canvasModeChanged(mode);
 }
 
+void NYXSliceWidgetMediator::attachProxy()
+{
+  if (sliceCanvas().getCanvasMode() != CanvasMode::Foreground) NYXImageWidgetMediator::attachProxy();
+}
+
 void NYXSliceWidgetMediator::setSlice(StackSlice* slice)
 {
   sliceCanvas().setSlice(slice);
-  if (sliceCanvas().getCanvasMode() != CanvasMode::Foreground) attachProxy();
+  attachProxy();
   showNewImage();
   updateSliceInfo();
 }
@@ -96,7 +101,18 @@ void NYXSliceWidgetMediator::followItem(const NYXModelItemEvent& event)
 {
   if (!sliceCanvas().hasSlice() || event.getItem().getSlice() != &sliceCanvas().getSlice()) return;
   sliceCanvas().repaintItem(event.getItem());
+  updateExtent(event.getItem());
   updateSliceInfo();
+}
+
+void NYXSliceWidgetMediator::updateExtent(const ModelItem& item)
+{
+  const BoundingBox<int> box = item.boundingBox();
+  if (canvas().getImageProxy().getOriginalImageSize().isValid() || box.isEmpty()) return;
+  const QPoint corner(box.getMaximum()[0], box.getMaximum()[1]);
+  if (QRect(QPoint(0, 0), canvas().viewport().getImageSize()).contains(corner)) return;
+  canvas().updateImageSize();
+  updateView();
 }
 
 void NYXSliceWidgetMediator::followModel(const Stack* stack)

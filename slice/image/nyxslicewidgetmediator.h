@@ -35,6 +35,7 @@ signals:
   void canvasModeChanged(CanvasMode mode);
 
 protected:
+  void attachProxy() override;
   void stackCloseEvent(const NYXStackCloseEvent& event) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
   void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
@@ -57,6 +58,8 @@ private:
   void followModel(const Stack* stack);
   void followCalibration();
   void updateSliceInfo();
+  /// Without an image the view reaches as far as the items: makes room for one.
+  void updateExtent(const ModelItem& item);
   /// Reads the neighbours' images when nothing else is to be read.
   void prefetchNeighbours();
 
