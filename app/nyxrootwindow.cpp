@@ -173,9 +173,11 @@ void NYXRootWindow::restoreGeometryFromSettings()
   const QSize size = stored.isEmpty() ? twoThirds : stored;
   const QPoint position = store.value("rootWindow/pos").toPoint();
   const auto isOn = [&](const QScreen* screen) { return screen->geometry().intersects({position, size}); };
-  const bool isOnScreen = std::ranges::any_of(QGuiApplication::screens(), isOn); // it may have been unplugged since
-  if (store.contains("rootWindow/pos") && isOnScreen) move(position);
-  resize(size);
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  const auto screen = std::ranges::find_if(screens, isOn); // it may have been unplugged since
+  const bool isOnScreen = store.contains("rootWindow/pos") && screen != screens.end();
+  if (isOnScreen) move(position);
+  resize(size.boundedTo((isOnScreen ? *screen : QGuiApplication::primaryScreen())->size()));
 }
 
 void NYXRootWindow::startupOpenStack(const QString& filename)
