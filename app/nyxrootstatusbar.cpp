@@ -29,6 +29,7 @@ NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
   addPermanentWidget(_progress);
   addPermanentWidget(_stack);
   addPermanentWidget(_slice);
+  connect(this, &QStatusBar::messageChanged, this, [this] { update(); }); // messages reach below empty fields
 }
 
 void NYXRootStatusBar::setImageFields(QWidget& fields)
