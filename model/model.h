@@ -4,7 +4,7 @@
 #include "model/modelitemowner.h"
 #include "model/modelitemproperties.h"
 #include "model/modelproperties.h"
-#include "model/snakeconfig.h"
+#include "image/activecontour/snakeconfig.h"
 
 #include <optional>
 #include <string>
