@@ -161,14 +161,15 @@ double ActiveContour::Motion::advance()
   return movement / n;
 }
 
-/// Moves a vertex by the forces from outside.
+/// Moves a vertex by the forces from outside along its normal: along the curve, they would only crowd the vertices.
 void ActiveContour::Motion::push(int i, double* point) const
 {
-  const std::array<double, 2> force = _field(point[0], point[1]);
-  const double size = std::max(_unitForce, std::hypot(force[0], force[1]));
-  const double weight = size > 0 ? _config.imageForce / size : 0;
   const std::array<double, 2> outward = normal(_before.data(), i);
-  for (int k = 0; k < 2; ++k) point[k] += _config.step * (weight * force[k] + _config.balloonForce * outward[k]);
+  const std::array<double, 2> force = _field(point[0], point[1]);
+  const double along = force[0] * outward[0] + force[1] * outward[1];
+  const double size = std::max(_unitForce, std::abs(along));
+  const double distance = _config.step * ((size > 0 ? _config.imageForce * along / size : 0) + _config.balloonForce);
+  for (int k = 0; k < 2; ++k) point[k] += distance * outward[k];
 }
 
 void ActiveContour::Motion::keepOnImage()

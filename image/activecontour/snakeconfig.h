@@ -4,7 +4,7 @@
 struct SnakeConfig
 {
   double elasticity = 0.1;   ///< resistance to stretching
-  double rigidity = 1;       ///< resistance to bending
+  double rigidity = 5;       ///< resistance to bending
   double imageForce = 1;     ///< pull towards edges, at its strongest
   double balloonForce = 0;   ///< push outward (positive) or inward
   double step = 0.5;         ///< time step: forces times this are pixels per iteration
