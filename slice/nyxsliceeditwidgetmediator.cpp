@@ -169,6 +169,13 @@ void NYXSliceEditWidgetMediator::createMenus()
                         _selection->cancelSelection();
                         _creation->activate(model);
                       });
+  _automaticMenu = createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
+                                   &Mediator::buildPolygonModelList,
+                                   [this](const QString& model)
+                                   {
+                                     _selection->cancelSelection();
+                                     _thresholding->activate(model);
+                                   });
   _selectMenu =
       createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
                       [this](const QString& model) { _selection->selectModelItems(model); });
