@@ -115,10 +115,17 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::keyPressEvent(QKeyEvent& event)
 void NYXSliceEditWidgetMediatorSnakeDelegate::apply()
 {
   if (!isActive() || !_dialog) return;
-  const SnakeConfig config = _dialog->config();
+  _item->getModel()->setSnakeConfig(_dialog->config());
   closeDialog();
-  _item->getModel()->setSnakeConfig(config);
-  NYXSnakeRun snakeRun(config, stack(), *_item, canvas().getImageProxy().getImage());
+  // The dialog is not yet done with its button, and the snake lets other events come.
+  QMetaObject::invokeMethod(this, &NYXSliceEditWidgetMediatorSnakeDelegate::runSnake, Qt::QueuedConnection);
+}
+
+void NYXSliceEditWidgetMediatorSnakeDelegate::runSnake()
+{
+  if (!isActive() || _dialog || _run != nullptr) return; // given up meanwhile
+  if (!canvas().getImageProxy().hasImage()) return deactivate();
+  NYXSnakeRun snakeRun(_item->getModel()->getSnakeConfig(), stack(), *_item, canvas().getImageProxy().getImage());
   _moving = std::make_unique<ModelItem>(_item->getModel(), &slice());
   editCanvas().setExtraItem(_moving.get());
   const bool isDone = run(snakeRun) && isActive();

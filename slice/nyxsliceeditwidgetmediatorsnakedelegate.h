@@ -42,6 +42,7 @@ protected:
 private:
   ModelItem* selectedContour() const;
   void closeDialog();
+  void runSnake();
   /// \return whether it came to its end
   bool run(NYXSnakeRun& run);
   void showMoving(const Vertices<int>& vertices);

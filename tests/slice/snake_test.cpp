@@ -121,6 +121,7 @@ protected:
           return true;
         });
     press("ok");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return mode() == "READY"; }));
     return text;
   }
 
@@ -251,6 +252,7 @@ TEST_F(Snake, ShowsTheMovingCurveAndCanBeCancelled)
         return true;
       });
   press("ok");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return mode() == "READY"; }));
   EXPECT_TRUE(canceller.isDone());
   EXPECT_GT(numShown, 60);
   EXPECT_TRUE(isLocked);
@@ -262,9 +264,11 @@ TEST_F(Snake, NeedsASelectedClosedContour)
 {
   start();
   EXPECT_EQ(dialog(), nullptr);
+  const std::unique_ptr<ModelItem> contour(&item());
+  contour->detach();
   Model& lines = addModel(stack, "lines", MPrimitive::Polyline);
-  addItem(lines, *stack.getSlice(0), {{10, 10}, {30, 30}}).getSelection().set(true);
-  start();
+  addItem(lines, *stack.getSlice(0), {{10, 10}, {30, 30}});
+  selectAndStart();
   EXPECT_EQ(dialog(), nullptr);
   EXPECT_EQ(mode(), "READY");
 }
