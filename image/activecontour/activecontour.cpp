@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr double largestWeight = 1e6;
+constexpr double largestWeight = 1000;
 constexpr int largestScale = 100;
 constexpr double largestDistance = 1000;
 constexpr int fewestVertices = 8;

@@ -92,15 +92,19 @@ protected:
   QString mode() const { return widget.findChild<QLabel*>("editModeField")->text(); }
   QDialog* dialog() const { return widget.findChild<QDialog*>("snakeDialog"); }
 
-  void start()
+  /// Without a window manager, nobody makes the window active again when a dialog has gone.
+  void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
   {
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // an earlier dialog
-    QTest::keyClick(&widget.editCanvas(), Qt::Key_S);
+    QApplication::setActiveWindow(&widget);
+    widget.editCanvas().setFocus();
+    QTest::keyClick(&widget.editCanvas(), key, modifiers);
   }
+  void start() { pressKey(Qt::Key_S); }
   void selectAndStart()
   {
-    QTest::keyClick(&widget.editCanvas(), Qt::Key_A, Qt::ControlModifier);
+    pressKey(Qt::Key_A, Qt::ControlModifier);
     start();
   }
   void set(const char* name, double value) { dialog()->findChild<QDoubleSpinBox*>(name)->setValue(value); }
