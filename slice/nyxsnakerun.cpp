@@ -47,32 +47,37 @@ std::vector<StackSlice*> NYXSnakeRun::slices() const
 
 void NYXSnakeRun::run()
 {
-  const ProgressStep step(_subject, "Running snake...", static_cast<long>(_slices.size()));
-  for (std::size_t i = 0; i < _slices.size(); ++i)
+  const ProgressStep step(_subject, "Running snake...", 2 * static_cast<long>(_slices.size()));
+  long numDone = 0;
+  for (const Place& place : _slices)
   {
-    if (i > 0)
-    {
-      try
-      {
-        ImageReader::read(_image, *_slices[i].source);
-      }
-      catch (const FileError& error)
-      {
-        _problem = error.getWhat();
-        return;
-      }
-    }
-    const bool isDone = runOn(_slices[i], _image);
+    if (place.source && !read(*place.source)) return;
+    _subject.progress(++numDone);
+    const bool isDone = runOn(place);
     _subject.throwIfCancelled("void NYXSnakeRun::run()");
     if (!isDone) return;
-    _subject.progress(static_cast<long>(i) + 1);
+    _subject.progress(++numDone);
+  }
+}
+
+bool NYXSnakeRun::read(const ImageSource& source)
+{
+  try
+  {
+    ImageReader::read(_image, source, _subject);
+    return true;
+  }
+  catch (const FileError& error)
+  {
+    _problem = error.getWhat();
+    return false;
   }
 }
 
 /// \return whether there is a result
-bool NYXSnakeRun::runOn(const Place& place, const Image& image)
+bool NYXSnakeRun::runOn(const Place& place)
 {
-  const PixelMatrix<float> levels = greyLevels(image);
+  const PixelMatrix<float> levels = greyLevels(_image);
   ActiveContour snake(_config);
   snake.setOuter(&_subject);
   if (_slices.size() > 1) snake.setMessage("Running snake on slice " + place.name);

@@ -50,12 +50,13 @@ private:
     std::unique_ptr<ImageSource> source; // none for the first slice
   };
 
-  bool runOn(const Place& place, const Image& image);
+  bool read(const ImageSource& source);
+  bool runOn(const Place& place);
   ActiveContour::Observer observer() const;
   Vertices<int> onImage(const Curve<double>& curve, const PixelMatrix<float>& image) const;
 
   SnakeConfig _config;
-  Image _image;
+  Image _image;         // of the slice at work
   Curve<double> _curve; // in the reduced image
   std::vector<Place> _slices;
   ProgressSubject _subject;
