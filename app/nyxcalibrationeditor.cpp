@@ -1,6 +1,8 @@
 #include "app/nyxcalibrationeditor.h"
 
 #include "app/nyxnumberbox.h"
+#include "model/io/calibrationlimits.h"
+#include "numeric/exception.h"
 
 #include <QFormLayout>
 
@@ -105,4 +107,17 @@ void NYXCalibrationEditor::scale(double factor)
   _calibration->setPixelWidth(static_cast<float>(_calibration->getPixelWidth() * factor));
   _calibration->setPixelHeight(static_cast<float>(_calibration->getPixelHeight() * factor));
   show();
+}
+
+void requireStorable(const PixelCalibration& calibration)
+{
+  if (isStorableCalibration(calibration)) return;
+  const QString text =
+      NYXCalibrationEditor::tr("A pixel width of %1 %2 with an aspect ratio of %3 cannot be saved: stack "
+                               "files hold numbers from 1e-15 to 1e15");
+  throw ValueError("void requireStorable(const PixelCalibration&)",
+                   text.arg(calibration.getPixelWidth())
+                       .arg(QString::fromStdString(calibration.getLengthUnit().symbol()))
+                       .arg(calibration.getAspectRatio())
+                       .toStdString());
 }

@@ -42,3 +42,6 @@ private:
   NYXNumberBox* _height;
   NYXNumberBox* _aspectRatio;
 };
+
+/// \throw ValueError  no stack file can hold the calibration, as after a conversion to a unit that is far away
+void requireStorable(const PixelCalibration& calibration);

@@ -166,7 +166,9 @@ void NYXModelsDialog::select(const std::vector<Model*>& models)
 void NYXModelsDialog::createModel()
 {
   if (!apply()) return;
-  attempt([this] { stack().history().pushStep(std::make_unique<NYXModelCreationAction>(stack(), newModel(stack()))); });
+  const auto create = [this]
+  { stack().history().pushStep(std::make_unique<NYXModelCreationAction>(stack(), newModel(stack()))); };
+  if (!attempt(create)) return;
   Model* const created = stack().getModel(stack().getNumModels() - 1);
   select({created});
   editName(*created);

@@ -14,6 +14,23 @@ constexpr int shownDigits = 7;   // all that single-precision numbers have
 constexpr double leastPlain = 1e-4;
 constexpr double greatestPlain = 1e12;
 
+/// A number with a point or a comma as decimal sign, or with that of the user's language, and none between groups of
+/// digits: in each language, "1.234" is a bit more than 1.
+double toNumber(const QString& text, QLocale locale, bool& isNumber)
+{
+  QLocale plain = QLocale::c();
+  plain.setNumberOptions(QLocale::RejectGroupSeparator);
+  const double number = plain.toDouble(QString(text).replace(',', '.'), &isNumber);
+  if (isNumber) return number;
+  locale.setNumberOptions(QLocale::RejectGroupSeparator);
+  return locale.toDouble(text, &isNumber);
+}
+
+bool hasSeveralDecimalSigns(const QString& text)
+{
+  return text.count('.') + text.count(',') > 1;
+}
+
 /// A tenth of the number's power of ten.
 double stepFor(double number)
 {
@@ -91,8 +108,8 @@ std::optional<double> NYXNumberBox::parse(QString text) const
 {
   if (text.endsWith(suffix())) text.chop(suffix().size());
   bool isNumber = false;
-  const double number = locale().toDouble(text.trimmed(), &isNumber);
-  if (!isNumber || number < minimum() || number > maximum()) return {};
+  const double number = toNumber(text.trimmed(), locale(), isNumber);
+  if (!isNumber || !(minimum() <= number && number <= maximum())) return {}; // also "nan"
   if (decimals() == 0 && number != std::floor(number)) return {};
   return number;
 }
@@ -104,6 +121,7 @@ double NYXNumberBox::valueFromText(const QString& text) const
 
 QValidator::State NYXNumberBox::validate(QString& text, int&) const
 {
+  if (hasSeveralDecimalSigns(text)) return QValidator::Invalid;
   const bool isCleared = _isClearable && text.trimmed() == suffix().trimmed();
   return isCleared || parse(text) ? QValidator::Acceptable : QValidator::Intermediate;
 }

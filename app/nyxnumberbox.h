@@ -7,7 +7,8 @@
 class QFormLayout;
 
 /// A spin box for a number with a unit. It may stand for several objects whose numbers differ, and gives a number back
-/// exactly as it was set until the user changes it, whatever digits it shows.
+/// exactly as it was set until the user changes it, whatever digits it shows. Point and comma are decimal signs in each
+/// language.
 ///
 /// Up and down step by the second digit that counts, or by 1 without decimals. Return after typing takes the number
 /// over and goes no further, so that it presses no button of the dialog.

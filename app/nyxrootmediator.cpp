@@ -20,11 +20,17 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxoverview.h"
+#include "slice/image/nyxpanorama.h"
+#include "slice/image/nyxslicewidget.h"
+#include "slice/image/nyxslicewidgetmediator.h"
+#include "slice/image/nyxslicewidgetstatusbar.h"
 
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
+#include <QSettings>
 #include <QToolBar>
 
 #include <utility>
@@ -48,6 +54,7 @@ NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
 {
   createFileActions();
   createEditActions();
+  createViewActions();
   createSliceActions();
   createProcessActions();
   createAnalyzeActions();
@@ -63,7 +70,12 @@ void NYXRootMediator::initialize()
   _toolBar->addSeparator();
   _toolBar->addActions({_undo, _redo});
   _toolBar->addSeparator();
+  _toolBar->addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
+  _toolBar->addSeparator();
   _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
+  _toolBar->addSeparator();
+  _toolBar->addActions(_sliceEditWidget->sliceWidget().mediator().zoomActions());
+  _sliceEditWidget->sliceWidget().toolBar().setIconSize({side, side});
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
   _sliceEditWidget->setInsertAction(*_insertSlice);
 
@@ -71,6 +83,10 @@ void NYXRootMediator::initialize()
   connect(_sliceList, &NYXSliceListWidget::currentSliceChanged, this, &NYXRootMediator::showSlice);
   connect(_sliceList, &NYXSliceListWidget::sliceDragged, this, &NYXRootMediator::moveSlice);
   connect(_sliceEditWidget, &NYXRootSliceEditWidget::openRequested, this, &NYXRootMediator::openStack);
+  connect(_panorama, &NYXPanorama::sliceSelected, this,
+          [this](int slice) { _sliceList->revealSlice(*currentStack()->getSlice(slice)); });
+  connect(_panorama, &NYXPanorama::sliceOpened, this, &NYXRootMediator::openSlice);
+  connect(_overview, &NYXOverview::closed, _displayOverview, [this] { _displayOverview->setChecked(false); });
   updatePluginActions();
   updateActions();
   NYXEventServer::attach(*this);
@@ -121,6 +137,7 @@ void NYXRootMediator::editPreferences()
 void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
+  _panorama->setStack(stack);
   _sliceList->setStack(stack);
   followHistories();
   showStackState();
@@ -129,6 +146,8 @@ void NYXRootMediator::showCurrentStack()
 void NYXRootMediator::showSlice(int slice)
 {
   NYXStack* stack = currentStack();
+  _panorama->setCurrentSlice(slice);
+  showView();
   if (stack == nullptr)
   {
     _sliceEditWidget->setRecentFiles(NYXSettings::settings().getRecentFilesList());
@@ -145,6 +164,43 @@ void NYXRootMediator::showSlice(int slice)
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
   const QString place = QString("%1 / %2").arg(slice + 1).arg(stack->getNumSlices());
   _statusBar->setSliceText(tr("slice %1 (%2)").arg(name, place));
+}
+
+void NYXRootMediator::selectView(bool isPanorama)
+{
+  QSettings().setValue("rootWindow/panorama", isPanorama);
+  showView();
+  if (isPanorama) return _panorama->setFocus();
+  _sliceEditWidget->sliceWidget().canvas().setFocus();
+}
+
+void NYXRootMediator::openSlice()
+{
+  _displaySingleSlice->trigger();
+}
+
+/// The panorama or the slice; what there is to say without slices is said in the slice's place.
+void NYXRootMediator::showView()
+{
+  const NYXStack* const stack = currentStack();
+  const bool hasSlices = stack != nullptr && stack->getNumSlices() > 0;
+  const bool isPanorama = _displayPanorama->isChecked() && hasSlices;
+  NYXSliceWidget& sliceWidget = _sliceEditWidget->sliceWidget();
+  (isPanorama ? static_cast<QWidget*>(_sliceEditWidget) : _panorama)->hide(); // never both
+  (isPanorama ? static_cast<QWidget*>(_panorama) : _sliceEditWidget)->show();
+  sliceWidget.mediator().setActionsEnabled(!isPanorama);
+  sliceWidget.statusBar().setVisible(!isPanorama && _sliceList->currentSlice() >= 0);
+}
+
+void NYXRootMediator::showOverview(bool isOn)
+{
+  QSettings().setValue("overview/visible", isOn);
+  _overview->setVisible(isOn);
+}
+
+void NYXRootMediator::restoreOverview()
+{
+  _displayOverview->setChecked(QSettings().value("overview/visible", false).toBool());
 }
 
 /// Title, status bar and actions follow the current stack's name and modified flag.

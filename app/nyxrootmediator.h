@@ -9,6 +9,8 @@
 #include <functional>
 #include <string>
 
+class NYXOverview;
+class NYXPanorama;
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -35,6 +37,8 @@ public:
   void setStackListWidget(NYXStackListWidget& list) { _stackList = &list; }
   void setSliceListWidget(NYXSliceListWidget& list) { _sliceList = &list; }
   void setSliceEditWidget(NYXRootSliceEditWidget& widget) { _sliceEditWidget = &widget; }
+  void setPanorama(NYXPanorama& panorama) { _panorama = &panorama; }
+  void setOverview(NYXOverview& overview) { _overview = &overview; }
   void setStatusBar(NYXRootStatusBar& statusBar) { _statusBar = &statusBar; }
   void setToolBar(QToolBar& toolBar) { _toolBar = &toolBar; }
 
@@ -57,6 +61,8 @@ public:
 
   /// Shows the stack that is selected in the list, or the start page.
   void showCurrentStack();
+  /// Shows the overview if it was shown when the program was used last.
+  void restoreOverview();
 
 protected:
   void stackNameEvent(const NYXStackNameEvent& event) override;
@@ -88,6 +94,7 @@ private:
   QAction* createLaterAction(const QString& text, const QString& toolTip);
   void createFileActions();
   void createEditActions();
+  void createViewActions();
   void createSliceActions();
   void createProcessActions();
   void createAnalyzeActions();
@@ -113,6 +120,10 @@ private:
   void refreshSlices();
   void refreshSlice(const StackSlice* slice);
   void editPreferences();
+  void selectView(bool isPanorama);
+  void openSlice();
+  void showView();
+  void showOverview(bool isOn);
   void showSlice(int slice);
   void showStackState();
   void updateActions();
@@ -127,6 +138,8 @@ private:
   NYXStackListWidget* _stackList = nullptr;
   NYXSliceListWidget* _sliceList = nullptr;
   NYXRootSliceEditWidget* _sliceEditWidget = nullptr;
+  NYXPanorama* _panorama = nullptr;
+  NYXOverview* _overview = nullptr;
   NYXRootStatusBar* _statusBar = nullptr;
   QToolBar* _toolBar = nullptr;
 

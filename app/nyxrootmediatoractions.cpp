@@ -14,8 +14,10 @@
 #include "app/nyxtransfermodelsdialog.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QIcon>
 #include <QMenu>
+#include <QSettings>
 
 #include <utility>
 
@@ -95,9 +97,6 @@ void NYXRootMediator::createFileActions()
 
 void NYXRootMediator::createEditActions()
 {
-  _displayPanorama = createLaterAction(tr("Display stack panorama"), tr("Show all slices of the stack side by side"));
-  _displaySingleSlice = createLaterAction(tr("Display single slice"), tr("Show one slice"));
-  _displayOverview = createLaterAction(tr("Display overview"), tr("Show the whole slice in a small window"));
   _undo = createAction(tr("Undo"), tr("Take the last change back"), QKeySequence::Undo, [this] { undo(); });
   _undo->setIcon(QIcon(":/icons/undo.svg"));
   _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), QKeySequence("Ctrl+Shift+Z"),
@@ -137,6 +136,26 @@ void NYXRootMediator::createEditActions()
   };
   _preferences =
       createAction(tr("Preferences..."), tr("Change how the program works"), {}, [this] { editPreferences(); });
+}
+
+/// What the right side of the window shows.
+void NYXRootMediator::createViewActions()
+{
+  _displayPanorama = createStackAction(tr("Display stack panorama"), tr("Show all slices of the stack side by side"),
+                                       QKeySequence(Qt::Key_F6), [this] { selectView(true); });
+  _displaySingleSlice = createStackAction(tr("Display single slice"), tr("Show one slice"), QKeySequence(Qt::Key_F7),
+                                          [this] { selectView(false); });
+  _displayOverview = createStackAction(tr("Display overview"), tr("Show the whole slice in a small window"),
+                                       QKeySequence(Qt::Key_F8), [] {});
+  _displayPanorama->setIcon(QIcon(":/icons/panorama.svg"));
+  _displaySingleSlice->setIcon(QIcon(":/icons/singleslice.svg"));
+  _displayOverview->setIcon(QIcon(":/icons/overview.svg"));
+  auto* const views = new QActionGroup(this);
+  for (QAction* action : {_displayPanorama, _displaySingleSlice, _displayOverview}) action->setCheckable(true);
+  for (QAction* action : {_displayPanorama, _displaySingleSlice}) views->addAction(action);
+  const bool isPanorama = QSettings().value("rootWindow/panorama", false).toBool();
+  (isPanorama ? _displayPanorama : _displaySingleSlice)->setChecked(true);
+  connect(_displayOverview, &QAction::toggled, this, &NYXRootMediator::showOverview);
 }
 
 void NYXRootMediator::createSliceActions()

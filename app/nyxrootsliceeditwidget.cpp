@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QStackedLayout>
+#include <QToolBar>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -20,6 +21,7 @@ NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
   _pages->addWidget(createStartPage());
   _pages->addWidget(_sliceWidget);
   _sliceWidget->mediator().setImageServer(NYXSliceImageServer::server());
+  for (QAction* action : _sliceWidget->mediator().zoomActions()) _sliceWidget->toolBar().removeAction(action);
   _pages->addWidget(createNoSlicePage());
 }
 

@@ -5,10 +5,10 @@
 #include <QElapsedTimer>
 #include <QStatusBar>
 
-class QLabel;
+class NYXStatusField;
 class QProgressBar;
 
-/// Messages, the current stack and slice, and the progress of long computations.
+/// Messages, the progress of long computations, what is known of the image that is shown, the current stack and slice.
 class NYXRootStatusBar : public QStatusBar, public ProgressObserver
 {
   Q_OBJECT
@@ -16,6 +16,8 @@ class NYXRootStatusBar : public QStatusBar, public ProgressObserver
 public:
   explicit NYXRootStatusBar(QWidget* parent = nullptr);
 
+  /// Takes over the fields that tell of the image.
+  void setImageFields(QWidget& fields);
   void setStackText(const QString& text);
   void setSliceText(const QString& text);
 
@@ -28,9 +30,14 @@ public slots:
   void subjectProgressed(int step, int ofSteps);
   void subjectFinished();
 
+protected:
+  /// A message may use the place of fields that say nothing.
+  void paintEvent(QPaintEvent* event) override;
+
 private:
-  QLabel* _stack;
-  QLabel* _slice;
+  int freeWidth() const;
+  NYXStatusField* _stack;
+  NYXStatusField* _slice;
   QProgressBar* _progress;
   QElapsedTimer _sinceRefresh;
   QString _stepMessage; // shown while a step runs; empty when another message was there first

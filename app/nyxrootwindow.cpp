@@ -10,6 +10,10 @@
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxsplitter.h"
 #include "app/nyxstackio.h"
+#include "slice/image/nyxoverview.h"
+#include "slice/image/nyxpanorama.h"
+#include "slice/image/nyxslicewidget.h"
+#include "slice/image/nyxslicewidgetstatusbar.h"
 
 #include <QAction>
 #include <QApplication>
@@ -38,7 +42,9 @@ NYXRootWindow::NYXRootWindow()
     _toolBar(new QToolBar(this)),
     _statusBar(new NYXRootStatusBar(this)),
     _browser(new NYXRootBrowser(this)),
+    _panorama(new NYXPanorama(this)),
     _sliceEditWidget(new NYXRootSliceEditWidget(this)),
+    _overview(new NYXOverview(_sliceEditWidget->sliceWidget(), this)),
     _mediator(new NYXRootMediator(this))
 {
   ++__numRootWindows;
@@ -48,9 +54,12 @@ NYXRootWindow::NYXRootWindow()
   _mediator->setRootWindow(*this);
   _mediator->setStackListWidget(_browser->stackList());
   _mediator->setSliceListWidget(_browser->sliceList());
+  _mediator->setPanorama(*_panorama);
   _mediator->setSliceEditWidget(*_sliceEditWidget);
+  _mediator->setOverview(*_overview);
   _mediator->setStatusBar(*_statusBar);
   _mediator->setToolBar(*_toolBar);
+  _statusBar->setImageFields(_sliceEditWidget->sliceWidget().statusBar());
   createMenus();
 
   layOut();
@@ -62,6 +71,7 @@ NYXRootWindow::NYXRootWindow()
   setAcceptDrops(true);
   nameParts(*this);
   _mediator->showCurrentStack();
+  _mediator->restoreOverview();
   _statusBar->showMessage(tr("Ready."), 2000);
 }
 
@@ -136,6 +146,7 @@ void NYXRootWindow::layOut()
   auto* views = new QHBoxLayout(frame);
   views->setContentsMargins(0, 0, 0, 0);
   views->setSpacing(0);
+  views->addWidget(_panorama, 1);
   views->addWidget(_sliceEditWidget, 1);
 
   auto* splitter = new NYXSplitter("rootWindowSplitter", this);
@@ -162,9 +173,11 @@ void NYXRootWindow::restoreGeometryFromSettings()
   const QSize size = stored.isEmpty() ? twoThirds : stored;
   const QPoint position = store.value("rootWindow/pos").toPoint();
   const auto isOn = [&](const QScreen* screen) { return screen->geometry().intersects({position, size}); };
-  const bool isOnScreen = std::ranges::any_of(QGuiApplication::screens(), isOn); // it may have been unplugged since
-  if (store.contains("rootWindow/pos") && isOnScreen) move(position);
-  resize(size);
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  const auto screen = std::ranges::find_if(screens, isOn); // it may have been unplugged since
+  const bool isOnScreen = store.contains("rootWindow/pos") && screen != screens.end();
+  if (isOnScreen) move(position);
+  resize(size.boundedTo((isOnScreen ? *screen : QGuiApplication::primaryScreen())->size()));
 }
 
 void NYXRootWindow::startupOpenStack(const QString& filename)

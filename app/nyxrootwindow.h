@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+class NYXOverview;
+class NYXPanorama;
 class NYXRootBrowser;
 class NYXRootMediator;
 class NYXRootSliceEditWidget;
@@ -11,7 +13,8 @@ class QMenuBar;
 class QStackedWidget;
 class QToolBar;
 
-/// The user's home: menus, tool bar, browser of stacks and slices, the current slice, status bar.
+/// The user's home: menus, tool bar, browser of stacks and slices, all slices or the current one, status
+/// bar.
 ///
 /// Shows itself. Closing the last root window quits the program, after the question about modified stacks.
 class NYXRootWindow : public QWidget
@@ -71,7 +74,9 @@ private:
   QToolBar* _toolBar;
   NYXRootStatusBar* _statusBar;
   NYXRootBrowser* _browser;
+  NYXPanorama* _panorama;
   NYXRootSliceEditWidget* _sliceEditWidget;
+  NYXOverview* _overview;
   NYXRootMediator* _mediator;
   bool _isCounted = true;
 };

@@ -216,6 +216,12 @@ void NYXSliceListWidget::selectSlice(const StackSlice& slice)
     if (sliceOf(row) == &slice && !_list->isRowHidden(row)) return _list->setCurrentRow(row);
 }
 
+void NYXSliceListWidget::revealSlice(const StackSlice& slice)
+{
+  if (const int row = slice.getIndex(); row < _list->count() && _list->isRowHidden(row)) _filter->clear();
+  selectSlice(slice);
+}
+
 int NYXSliceListWidget::numSlices() const
 {
   return _list->count();

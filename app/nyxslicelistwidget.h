@@ -37,6 +37,8 @@ public:
 
   /// Selects a slice if the filter shows it.
   void selectSlice(const StackSlice& slice);
+  /// Selects a slice; a filter that hides it is cleared.
+  void revealSlice(const StackSlice& slice);
 
   /// Selects the next slice in a direction, 1 or -1, that the filter shows; past the ends nothing happens.
   void selectNeighbour(int direction);

@@ -350,7 +350,11 @@ void NYXSlicePropertiesEditor::apply(NYXActionStep& step)
 {
   std::vector<std::unique_ptr<NYXAction>> actions; // of the slices as they are before any of them changes
   for (StackSlice* slice : _slices)
-    actions.push_back(std::make_unique<NYXSlicePropertiesAction>(*slice, changedProperties(*slice)));
+  {
+    const Properties properties = changedProperties(*slice);
+    requireStorable(properties.pixelCalibration);
+    actions.push_back(std::make_unique<NYXSlicePropertiesAction>(*slice, properties));
+  }
   for (std::unique_ptr<NYXAction>& action : actions)
     if (!action->isNull()) step.push(std::move(action));
   if (_newImage) step.push(std::make_unique<NYXSliceImageAction>(*_slices.front(), *_newImage));

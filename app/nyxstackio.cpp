@@ -2,6 +2,7 @@
 
 #include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
+#include "app/core/actions/nyxstackpropertiesaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxeventbatch.h"
 #include "app/core/nyxpreferences.h"
@@ -9,10 +10,14 @@
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
+#include "app/nyxdialogs.h"
 #include "app/nyxfiledialog.h"
 #include "app/nyximagefiles.h"
+#include "app/nyxnames.h"
 #include "app/nyxnewstackdialog.h"
+#include "app/nyxnumberbox.h"
 #include "app/nyxplaintext.h"
+#include "app/nyxpluginrun.h"
 #include "app/nyxproposedfilename.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxstackerrordialog.h"
@@ -26,10 +31,13 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QFormLayout>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -39,6 +47,7 @@
 namespace
 {
 constexpr int maxNumWarnings = 8; // that fit a message box
+constexpr double leastSpacing = 1e-4, greatestSpacing = 1e6;
 
 QStringList toQStrings(const std::vector<std::string>& lines)
 {
@@ -96,6 +105,18 @@ NYXStack* stackOfFile(const QString& file)
   return nullptr;
 }
 
+/// The properties of a stack without slices, or with slices in the unit of the calibration, that gets it as default.
+NYXStackProperties withCalibration(const NYXStack& stack, const PixelCalibration& calibration)
+{
+  NYXStackProperties properties(stack);
+  const int scale = stack.getLengthUnit().getScale() - calibration.getLengthUnit().getScale();
+  const auto factor = static_cast<float>(std::pow(10.0, scale));
+  properties.defaultRelativePosition *= factor;
+  properties.defaultSliceThickness *= factor;
+  properties.defaultPixelCalibration = calibration;
+  return properties;
+}
+
 QString withStackSuffix(const QString& filename)
 {
   return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
@@ -125,37 +146,56 @@ QString NYXStackIO::chooseStackFile()
   return chosen.value(0);
 }
 
-void NYXStackIO::showFormatError(const Exception& error) const
+/// Says why the images of slices cannot be used. To be called while the error is being handled.
+void NYXStackIO::showFormatError() const
 {
-  const auto* fileError = dynamic_cast<const FileError*>(&error);
-  const QString filename = fileError ? QString::fromStdString(fileError->getFilename()) : QString();
-  warn(_parent, {tr("File format error"),
-                 filename.isEmpty() ? tr("The stack cannot be made.") : tr("%1 cannot be read.").arg(filename),
-                 QString::fromStdString(error.getWhat())});
+  const QString reason = textOfCurrentError();
+  QString filename;
+  try
+  {
+    throw;
+  }
+  catch (const FileError& error)
+  {
+    filename = QString::fromStdString(error.getFilename());
+  }
+  catch (...) // names no file, as when the memory does not suffice
+  {
+  }
+  warn(_parent,
+       {tr("File format error"),
+        filename.isEmpty() ? tr("The stack cannot be made.") : tr("%1 cannot be read.").arg(filename), reason});
 }
 
-/// Slices without a distance would all lie at one depth. False when the user cancels.
-bool NYXStackIO::askForSpacing(NYXStack& stack) const
+/// The distance of neighbouring slices, which would all lie at one depth without one; none when the user cancels.
+std::optional<float> NYXStackIO::askForSpacing(const LengthUnit& unit) const
 {
-  if (stack.getNumSlices() < 2 || stack.getDefaultSliceSpacing() != 0) return true;
-  QInputDialog dialog(_parent);
+  QDialog dialog(_parent);
   dialog.setObjectName("spacingDialog");
   dialog.setWindowTitle(tr("Slice spacing"));
-  const QString unit = QString::fromStdString(stack.getLengthUnit().symbol());
-  dialog.setLabelText(
-      tr("The images do not tell the distance between neighbouring slices.\nDistance in %1:").arg(unit));
-  dialog.setInputMode(QInputDialog::DoubleInput);
-  dialog.setDoubleDecimals(4);
-  dialog.setDoubleRange(0.0001, 1e6);
-  dialog.setDoubleValue(1);
-  if (dialog.exec() != QDialog::Accepted) return false;
-  stack.setDefaultSliceSpacing(static_cast<float>(dialog.doubleValue()));
-  return true;
+  auto* const form = new QFormLayout(&dialog);
+  form->addRow(new QLabel(tr("The images do not tell the distance between neighbouring slices."), &dialog));
+  NYXNumberBox* const box = NYXNumberBox::addTo(*form, "spacing", tr("Distance"), tr("From a slice to the next one"));
+  box->setRange(leastSpacing, greatestSpacing);
+  box->setUnit(QString::fromStdString(unit.symbol()));
+  box->setNumber(1);
+  QDialogButtonBox* const buttons = createButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+  form->addRow(buttons);
+  nameParts(dialog);
+  box->selectAll();
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return static_cast<float>(box->getNumber());
 }
 
 void NYXStackIO::openNewStack(std::unique_ptr<NYXStack> stack, const QString& name)
 {
-  if (!askForSpacing(*stack)) return;
+  if (stack->getNumSlices() > 1 && stack->getDefaultSliceSpacing() == 0)
+  {
+    const std::optional<float> spacing = askForSpacing(stack->getLengthUnit());
+    if (!spacing) return;
+    stack->setDefaultSliceSpacing(*spacing);
+  }
   if (isStorableName(name.toStdString())) stack->setName(name.toStdString());
   NYXStack& opened = NYXStackServer::server().addStack(std::move(stack));
   opened.setModified(true);
@@ -176,9 +216,9 @@ void NYXStackIO::newStack(const QStringList& proposed)
     if (!isDone(tr("New stack"), subject, add)) return;
     openNewStack(std::move(stack), QFileInfo(dialog.getFiles().first()).dir().dirName());
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
 }
 
@@ -215,9 +255,9 @@ void NYXStackIO::newStackFromFile(const QString& filename)
     if (!channel || !isRead([&] { addPlanesOf(*stack, file, *channel); })) return;
     openNewStack(std::move(stack), QFileInfo(filename).completeBaseName());
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
 }
 
@@ -232,16 +272,30 @@ void NYXStackIO::insertSlices(NYXStack& stack, int place)
   try
   {
     const auto make = [&] { made = makeSlices(stack, files, true, subject); };
-    if (!isDone(tr("Insert slice"), subject, make)) return;
-    const NYXEventBatch batch;
-    NYXActionStep step(stack.history());
-    for (std::unique_ptr<StackSlice>& slice : made.slices)
-      step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
+    if (isDone(tr("Insert slice"), subject, make)) insertSlices(stack, std::move(made), place);
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    showFormatError(error);
+    showFormatError();
   }
+}
+
+void NYXStackIO::insertSlices(NYXStack& stack, NewSlices made, int place) const
+{
+  const bool hadNeighbours = stack.getNumSlices() > 1;
+  NYXStackProperties properties = withCalibration(stack, made.defaultCalibration);
+  if (!hadNeighbours && stack.getNumSlices() + made.slices.size() > 1 && properties.defaultRelativePosition == 0)
+  {
+    const std::optional<float> spacing = askForSpacing(made.defaultCalibration.getLengthUnit());
+    if (!spacing) return;
+    properties.defaultRelativePosition = *spacing;
+  }
+  const NYXEventBatch batch;
+  NYXActionStep step(stack.history());
+  for (std::unique_ptr<StackSlice>& slice : made.slices)
+    step.push(std::make_unique<NYXSliceInsertionDeletionAction>(stack, std::move(slice), place++));
+  auto defaults = std::make_unique<NYXStackPropertiesAction>(stack, std::move(properties));
+  if (!defaults->isNull()) step.push(std::move(defaults));
 }
 
 NYXStack* NYXStackIO::openStack()
@@ -263,7 +317,15 @@ NYXStack* NYXStackIO::openStack(const QString& filename)
     showMessage(tr("%1 is open already").arg(file), 5000);
     return open;
   }
-  return readStack(file);
+  try
+  {
+    return readStack(file);
+  }
+  catch (...) // what the reader does not note in its log, as when the memory does not suffice
+  {
+    warn(_parent, {tr("Error"), tr("Error: %1 cannot be opened.").arg(file), textOfCurrentError()});
+    return nullptr;
+  }
 }
 
 NYXStack* NYXStackIO::readStack(const QString& file)
@@ -312,9 +374,9 @@ NYXStackIO::Result NYXStackIO::write(NYXStack& stack, const QString& filename, Q
     showWarnings(stack, filename, writer);
     return Result::Done;
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    reason = QString::fromStdString(error.getWhat());
+    reason = textOfCurrentError();
     return Result::Failed;
   }
 }

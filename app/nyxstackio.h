@@ -5,13 +5,15 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
-class Exception;
+class LengthUnit;
 class NYXRootStatusBar;
 class NYXStack;
 class ProgressSubject;
 class QWidget;
 class StackWriter;
+struct NewSlices;
 
 /// Opens, saves and closes stacks, with the dialogs that belong to it. Made on demand; parent and status bar are
 /// borrowed.
@@ -60,9 +62,10 @@ private:
   bool isDone(const QString& title, ProgressSubject& subject, const std::function<void()>& work) const;
   QString chooseStackFile();
   NYXStack* readStack(const QString& file);
-  bool askForSpacing(NYXStack& stack) const;
+  std::optional<float> askForSpacing(const LengthUnit& unit) const;
+  void insertSlices(NYXStack& stack, NewSlices made, int place) const;
   void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
-  void showFormatError(const Exception& error) const;
+  void showFormatError() const;
   void showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const;
   Result write(NYXStack& stack, const QString& filename, QString& reason);
   bool settleLosses(NYXStack& stack) const;

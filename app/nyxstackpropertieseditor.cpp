@@ -290,6 +290,7 @@ void NYXStackPropertiesEditor::apply(NYXActionStep& step)
   properties.defaultPixelCalibration.setLengthUnit(unit);
   auto action = std::make_unique<NYXStackPropertiesAction>(_stack, properties);
   if (!action->isNull()) step.push(std::move(action));
+  requireStorable(properties.defaultPixelCalibration);
   applyToSlices(step, properties.defaultPixelCalibration);
   _form.forgetChanges();
   _isAppliesToAllTouched = _isUnitTouched = false;
@@ -304,6 +305,7 @@ void NYXStackPropertiesEditor::applyToSlices(NYXActionStep& step, const PixelCal
     NYXSliceProperties properties(*_stack.getSlice(i));
     if (_appliesToAll->isChecked()) properties.pixelCalibration = calibration;
     properties.pixelCalibration.setLengthUnit(calibration.getLengthUnit());
+    requireStorable(properties.pixelCalibration);
     auto action = std::make_unique<NYXSlicePropertiesAction>(*_stack.getSlice(i), properties);
     if (!action->isNull()) step.push(std::move(action));
   }

@@ -11,6 +11,7 @@ namespace
 constexpr std::size_t cacheLine = 64;
 constexpr std::size_t hugePage = std::size_t(2) << 20;
 constexpr std::size_t hugePagesFrom = 2 * hugePage;
+constexpr std::size_t spareFrom = std::size_t(16) << 20;
 constexpr std::size_t spareUpTo = std::size_t(64) << 20;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__clang__) // clang builds the fuzz targets
@@ -47,7 +48,7 @@ void* takeSpare(std::size_t numBytes)
 
 bool isSpareSize(std::size_t size)
 {
-  return keepsSpare && hugePagesFrom <= size && size <= spareUpTo + hugePage;
+  return keepsSpare && spareFrom <= size && size <= spareUpTo + hugePage;
 }
 
 void* allocateHugePages(std::size_t numBytes)

@@ -8,7 +8,7 @@
 
 /// Uninitialised memory for the containers: blocks of a cache line or more start on a cache line, and large blocks are
 /// aligned to huge pages and ask the kernel for them, since first touch in small pages costs more than most loops.
-/// One freed block of up to 64 MiB is kept for the next request of about its size.
+/// One freed block of 16 to 64 MiB is kept for the next request of about its size.
 /// \throw std::bad_alloc  there is no such memory
 void* allocateBuffer(std::size_t numBytes);
 void freeBuffer(void* buffer) noexcept;

@@ -13,6 +13,7 @@ void NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate::addControls(QFo
   _tolerance = 1;
   auto* tolerance = new QDoubleSpinBox;
   tolerance->setObjectName("tolerance");
+  tolerance->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   tolerance->setRange(0, 100);
   tolerance->setSingleStep(0.5);
   tolerance->setValue(_tolerance);

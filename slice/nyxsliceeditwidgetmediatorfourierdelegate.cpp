@@ -30,6 +30,7 @@ void NYXSliceEditWidgetMediatorFourierDelegate::addControls(QFormLayout& form, c
   _first.compute(realCurve(item), numHarmonicsOf(item));
   _fidelity = new QDoubleSpinBox;
   _fidelity->setObjectName("fidelity");
+  _fidelity->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   _fidelity->setRange(0, 100);
   _fidelity->setDecimals(2);
   _fidelity->setSuffix(" %");

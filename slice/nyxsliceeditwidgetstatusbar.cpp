@@ -3,7 +3,7 @@
 #include <QLabel>
 
 NYXSliceEditWidgetStatusBar::NYXSliceEditWidgetStatusBar(QWidget* parent)
-  : NYXSliceWidgetStatusBar(parent), _editMode(addField("editModeField", tr("The tool at work")))
+  : NYXSliceWidgetStatusBar(parent), _editMode(addField("editModeField", tr("The tool at work"), "THRESHOLD"))
 {
   setObjectName("sliceEditStatusBar");
   setEditModeInfo("READY");

@@ -11,8 +11,6 @@
 
 namespace
 {
-constexpr double readerShare = 0.75; // of the work
-
 std::int64_t numPixels(const ImageSource& source)
 {
   const std::vector<int> size = source.getSize();

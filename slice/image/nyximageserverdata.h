@@ -25,6 +25,8 @@ class NYXImageServerData : public QObject
   Q_OBJECT
 
 public:
+  static constexpr double readerShare = 0.75; ///< of the work that reading is; the rest is reducing
+
   /// Copies the source.
   NYXImageServerData(const ImageSource& source, const QString& key,
                      NYXImageReader::ReadFunction read = NYXImageReader::defaultReadFunction());

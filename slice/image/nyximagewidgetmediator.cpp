@@ -7,6 +7,7 @@
 #include "slice/image/nyximagewidget.h"
 #include "slice/image/nyximagewidgetcanvas.h"
 #include "slice/image/nyximagewidgetstatusbar.h"
+#include "slice/image/nyxloadingnotice.h"
 #include "slice/image/nyxpandelegate.h"
 #include "slice/image/nyxpixelinfodelegate.h"
 #include "slice/image/nyxrulerdelegate.h"
@@ -60,6 +61,7 @@ NYXImageWidgetCanvas& NYXImageWidgetMediator::canvas() const
 
 void NYXImageWidgetMediator::initialize()
 {
+  _loadingNotice = new NYXLoadingNotice(canvas(), this);
   _ruler = new NYXRulerDelegate(*this);
   new NYXPanDelegate(*this);
   new NYXPixelInfoDelegate(*this); // the last one added looks at events first: it misses no move
@@ -78,7 +80,7 @@ QAction* NYXImageWidgetMediator::createAction(const QString& text, const QString
   action->setStatusTip(toolTip);
   action->setShortcut(shortcut);
   action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  const QString icon = QString(":/icons/%1.svg").arg(name);
+  const QString icon = QString(":/icons/%1.svg").arg(name.toLower());
   if (QFile::exists(icon)) action->setIcon(QIcon(icon));
   connect(action, &QAction::triggered, this, trigger);
   _widget.addAction(action);
@@ -139,6 +141,7 @@ void NYXImageWidgetMediator::setImageServer(NYXImageServer& server)
 {
   if (_server != nullptr) removeImageServer();
   _server = &server;
+  _loadingNotice->setImageServer(&server);
   attachProxy();
 }
 
@@ -153,6 +156,7 @@ NYXImageServer& NYXImageWidgetMediator::getImageServer() const
 void NYXImageWidgetMediator::removeImageServer()
 {
   detachProxy();
+  _loadingNotice->setImageServer(nullptr);
   _server = nullptr;
 }
 
@@ -160,12 +164,14 @@ void NYXImageWidgetMediator::attachProxy()
 {
   if (_server != nullptr && canvas().getImageProxy().getImageSource() != nullptr)
     _server->attachProxy(canvas().getImageProxy());
+  _loadingNotice->follow();
 }
 
 void NYXImageWidgetMediator::detachProxy()
 {
   NYXImageProxy& proxy = canvas().getImageProxy();
   if (proxy.hasImageServer()) proxy.getImageServer().detachProxy(proxy);
+  _loadingNotice->follow();
 }
 
 void NYXImageWidgetMediator::setImageSource(const ImageSource* source)
@@ -204,6 +210,7 @@ void NYXImageWidgetMediator::clear()
 void NYXImageWidgetMediator::imageProxyChange()
 {
   updateImageTypeInfo();
+  _loadingNotice->follow();
   canvas().update();
   emit imageChanged();
 }

@@ -12,6 +12,7 @@ class NYXImageServer;
 class NYXImageWidget;
 class NYXImageWidgetCanvas;
 class NYXImageWidgetStatusBar;
+class NYXLoadingNotice;
 class NYXRulerDelegate;
 class PixelCalibration;
 class QAction;
@@ -61,6 +62,8 @@ public:
 
   /// All actions, in the order of the tool bar and menus.
   const QList<QAction*>& actions() const { return _actions; }
+  /// "Zoom in", "Zoom out", "Best fit".
+  QList<QAction*> zoomActions() const { return {_zoomIn, _zoomOut, _bestFit}; }
 
 public slots:
   void increaseZoomFactor() { stepZoomFactor(true); }
@@ -112,5 +115,6 @@ private:
   QAction* _rulerAction = nullptr;
   QList<QAction*> _scrollActions;
   NYXRulerDelegate* _ruler = nullptr;
+  NYXLoadingNotice* _loadingNotice = nullptr;
   bool _areActionsEnabled = true;
 };

@@ -1,24 +1,25 @@
 #include "slice/image/nyximagewidgetstatusbar.h"
 
+#include "slice/image/nyxstatusfield.h"
+
 #include <QHBoxLayout>
-#include <QLabel>
 
 NYXImageWidgetStatusBar::NYXImageWidgetStatusBar(QWidget* parent) : QWidget(parent), _layout(new QHBoxLayout(this))
 {
   setObjectName("imageStatusBar");
   _layout->setContentsMargins(0, 0, 0, 0);
-  _pixel = addField("pixelField", tr("Position and value of the pixel under the cursor"));
-  _zoom = addField("zoomField", tr("Pixels of the screen per pixel of the image"));
-  _size = addField("imageSizeField", tr("Width and height of the image in pixels, and the memory that it takes"));
-  _type = addField("imageTypeField", tr("Kind of the image"));
+  setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+  _pixel =
+      addField("pixelField", tr("Position and value of the pixel under the cursor"), "X=9999, Y=9999, RGB=255,255,255");
+  _zoom = addField("zoomField", tr("Pixels of the screen per pixel of the image"), "6400%");
+  _size = addField("imageSizeField", tr("Width and height of the image in pixels, and the memory that it takes"),
+                   "16384x16384 [256 Mb]");
+  _type = addField("imageTypeField", tr("Kind of the image"), "8 bits, palette");
 }
 
-QLabel* NYXImageWidgetStatusBar::addField(const QString& name, const QString& toolTip)
+QLabel* NYXImageWidgetStatusBar::addField(const QString& name, const QString& toolTip, const QString& sample)
 {
-  auto* field = new QLabel(this);
-  field->setObjectName(name);
-  field->setTextFormat(Qt::PlainText);
-  field->setToolTip(toolTip);
+  auto* field = new NYXStatusField(name, toolTip, sample, this);
   _layout->addWidget(field);
   return field;
 }

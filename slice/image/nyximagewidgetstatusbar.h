@@ -30,8 +30,8 @@ public:
   static QString imageSizeText(const QSize& size, std::int64_t numBytes);
 
 protected:
-  /// Another field at the right.
-  QLabel* addField(const QString& name, const QString& toolTip);
+  /// Another field at the right, as wide as the sample.
+  QLabel* addField(const QString& name, const QString& toolTip, const QString& sample);
 
 private:
   QHBoxLayout* _layout;

@@ -8,7 +8,8 @@
 #include <QStringList>
 
 NYXSliceWidgetStatusBar::NYXSliceWidgetStatusBar(QWidget* parent)
-  : NYXImageWidgetStatusBar(parent), _slice(addField("itemsField", tr("Number of items on the slice")))
+  : NYXImageWidgetStatusBar(parent),
+    _slice(addField("itemsField", tr("Number of items on the slice"), "99 contour(s), 999 point(s)"))
 {
   setObjectName("sliceStatusBar");
 }

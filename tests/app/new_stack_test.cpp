@@ -16,11 +16,13 @@
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QInputDialog>
 #include <QListWidget>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTest>
+
+#include <cmath>
 
 namespace
 {
@@ -46,7 +48,11 @@ std::function<void(QDialog&)> choosing(const QStringList& files, double number, 
     seen.append(dialog.windowTitle());
     if (auto* fileDialog = qobject_cast<QFileDialog*>(&dialog))
       for (const QString& file : files) fileDialog->selectFile(file);
-    if (auto* input = qobject_cast<QInputDialog*>(&dialog)) input->setDoubleValue(number);
+    if (auto* input = dialog.findChild<QDoubleSpinBox*>())
+    {
+      input->selectAll();
+      QTest::keyClicks(input, QString::number(number));
+    }
     if (auto* newStack = qobject_cast<NYXNewStackDialog*>(&dialog)) newStack->addFiles(files);
     QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
   };
@@ -76,8 +82,10 @@ TEST(NewStack, IsMadeOfImagesAndAskedForItsSpacing)
   const TemporaryFolder folder;
   const QStringList files = {image(folder, "b.tif"), image(folder, "a.tif")};
   QStringList seen;
+  QLocale::setDefault(QLocale::German); // whose point stands between groups of digits
   inDialogs(choosing(files, 2.5, seen), [&] { test.action("New stack")->trigger(); });
   EXPECT_EQ(seen, QStringList({"New stack", "Slice spacing"}));
+  QLocale::setDefault(QLocale::c());
   ASSERT_EQ(NYXStackServer::server().getNumStacks(), 1);
   NYXStack& stack = NYXStackServer::server().getStack(0);
   EXPECT_EQ(slicesOf(stack), QStringList({"b", "a"}));
@@ -167,6 +175,35 @@ TEST(Slices, AreInsertedAndDeletedInTheWindowAndThatIsUndone)
   redo->trigger();
   EXPECT_EQ(slicesOf(stack), QStringList({"000", "new", "001"}));
   EXPECT_FALSE(redo->isEnabled());
+}
+
+TEST(Slices, ThatAreTheFirstOnesGiveTheStackTheirUnitAndAreAskedForASpacing)
+{
+  WindowTest test;
+  const TemporaryFolder folder;
+  TiffRecipe{.resolutionUnit = RESUNIT_CENTIMETER, .xResolution = 20000.f, .yResolution = 20000.f}.write(
+      folder.file("half-micron.tif"));
+  const QString file = QString::fromStdString(folder.file("half-micron.tif"));
+  NYXStack& stack = addStack("emptied", {}, false);
+  stack.convertLengthUnit(-9);
+  QStringList seen;
+  for (int i = 0; i < 2; ++i)
+    inDialogs(choosing({file}, 2.5, seen), [&] { test.action("Insert slice...")->trigger(); });
+  EXPECT_EQ(seen, QStringList({"Select image files", "Select image files", "Slice spacing"}));
+  ASSERT_EQ(stack.getNumSlices(), 2);
+  const LengthUnit& unit = stack.getLengthUnit();
+  for (int i = 0; i < 2; ++i)
+  {
+    EXPECT_EQ(stack.getSlice(i)->getPixelCalibration().getLengthUnit(), unit);
+    EXPECT_NEAR(stack.getSlice(i)->getPixelCalibration().getPixelWidth() * std::pow(10., unit.getScale()), 5e-7, 1e-12);
+  }
+  EXPECT_EQ(stack.getSlice(1)->getAbsolutePosition(), 2.5f);
+  auto* const undo = test.window().findChild<QAction*>("Undo");
+  EXPECT_EQ(undo->text(), "Undo: Insert slice");
+  for (int i = 0; i < 2; ++i) undo->trigger();
+  EXPECT_EQ(stack.getNumSlices(), 0);
+  EXPECT_EQ(stack.getLengthUnit().getScale(), -9);
+  EXPECT_EQ(stack.getDefaultSliceSpacing(), 0);
 }
 
 TEST(StackSaving, AsksBeforeDigitsOfLengthsAreLost)

@@ -127,6 +127,26 @@ TEST_F(PropertiesDialogs, LengthUnitConvertsOrNot)
   expectOneStep();
 }
 
+TEST_F(PropertiesDialogs, CalibrationsThatNoFileCanHoldAreRefused)
+{
+  NYXStackPropertiesDialog ofStack(stack);
+  ofStack.show();
+  chooseUnit(ofStack, 18); // of micrometers in exameters
+  press(ofStack, "okButton");
+  EXPECT_TRUE(ofStack.isVisible());
+  EXPECT_THAT(find<QLabel>(ofStack, "message").text().toStdString(), testing::HasSubstr("cannot be saved"));
+  NYXSlicePropertiesDialog ofSlice(stack, {stack.getSlice(0)});
+  ofSlice.show();
+  if (find<QCheckBox>(ofSlice, "calibrationAsStack").isChecked())
+    find<QCheckBox>(ofSlice, "calibrationAsStack").click();
+  type(ofSlice, "pixelWidth", "1e-9");
+  type(ofSlice, "pixelHeight", "1e9"); // each of them could be, but not the aspect ratio
+  press(ofSlice, "okButton");
+  EXPECT_TRUE(ofSlice.isVisible());
+  EXPECT_THAT(find<QLabel>(ofSlice, "message").text().toStdString(), testing::HasSubstr("cannot be saved"));
+  expectNoStep();
+}
+
 TEST_F(PropertiesDialogs, OtherPropertiesOfAStack)
 {
   NYXStackPropertiesDialog dialog(stack);
@@ -332,6 +352,31 @@ TEST(NumberBox, StepsByTheSecondDigitAndShowsWhatCounts)
     EXPECT_EQ(box.getNumber(), c.number);
     box.stepBy(1);
     EXPECT_NEAR(box.getNumber(), c.next, 1e-12 + 1e-9 * std::abs(c.next)) << c.shown;
+  }
+}
+
+TEST(NumberBox, TakesPointAndCommaForDecimalSignsInEachLanguage)
+{
+  const struct
+  {
+    QLocale locale;
+    const char* typed;
+    double number;
+  } cases[] = {{QLocale::German, "1.234", 1.234},    {QLocale::German, "1,234", 1.234},
+               {QLocale::German, "1.234,5", 1.2345}, // the second sign is not taken
+               {QLocale::French, "1.234", 1.234},    {QLocale::English, "1.234", 1.234},
+               {QLocale::English, "1,5", 1.5},       {QLocale::English, "nan", 7},
+               {QLocale::English, "inf", 7},         {QLocale::English, "1e3", 1000}};
+  for (const auto& c : cases)
+  {
+    NYXNumberBox box;
+    box.setLocale(c.locale);
+    box.setRange(-1e15, 1e15);
+    box.setUnit("mm");
+    box.setNumber(7);
+    box.selectAll();
+    QTest::keyClicks(&box, c.typed);
+    EXPECT_EQ(box.getNumber(), c.number) << c.locale.name().toStdString() << " " << c.typed;
   }
 }
 } // namespace

@@ -1,0 +1,53 @@
+#include "slice/image/nyxstatusfield.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QTextDocument>
+#include <QToolTip>
+
+namespace
+{
+const char* const shortestText = "100%"; // that narrow windows leave
+}
+
+NYXStatusField::NYXStatusField(const QString& name, const QString& toolTip, const QString& sample, QWidget* parent)
+  : QLabel(parent), _sample(sample)
+{
+  setObjectName(name);
+  setTextFormat(Qt::PlainText);
+  setToolTip(toolTip);
+  setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+}
+
+int NYXStatusField::widthOf(const QString& text) const
+{
+  return fontMetrics().horizontalAdvance(text) + fontMetrics().averageCharWidth();
+}
+
+QSize NYXStatusField::sizeHint() const
+{
+  return {widthOf(_sample), fontMetrics().height()};
+}
+
+QSize NYXStatusField::minimumSizeHint() const
+{
+  return {qMin(widthOf(shortestText), widthOf(_sample)), fontMetrics().height()};
+}
+
+void NYXStatusField::paintEvent(QPaintEvent*)
+{
+  QPainter painter(this);
+  const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
+  style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
+                        foregroundRole());
+}
+
+bool NYXStatusField::event(QEvent* event)
+{
+  if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= width())
+    return QLabel::event(event);
+  const QString whole = Qt::mightBeRichText(text()) ? text().toHtmlEscaped() : text();
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole + "\n" + toolTip(), this);
+  return true;
+}
