@@ -1,4 +1,6 @@
-// Speed of thresholds, histograms, component labels and filters, on all OpenMP threads, in voxels per second.
+// Speed of thresholds, histograms, component labels and filters, on all OpenMP threads, in voxels per second; of active
+// contours in vertices moved per second.
+#include "image/activecontour/activecontour.h"
 #include "image/filters/filterkind.h"
 #include "image/histogram.h"
 #include "image/segmentation/connectedcomponents.h"
@@ -7,6 +9,9 @@
 #include "numeric/randomgenerator.h"
 
 #include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <numbers>
 
 namespace
 {
@@ -99,6 +104,30 @@ template <class T> static void gaussianFilter(benchmark::State& state)
   measure<T>(state, *findFilterKind("gaussian").make<T>(options));
 }
 
+/// Iterations of a contour of about a thousand vertices around a disc; the argument is their number.
+static void activeContour(benchmark::State& state)
+{
+  constexpr int imageSide = 512, center = 256, radius = 155, numVertices = 1000;
+  PixelMatrix<float> image(imageSide, imageSide);
+  for (int i = 0; i < imageSide; ++i)
+    for (int j = 0; j < imageSide; ++j) image(i, j) = std::hypot(i - center, j - center) < radius ? 200.f : 100.f;
+  Curve<double> start(2, numVertices);
+  for (int i = 0; i < numVertices; ++i)
+  {
+    start.data(i)[0] = center + 1.03 * radius * std::cos(2 * std::numbers::pi * i / numVertices);
+    start.data(i)[1] = center + 1.03 * radius * std::sin(2 * std::numbers::pi * i / numVertices);
+  }
+  SnakeConfig config;
+  config.reach = config.convergence = 0; // one preparation, all iterations
+  config.iterations = static_cast<int>(state.range(0));
+  for (auto _ : state)
+  {
+    Curve<double> curve = start;
+    benchmark::DoNotOptimize(ActiveContour(config).apply(image, curve));
+  }
+  state.SetItemsProcessed(state.iterations() * config.iterations * numVertices);
+}
+
 BENCHMARK(thresholding<Thresholding<unsigned char>, unsigned char>);
 BENCHMARK(thresholding<Thresholding<float>, float>);
 BENCHMARK(thresholding<OtsuThresholding<unsigned char>, unsigned char>);
@@ -112,3 +141,4 @@ BENCHMARK(meanFilter<unsigned char>)->Arg(5)->Arg(51);
 BENCHMARK(meanFilter<float>)->Arg(5)->Arg(51);
 BENCHMARK(gaussianFilter<unsigned char>)->Arg(2);
 BENCHMARK(gaussianFilter<float>)->Arg(2)->Arg(10);
+BENCHMARK(activeContour)->Arg(1)->Arg(101);

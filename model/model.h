@@ -1,10 +1,10 @@
 #pragma once
 
+#include "image/activecontour/snakeconfig.h"
 #include "model/keptstatements.h"
 #include "model/modelitemowner.h"
 #include "model/modelitemproperties.h"
 #include "model/modelproperties.h"
-#include "model/snakeconfig.h"
 
 #include <optional>
 #include <string>

@@ -2,7 +2,6 @@
 
 #include "image/filters/meanfilter.h"
 #include "image/image.h"
-#include "image/pixelmatrix.h"
 #include "image/segmentation/isodatathresholding.h"
 
 #include <QRect>
@@ -23,26 +22,6 @@ Image cropped(const Image& image, const QRect& roi)
     std::memcpy(part.getLine(i), image.getLine(roi.y() + i) + std::ptrdiff_t(roi.x()) * image.bytesPerPixel(),
                 part.bytesPerLine());
   return part;
-}
-
-PixelMatrix<float> greyLevels(const Image& image)
-{
-  PixelMatrix<float> levels;
-  switch (image.colorContent())
-  {
-  case ImageColorContent::RedOnly:
-    levels.convertFromImage(image, ImageChannel::Red);
-    break;
-  case ImageColorContent::GreenOnly:
-    levels.convertFromImage(image, ImageChannel::Green);
-    break;
-  case ImageColorContent::BlueOnly:
-    levels.convertFromImage(image, ImageChannel::Blue);
-    break;
-  default:
-    levels.convertFromImage(image);
-  }
-  return levels;
 }
 
 /// Whether most pixels at the border of the matrix are not below the threshold.
@@ -82,6 +61,26 @@ Curve<int> pixelsAlong(const Curve<int>& boundary)
   return pixels;
 }
 } // namespace
+
+PixelMatrix<float> greyLevels(const Image& image)
+{
+  PixelMatrix<float> levels;
+  switch (image.colorContent())
+  {
+  case ImageColorContent::RedOnly:
+    levels.convertFromImage(image, ImageChannel::Red);
+    break;
+  case ImageColorContent::GreenOnly:
+    levels.convertFromImage(image, ImageChannel::Green);
+    break;
+  case ImageColorContent::BlueOnly:
+    levels.convertFromImage(image, ImageChannel::Blue);
+    break;
+  default:
+    levels.convertFromImage(image);
+  }
+  return levels;
+}
 
 std::optional<Curve<int>> contourInRoi(const Image& image, const QRect& roi, int halfSize)
 {

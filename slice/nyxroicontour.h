@@ -1,11 +1,15 @@
 #pragma once
 
 #include "geometry/curve.h"
+#include "image/pixelmatrix.h"
 
 #include <optional>
 
 class Image;
 class QRect;
+
+/// The grey levels of an image; of a single-channel colour image, those of its channel.
+PixelMatrix<float> greyLevels(const Image& image);
 
 /// The object in a rectangle of an image, found by a threshold.
 ///

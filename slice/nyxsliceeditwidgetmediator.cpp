@@ -16,6 +16,7 @@
 #include "slice/nyxsliceeditwidgetmediatorresamplingdelegate.h"
 #include "slice/nyxsliceeditwidgetmediatorselectiondelegate.h"
 #include "slice/nyxsliceeditwidgetmediatorshiftdelegate.h"
+#include "slice/nyxsliceeditwidgetmediatorsnakedelegate.h"
 #include "slice/nyxsliceeditwidgetmediatorsplitdelegate.h"
 #include "slice/nyxsliceeditwidgetmediatorthresholdingdelegate.h"
 #include "slice/nyxsliceeditwidgetstatusbar.h"
@@ -52,6 +53,7 @@ void NYXSliceEditWidgetMediator::initialize()
   _douglasPeucker = new NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate(*this);
   _reorigin = new NYXSliceEditWidgetMediatorReoriginDelegate(*this);
   _fourier = new NYXSliceEditWidgetMediatorFourierDelegate(*this);
+  _snake = new NYXSliceEditWidgetMediatorSnakeDelegate(*this);
   _split = new NYXSliceEditWidgetMediatorSplitDelegate(*this);
   _shift = new NYXSliceEditWidgetMediatorShiftDelegate(*this);
   _selection->activate();
@@ -111,6 +113,8 @@ void NYXSliceEditWidgetMediator::createContourTools()
                    [this] { _reorigin->activate(); }),
       createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
                    [this] { _resampling->activate(); }),
+      createAction(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
+                   [this] { _snake->activate(); }),
       createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
                    [this] { _fourier->activate(); }),
       createAction(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {},
@@ -165,6 +169,13 @@ void NYXSliceEditWidgetMediator::createMenus()
                         _selection->cancelSelection();
                         _creation->activate(model);
                       });
+  _automaticMenu = createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
+                                   &Mediator::buildPolygonModelList,
+                                   [this](const QString& model)
+                                   {
+                                     _selection->cancelSelection();
+                                     _thresholding->activate(model);
+                                   });
   _selectMenu =
       createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
                       [this](const QString& model) { _selection->selectModelItems(model); });
@@ -236,11 +247,16 @@ bool NYXSliceEditWidgetMediator::pushStep(std::unique_ptr<NYXAction> action)
 
 bool NYXSliceEditWidgetMediator::pushStep(std::vector<std::unique_ptr<NYXAction>> actions)
 {
+  return pushStep(history(), std::move(actions));
+}
+
+bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector<std::unique_ptr<NYXAction>> actions)
+{
   std::erase_if(actions, [](const auto& action) { return action->isNull(); });
   if (actions.empty()) return false;
   try
   {
-    NYXActionStep step(history());
+    NYXActionStep step(history);
     for (auto& action : actions) step.push(std::move(action));
     return true;
   }
@@ -337,7 +353,8 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
 void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 {
   if (!sliceCanvas().hasSlice() || &sliceCanvas().getSlice() != &event.getSlice()) return;
-  if (event.isLocked && _activeTool != nullptr) _activeTool->cancel();
+  const bool isOwnLock = event.getSender() == this; // of the tool at work
+  if (event.isLocked && !isOwnLock && _activeTool != nullptr) _activeTool->cancel();
   QTimer::singleShot(0, this, [this] { updateEditActions(); }); // the stack may hear of the lock after this
 }
 

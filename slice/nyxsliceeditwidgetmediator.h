@@ -19,6 +19,7 @@ class NYXSliceEditWidgetMediatorReoriginDelegate;
 class NYXSliceEditWidgetMediatorResamplingDelegate;
 class NYXSliceEditWidgetMediatorSelectionDelegate;
 class NYXSliceEditWidgetMediatorShiftDelegate;
+class NYXSliceEditWidgetMediatorSnakeDelegate;
 class NYXSliceEditWidgetMediatorSplitDelegate;
 class NYXSliceEditWidgetMediatorThresholdingDelegate;
 class QActionGroup;
@@ -54,6 +55,8 @@ public:
   /// fails takes the step back and is told. \return whether there is a step
   bool pushStep(std::unique_ptr<NYXAction> action);
   bool pushStep(std::vector<std::unique_ptr<NYXAction>> actions);
+  /// The same of another history: the stack's, when several slices change.
+  bool pushStep(NYXActionHistory& history, std::vector<std::unique_ptr<NYXAction>> actions);
 
   /// Names for the menus: the models of the stack, those with items on the slice, those of closed contours.
   QStringList buildStackModelList() const;
@@ -116,6 +119,7 @@ private:
   NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate* _douglasPeucker = nullptr;
   NYXSliceEditWidgetMediatorReoriginDelegate* _reorigin = nullptr;
   NYXSliceEditWidgetMediatorFourierDelegate* _fourier = nullptr;
+  NYXSliceEditWidgetMediatorSnakeDelegate* _snake = nullptr;
   NYXSliceEditWidgetMediatorSplitDelegate* _split = nullptr;
   NYXSliceEditWidgetMediatorShiftDelegate* _shift = nullptr;
 
