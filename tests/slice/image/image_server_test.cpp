@@ -220,6 +220,8 @@ TEST(ImageServer, DropsTheImagesOfAClosedStack)
   EXPECT_EQ(server.getNumRunning(), 0);
   EXPECT_EQ(server.getNumLoaded(), 2); // what is shown, and the other stack's
   EXPECT_TRUE(shown.hasImage());
+  server.detachProxy(shown); // by a window that hears of it later
+  EXPECT_TRUE(waitUntil([&] { return server.getNumLoaded() == 1; }));
 }
 
 TEST(ImageServer, IsSwitchedQuicklyThroughAThousandSlices)
