@@ -94,6 +94,19 @@ TEST_F(RootViews, PageKeysLeadThroughThePanoramaWhileItHasTheFocus)
   EXPECT_EQ(part<NYXSliceListWidget>().currentSlice(), 0);
 }
 
+TEST_F(RootViews, ThePanoramaThatHasTheFocusGoesWithTheStack)
+{
+  openExample();
+  test.window().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&test.window()));
+  test.action("Display stack panorama")->trigger();
+  ASSERT_TRUE(part<NYXPanorama>().hasFocus());
+  test.action("Close stack")->trigger();
+  EXPECT_FALSE(part<NYXPanorama>().isVisible());
+  EXPECT_EQ(part<NYXSliceListWidget>().numSlices(), 0);
+  EXPECT_EQ(test.window().windowTitle(), "Mirelo");
+}
+
 TEST_F(RootViews, TheOverviewRemembersThatItIsShown)
 {
   openExample();
