@@ -129,6 +129,19 @@ TEST_F(RootViews, TheOverviewRemembersThatItIsShown)
   EXPECT_EQ(third.findChild<NYXOverview*>()->size(), QSize(150, 170));
 }
 
+TEST_F(RootViews, TheOverviewLiesOnItsWindowAlsoWithoutACanvas)
+{
+  QSettings().setValue("overview/visible", true);
+  QSettings().setValue("rootWindow/size", QSize(800, 600));
+  for (const bool isPanorama : {false, true})
+  {
+    QSettings().setValue("rootWindow/panorama", isPanorama);
+    NYXRootWindow second;
+    EXPECT_TRUE(second.geometry().contains(second.findChild<NYXOverview*>()->geometry()));
+    openExample();
+  }
+}
+
 TEST_F(RootViews, TheBarsHaveTheActionsOfTheImage)
 {
   const auto texts = [](const QToolBar& bar)
