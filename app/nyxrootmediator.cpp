@@ -433,6 +433,7 @@ void NYXRootMediator::stackModifyEvent(const NYXStackModifyEvent&)
 void NYXRootMediator::preferencesEvent(const NYXPreferencesEvent&)
 {
   _sliceEditWidget->update();
+  _overview->update();
 }
 
 void NYXRootMediator::stackCloseEvent(const NYXStackCloseEvent& event)

@@ -5,6 +5,8 @@
 #include "app/core/nyxstackserver.h"
 #include "app/nyxplaintext.h"
 
+#include <QSignalBlocker>
+
 namespace
 {
 constexpr int stackRole = Qt::UserRole;
@@ -71,9 +73,16 @@ void NYXStackListWidget::stackOpenEvent(const NYXStackOpenEvent& event)
   setCurrentRow(count() - 1);
 }
 
+/// Tells of the change when the row is gone: what hides then may give the focus to this list, which would choose the
+/// row again.
 void NYXStackListWidget::stackCloseEvent(const NYXStackCloseEvent& event)
 {
-  delete itemOf(event.getStack());
+  const NYXStack* const before = currentStack();
+  {
+    const QSignalBlocker blocker(this);
+    delete itemOf(event.getStack());
+  }
+  if (currentStack() != before) emit currentStackChanged(currentStack());
 }
 
 void NYXStackListWidget::stackNameEvent(const NYXStackNameEvent& event)

@@ -7,16 +7,25 @@
 #include "image/imagesourcevoxelmatrixfileplane.h"
 #include "image/imagesourcevoxelmatrixplane.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QStringList>
 
 namespace
 {
+/// The file's name, its size and when it was written last.
+QString fileState(const QString& filename)
+{
+  const QFileInfo info(filename);
+  return QString("%1 %2 ").arg(info.size()).arg(info.lastModified().toMSecsSinceEpoch()) + filename;
+}
+
 /// The size of the grid, then a line per tile with its place.
 QString tiles(const ImageSourceFileMosaic& mosaic)
 {
   QStringList tiles{QString("%1 %2").arg(mosaic.getRows()).arg(mosaic.getCols())};
   for (const auto& [place, filename] : mosaic.getFilenames())
-    tiles << QString("%1 %2 ").arg(place.first).arg(place.second) + QString::fromStdString(filename);
+    tiles << QString("%1 %2 ").arg(place.first).arg(place.second) + fileState(QString::fromStdString(filename));
   return tiles.join('\n');
 }
 
@@ -31,7 +40,7 @@ QString matrixPlane(const ImageSourceVoxelMatrixPlane& source)
 /// File and plane.
 template <class Source> QString filePlane(const ImageSource& source)
 {
-  return QString::number(static_cast<const Source&>(source).getPlane()) + ' ' + imageSourceFile(source);
+  return QString::number(static_cast<const Source&>(source).getPlane()) + ' ' + fileState(imageSourceFile(source));
 }
 } // namespace
 
@@ -64,7 +73,7 @@ QString imageSourceKey(const ImageSource& source)
   switch (source.getType())
   {
   case ImageSourceType::File:
-    return "file " + imageSourceFile(source);
+    return "file " + fileState(imageSourceFile(source));
   case ImageSourceType::FileMosaic:
     return "mosaic " + tiles(static_cast<const ImageSourceFileMosaic&>(source));
   case ImageSourceType::TiffStackPlane:

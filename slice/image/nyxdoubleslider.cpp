@@ -14,6 +14,16 @@ constexpr int handleHeight = 8;
 constexpr int barWidth = 12;
 constexpr int sliderWidth = 20;
 constexpr float keyStep = 0.01F;
+
+bool isArrow(int key)
+{
+  return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_Left || key == Qt::Key_Right;
+}
+
+bool isPlain(const QKeyEvent& event)
+{
+  return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
 } // namespace
 
 NYXDoubleSlider::NYXDoubleSlider(QWidget* parent) : QWidget(parent)
@@ -109,6 +119,14 @@ void NYXDoubleSlider::mouseDoubleClickEvent(QMouseEvent* event)
   if (event->button() != Qt::LeftButton) return;
   _isDragged = false; // the mouse may tremble until the button is up
   setValues(0, 1);
+}
+
+/// The arrow keys are the slider's while it has the focus, whatever they do elsewhere in the window.
+bool NYXDoubleSlider::event(QEvent* event)
+{
+  if (event->type() == QEvent::ShortcutOverride)
+    if (const auto& key = static_cast<QKeyEvent&>(*event); isArrow(key.key()) && isPlain(key)) event->accept();
+  return QWidget::event(event);
 }
 
 void NYXDoubleSlider::keyPressEvent(QKeyEvent* event)

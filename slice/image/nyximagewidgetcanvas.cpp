@@ -24,6 +24,7 @@ NYXImageWidgetCanvas::NYXImageWidgetCanvas(QWidget* parent) : QOpenGLWidget(pare
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setMinimumSize(64, 64);
+  setUpdateBehavior(PartialUpdate); // so that a picture can be held
 }
 
 NYXImageWidgetCanvas::~NYXImageWidgetCanvas() = default;
@@ -75,6 +76,13 @@ void NYXImageWidgetCanvas::updateImageSize()
   rectifyViewOrigin();
 }
 
+// Without updates the canvas would let what lies behind it shine through.
+void NYXImageWidgetCanvas::holdPicture(bool isHeld)
+{
+  if (_isPictureHeld && !isHeld) update();
+  _isPictureHeld = isHeld;
+}
+
 void NYXImageWidgetCanvas::setBlackAndWhite(float black, float white)
 {
   _imagePainter.setBlackAndWhite(black, white);
@@ -98,6 +106,7 @@ void NYXImageWidgetCanvas::initPainterTransform(QPainter& painter) const
 
 void NYXImageWidgetCanvas::resizeEvent(QResizeEvent* event)
 {
+  _isPictureHeld = false;
   const QPoint center = viewCenter();
   _viewport.setCanvasSize(size());
   if (isBestFitMode())
@@ -111,11 +120,13 @@ void NYXImageWidgetCanvas::resizeEvent(QResizeEvent* event)
 
 void NYXImageWidgetCanvas::initializeGL()
 {
+  _isPictureHeld = false;
   initializeOpenGLFunctions();
 }
 
 void NYXImageWidgetCanvas::paintGL()
 {
+  if (_isPictureHeld) return;
   const QMutexLocker lock(&_mutex);
   const QColor background = NYXPreferences::getImageCanvasBackgroundColor();
   glClearColor(static_cast<float>(background.redF()), static_cast<float>(background.greenF()),

@@ -54,6 +54,10 @@ public:
   /// Takes over the size and the pixel calibration of the proxy's source.
   void updateImageSize();
 
+  /// Keeps the picture as it is, whatever there is to paint, until it is let go or the canvas gets another size.
+  void holdPicture(bool isHeld);
+  bool isPictureHeld() const { return _isPictureHeld; }
+
   /// Grey levels drawn black and white, as shares of the largest one.
   void setBlackAndWhite(float black, float white);
 
@@ -90,5 +94,6 @@ private:
   NYXImageViewport _viewport;
   NYXImagePainter _imagePainter;
   std::vector<NYXImageWidgetCanvasExtraPainter*> _extraPainters;
+  bool _isPictureHeld = false;
   QMutex _mutex; // held while painting
 };

@@ -65,7 +65,7 @@ void NYXLoadingNotice::follow()
   _percent = 0;
   _waiting.start(waitingMilliseconds);
   if (!_isImageOnScreen || !_canvas.isVisible()) return;
-  _canvas.setUpdatesEnabled(false);
+  _canvas.holdPicture(true);
   _holding.start(holdingMilliseconds);
 }
 
@@ -73,7 +73,7 @@ void NYXLoadingNotice::follow()
 void NYXLoadingNotice::release()
 {
   _holding.stop();
-  if (!_canvas.updatesEnabled()) _canvas.setUpdatesEnabled(true);
+  _canvas.holdPicture(false);
 }
 
 /// The server reads one image at a time: this one, now or soon.

@@ -37,6 +37,15 @@ Image thinnedOut(const Image& image, int step)
   }
   return result;
 }
+
+/// The widget, or the nearest one around it that is laid out, as what is hidden is not.
+const QWidget& shownAround(const QWidget& widget)
+{
+  const QWidget* shown = &widget;
+  while (!shown->isVisible() && shown->parentWidget() != nullptr) shown = shown->parentWidget();
+  return *shown;
+}
+
 /// About the same centre, to be seen however small it is.
 QRectF enlarged(const QRectF& rect)
 {
@@ -198,9 +207,9 @@ void NYXOverview::restoreGeometryFromSettings()
   const auto isOn = [&](const QScreen* candidate) { return candidate->geometry().intersects({position, size()}); };
   const QList<QScreen*> screens = screen()->virtualSiblings();
   if (store.contains("overview/pos") && std::any_of(screens.begin(), screens.end(), isOn)) return move(position);
-  const QWidget& canvas = _widget.canvas();
+  const QWidget& place = shownAround(_widget.canvas());
   const int inset = fontMetrics().height();
-  move(canvas.mapToGlobal(QPoint(canvas.width() - width() - inset, inset)));
+  move(place.mapToGlobal(QPoint(place.width() - width() - inset, inset)));
 }
 
 void NYXOverview::showEvent(QShowEvent* event)

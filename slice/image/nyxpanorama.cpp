@@ -381,6 +381,7 @@ void NYXPanorama::sliceLockEvent(const NYXSliceLockEvent&)
 void NYXPanorama::preferencesEvent(const NYXPreferencesEvent&)
 {
   const int first = visibleSlices().first;
+  _thumbnails.invalidateItems(); // selected ones stand out or do not
   const bool areLabelsNew = _hasLabels != NYXPreferences::isPanoramaLabelEnabled();
   _hasLabels = NYXPreferences::isPanoramaLabelEnabled();
   layOut();

@@ -35,10 +35,8 @@ NYXImageServer* serverOf(const NYXStack& stack)
 /// Not valid when nobody knows it.
 QSize imageSize(const NYXSliceImageProxy& proxy)
 {
-  const ImageSource* const source = proxy.getImageSource();
-  if (proxy.getOriginalImageSize().isValid() || source == nullptr) return proxy.getOriginalImageSize();
-  const QSize size(source->getFallbackSize2(), source->getFallbackSize1());
-  return size.isEmpty() ? QSize() : size;
+  const QSize& size = proxy.getOriginalImageSize();
+  return size.isValid() ? size : NYXSliceImageProxy::fallbackImageSize(*proxy.getSlice());
 }
 
 NYXImageViewport fitted(const NYXSliceImageProxy& proxy, const QSize& box)
@@ -209,6 +207,7 @@ void NYXPanoramaThumbnails::drawItems(const StackSlice& slice, Entry& entry) con
   entry.areItemsStale = false;
   entry.thumbnail.items = QPixmap();
   const NYXImageViewport viewport = fitted(*entry.proxy, _box);
+  entry.thumbnail.place = placeOf(viewport); // which the items may have made larger
   if (slice.getNumItems() == 0 || !viewport.getImageSize().isValid()) return;
   QPixmap picture(_box * _pixelRatio);
   picture.setDevicePixelRatio(_pixelRatio);

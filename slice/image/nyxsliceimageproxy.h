@@ -17,6 +17,10 @@ public:
   void setSlice(const StackSlice* slice);
   const StackSlice* getSlice() const { return _slice; }
 
+  /// The size of a slice's image when its file cannot tell: what the source has been given for that, else one that is
+  /// large enough for the items; not valid when nobody knows.
+  static QSize fallbackImageSize(const StackSlice& slice);
+
 private:
   const StackSlice* _slice = nullptr;
 };

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QPointer>
+#include <QTimer>
 
 NYXSliceImageServer& NYXSliceImageServer::server()
 {
@@ -41,4 +42,6 @@ void NYXSliceImageServer::stackCloseEvent(const NYXStackCloseEvent& event)
     return sliceData && sliceData->getStack() == stack;
   };
   removeUnused(belongsToStack);
+  // Windows that hear of it after this server still show images of the stack.
+  QTimer::singleShot(0, this, [this, belongsToStack] { removeUnused(belongsToStack); });
 }

@@ -10,18 +10,6 @@ namespace
 {
 constexpr int refinementDelay = 150; // milliseconds without a change of the view
 constexpr int refinementStep = 8;    // milliseconds of drawing at a time
-
-/// Large enough for the items; not valid without any.
-QSize sizeOfItems(const StackSlice& slice)
-{
-  QSize size;
-  for (int i = 0; i < slice.getNumItems(); ++i)
-  {
-    const BoundingBox<int> box = slice.getItem(i)->boundingBox();
-    if (!box.isEmpty()) size = size.expandedTo(QSize(box.getMaximum()[0] + 1, box.getMaximum()[1] + 1));
-  }
-  return size.isValid() ? size.expandedTo(QSize(1, 1)) : size;
-}
 } // namespace
 
 NYXSliceWidgetCanvas::NYXSliceWidgetCanvas(QWidget* parent) : NYXImageWidgetCanvas(parent)
@@ -64,11 +52,7 @@ void NYXSliceWidgetCanvas::clear()
 
 QSize NYXSliceWidgetCanvas::fallbackImageSize() const
 {
-  if (_slice == nullptr) return {};
-  const ImageSource* source = _slice->getImageSource();
-  if (source != nullptr && source->getFallbackSize1() > 0 && source->getFallbackSize2() > 0)
-    return {source->getFallbackSize2(), source->getFallbackSize1()};
-  return sizeOfItems(*_slice);
+  return _slice == nullptr ? QSize() : NYXSliceImageProxy::fallbackImageSize(*_slice);
 }
 
 void NYXSliceWidgetCanvas::repaintItem(const ModelItem& item)

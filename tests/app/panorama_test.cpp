@@ -7,6 +7,7 @@
 #include "slice/image/nyxpanorama.h"
 #include "slice/image/nyxslicepixmapcache.h"
 #include "tests/slice/image/counting_server.h"
+#include "tests/support/stacks.h"
 
 #include <gtest/gtest.h>
 
@@ -204,6 +205,20 @@ TEST_F(Panorama, TellsWhyAnImageIsNotThereAndWhatIsLocked)
   EXPECT_TRUE(toolTipAt(2).contains("Locked"));
   EXPECT_NE(corner(), unlocked);
   stack->notifyEvent(NYXSliceLockEvent(*stack->getSlice(2), false));
+}
+
+TEST_F(Panorama, ShowsTheItemsOfASliceWhoseImageIsMissing)
+{
+  StackSlice& slice = *stack->getSlice(1);
+  slice.setImageSource(ImageSourceFile("/nowhere/missing.tif"));
+  panorama.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&panorama));
+  QTest::qWait(100);
+  const auto picture = [&] { return panorama.viewport()->grab(panorama.thumbnailRect(1)).toImage(); };
+  const QImage before = picture();
+  ModelItem& item = addItem(addModel(*stack, "m", MPrimitive::Polygon), slice, {{10, 10}, {70, 10}, {70, 70}});
+  stack->notifyEvent(NYXModelItemCreateEvent(item));
+  EXPECT_TRUE(waitUntil([&] { return picture() != before; }));
 }
 
 TEST_F(Panorama, FollowsSlicesThatGoAndComeBack)

@@ -94,6 +94,19 @@ TEST_F(RootViews, PageKeysLeadThroughThePanoramaWhileItHasTheFocus)
   EXPECT_EQ(part<NYXSliceListWidget>().currentSlice(), 0);
 }
 
+TEST_F(RootViews, ThePanoramaThatHasTheFocusGoesWithTheStack)
+{
+  openExample();
+  test.window().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&test.window()));
+  test.action("Display stack panorama")->trigger();
+  ASSERT_TRUE(part<NYXPanorama>().hasFocus());
+  test.action("Close stack")->trigger();
+  EXPECT_FALSE(part<NYXPanorama>().isVisible());
+  EXPECT_EQ(part<NYXSliceListWidget>().numSlices(), 0);
+  EXPECT_EQ(test.window().windowTitle(), "Mirelo");
+}
+
 TEST_F(RootViews, TheOverviewRemembersThatItIsShown)
 {
   openExample();
@@ -114,6 +127,19 @@ TEST_F(RootViews, TheOverviewRemembersThatItIsShown)
   EXPECT_FALSE(third.findChild<NYXOverview*>()->isVisible());
   third.findChild<QAction*>("Display overview")->trigger();
   EXPECT_EQ(third.findChild<NYXOverview*>()->size(), QSize(150, 170));
+}
+
+TEST_F(RootViews, TheOverviewLiesOnItsWindowAlsoWithoutACanvas)
+{
+  QSettings().setValue("overview/visible", true);
+  QSettings().setValue("rootWindow/size", QSize(800, 600));
+  for (const bool isPanorama : {false, true})
+  {
+    QSettings().setValue("rootWindow/panorama", isPanorama);
+    NYXRootWindow second;
+    EXPECT_TRUE(second.geometry().contains(second.findChild<NYXOverview*>()->geometry()));
+    openExample();
+  }
 }
 
 TEST_F(RootViews, TheBarsHaveTheActionsOfTheImage)

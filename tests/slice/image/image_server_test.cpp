@@ -176,6 +176,26 @@ TEST(ImageServer, TellsWhyAnImageCannotBeShownAndTriesAgain)
   EXPECT_TRUE(a.hasImage() && a.problem().isEmpty());
 }
 
+TEST(ImageServer, ReadsAFileAgainThatWasWrittenAnew)
+{
+  const TemporaryFolder folder;
+  const ImageSourceFile source(folder.file("a.tif"));
+  CountingServer server;
+  PlaneProxy proxy(source);
+  for (const int width : {70, 90, 90})
+  {
+    Image image(width, 80, 8);
+    image.reset();
+    if (width != proxy.getOriginalImageSize().width()) image.writeFile(source.getFilename(), true);
+    proxy.setImageSource(&source);
+    server.attachProxy(proxy);
+    ASSERT_TRUE(waitUntil([&] { return isIdle(server); }));
+    EXPECT_EQ(proxy.getImage().getWidth(), width);
+    EXPECT_EQ(proxy.getOriginalImageSize().width(), width);
+  }
+  EXPECT_EQ(server.log.getEnded().size(), 2U); // not again while it stays the same
+}
+
 TEST(ImageServer, SurvivesProxiesThatAnswerChangesByComingAndGoing)
 {
   const Planes planes(200, 200, 2);
@@ -220,6 +240,8 @@ TEST(ImageServer, DropsTheImagesOfAClosedStack)
   EXPECT_EQ(server.getNumRunning(), 0);
   EXPECT_EQ(server.getNumLoaded(), 2); // what is shown, and the other stack's
   EXPECT_TRUE(shown.hasImage());
+  server.detachProxy(shown); // by a window that hears of it later
+  EXPECT_TRUE(waitUntil([&] { return server.getNumLoaded() == 1; }));
 }
 
 TEST(ImageServer, IsSwitchedQuicklyThroughAThousandSlices)

@@ -234,6 +234,18 @@ TEST_F(ImageWidget, LetsSpaceGoInBestFitAndWithTheFocus)
   EXPECT_EQ(origin(), QPoint(0, 0));
 }
 
+TEST_F(ImageWidget, LeavesArrowKeysToTheSliderThatHasTheFocus)
+{
+  NYXDoubleSlider& slider = widget.slider();
+  slider.setFocus();
+  QTest::keyClick(&slider, Qt::Key_Down);
+  QTest::keyClick(&slider, Qt::Key_Left); // the other handle
+  QTest::keyClick(&slider, Qt::Key_Up);
+  EXPECT_FLOAT_EQ(slider.upperValue(), 0.99F);
+  EXPECT_FLOAT_EQ(slider.lowerValue(), 0.01F);
+  EXPECT_EQ(origin(), QPoint(50, 40));
+}
+
 TEST_F(ImageWidget, ScrollsByKeys)
 {
   const struct
