@@ -12,6 +12,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace
 {
@@ -26,12 +27,14 @@ TEST(Dialogs, HaveTheSizeThatTheyHadWhenTheyWereClosed)
     QSize wanted, seen;
     const auto resize = [&](QDialog& dialog)
     {
+      EXPECT_TRUE(QTest::qWaitForWindowExposed(&dialog)); // the screen's answers to its opening have come
       wanted = dialog.size() + QSize(21, 13);
       dialog.resize(wanted);
       dialog.reject();
     };
     const auto look = [&](QDialog& dialog)
     {
+      EXPECT_TRUE(QTest::qWaitForWindowExposed(&dialog));
       seen = dialog.size();
       dialog.reject();
     };
