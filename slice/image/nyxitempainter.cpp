@@ -16,6 +16,7 @@ namespace
 constexpr double haloWidth = 2;            // of the halo beyond the line, both sides together
 constexpr double highlight = 1.5;          // by which selected lines are wider
 constexpr double vertexSpacing = 1 - 1e-6; // of the screen; closer vertices are drawn as one, wherever they are
+constexpr double thinSpacing = 2;          // the same for thin lines
 
 /// The item's properties, completed by its model's and by the defaults.
 ModelItemProperties effectiveProperties(const ModelItem& item)
@@ -48,14 +49,14 @@ double pointRadius(const ModelItemProperties& properties)
   return 2.5 + static_cast<double>(properties.getPointSize()) / 2;
 }
 
-bool areApart(const QPointF& a, const QPointF& b)
+bool areApart(const QPointF& a, const QPointF& b, double spacing)
 {
-  return std::abs(a.x() - b.x()) >= vertexSpacing || std::abs(a.y() - b.y()) >= vertexSpacing;
+  return std::abs(a.x() - b.x()) >= spacing || std::abs(a.y() - b.y()) >= spacing;
 }
 
 /// The item's vertices on the canvas, without those that nobody could tell from the one before; the first one again at
 /// the end when the curve is closed.
-QPolygonF reducedVertices(const ModelItem& item, const QTransform& toCanvas)
+QPolygonF reducedVertices(const ModelItem& item, const QTransform& toCanvas, double spacing)
 {
   const Vertices<int>& vertices = item.getVertices();
   const int count = vertices.getNumVertices();
@@ -65,7 +66,7 @@ QPolygonF reducedVertices(const ModelItem& item, const QTransform& toCanvas)
   for (int i = 0; i < count; ++i, position += 2)
   {
     const QPointF point = toCanvas.map(QPointF(position[0], position[1]));
-    if (i == 0 || i == count - 1 || areApart(point, polygon.constLast())) polygon << point;
+    if (i == 0 || i == count - 1 || areApart(point, polygon.constLast(), spacing)) polygon << point;
   }
   if (item.isClosed()) polygon << polygon.constFirst();
   return polygon;
@@ -114,12 +115,13 @@ void drawCurve(QPainter& painter, const ModelItem& item, const QTransform& toCan
                NYXItemDetail detail)
 {
   const ModelItemProperties properties = effectiveProperties(item);
-  const QPolygonF vertices = reducedVertices(item, toCanvas);
+  const bool isThin = detail == NYXItemDetail::Thin;
+  const QPolygonF vertices = reducedVertices(item, toCanvas, isThin ? thinSpacing : vertexSpacing);
   const double width = lineWidth(item, properties);
   const double margin = width + haloWidth;
   const QRectF reach = visible.adjusted(-margin, -margin, margin, margin);
   painter.setBrush(Qt::NoBrush);
-  if (detail == NYXItemDetail::Thin)
+  if (isThin)
   {
     painter.setPen(QPen(toQColor(properties), 1));
     return strokeCurve(painter, vertices, item.isClosed(), reach);

@@ -196,6 +196,7 @@ void NYXSliceItemLayer::prepare(QPainter& painter) const
 void NYXSliceItemLayer::paintItems(QPainter& painter, const QRect& rect, NYXItemDetail detail) const
 {
   prepare(painter);
+  painter.setRenderHint(QPainter::Antialiasing, detail == NYXItemDetail::Full);
   const QTransform toCanvas = _frame.toCanvas();
   const QRectF visible = onScreen(rect, _frame.pixelRatio);
   for (const Entry& entry : _entries)
