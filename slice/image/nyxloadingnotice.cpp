@@ -64,7 +64,7 @@ void NYXLoadingNotice::follow()
   _isShown = false;
   _percent = 0;
   _waiting.start(waitingMilliseconds);
-  if (!_isImageOnScreen || !_canvas.isVisible()) return;
+  if (_holding.isActive() || !_isImageOnScreen || !_canvas.isVisible()) return; // an old picture goes in time
   _canvas.holdPicture(true);
   _holding.start(holdingMilliseconds);
 }
