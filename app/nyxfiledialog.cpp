@@ -37,7 +37,8 @@ QStringList NYXFileDialog::ask()
 {
   if (exec() != Accepted) return {};
   NYXSettings& settings = NYXSettings::settings();
-  const QString folder = fileMode() == Directory ? selectedFiles().value(0) : directory().absolutePath();
+  const QString chosen = selectedFiles().value(0); // perhaps typed, in another folder than the one that is shown
+  const QString folder = fileMode() == Directory ? chosen : QFileInfo(chosen).absolutePath();
   if (_purpose == Reading)
     settings.setInputDirectory(folder);
   else

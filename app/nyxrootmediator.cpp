@@ -54,8 +54,6 @@ NYXRootMediator::NYXRootMediator(QObject* parent) : QObject(parent)
 {
   createFileActions();
   createEditActions();
-  createViewActions();
-  createSliceActions();
   createProcessActions();
   createAnalyzeActions();
   createPluginsActions();

@@ -97,6 +97,8 @@ void NYXRootMediator::createFileActions()
 
 void NYXRootMediator::createEditActions()
 {
+  createViewActions();
+  createSliceActions();
   _undo = createAction(tr("Undo"), tr("Take the last change back"), QKeySequence::Undo, [this] { undo(); });
   _undo->setIcon(QIcon(":/icons/undo.svg"));
   _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), QKeySequence("Ctrl+Shift+Z"),

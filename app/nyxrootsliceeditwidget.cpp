@@ -21,7 +21,11 @@ NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
   _pages->addWidget(createStartPage());
   _pages->addWidget(_sliceWidget);
   _sliceWidget->mediator().setImageServer(NYXSliceImageServer::server());
-  for (QAction* action : _sliceWidget->mediator().zoomActions()) _sliceWidget->toolBar().removeAction(action);
+  for (QAction* action : _sliceWidget->mediator().zoomActions())
+  {
+    _sliceWidget->toolBar().removeAction(action);
+    action->setShortcutContext(Qt::WindowShortcut); // also while the slice list has the focus
+  }
   _pages->addWidget(createNoSlicePage());
 }
 

@@ -23,6 +23,8 @@ NYXRootStatusBar::NYXRootStatusBar(QWidget* parent)
     _progress(new QProgressBar(this))
 {
   setObjectName("rootStatusBar");
+  _stack->keepText();
+  _slice->keepText();
   _progress->setObjectName("progress");
   _progress->setMaximumWidth(fontMetrics().averageCharWidth() * 24);
   _progress->hide();

@@ -309,11 +309,17 @@ void NYXRootWindow::dragEnterEvent(QDragEnterEvent* event)
   if (event->mimeData()->hasUrls()) event->acceptProposedAction();
 }
 
+/// The program that the files come from waits for the end of the event: they are opened later.
 void NYXRootWindow::dropEvent(QDropEvent* event)
 {
   event->acceptProposedAction();
+  QTimer::singleShot(0, this, [this, urls = event->mimeData()->urls()] { openDropped(urls); });
+}
+
+void NYXRootWindow::openDropped(const QList<QUrl>& urls)
+{
   QStringList images;
-  for (const QUrl& url : event->mimeData()->urls())
+  for (const QUrl& url : urls)
   {
     if (!url.isLocalFile())
       showWarning(this, tr("Error"), tr("Error: %1 is not a file of this machine.").arg(url.toString()));
@@ -324,6 +330,5 @@ void NYXRootWindow::dropEvent(QDropEvent* event)
   }
   if (images.isEmpty()) return;
   sortByNumbers(images);
-  // Later: the program that the files come from waits for the end of the drop.
-  QTimer::singleShot(0, this, [this, images] { _mediator->newStack(images); });
+  _mediator->newStack(images);
 }

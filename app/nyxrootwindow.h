@@ -12,6 +12,7 @@ class QMenu;
 class QMenuBar;
 class QStackedWidget;
 class QToolBar;
+class QUrl;
 
 /// The user's home: menus, tool bar, browser of stacks and slices, all slices or the current one, status
 /// bar.
@@ -64,6 +65,7 @@ private:
   void layOut();
   void restoreGeometryFromSettings();
   bool confirmQuit();
+  void openDropped(const QList<QUrl>& urls);
 
   void leave();
 

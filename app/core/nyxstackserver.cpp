@@ -29,8 +29,17 @@ NYXStack& NYXStackServer::addStack(std::unique_ptr<NYXStack> stack)
 
 void NYXStackServer::removeStack(NYXStack& stack)
 {
-  notifyEvent(NYXStackCloseEvent(stack));
-  std::erase_if(_stacks, [&](const auto& owned) { return owned.get() == &stack; });
+  const auto erase = [&] { std::erase_if(_stacks, [&](const auto& owned) { return owned.get() == &stack; }); };
+  try
+  {
+    notifyEvent(NYXStackCloseEvent(stack));
+  }
+  catch (...) // the others have let the stack go
+  {
+    erase();
+    throw;
+  }
+  erase();
 }
 
 int NYXStackServer::find(const NYXStack& stack) const

@@ -126,10 +126,11 @@ void NYXPanoramaThumbnails::add(const StackSlice& slice)
   entry.proxy = std::make_unique<NYXSliceImageProxy>(&slice);
   entry.thumbnail.place = placeOf(fitted(*entry.proxy, _box));
   entry.thumbnail.problem = entry.proxy->problem();
+  if (!entry.proxy->problem().isEmpty()) return;
   const QPixmap* const kept = _cache->find(&slice);
-  if (kept != nullptr && isAsLargeAsTheBox(*kept))
+  if (kept != nullptr && isAsLargeAsTheBox(*kept) && _keptKeys[&slice] == entry.proxy->key())
     entry.thumbnail.image = *kept;
-  else if (entry.proxy->problem().isEmpty())
+  else
   {
     connect(entry.proxy.get(), &NYXImageProxy::imageChanged, this, [this, &slice] { takeImage(slice); });
     _server->attachProxy(*entry.proxy);
@@ -146,6 +147,7 @@ void NYXPanoramaThumbnails::takeImage(const StackSlice& slice)
   {
     entry.thumbnail.image = QPixmap::fromImage(toQImage(proxy.getImage(1)));
     _cache->insert(&slice, std::make_unique<QPixmap>(entry.thumbnail.image));
+    _keptKeys[&slice] = proxy.key();
     proxy.disconnect(this);
     _server->detachProxy(proxy);
   }
@@ -180,6 +182,7 @@ void NYXPanoramaThumbnails::reset()
 void NYXPanoramaThumbnails::forget(NYXStack& stack, const StackSlice& slice)
 {
   _entries.erase(&slice);
+  _keptKeys.erase(&slice);
   if (NYXSlicePixmapCache* const cache = cacheOf(stack)) cache->remove(&slice);
 }
 

@@ -82,6 +82,7 @@ private:
   QSize _box;
   double _pixelRatio = 1;
   std::map<const StackSlice*, Entry> _entries;
+  std::map<const StackSlice*, QString> _keptKeys; // of the images in the cache, which may have been written anew
   int _numAdded = 0;
   QTimer _drawing; // runs while items are to be drawn
 };

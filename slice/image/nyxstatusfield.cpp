@@ -32,7 +32,7 @@ QSize NYXStatusField::sizeHint() const
 
 QSize NYXStatusField::minimumSizeHint() const
 {
-  return {qMin(widthOf(shortestText), widthOf(_sample)), fontMetrics().height()};
+  return {qMin(widthOf(_isTextKept ? text() : shortestText), widthOf(_sample)), fontMetrics().height()};
 }
 
 void NYXStatusField::paintEvent(QPaintEvent*)

@@ -11,6 +11,9 @@ class NYXStatusField : public QLabel
 public:
   NYXStatusField(const QString& name, const QString& toolTip, const QString& sample, QWidget* parent);
 
+  /// Makes narrow windows take the place for the text from other fields.
+  void keepText() { _isTextKept = true; }
+
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
@@ -22,4 +25,5 @@ private:
   int widthOf(const QString& text) const;
 
   QString _sample;
+  bool _isTextKept = false;
 };

@@ -59,6 +59,7 @@ TEST(OpenStack, SelectsTheStackOfAFileThatIsOpenAlready)
       ASSERT_EQ(server.getNumStacks(), 2);
       EXPECT_EQ(test.window().mediator().currentStack(), &server.getStack(1));
       isDropped ? drop(test.window(), {name}) : test.window().startupOpenStack(name);
+      QCoreApplication::processEvents(); // dropped files are opened when the drop is over
       EXPECT_EQ(server.getNumStacks(), 2);
       EXPECT_EQ(test.window().mediator().currentStack(), &server.getStack(0));
       EXPECT_TRUE(test.window().findChild<QStatusBar*>()->currentMessage().endsWith(" is open already"));
