@@ -80,6 +80,7 @@ NYXSliceEditWidgetMediatorSelectionDelegate::NYXSliceEditWidgetMediatorSelection
     NYXSliceEditWidgetMediator& mediator)
   : NYXSliceEditWidgetMediatorDelegate(mediator)
 {
+  setBlocking(true); // the canvas would refuse what the pen does, which then came from the mouse once more
 }
 
 NYXSliceEditWidgetMediatorSelectionDelegate::~NYXSliceEditWidgetMediatorSelectionDelegate() = default;
