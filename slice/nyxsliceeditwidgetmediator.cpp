@@ -6,6 +6,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/nyxcontourvertices.h"
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediatorcreationdelegate.h"
@@ -102,24 +103,32 @@ void NYXSliceEditWidgetMediator::createEditActions()
 
 void NYXSliceEditWidgetMediator::createContourTools()
 {
-  _contourTools = {
-      createAction(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints", Qt::Key_E,
-                   [this] { _edition->activate(); }),
-      createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {},
-                   [this] { _selection->decimateSelection(); }),
-      createAction(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"),
-                   "decimateDouglasPeucker", {}, [this] { _douglasPeucker->activate(); }),
-      createAction(tr("Change origin"), tr("Make another vertex of the contour the first one"), "changeOrigin", {},
-                   [this] { _reorigin->activate(); }),
-      createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
-                   [this] { _resampling->activate(); }),
-      createAction(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
-                   [this] { _snake->activate(); }),
-      createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
-                   [this] { _fourier->activate(); }),
-      createAction(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {},
-                   [this] { _split->activate(); }),
+  const auto add = [this](const QString& text, const QString& toolTip, const QString& name,
+                          const QKeySequence& shortcut, bool (*isApplicable)(const Items&), auto activate) {
+    _contourTools.push_back({createAction(text, toolTip, name, shortcut, activate), isApplicable});
   };
+  const auto some = [](const Items& items) { return !items.empty(); };
+  const auto curves = [](const Items& items)
+  { return std::any_of(items.begin(), items.end(), [](const ModelItem* item) { return isCurve(*item); }); };
+  const auto closedCurves = [](const Items& items)
+  { return std::any_of(items.begin(), items.end(), [](const ModelItem* item) { return item->isClosed(); }); };
+  const auto oneCurve = [](const Items& items) { return items.size() == 1 && isCurve(*items.front()); };
+  add(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints", Qt::Key_E, some,
+      [this] { _edition->activate(); });
+  add(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {}, curves,
+      [this] { _selection->decimateSelection(); });
+  add(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"), "decimateDouglasPeucker", {},
+      curves, [this] { _douglasPeucker->activate(); });
+  add(tr("Change origin"), tr("Make another vertex of the contour the first one"), "changeOrigin", {}, closedCurves,
+      [this] { _reorigin->activate(); });
+  add(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R, curves,
+      [this] { _resampling->activate(); });
+  add(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S, closedCurves,
+      [this] { _snake->activate(); });
+  add(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {}, closedCurves,
+      [this] { _fourier->activate(); });
+  add(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {}, oneCurve,
+      [this] { _split->activate(); });
   _shiftItems = createAction(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {},
                              [this] { _shift->activate(); });
 }
@@ -199,6 +208,7 @@ void NYXSliceEditWidgetMediator::createMenus()
 void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
 {
   if (_activeTool != nullptr) _activeTool->cancel();
+  _selection->cancel();
   NYXSliceWidgetMediator::setSlice(slice);
   updateEditActions();
 }
@@ -208,7 +218,7 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   NYXSliceEditWidgetMediatorDelegate* const before = _activeTool;
   _activeTool = tool;
   if (before != nullptr && tool != nullptr) before->cancel();
-  _selection->setActive(_activeTool == nullptr);
+  _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
   if (_activeTool == nullptr) showEditMode("READY", {});
   requestLock(_activeTool != nullptr);
   updateEditActions();
@@ -300,7 +310,8 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   const ModelItem* const item = isIdle ? _selection->selectedItem() : nullptr;
   _cancel->setEnabled(_activeTool != nullptr || item != nullptr);
   for (QAction* action : {_copy, _delete, _shiftItems, _properties}) action->setEnabled(item != nullptr);
-  for (QAction* action : std::as_const(_contourTools)) action->setEnabled(item != nullptr);
+  const Items items = item != nullptr ? sliceCanvas().getSlice().getSelectedItems() : Items();
+  for (const ContourTool& tool : _contourTools) tool.action->setEnabled(tool.isApplicable(items));
   _paste->setEnabled(isIdle && _selection->hasClipboard());
   _selectAll->setEnabled(isIdle && sliceCanvas().getSlice().getNumItems() > 0);
   _convertMenu->setEnabled(item != nullptr);
@@ -337,7 +348,7 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   {
     menu.addActions({_copy, _paste, _delete});
     menu.addSeparator();
-    menu.addActions(_contourTools);
+    for (const ContourTool& tool : _contourTools) menu.addAction(tool.action);
     menu.addAction(_shiftItems);
     menu.addSeparator();
     menu.addMenu(_convertMenu);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class ModelItem;
 class NYXAction;
 class NYXActionHistory;
 class NYXSliceEditWidget;
@@ -101,6 +102,14 @@ protected:
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
 
 private:
+  using Items = std::vector<ModelItem*>;
+  /// A tool for what is selected, if it is the right thing.
+  struct ContourTool
+  {
+    QAction* action;
+    bool (*isApplicable)(const Items& selected);
+  };
+
   void createEditActions();
   void createContourTools();
   void createMenus();
@@ -127,7 +136,7 @@ private:
   QAction* _copy = nullptr;
   QAction* _paste = nullptr;
   QAction* _delete = nullptr;
-  QList<QAction*> _contourTools; // that work on selected contours
+  std::vector<ContourTool> _contourTools;
   QAction* _shiftItems = nullptr;
   QAction* _selectAll = nullptr;
   QAction* _properties = nullptr;
