@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class ModelItem;
 class NYXAction;
 class NYXActionHistory;
 class NYXPreviousSlice;
@@ -120,6 +121,14 @@ protected:
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
 
 private:
+  using Items = std::vector<ModelItem*>;
+  /// What can be done with what is selected, if it is the right thing.
+  struct ContourAction
+  {
+    QAction* action;
+    bool (*isApplicable)(const Items& selected);
+  };
+
   /// A tool of the strip, checked while it is active; triggered again, it is finished.
   QAction* createTool(const QString& text, const QString& toolTip, const QString& name, const QKeySequence& shortcut,
                       NYXSliceEditWidgetMediatorDelegate& tool, const std::function<void()>& activate);
@@ -175,7 +184,7 @@ private:
   QAction* _splitContour = nullptr;
   QAction* _runSnake = nullptr;
   QAction* _shiftItems = nullptr;
-  QList<QAction*> _contourActions; // all that work on selected contours, in the menu's order
+  std::vector<ContourAction> _contourActions; // in the menu's order
   QAction* _selectAll = nullptr;
   QAction* _properties = nullptr;
   QActionGroup* _tags = nullptr;

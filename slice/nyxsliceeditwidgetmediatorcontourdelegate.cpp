@@ -2,7 +2,6 @@
 
 #include "app/core/actions/nyxitemverticeschangeaction.h"
 #include "app/core/nyxpreferences.h"
-#include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "slice/nyxcontourtooldialog.h"
@@ -27,8 +26,7 @@ NYXSliceEditWidgetMediatorContourDelegate::~NYXSliceEditWidgetMediatorContourDel
 
 bool NYXSliceEditWidgetMediatorContourDelegate::isApplicable(const ModelItem& item) const
 {
-  const MPrimitive geometry = item.getModel()->getGeometry();
-  return geometry == MPrimitive::Polygon || geometry == MPrimitive::Polyline;
+  return isCurve(item);
 }
 
 bool NYXSliceEditWidgetMediatorContourDelegate::worksOn(const ModelItem& item) const

@@ -12,7 +12,7 @@
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
-#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
@@ -86,6 +86,14 @@ void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
   }
 }
 
+/// The menu of a right press would show up over the selection once the press has cancelled.
+bool NYXSliceEditWidgetMediatorCreationDelegate::anyEvent(QEvent& event)
+{
+  if (event.type() == QEvent::MouseButtonPress) _hasPressAskedMenu = isActive();
+  return event.type() == QEvent::ContextMenu && _hasPressAskedMenu &&
+         static_cast<QContextMenuEvent&>(event).reason() == QContextMenuEvent::Mouse;
+}
+
 void NYXSliceEditWidgetMediatorCreationDelegate::press(const NYXPointerEvent& event)
 {
   _cursor = event.position;
@@ -109,20 +117,27 @@ void NYXSliceEditWidgetMediatorCreationDelegate::move(const NYXPointerEvent& eve
 
 void NYXSliceEditWidgetMediatorCreationDelegate::addVertex(const QPoint& canvasPoint, bool isStroke)
 {
-  if (!isOnImage(canvasPoint)) return;
+  if (!isOnImage(canvasPoint))
+  {
+    _isInterrupted = true;
+    return;
+  }
   const Vector<int> point = canvas().convertToVectori(canvasPoint);
   const Vertices<int>& vertices = _item->getVertices();
   if (_item->isRegion())
-  {
-    const bool isConnected = isStroke && !_discs.empty();
-    _discs.push_back(
-        brushStroke(imageBox(), isConnected ? _lastDisc : point, point, NYXPreferences::getRegionBrushSize()));
-    _lastDisc = point;
-    _item->addRLEItemSet(_discs.back());
-  }
+    addDisc(point, isStroke);
   else if (vertices.getNumVertices() == 0 || !(vertices[vertices.getNumVertices() - 1] == point))
     _item->appendVertex(point);
   canvas().update();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::addDisc(const Vector<int>& center, bool isStroke)
+{
+  const bool isConnected = isStroke && !_isInterrupted && !_discs.empty();
+  const Vector<int> from = isConnected ? _discs.back().center : center;
+  _isInterrupted = false;
+  _discs.push_back({brushStroke(imageBox(), from, center, NYXPreferences::getRegionBrushSize()), center, isConnected});
+  _item->addRLEItemSet(_discs.back().positions);
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
@@ -131,9 +146,10 @@ void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
   if (numVertices <= 1) return cancel();
   if (_item->isRegion())
   {
+    _isInterrupted = _isInterrupted || !_discs.back().isConnected;
     _discs.pop_back();
     RLEItemSet rest;
-    for (const RLEItemSet& disc : _discs) rest.add(disc);
+    for (const Disc& disc : _discs) rest.add(disc.positions);
     _item->setRLEItemSet(std::move(rest));
   }
   else

@@ -9,6 +9,7 @@
 #include "slice/nyxsliceeditwidgetmediator.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTabletEvent>
 
@@ -164,4 +165,14 @@ void NYXSliceEditWidgetMediatorDelegate::tabletReleaseEvent(QTabletEvent& event)
 {
   event.accept();
   release();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::keyPressEvent(QKeyEvent& event)
+{
+  event.ignore();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::keyReleaseEvent(QKeyEvent& event)
+{
+  event.ignore();
 }

@@ -75,6 +75,9 @@ protected:
   void tabletPressEvent(QTabletEvent& event) override;
   void tabletMoveEvent(QTabletEvent& event) override;
   void tabletReleaseEvent(QTabletEvent& event) override;
+  /// Keys that a tool does not know are left to the windows around the canvas.
+  void keyPressEvent(QKeyEvent& event) override;
+  void keyReleaseEvent(QKeyEvent& event) override;
 
   /// Name of the tool in the status bar, and what the next click, drag or key does.
   virtual QString editMode() const = 0;

@@ -229,6 +229,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::erase(const Vector<int>& point)
   RLEItemSet rest = _item->getRLEItemSet();
   rest.remove(stroke);
   NYXActionHistory& history = editMediator().history();
+  if (rest == _item->getRLEItemSet()) return;
   if (!rest.isEmpty())
     return history.push(std::make_unique<NYXModelItemBrushAction>(*_item, stroke, NYXModelItemBrushAction::Erase),
                         true);
