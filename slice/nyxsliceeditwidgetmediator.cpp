@@ -234,6 +234,7 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
 
 void NYXSliceEditWidgetMediator::showPreviousItems()
 {
+  updateToolActions();
   const bool isShown = _showPrevious->isChecked() && _previous->hasPrevious();
   try
   {
