@@ -440,3 +440,16 @@ void NYXSliceEditWidgetMediator::modelItemDeleteEvent(const NYXModelItemDeleteEv
   NYXSliceWidgetMediator::modelItemDeleteEvent(event);
   updateEditActions();
 }
+
+void NYXSliceEditWidgetMediator::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->followItem();
+  NYXSliceWidgetMediator::modelItemVertexEvent(event);
+}
+
+void NYXSliceEditWidgetMediator::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->cancel();
+  NYXSliceWidgetMediator::modelItemConvertEvent(event);
+  updateEditActions();
+}

@@ -46,6 +46,8 @@ public:
   /// Of the slice.
   NYXActionHistory& history() const;
 
+  /// Whether there is a slice and it is not locked: tools are activated on no other.
+  bool isEditable() const;
   /// The tool at work, or nullptr while the selection is; called by the tools. Locks the editor while there is one.
   void setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool);
   NYXSliceEditWidgetMediatorDelegate* activeTool() const { return _activeTool; }
@@ -119,6 +121,8 @@ protected:
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
+  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
+  void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
 
 private:
   using Items = std::vector<ModelItem*>;
@@ -150,7 +154,6 @@ private:
                          QStringList (NYXSliceEditWidgetMediator::*names)() const,
                          const std::function<void(const QString&)>& choose);
   QAction* createTagAction(const QString& text, const QString& toolTip, const QString& name, int tag);
-  bool isEditable() const;
   StackSlice& slice() const { return sliceCanvas().getSlice(); }
 
   NYXSliceEditWidgetMediatorDelegate* _activeTool = nullptr;

@@ -36,7 +36,7 @@ bool NYXSliceEditWidgetMediatorContourDelegate::worksOn(const ModelItem& item) c
 
 void NYXSliceEditWidgetMediatorContourDelegate::activate()
 {
-  if (isActive() || !editCanvas().hasSlice()) return;
+  if (isActive() || !editMediator().isEditable()) return;
   _items = slice().getSelectedItems();
   std::erase_if(_items, [this](const ModelItem* item) { return !isApplicable(*item); });
   if (_items.empty()) return;

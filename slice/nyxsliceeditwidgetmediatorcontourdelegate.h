@@ -25,6 +25,7 @@ public:
   void activate() override;
   void deactivate() override;
   bool worksOn(const ModelItem& item) const override;
+  void followItem() override { updatePreview(); }
   void paint(QPainter& painter) override;
 
 public slots:

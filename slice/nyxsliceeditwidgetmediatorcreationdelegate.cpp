@@ -28,7 +28,7 @@ NYXSliceEditWidgetMediatorCreationDelegate::~NYXSliceEditWidgetMediatorCreationD
 
 void NYXSliceEditWidgetMediatorCreationDelegate::activate(const QString& modelName)
 {
-  const int i = stack().findModel(modelName.toStdString());
+  const int i = editMediator().isEditable() ? stack().findModel(modelName.toStdString()) : -1;
   if (i < 0) return;
   cancel();
   _item = std::make_unique<ModelItem>(stack().getModel(i), &slice());

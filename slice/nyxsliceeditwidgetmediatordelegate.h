@@ -39,8 +39,10 @@ public:
   void activate() override;
   void deactivate() override;
 
-  /// Whether the tool cannot go on when the item leaves its slice.
+  /// Whether the tool cannot go on when the item leaves its slice or model.
   virtual bool worksOn(const ModelItem&) const { return false; }
+  /// Called when an item that the tool works on has changed.
+  virtual void followItem() {}
 
   /// Shows the tool's name and hint.
   void showMode();

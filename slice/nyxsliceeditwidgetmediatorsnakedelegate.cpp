@@ -61,7 +61,7 @@ ModelItem* NYXSliceEditWidgetMediatorSnakeDelegate::selectedContour() const
 
 void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
 {
-  if (isActive() || !editCanvas().hasSlice()) return;
+  if (isActive() || !editMediator().isEditable()) return;
   ModelItem* const item = selectedContour();
   if (item == nullptr) return;
   if (!canvas().getImageProxy().hasImage())
