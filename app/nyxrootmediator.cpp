@@ -116,8 +116,6 @@ void NYXRootMediator::connectSliceEditor()
   NYXSliceEditWidgetMediator& editor = _sliceEditWidget->sliceWidget().editMediator();
   _sliceEditWidget->modeToolBar().setModelsAction(*_editDialogs.front());
   connect(&editor, &NYXSliceEditWidgetMediator::lockRequested, this, &NYXRootMediator::lockSlice);
-  connect(&editor, &NYXSliceEditWidgetMediator::messageShown, _statusBar,
-          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
   connect(&editor, &NYXSliceEditWidgetMediator::propertiesRequested, this, &NYXRootMediator::editItemProperties);
 }
 
