@@ -4,6 +4,7 @@
 #include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxexception.h"
+#include "app/core/nyxpreferences.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "model/modelitem.h"
@@ -70,6 +71,7 @@ void NYXSliceEditWidgetMediator::initialize()
   createContourTools();
   createEditActions();
   createModelKeys();
+  createBrushActions();
   createPreviousSliceActions();
   createMenus();
   connect(&ruler(), &NYXRulerDelegate::activeChanged, this,
@@ -232,6 +234,7 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
 
 void NYXSliceEditWidgetMediator::showPreviousItems()
 {
+  updateToolActions();
   const bool isShown = _showPrevious->isChecked() && _previous->hasPrevious();
   try
   {
@@ -328,6 +331,14 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   _selectMenu->setEnabled(isIdle);
   showTools();
   emit toolsChanged();
+}
+
+void NYXSliceEditWidgetMediator::changeBrushSize(int change)
+{
+  const int size = std::clamp(NYXPreferences::getRegionBrushSize() + change, 0, NYXPreferences::largestRegionBrushSize);
+  NYXPreferences::setRegionBrushSize(size);
+  notifyEvent(NYXPreferencesEvent());
+  showMessage(tr("Radius of the region brush: %1 px").arg(size));
 }
 
 /// Tools can be chosen also while another one is at work.

@@ -139,6 +139,8 @@ private:
   void createEditActions();
   void createDrawingTools();
   void createModelKeys();
+  void createBrushActions();
+  void changeBrushSize(int change);
   void createContourTools();
   void createPreviousSliceActions();
   void draw(const QString& modelName);

@@ -92,6 +92,14 @@ void NYXSliceEditWidgetMediator::createModelKeys()
                                });
 }
 
+void NYXSliceEditWidgetMediator::createBrushActions()
+{
+  createAction(tr("Smaller brush"), tr("Make the brush and eraser of regions smaller by a pixel"), "smallerBrush",
+               QKeySequence("["), [this] { changeBrushSize(-1); });
+  createAction(tr("Larger brush"), tr("Make the brush and eraser of regions larger by a pixel"), "largerBrush",
+               QKeySequence("]"), [this] { changeBrushSize(1); });
+}
+
 void NYXSliceEditWidgetMediator::createContourTools()
 {
   const auto some = [](const Items& items) { return !items.empty(); };

@@ -49,7 +49,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::activate()
   connect(_dialog, &QDialog::accepted, this, [this] { _dialog && _dialog->isForAll() ? applyToAll() : apply(); });
   connect(_dialog, &QDialog::rejected, this, &NYXSliceEditWidgetMediatorContourDelegate::cancel);
   updatePreview();
-  _dialog->move(canvas().mapToGlobal(QPoint(10, 10)));
+  placeBeside(*_items.front(), *_dialog);
   _dialog->show();
 }
 

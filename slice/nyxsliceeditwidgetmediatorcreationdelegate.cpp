@@ -61,7 +61,8 @@ QString NYXSliceEditWidgetMediatorCreationDelegate::hint() const
 {
   const QString name = QString::fromStdString(model().getName());
   if (_item->isRegion())
-    return tr("%1: drag to paint the region, Return to finish, Backspace to take the last disc back, Escape to cancel")
+    return tr("%1: drag to paint, [ and ] change the brush, Return to finish, Backspace to take the last disc back, "
+              "Escape to cancel")
         .arg(name);
   if (isPoints())
     return tr("%1: click to add a point, Return to finish, Backspace to take one back, Escape to cancel").arg(name);

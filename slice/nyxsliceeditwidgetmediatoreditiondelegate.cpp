@@ -82,8 +82,9 @@ QString NYXSliceEditWidgetMediatorEditionDelegate::hint() const
   case VertexEditionMode::Insert:
     return tr("Press near the contour and drag to insert points, right click for other modes, Escape to end");
   default:
-    return _item != nullptr && _item->isRegion() ? tr("Drag to erase the region, Escape to end")
-                                                 : tr("Click or drag over points to delete them, Escape to end");
+    return _item != nullptr && _item->isRegion()
+               ? tr("Drag to erase the region, [ and ] change the eraser, Escape to end")
+               : tr("Click or drag over points to delete them, Escape to end");
   }
 }
 

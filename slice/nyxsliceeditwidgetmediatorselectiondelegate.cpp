@@ -120,8 +120,11 @@ ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedCurve() const
 
 // ------------------------------------------------------------------------------------------------ mouse and pen
 
+/// What is under the cursor is selected first, if nothing is.
 void NYXSliceEditWidgetMediatorSelectionDelegate::contextMenuEvent(QContextMenuEvent& event)
 {
+  const bool isFree = editCanvas().hasSlice() && !stack().isLocked(slice()) && selectedItem() == nullptr;
+  if (isFree && isOnImage(event.pos())) selectNear(canvas().convertToVectori(event.pos()), false);
   editMediator().showContextMenu(event.globalPos());
 }
 

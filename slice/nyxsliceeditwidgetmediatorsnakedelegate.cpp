@@ -77,7 +77,7 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
   _dialog->setAttribute(Qt::WA_DeleteOnClose);
   connect(_dialog, &QDialog::accepted, this, &NYXSliceEditWidgetMediatorSnakeDelegate::apply);
   connect(_dialog, &QDialog::rejected, this, &NYXSliceEditWidgetMediatorSnakeDelegate::cancel);
-  _dialog->move(canvas().mapToGlobal(QPoint(10, 10)));
+  placeBeside(*item, *_dialog);
   _dialog->show();
 }
 
