@@ -90,6 +90,8 @@ protected:
   Vector<int> pointOnImage(const QPoint& canvasPoint) const;
   /// The centre of an image position on the canvas.
   QPointF canvasCenter(const int* position) const;
+  /// Why a tool has no image to work on.
+  QString missingImageText() const;
   /// Puts a window at the side of the canvas where it hides the item the least.
   void placeBeside(const ModelItem& item, QWidget& window) const;
   /// How far from the mouse a vertex of the item is picked, in pixels of the image.
