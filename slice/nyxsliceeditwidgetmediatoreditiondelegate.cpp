@@ -10,6 +10,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/nyxcontourvertices.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -248,6 +249,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::paint(QPainter& painter)
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(color, 1));
+  painter.setBrush(Qt::white); // the contour under them has the same colour
   const Vertices<int>& vertices = _item->getVertices();
   const QRectF visible = QRectF(canvas().rect()).adjusted(-4, -4, 4, 4);
   for (int i = 0; i < vertices.getNumVertices(); ++i)
@@ -255,15 +257,31 @@ void NYXSliceEditWidgetMediatorEditionDelegate::paint(QPainter& painter)
     const QPointF center = canvasCenter(vertices.data(i));
     if (visible.contains(center)) painter.drawRect(QRectF(center - QPointF(2.5, 2.5), QSizeF(5, 5)));
   }
+  painter.setBrush(Qt::NoBrush);
   if (_mode == VertexEditionMode::Delete)
   {
     const double radius = pickTolerance(*_item) + 0.5;
     painter.drawEllipse(QPointF(_cursor), radius * canvas().viewport().scaleX(), radius * canvas().viewport().scaleY());
   }
-  if (_mode == VertexEditionMode::Insert || !isOnImage(_cursor)) return;
+  if (!isOnImage(_cursor)) return;
+  if (_mode == VertexEditionMode::Insert) return paintInsertion(painter);
   const int radius = _mode == VertexEditionMode::Move ? moveRadius : pickTolerance(*_item);
   const int nearest = _item->isRegion() ? -1 : _item->findNearestVertex(canvas().convertToVectori(_cursor), radius);
   if (nearest < 0) return;
   painter.setBrush(color);
   painter.drawEllipse(canvasCenter(vertices.data(nearest)), 4, 4);
+}
+
+/// The segments that the next vertex makes.
+void NYXSliceEditWidgetMediatorEditionDelegate::paintInsertion(QPainter& painter) const
+{
+  const Vertices<int>& vertices = _item->getVertices();
+  const int size = vertices.getNumVertices();
+  if (!isCurve(*_item)) return;
+  const Vector<int> point = canvas().convertToVectori(_cursor);
+  const int index = _insertionIndex >= 0 ? _insertionIndex + 1 : _item->findInsertion(point, pickTolerance(*_item));
+  if (index < 1) return;
+  painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1, Qt::DashLine));
+  painter.drawLine(canvasCenter(vertices.data(index - 1)), _cursor);
+  if (index < size || _item->isClosed()) painter.drawLine(QPointF(_cursor), canvasCenter(vertices.data(index % size)));
 }

@@ -49,6 +49,7 @@ private:
   void erase(const Vector<int>& point);
   /// Why no vertex can be deleted; empty when one can.
   QString deletionRefusal() const;
+  void paintInsertion(QPainter& painter) const;
   void openStep();
   void closeStep();
 
