@@ -180,8 +180,15 @@ void NYXSliceEditWidgetMediatorEditionDelegate::beginInsertion(const Vector<int>
   _insertionIndex = isPoints ? _item->getSize() : _item->findInsertion(point, pickTolerance(*_item));
   if (_insertionIndex < 0) return;
   openStep();
-  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, _insertionIndex, point), true);
   _last = point;
+  const Vertices<int>& vertices = _item->getVertices();
+  for (const int neighbour : {_insertionIndex - 1, _insertionIndex % _item->getSize()})
+    if (vertices[neighbour] == point) // a double click, or a drag that begins at a vertex
+    {
+      _insertionIndex = neighbour;
+      return;
+    }
+  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, _insertionIndex, point), true);
 }
 
 void NYXSliceEditWidgetMediatorEditionDelegate::insert(const Vector<int>& point)

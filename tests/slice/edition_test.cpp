@@ -74,6 +74,28 @@ TEST_F(Edition, ShowsWhereAVertexWouldBeInserted)
   EXPECT_EQ(canvas().grabFramebuffer(), plain);
 }
 
+TEST_F(Edition, InsertsNoVertexTwiceAtOnePlace)
+{
+  const std::pair<const char*, Points> cases[] = {{"cells", {{50, 50}, {100, 50}, {150, 50}, {150, 150}, {50, 150}}},
+                                                  {"spots", {{50, 50}, {150, 50}, {100, 50}}}};
+  for (const auto& [name, expected] : cases)
+  {
+    SCOPED_TRACE(name);
+    const bool isClosed = std::string(name) == "cells";
+    start(name, isClosed ? square : Points{{50, 50}, {150, 50}}, VertexEditionMode::Insert);
+    const int place = slice().getNumItems() - 1;
+    expectStep(
+        [&]
+        {
+          click(100, 50);
+          doubleClick(100, 50);
+        });
+    EXPECT_EQ(points(place), expected);
+    mediator().cancel();
+    mediator().cancel(); // the selection
+  }
+}
+
 TEST_F(Edition, MovesTheNearestVertexWithinTenPixelsAtAnyZoom)
 {
   start("cells", square);
