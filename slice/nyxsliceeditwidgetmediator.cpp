@@ -425,6 +425,13 @@ void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelec
   if (_activeTool == nullptr) _selection->showMode();
 }
 
+/// Of one that another window shows.
+bool NYXSliceEditWidgetMediator::isOfOtherStack(const NYXModelEvent& event) const
+{
+  const Stack* const own = sliceCanvas().hasSlice() ? sliceCanvas().getSlice().getStack() : nullptr;
+  return event.getStack() != nullptr && event.getStack() != own;
+}
+
 void NYXSliceEditWidgetMediator::modelCreateEvent(const NYXModelCreateEvent& event)
 {
   NYXSliceWidgetMediator::modelCreateEvent(event);
@@ -435,7 +442,7 @@ void NYXSliceEditWidgetMediator::modelCreateEvent(const NYXModelCreateEvent& eve
 void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
 {
   const bool changesGeometry = event.getOldProperties().getGeometry() != event.getModel().getGeometry();
-  if (_activeTool != nullptr && changesGeometry) _activeTool->cancel();
+  if (_activeTool != nullptr && changesGeometry && !isOfOtherStack(event)) _activeTool->cancel();
   if (&event.getModel() == _modelInUseHere) _modelInUse = event.getModel().getName();
   NYXSliceWidgetMediator::modelPropertiesEvent(event);
   updateEditActions();
@@ -444,7 +451,7 @@ void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEv
 
 void NYXSliceEditWidgetMediator::modelDeleteEvent(const NYXModelDeleteEvent& event)
 {
-  if (_activeTool != nullptr) _activeTool->cancel();
+  if (_activeTool != nullptr && !isOfOtherStack(event)) _activeTool->cancel();
   if (&event.getModel() == _modelInUseHere) _modelInUseHere = nullptr;
   NYXSliceWidgetMediator::modelDeleteEvent(event);
   updateEditActions();

@@ -148,6 +148,7 @@ private:
   void updateToolActions();
   void showTools();
   void showPreviousItems();
+  bool isOfOtherStack(const NYXModelEvent& event) const;
   const Model* modelNamed(const std::string& name) const;
   QString previousItemsText(int numCopied, int numLeftOut) const;
   void createMenus();
