@@ -149,8 +149,13 @@ void NYXRootMediator::newStack(const QStringList& images)
 void NYXRootMediator::selectStack(const NYXStack* stack)
 {
   if (stack == nullptr) return;
-  if (stack != currentStack()) _sliceEditWidget->sliceWidget().editMediator().finishTool();
+  if (stack != currentStack()) finishTool();
   _stackList->selectStack(*stack);
+}
+
+void NYXRootMediator::finishTool()
+{
+  _sliceEditWidget->sliceWidget().editMediator().finishTool();
 }
 
 void NYXRootMediator::saveCurrentStack()

@@ -59,6 +59,8 @@ public:
   /// Asks for the images of a new stack, these at first.
   void newStack(const QStringList& images);
 
+  /// Leaves the tool at work with what is worth keeping of its work.
+  void finishTool();
   /// Shows the stack that is selected in the list, or the start page.
   void showCurrentStack();
   /// Shows the overview if it was shown when the program was used last.

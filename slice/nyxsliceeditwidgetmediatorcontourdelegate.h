@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/vertices.h"
+#include "geometry/curve.h"
 #include "slice/nyxsliceeditwidgetmediatordelegate.h"
 
 #include <QPointer>
@@ -55,6 +55,6 @@ private:
   void applyTo(const std::vector<ModelItem*>& items);
 
   std::vector<ModelItem*> _items; // that can be changed
-  std::vector<Vertices<int>> _previews;
+  std::vector<Curve<int>> _previews;
   QPointer<NYXContourToolDialog> _dialog;
 };

@@ -103,6 +103,8 @@ protected:
   /// Repaints the feedback where it was drawn last and where it is now.
   void updateFeedback();
 
+  /// Why a tool has no image to work on.
+  QString missingImageText() const;
   /// Puts a window at the side of the canvas where it hides the item the least.
   void placeBeside(const ModelItem& item, QWidget& window) const;
   /// How far from the mouse a vertex of the item is picked, in pixels of the image.

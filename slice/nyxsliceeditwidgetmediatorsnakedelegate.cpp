@@ -66,7 +66,7 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
   if (item == nullptr) return;
   if (!canvas().getImageProxy().hasImage())
   {
-    QMessageBox::information(&editMediator().window(), tr("Run Snake"), tr("The image of this slice is not there."));
+    QMessageBox::information(&editMediator().window(), tr("Run Snake"), missingImageText());
     return;
   }
   _item = item;

@@ -163,6 +163,16 @@ TEST_F(Interruptions, ByTheDeletionOfTheModelCanBeUndone)
       });
 }
 
+TEST_F(Interruptions, DoNotComeFromOtherStacks)
+{
+  NYXStack other;
+  addModel(other, "cells", MPrimitive::Polygon);
+  choose(mediator().manualMenu(), "cells");
+  for (const auto& point : Points{{10, 10}, {40, 10}, {40, 40}}) click(point[0], point[1]);
+  other.history().pushStep(std::make_unique<NYXModelDeletionAction>(*other.getModel(0)));
+  expectStep([this] { key(Qt::Key_Return); });
+}
+
 TEST_F(Interruptions, OfALockedSliceNoToolBegins)
 {
   key(Qt::Key_C, Qt::ControlModifier);
