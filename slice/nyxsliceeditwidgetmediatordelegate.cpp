@@ -115,6 +115,25 @@ QString NYXSliceEditWidgetMediatorDelegate::missingImageText() const
   return tr("The image of this slice is not there.");
 }
 
+void NYXSliceEditWidgetMediatorDelegate::updateFeedback()
+{
+  editCanvas().updatePart(_painted);
+  editCanvas().updatePart(feedbackRect());
+  _painted = QRect();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::paint(QPainter& painter)
+{
+  if (!isActive()) return;
+  _painted |= feedbackRect();
+  paintFeedback(painter);
+}
+
+QRect NYXSliceEditWidgetMediatorDelegate::feedbackRect() const
+{
+  return canvas().rect();
+}
+
 void NYXSliceEditWidgetMediatorDelegate::placeBeside(const ModelItem& item, QWidget& window) const
 {
   constexpr int distance = 10; // from the canvas's border
