@@ -451,7 +451,7 @@ void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEv
 
 void NYXSliceEditWidgetMediator::modelDeleteEvent(const NYXModelDeleteEvent& event)
 {
-  if (_activeTool != nullptr && !isOfOtherStack(event)) _activeTool->cancel();
+  if (_activeTool != nullptr && !isOfOtherStack(event) && _activeTool->worksOn(event.getModel())) _activeTool->cancel();
   if (&event.getModel() == _modelInUseHere) _modelInUseHere = nullptr;
   NYXSliceWidgetMediator::modelDeleteEvent(event);
   updateEditActions();

@@ -24,6 +24,7 @@ public:
   /// Works on the selected contours that the tool can change; nothing happens when there is none.
   void activate() override;
   void deactivate() override;
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override;
   void followItem() override { updatePreview(); }
 

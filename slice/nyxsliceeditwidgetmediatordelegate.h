@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class Model;
 class ModelItem;
 class NYXAction;
 class NYXSliceEditWidgetCanvas;
@@ -42,6 +43,8 @@ public:
 
   /// Whether the tool cannot go on when the item leaves its slice or model.
   virtual bool worksOn(const ModelItem&) const { return false; }
+  /// Whether the tool cannot go on when the model leaves its stack.
+  virtual bool worksOn(const Model&) const { return true; }
 
   /// Draws the feedback while active, and notes its place.
   void paint(QPainter& painter) final;

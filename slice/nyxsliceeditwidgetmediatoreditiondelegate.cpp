@@ -290,6 +290,7 @@ QPolygonF NYXSliceEditWidgetMediatorEditionDelegate::insertionAtCursor() const
 /// Vertices that lie close together on the screen are marked once.
 void NYXSliceEditWidgetMediatorEditionDelegate::paintVertices(QPainter& painter) const
 {
+  painter.setBrush(Qt::white); // the contour under them may have the same colour
   const Vertices<int>& vertices = _item->getVertices();
   const QRectF visible = painter.clipBoundingRect().adjusted(-4, -4, 4, 4);
   QPointF last(-1e9, -1e9);
