@@ -11,6 +11,7 @@
 namespace
 {
 constexpr double degree = std::numbers::pi / 180;
+constexpr const char* alignWhere = "SliceAlignment alignOnPreviousSlice(const StackSlice&, bool)";
 
 /// Grey levels of the specimen, with the slice's pixel size.
 PixelMatrix<double> specimenOf(const StackSlice& slice, bool isDark)
@@ -25,34 +26,27 @@ PixelMatrix<double> specimenOf(const StackSlice& slice, bool isDark)
   return levels;
 }
 
-const StackSlice& previousOf(const StackSlice& slice, const char* where)
-{
-  const StackSlice* previous = slice.prevSlice();
-  if (previous == nullptr) throw UsageError(where, "The first slice has none to be aligned on");
-  return *previous;
-}
-
 /// Halves go up.
-int wholePixels(double length, double pixel)
+int wholePixels(double length, float pixel)
 {
-  return static_cast<int>(std::floor(length / pixel + 0.5));
+  const double pixels = std::floor(length / static_cast<double>(pixel) + 0.5);
+  if (!(std::abs(pixels) < 1e9)) throw UsageError(alignWhere, "The pixels have no size");
+  return static_cast<int>(pixels);
 }
 
 Registration registrationOf(const RigidRegistration<double>& result, const PixelCalibration& calibration)
 {
   const double angle = std::atan2(result.rotation()(0, 1), result.rotation()(0, 0)) / degree;
   const auto positive = static_cast<float>(angle < 0 ? angle + 360 : angle);
-  return {wholePixels(result.translation()[1], static_cast<double>(calibration.getPixelWidth())),
-          wholePixels(result.translation()[0], static_cast<double>(calibration.getPixelHeight())),
-          positive < 360 ? positive : 0.0F};
+  return {wholePixels(result.translation()[1], calibration.getPixelWidth()),
+          wholePixels(result.translation()[0], calibration.getPixelHeight()), positive < 360 ? positive : 0.0F};
 }
 
 double correlationAt(const PixelMatrix<double>& source, const PixelMatrix<double>& target,
                      const Registration& registration)
 {
   const PixelCalibration& calibration = source.getPixelCalibration();
-  return correlation(massAboveBackground(source), massAboveBackground(target),
-                     static_cast<double>(registration.getAngle()) * degree,
+  return correlation(source, target, static_cast<double>(registration.getAngle()) * degree,
                      registration.getVerticalShift() * static_cast<double>(calibration.getPixelHeight()),
                      registration.getHorizontalShift() * static_cast<double>(calibration.getPixelWidth()));
 }
@@ -60,9 +54,10 @@ double correlationAt(const PixelMatrix<double>& source, const PixelMatrix<double
 
 SliceAlignment alignOnPreviousSlice(const StackSlice& slice, bool isDark)
 {
-  const StackSlice& previous = previousOf(slice, "SliceAlignment alignOnPreviousSlice(const StackSlice&, bool)");
+  const StackSlice* previous = slice.prevSlice();
+  if (previous == nullptr) throw UsageError(alignWhere, "The first slice has none to be aligned on");
   const PixelMatrix<double> source = specimenOf(slice, isDark);
-  const PixelMatrix<double> target = specimenOf(previous, isDark);
+  const PixelMatrix<double> target = specimenOf(*previous, isDark);
   PrincipalAxesImageRegistration<double> axes;
   axes.setImageCenteredRotation(true);
   axes.setSource(source);
@@ -70,15 +65,8 @@ SliceAlignment alignOnPreviousSlice(const StackSlice& slice, bool isDark)
   axes.run();
   SliceAlignment alignment;
   alignment.hasMass = axes.hasMass();
-  alignment.correlationBefore = axes.correlationBefore();
   if (alignment.hasMass) alignment.registration = registrationOf(axes, slice.getPixelCalibration());
+  alignment.correlationBefore = correlationAt(source, target, slice.getRegistration());
   alignment.correlationAfter = correlationAt(source, target, alignment.registration);
   return alignment;
-}
-
-double correlationWithPreviousSlice(const StackSlice& slice, const Registration& registration, bool isDark)
-{
-  const StackSlice& previous =
-      previousOf(slice, "double correlationWithPreviousSlice(const StackSlice&, const Registration&, bool)");
-  return correlationAt(specimenOf(slice, isDark), specimenOf(previous, isDark), registration);
 }
