@@ -26,7 +26,8 @@ public:
   bool isRound() const;
 
   /// Of [[a, b], [b, d]]: atan(t + sqrt(t^2 + 1)) with t = (d - a) / 2b, which is the axis of the larger moment when
-  /// b > 0 and that of the smaller one when b < 0; when |b| is not above Vector<T>::epsilon(), 0 when a >= d, else pi/2.
+  /// b > 0 and that of the smaller one when b < 0; when |b| is not above Vector<T>::epsilon(), 0 when a >= d, else
+  /// pi/2.
   static T computeAngle(const SquareMatrix<T>& inertia);
 
 private:

@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <numbers>
 #include <vector>
 
 namespace
 {
 constexpr double alike = 1e-9;               // difference of correlations that means nothing
-constexpr double noiseGate = 4;              // standard deviations
+constexpr double noiseGate = 5;              // standard deviations
 constexpr double deviationOfMedian = 1.4826; // standard deviation of normal noise by its median absolute deviation
 
 /// The elements at the border, each once, without NaN.
@@ -36,18 +35,19 @@ template <class T> T medianOf(std::vector<T> values)
   return *middle;
 }
 
-/// How far noise may rise above the background.
+/// How far noise may rise above the background. The smallest step above it is that between grey levels: each of them
+/// stands for what lies within half a step of it.
 template <class T> T noiseOf(const std::vector<T>& border, T background)
 {
   std::vector<T> deviations(border.size());
-  T smallestStep = std::numeric_limits<T>::max();
+  T step = 0;
   for (std::size_t i = 0; i < border.size(); ++i)
   {
-    deviations[i] = std::abs(border[i] - background);
-    if (border[i] > background) smallestStep = std::min(smallestStep, border[i] - background);
+    const T rise = border[i] - background;
+    deviations[i] = std::abs(rise);
+    if (rise > 0 && (step == 0 || rise < step)) step = rise;
   }
-  if (smallestStep == std::numeric_limits<T>::max()) smallestStep = 0;
-  return std::max(smallestStep, static_cast<T>(noiseGate * deviationOfMedian) * medianOf(deviations));
+  return static_cast<T>(noiseGate * deviationOfMedian) * (medianOf(deviations) + step / 2);
 }
 
 /// Rises above the background of more than `noise`. \return whether there are any
@@ -173,6 +173,57 @@ private:
   double _sourceMiddleRow, _sourceMiddleCol;
   double _y, _x; // the target's first element from the source's centre as it is placed
 };
+
+/// What elements of the target count that lie beyond the border of the source.
+enum class Beyond
+{
+  Ignored,
+  Zero ///< as the source's, where nothing is mass
+};
+
+template <class T>
+double correlationOf(const PixelMatrix<T>& source, const PixelMatrix<T>& target, const InverseMap& map, Beyond beyond)
+{
+  const int numCols = target.getSize2();
+  const double lastRow = source.getSize1() - 1;
+  const double lastCol = source.getSize2() - 1;
+  std::vector<PairSums> rows(static_cast<std::size_t>(target.getSize1()));
+#pragma omp parallel for schedule(static)
+  for (int i = 0; i < target.getSize1(); ++i)
+  {
+    PairSums sums;
+    for (int j = 0; j < numCols; ++j)
+    {
+      const double y = map.row(i, j);
+      const double x = map.column(i, j);
+      if (y >= 0 && y <= lastRow && x >= 0 && x <= lastCol)
+        sums.add(sample(source, y, x), static_cast<double>(target(i, j)));
+      else if (beyond == Beyond::Zero)
+        sums.add(0, static_cast<double>(target(i, j)));
+    }
+    rows[static_cast<std::size_t>(i)] = sums;
+  }
+  PairSums sum; // in the order of the rows, whatever the number of threads
+  for (const PairSums& sums : rows) sum += sums;
+  return sum.correlation();
+}
+
+/// The angle or the one half a turn from it: the one at which the masses correlate better, the smaller one when they do
+/// so alike.
+template <class T> T betterSense(const PixelMatrix<T>& source, const PixelMatrix<T>& target, T angle,
+                                 const Vector<T>& from, const Vector<T>& to)
+{
+  const auto correlationAt = [&](T turn)
+  {
+    const Vector<T> shift = translationBetween(from, to, turn);
+    const InverseMap map(source, target, static_cast<double>(turn), static_cast<double>(shift[0]),
+                         static_cast<double>(shift[1]));
+    return correlationOf(source, target, map, Beyond::Zero);
+  };
+  const T smaller = std::abs(angle) <= std::numbers::pi_v<T> / 2 ? angle : wrapped(angle + std::numbers::pi_v<T>);
+  const T larger = wrapped(smaller + std::numbers::pi_v<T>);
+  return correlationAt(larger) > correlationAt(smaller) + alike ? larger : smaller;
+}
 } // namespace
 
 template <class T> PixelMatrix<T> massAboveBackground(const PixelMatrix<T>& matrix)
@@ -188,61 +239,28 @@ template <class T> PixelMatrix<T> massAboveBackground(const PixelMatrix<T>& matr
 template <class T>
 double correlation(const PixelMatrix<T>& source, const PixelMatrix<T>& target, double angle, double row, double column)
 {
-  const InverseMap map(source, target, angle, row, column);
-  const int numRows = target.getSize1();
-  const int numCols = target.getSize2();
-  const double lastRow = source.getSize1() - 1;
-  const double lastCol = source.getSize2() - 1;
-  std::vector<PairSums> rows(static_cast<std::size_t>(numRows));
-#pragma omp parallel for schedule(static)
-  for (int i = 0; i < numRows; ++i)
-  {
-    PairSums sums;
-    for (int j = 0; j < numCols; ++j)
-    {
-      const double y = map.row(i, j);
-      const double x = map.column(i, j);
-      if (y >= 0 && y <= lastRow && x >= 0 && x <= lastCol)
-        sums.add(sample(source, y, x), static_cast<double>(target(i, j)));
-    }
-    rows[static_cast<std::size_t>(i)] = sums;
-  }
-  PairSums sum; // in the order of the rows, whatever the number of threads
-  for (const PairSums& sums : rows) sum += sums;
-  return sum.correlation();
-}
-
-template <class T>
-T PrincipalAxesImageRegistration<T>::betterAngle(T angle, const Vector<T>& from, const Vector<T>& to) const
-{
-  const auto correlationAt = [&](T turn)
-  {
-    const Vector<T> translation = translationBetween(from, to, turn);
-    return correlation(this->source(), this->target(), static_cast<double>(turn), static_cast<double>(translation[0]),
-                       static_cast<double>(translation[1]));
-  };
-  const T smaller = std::abs(angle) <= std::numbers::pi_v<T> / 2 ? angle : wrapped(angle + std::numbers::pi_v<T>);
-  const T larger = wrapped(smaller + std::numbers::pi_v<T>);
-  return correlationAt(larger) > correlationAt(smaller) + alike ? larger : smaller;
+  return correlationOf(source, target, InverseMap(source, target, angle, row, column), Beyond::Ignored);
 }
 
 template <class T> void PrincipalAxesImageRegistration<T>::run()
 {
+  const PixelMatrix<T> source = massAboveBackground(this->source());
+  const PixelMatrix<T> target = massAboveBackground(this->target());
   MatrixPrincipalAxesAnalysis<T> sourceAxes, targetAxes;
-  sourceAxes.apply(massAboveBackground(this->source()));
-  targetAxes.apply(massAboveBackground(this->target()));
+  sourceAxes.apply(source);
+  targetAxes.apply(target);
   this->setNull();
   _hasMass = sourceAxes.getMass() > 0 && targetAxes.getMass() > 0;
   if (!_hasMass) return;
 
   const bool isRound = sourceAxes.isRound() || targetAxes.isRound();
-  const Vector<T> from = sourceAxes.getInertiaCenter() - centerOf(this->source());
-  const Vector<T> to = targetAxes.getInertiaCenter() - centerOf(this->target());
+  const Vector<T> from = sourceAxes.getInertiaCenter() - centerOf(source);
+  const Vector<T> to = targetAxes.getInertiaCenter() - centerOf(target);
   const T turn = wrapped(sourceAxes.getMajorAngle() - targetAxes.getMajorAngle());
-  const T angle = isRound ? T(0) : betterAngle(turn, from, to);
-  this->set(angle, _isImageCentered ? translationBetween(from, to, angle)
-                                    : translationBetween(sourceAxes.getInertiaCenter(),
-                                                         targetAxes.getInertiaCenter(), angle));
+  const T angle = isRound ? T(0) : betterSense(source, target, turn, from, to);
+  const Vector<T>& sourceCenter = _isImageCentered ? from : sourceAxes.getInertiaCenter();
+  const Vector<T>& targetCenter = _isImageCentered ? to : targetAxes.getInertiaCenter();
+  this->set(angle, translationBetween(sourceCenter, targetCenter, angle));
 }
 
 template double correlation(const PixelMatrix<float>&, const PixelMatrix<float>&, double, double, double);

@@ -5,7 +5,7 @@
 /// Superposes the centres of inertia and the principal axes of two images, the major axis on the major one.
 ///
 /// Bright elements are mass: what exceeds the background, which is the median of the elements at the border, as
-/// massAboveBackground() says. Of the two senses of an axis, the one is taken in which the images correlate better, and
+/// massAboveBackground() says. Of the two senses of an axis, the one is taken in which the masses correlate better, and
 /// the smaller rotation when they do so alike. A round specimen is not rotated. Positions are distances from the middle
 /// of the images' first pixels or, for a rotation about the centres of the images, from these centres.
 template <class T> class PrincipalAxesImageRegistration : public ImageRegistration<T>
@@ -21,8 +21,6 @@ public:
   bool hasMass() const { return _hasMass; }
 
 private:
-  T betterAngle(T angle, const Vector<T>& from, const Vector<T>& to) const;
-
   bool _isImageCentered = false;
   bool _hasMass = false;
 };
@@ -36,9 +34,8 @@ double correlation(const PixelMatrix<T>& source, const PixelMatrix<T>& target, d
 
 /// What exceeds the median of the border, at least 0. The calibration is kept.
 ///
-/// Noise would weigh as much as a specimen, being everywhere: what exceeds the median by no more than four standard
-/// deviations of the border, or than the smallest step above the median there, counts as 0, unless nothing would be
-/// left. A border without noise takes nothing away.
+/// Noise would weigh as much as a specimen, being everywhere: what exceeds the median by no more than five standard
+/// deviations of the border counts as 0, unless nothing would be left. A border without noise takes nothing away.
 template <class T> PixelMatrix<T> massAboveBackground(const PixelMatrix<T>& matrix);
 
 extern template class PrincipalAxesImageRegistration<float>;

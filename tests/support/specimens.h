@@ -50,8 +50,8 @@ inline std::shared_ptr<VoxelMatrix<unsigned char>> specimenImage(const SpecimenV
     for (int j = 0; j < view.width; ++j)
     {
       const double x = j * view.pixelWidth - pose.x, y = i * view.pixelHeight - pose.y;
-      const double level = specimenLevel(std::cos(angle) * x + std::sin(angle) * y,
-                                         -std::sin(angle) * x + std::cos(angle) * y);
+      const double level =
+          specimenLevel(std::cos(angle) * x + std::sin(angle) * y, -std::sin(angle) * x + std::cos(angle) * y);
       const double length = std::sqrt(-2 * std::log(1 - random.uniformLF()));
       const double noise = view.noise * length * std::cos(2 * std::numbers::pi * random.uniformLF());
       (*image)(i, j, 0) = static_cast<unsigned char>(std::clamp(std::lround(level + noise), 0L, 255L));
