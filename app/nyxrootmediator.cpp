@@ -22,9 +22,11 @@
 #include "numeric/exception.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
-#include "slice/image/nyxslicewidget.h"
-#include "slice/image/nyxslicewidgetmediator.h"
-#include "slice/image/nyxslicewidgetstatusbar.h"
+#include "slice/nyxmodetoolbar.h"
+#include "slice/nyxnavigationtoolbar.h"
+#include "slice/nyxsliceeditwidget.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+#include "slice/nyxsliceeditwidgetstatusbar.h"
 
 #include <QAction>
 #include <QDir>
@@ -69,11 +71,12 @@ void NYXRootMediator::initialize()
   _toolBar->addActions({_undo, _redo});
   _toolBar->addSeparator();
   _toolBar->addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
-  _toolBar->addSeparator();
-  _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
-  _toolBar->addSeparator();
-  _toolBar->addActions(_sliceEditWidget->sliceWidget().mediator().zoomActions());
+  NYXNavigationToolBar& navigation = _sliceEditWidget->navigationToolBar();
+  navigation.setIconSize({side, side});
+  navigation.addGroup({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
+  navigation.addGroup(_sliceEditWidget->sliceWidget().mediator().zoomActions());
   _sliceEditWidget->sliceWidget().toolBar().setIconSize({side, side});
+  connectSliceEditor();
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
   _sliceEditWidget->setInsertAction(*_insertSlice);
 
@@ -88,6 +91,16 @@ void NYXRootMediator::initialize()
   updatePluginActions();
   updateActions();
   NYXEventServer::attach(*this);
+}
+
+void NYXRootMediator::connectSliceEditor()
+{
+  NYXSliceEditWidgetMediator& editor = _sliceEditWidget->sliceWidget().editMediator();
+  _sliceEditWidget->modeToolBar().setModelsAction(*_editDialogs.front());
+  connect(&editor, &NYXSliceEditWidgetMediator::lockRequested, this, &NYXRootMediator::lockSlice);
+  connect(&editor, &NYXSliceEditWidgetMediator::messageShown, _statusBar,
+          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
+  connect(&editor, &NYXSliceEditWidgetMediator::propertiesRequested, this, &NYXRootMediator::editItemProperties);
 }
 
 NYXStack* NYXRootMediator::currentStack() const
@@ -119,7 +132,9 @@ void NYXRootMediator::newStack(const QStringList& images)
 
 void NYXRootMediator::selectStack(const NYXStack* stack)
 {
-  if (stack != nullptr) _stackList->selectStack(*stack);
+  if (stack == nullptr) return;
+  if (stack != currentStack()) _sliceEditWidget->sliceWidget().editMediator().finishTool();
+  _stackList->selectStack(*stack);
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -183,7 +198,7 @@ void NYXRootMediator::showView()
   const NYXStack* const stack = currentStack();
   const bool hasSlices = stack != nullptr && stack->getNumSlices() > 0;
   const bool isPanorama = _displayPanorama->isChecked() && hasSlices;
-  NYXSliceWidget& sliceWidget = _sliceEditWidget->sliceWidget();
+  NYXSliceEditWidget& sliceWidget = _sliceEditWidget->sliceWidget();
   (isPanorama ? static_cast<QWidget*>(_sliceEditWidget) : _panorama)->hide(); // never both
   (isPanorama ? static_cast<QWidget*>(_panorama) : _sliceEditWidget)->show();
   sliceWidget.mediator().setActionsEnabled(!isPanorama);
@@ -239,13 +254,28 @@ void NYXRootMediator::lockRequest(bool isLocked)
     enable(*action, slice != nullptr, isLocked ? lockText(*slice) : QString());
 }
 
+/// The slice stays as long as a tool works on it.
+void NYXRootMediator::lockSlice(bool isToolAtWork)
+{
+  if (isToolAtWork == _isToolAtWork) return;
+  _isToolAtWork = isToolAtWork;
+  _stackList->setEnabled(!isToolAtWork);
+  _sliceList->setEnabled(!isToolAtWork);
+  updateActions();
+}
+
 /// What changes all slices, or the places of slices, waits until none is locked.
 void NYXRootMediator::enableActions(bool flag)
 {
   for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
   const NYXStack* const stack = currentStack();
+  const QString toolReason = _isToolAtWork ? tr("Finish or cancel the tool at work first") : QString();
+  for (QAction* action : {_selectFirstSlice, _selectLastSlice, _selectNextSlice, _selectPreviousSlice, _displayPanorama,
+                          _displaySingleSlice})
+    enable(*action, flag, toolReason);
+  for (QAction* action : {_newStack, _newStackFromFile, _openStack}) enable(*action, true, toolReason);
   const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
-  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : QString();
+  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : toolReason;
   for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
   const StackSlice* const slice = currentSlice();
   enable(*_deleteSlice, slice != nullptr, reason);
@@ -367,7 +397,7 @@ void NYXRootMediator::updateRecentFilesMenu()
     setTips(*action, plainText(QDir::toNativeSeparators(file)));
   }
   nameParts(*_recentFilesMenu);
-  _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
+  _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty() && !_isToolAtWork);
 }
 
 void NYXRootMediator::refreshPlugins()

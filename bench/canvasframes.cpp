@@ -16,8 +16,8 @@
 #include "numeric/randomgenerator.h"
 #include "slice/image/nyximageproxy.h"
 #include "slice/image/nyximagewidgetmediator.h"
-#include "slice/image/nyxslicewidget.h"
 #include "slice/image/nyxslicewidgetcanvas.h"
+#include "slice/nyxsliceeditwidget.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -230,7 +230,7 @@ int main(int argc, char** argv)
 
   auto* window = new NYXRootWindow;
   window->setGeometry(0, 0, 1280, 800);
-  NYXSliceWidget& widget = window->findChild<NYXRootSliceEditWidget*>()->sliceWidget();
+  NYXSliceEditWidget& widget = window->findChild<NYXRootSliceEditWidget*>()->sliceWidget();
   reportFirstPixels(image, settings, widget.canvas());
   NYXStackServer::server().addStack(makeStack(image, settings));
   widget.canvas().setBestFitMode(false, false);

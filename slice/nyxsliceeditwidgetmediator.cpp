@@ -1,11 +1,15 @@
 #include "slice/nyxsliceeditwidgetmediator.h"
 
+#include "app/core/actions/nyxitemappendpointsaction.h"
+#include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxexception.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxrulerdelegate.h"
+#include "slice/nyxpreviousslice.h"
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediatorcreationdelegate.h"
@@ -26,6 +30,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
+#include <QToolBar>
 
 #include <algorithm>
 
@@ -58,10 +63,22 @@ void NYXSliceEditWidgetMediator::initialize()
   _shift = new NYXSliceEditWidgetMediatorShiftDelegate(*this);
   _selection->activate();
   NYXSliceWidgetMediator::initialize();
-  createEditActions();
+  _toolGroup = new QActionGroup(this);
+  _toolGroup->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+  createDrawingTools();
   createContourTools();
+  createEditActions();
+  createModelKeys();
+  createPreviousSliceActions();
   createMenus();
+  connect(&ruler(), &NYXRulerDelegate::activeChanged, this,
+          [this](bool isActive)
+          {
+            if (isActive) finishTool();
+            showTools();
+          });
   updateEditActions();
+  showEditMode("READY", {});
 }
 
 NYXSliceEditWidget& NYXSliceEditWidgetMediator::editWidget() const
@@ -100,11 +117,67 @@ void NYXSliceEditWidgetMediator::createEditActions()
                              {}, [this] { emit propertiesRequested(); });
 }
 
+QAction* NYXSliceEditWidgetMediator::createTool(const QString& text, const QString& toolTip, const QString& name,
+                                                const QKeySequence& shortcut, NYXSliceEditWidgetMediatorDelegate& tool,
+                                                const std::function<void()>& activate)
+{
+  QAction* action = createAction(text, toolTip, name, shortcut,
+                                 [this, &tool, activate]
+                                 {
+                                   const bool isLeft = tool.isActive();
+                                   finishTool();
+                                   if (!isLeft) activate();
+                                   showTools();
+                                 });
+  action->setCheckable(true);
+  _toolGroup->addAction(action);
+  _tools.emplace_back(action, &tool);
+  return action;
+}
+
+void NYXSliceEditWidgetMediator::createDrawingTools()
+{
+  _select = createAction(tr("Select"), tr("Select items by clicks or a box"), "selectTool", {},
+                         [this]
+                         {
+                           finishTool();
+                           ruler().deactivate();
+                           showTools();
+                         });
+  _select->setCheckable(true);
+  _toolGroup->addAction(_select);
+  _draw = createTool(tr("Draw"), tr("Draw an item of the model in use"), "draw", Qt::Key_D, *_creation,
+                     [this] { draw(modelInUse()); });
+  _drawAutomatically =
+      createTool(tr("Draw automatically"), tr("Make a contour of the object in a rectangle"), "drawAutomatically",
+                 Qt::Key_A, *_thresholding, [this] { drawAutomatically(modelInUse()); });
+}
+
+/// The number keys choose the first nine models.
+void NYXSliceEditWidgetMediator::createModelKeys()
+{
+  for (int i = 0; i < 9; ++i)
+    _modelKeys << createAction(tr("Model %1").arg(i + 1), tr("Draw items of model %1").arg(i + 1),
+                               QString("model%1").arg(i + 1), Qt::Key_1 + i,
+                               [this, i]
+                               {
+                                 setModelInUse(buildStackModelList().value(i));
+                                 showMessage(tr("Model in use: %1").arg(modelInUse()));
+                               });
+}
+
 void NYXSliceEditWidgetMediator::createContourTools()
 {
-  _contourTools = {
-      createAction(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints", Qt::Key_E,
-                   [this] { _edition->activate(); }),
+  _editPoints = createTool(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints",
+                           Qt::Key_E, *_edition, [this] { _edition->activate(); });
+  _splitContour = createTool(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {}, *_split,
+                             [this] { _split->activate(); });
+  _shiftItems = createTool(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {}, *_shift,
+                           [this] { _shift->activate(); });
+  _runSnake = createTool(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
+                         *_snake, [this] { _snake->activate(); });
+  _contourActions = {
+      _editPoints,
       createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {},
                    [this] { _selection->decimateSelection(); }),
       createAction(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"),
@@ -113,15 +186,31 @@ void NYXSliceEditWidgetMediator::createContourTools()
                    [this] { _reorigin->activate(); }),
       createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
                    [this] { _resampling->activate(); }),
-      createAction(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
-                   [this] { _snake->activate(); }),
+      _runSnake,
       createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
                    [this] { _fourier->activate(); }),
-      createAction(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {},
-                   [this] { _split->activate(); }),
+      _splitContour,
+      _shiftItems,
   };
-  _shiftItems = createAction(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {},
-                             [this] { _shift->activate(); });
+}
+
+void NYXSliceEditWidgetMediator::createPreviousSliceActions()
+{
+  _previous = new NYXPreviousSlice(this);
+  connect(_previous, &NYXPreviousSlice::changed, this,
+          [this]
+          {
+            editWidget().editCanvas().setFaintItems(nullptr);
+            QTimer::singleShot(0, this, &NYXSliceEditWidgetMediator::showPreviousItems);
+          });
+  _showPrevious = createAction(tr("Show previous slice"), tr("Show the items of the previous slice faintly"),
+                               "showPreviousSlice", Qt::Key_P, [this] { showPreviousItems(); });
+  _showPrevious->setCheckable(true);
+  _copyPrevious =
+      createAction(tr("Copy from previous slice"), tr("Make items like those of the previous slice on this one"),
+                   "copyFromPreviousSlice", QKeySequence("Ctrl+Shift+C"), [this] { copyPreviousItems(); });
+  widget().toolBar().addSeparator();
+  widget().toolBar().addActions({_showPrevious, _copyPrevious});
 }
 
 QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const QString& toolTip, const QString& name,
@@ -139,11 +228,17 @@ QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const Q
             const QStringList models = sliceCanvas().hasSlice() ? (this->*names)() : QStringList();
             for (const QString& model : models)
             {
-              QAction* action =
-                  menu->addAction(QString(model).replace("&", "&&"), this, [choose, model] { choose(model); });
+              QAction* const action = menu->addAction(QString(model).replace("&", "&&"));
+              action->setObjectName(model);
+              connect(action, &QAction::triggered, this, [choose, model] { choose(model); });
+            }
+            if (models.isEmpty()) menu->addAction(tr("(no model)"))->setObjectName("noModel");
+            if (models.isEmpty()) menu->actions().constFirst()->setEnabled(false);
+            for (QAction* action : menu->actions())
+            {
+              action->setToolTip(toolTip);
               action->setStatusTip(toolTip);
             }
-            if (models.isEmpty()) menu->addAction(tr("(no model)"))->setEnabled(false);
           });
   return menu;
 }
@@ -162,20 +257,11 @@ QAction* NYXSliceEditWidgetMediator::createTagAction(const QString& text, const 
 void NYXSliceEditWidgetMediator::createMenus()
 {
   using Mediator = NYXSliceEditWidgetMediator;
-  _manualMenu =
-      createModelMenu(tr("Manual"), tr("Draw a new item of a model"), "manualMenu", &Mediator::buildStackModelList,
-                      [this](const QString& model)
-                      {
-                        _selection->cancelSelection();
-                        _creation->activate(model);
-                      });
-  _automaticMenu = createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
-                                   &Mediator::buildPolygonModelList,
-                                   [this](const QString& model)
-                                   {
-                                     _selection->cancelSelection();
-                                     _thresholding->activate(model);
-                                   });
+  _manualMenu = createModelMenu(tr("Manual"), tr("Draw a new item of a model"), "manualMenu",
+                                &Mediator::buildStackModelList, [this](const QString& model) { draw(model); });
+  _automaticMenu =
+      createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
+                      &Mediator::buildPolygonModelList, [this](const QString& model) { drawAutomatically(model); });
   _selectMenu =
       createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
                       [this](const QString& model) { _selection->selectModelItems(model); });
@@ -185,6 +271,9 @@ void NYXSliceEditWidgetMediator::createMenus()
 
   _reconstructionMenu = new QMenu(tr("Reconstruction"), &widget());
   _reconstructionMenu->setObjectName("reconstructionMenu");
+  const QString toolTip = tr("How the surface goes on at the contour");
+  _reconstructionMenu->menuAction()->setToolTip(toolTip);
+  _reconstructionMenu->menuAction()->setStatusTip(toolTip);
   _tags = new QActionGroup(this);
   createTagAction(tr("Can connect with all"), tr("The surface goes through the contour"), "connectAll", 0);
   createTagAction(tr("Cannot connect with previous contours"), tr("The surface begins at the contour"),
@@ -198,9 +287,59 @@ void NYXSliceEditWidgetMediator::createMenus()
 
 void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
 {
-  if (_activeTool != nullptr) _activeTool->cancel();
+  const bool isShown = sliceCanvas().hasSlice() && &sliceCanvas().getSlice() == slice;
+  if (_activeTool != nullptr && !isShown) _activeTool->cancel();
+  editWidget().editCanvas().setFaintItems(nullptr);
   NYXSliceWidgetMediator::setSlice(slice);
+  _previous->setSlice(slice);
+  showPreviousItems();
   updateEditActions();
+  if (_activeTool == nullptr) _selection->showMode();
+}
+
+void NYXSliceEditWidgetMediator::draw(const QString& modelName)
+{
+  setModelInUse(modelName);
+  _selection->cancelSelection();
+  _creation->activate(modelName);
+}
+
+void NYXSliceEditWidgetMediator::drawAutomatically(const QString& modelName)
+{
+  setModelInUse(modelName);
+  _selection->cancelSelection();
+  _thresholding->activate(modelName);
+}
+
+QString NYXSliceEditWidgetMediator::modelInUse() const
+{
+  if (!sliceCanvas().hasSlice() || stack().getNumModels() == 0) return {};
+  const int place = stack().findModel(_modelInUse);
+  return QString::fromStdString(stack().getModel(std::max(place, 0))->getName());
+}
+
+void NYXSliceEditWidgetMediator::setModelInUse(const QString& name)
+{
+  if (!sliceCanvas().hasSlice() || stack().findModel(name.toStdString()) < 0) return;
+  _modelInUse = name.toStdString();
+  _creation->changeModel(name);
+  updateEditActions();
+}
+
+QList<QAction*> NYXSliceEditWidgetMediator::toolActions() const
+{
+  return {_select, _draw, _drawAutomatically, nullptr, _editPoints, _splitContour, _shiftItems, _runSnake};
+}
+
+void NYXSliceEditWidgetMediator::showTools()
+{
+  for (const auto& [action, tool] : _tools) action->setChecked(tool->isActive());
+  _select->setChecked(_activeTool == nullptr && !ruler().isActive());
+}
+
+void NYXSliceEditWidgetMediator::finishTool()
+{
+  if (_activeTool != nullptr) _activeTool->finish();
 }
 
 void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool)
@@ -209,7 +348,8 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   _activeTool = tool;
   if (before != nullptr && tool != nullptr) before->cancel();
   _selection->setActive(_activeTool == nullptr);
-  if (_activeTool == nullptr) showEditMode("READY", {});
+  if (_activeTool != nullptr) ruler().deactivate();
+  if (_activeTool == nullptr) _selection->showMode();
   requestLock(_activeTool != nullptr);
   updateEditActions();
 }
@@ -217,6 +357,7 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
 void NYXSliceEditWidgetMediator::showEditMode(const QString& mode, const QString& hint)
 {
   editWidget().editStatusBar().setEditModeInfo(mode);
+  _hint = hint;
   emit hintShown(hint);
 }
 
@@ -267,6 +408,61 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
   }
 }
 
+// ----------------------------------------------------------------------------------------------- the slice before
+
+void NYXSliceEditWidgetMediator::showPreviousItems()
+{
+  const bool isShown = _showPrevious->isChecked() && _previous->hasPrevious();
+  try
+  {
+    editWidget().editCanvas().setFaintItems(isShown ? &_previous->items() : nullptr);
+  }
+  catch (const Exception& error)
+  {
+    showMessage(tr("Cannot place the previous slice: %1").arg(QString::fromStdString(error.getWhat())));
+  }
+}
+
+QString NYXSliceEditWidgetMediator::previousItemsText(int numCopied, int numLeftOut) const
+{
+  QString text = numCopied == 0   ? tr("Nothing to copy from the previous slice")
+                 : numCopied == 1 ? tr("1 item copied from the previous slice")
+                                  : tr("%1 items copied from the previous slice").arg(numCopied);
+  if (numLeftOut > 0) text += tr("; %1 would lie outside of the image").arg(numLeftOut);
+  return text;
+}
+
+void NYXSliceEditWidgetMediator::copyPreviousItems()
+{
+  if (!isEditable() || _activeTool != nullptr) return;
+  try
+  {
+    int numLeftOut = 0;
+    std::vector<std::unique_ptr<NYXAction>> actions;
+    std::vector<std::unique_ptr<ModelItem>> items;
+    for (auto& item : _previous->copies(numLeftOut))
+    {
+      const bool isCurve = item->getModel()->getGeometry() != MPrimitive::Polypoint && !item->isRegion();
+      ModelItem* const buddy = isCurve ? nullptr : slice().buddyItem(*item);
+      if (buddy != nullptr)
+        actions.push_back(std::make_unique<NYXItemAppendPointsAction>(*buddy, *item));
+      else
+        items.push_back(std::move(item));
+    }
+    const auto numCopied = static_cast<int>(actions.size() + items.size());
+    _selection->cancelSelection();
+    for (const auto& item : items) item->getSelection().set(true);
+    if (!items.empty()) actions.push_back(std::make_unique<NYXItemCreationAction>(std::move(items)));
+    pushStep(std::move(actions));
+    notifyEvent(NYXSliceItemSelectionEvent(slice()));
+    showMessage(previousItemsText(numCopied, numLeftOut));
+  }
+  catch (const Exception& error)
+  {
+    showMessage(tr("Cannot place the previous slice: %1").arg(QString::fromStdString(error.getWhat())));
+  }
+}
+
 // ------------------------------------------------------------------------------------------------ what is offered
 
 QStringList NYXSliceEditWidgetMediator::buildStackModelList() const
@@ -299,15 +495,37 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   const bool isIdle = isEditable() && _activeTool == nullptr;
   const ModelItem* const item = isIdle ? _selection->selectedItem() : nullptr;
   _cancel->setEnabled(_activeTool != nullptr || item != nullptr);
-  for (QAction* action : {_copy, _delete, _shiftItems, _properties}) action->setEnabled(item != nullptr);
-  for (QAction* action : std::as_const(_contourTools)) action->setEnabled(item != nullptr);
+  for (QAction* action : {_copy, _delete, _properties}) action->setEnabled(item != nullptr);
+  for (QAction* action : std::as_const(_contourActions)) action->setEnabled(item != nullptr);
+  updateToolActions();
   _paste->setEnabled(isIdle && _selection->hasClipboard());
-  _selectAll->setEnabled(isIdle && sliceCanvas().getSlice().getNumItems() > 0);
+  _selectAll->setEnabled(isIdle && slice().getNumItems() > 0);
   _convertMenu->setEnabled(item != nullptr);
   _reconstructionMenu->setEnabled(item != nullptr && item->isClosed());
+  _tags->setEnabled(item != nullptr && item->isClosed());
   _manualMenu->setEnabled(isEditable());
   _automaticMenu->setEnabled(isEditable());
   _selectMenu->setEnabled(isIdle);
+  showTools();
+  emit toolsChanged();
+}
+
+/// Tools can be chosen also while another one is at work.
+void NYXSliceEditWidgetMediator::updateToolActions()
+{
+  const bool hasSelection = isEditable() && slice().getSelectedItem() != nullptr;
+  for (QAction* action : {_editPoints, _splitContour, _shiftItems, _runSnake}) action->setEnabled(hasSelection);
+  const QString name = modelInUse();
+  const bool canDraw = isEditable() && !name.isEmpty();
+  const int place = canDraw ? stack().findModel(name.toStdString()) : -1;
+  _select->setEnabled(sliceCanvas().hasSlice());
+  _draw->setEnabled(canDraw);
+  _drawAutomatically->setEnabled(canDraw && stack().getModel(place)->getGeometry() == MPrimitive::Polygon);
+  for (const auto& [action, tool] : _tools)
+    if (tool->isActive()) action->setEnabled(true);
+  for (int i = 0; i < _modelKeys.size(); ++i) _modelKeys[i]->setEnabled(canDraw && i < stack().getNumModels());
+  _showPrevious->setEnabled(_previous->hasPrevious());
+  _copyPrevious->setEnabled(_previous->hasPrevious() && isEditable() && _activeTool == nullptr);
 }
 
 void NYXSliceEditWidgetMediator::refreshContextMenuActions()
@@ -332,13 +550,14 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
     menu.addMenu(_selectMenu);
     menu.addSeparator();
     menu.addActions({_paste, _selectAll});
+    menu.addSeparator();
+    menu.addActions({_showPrevious, _copyPrevious});
   }
   else
   {
     menu.addActions({_copy, _paste, _delete});
     menu.addSeparator();
-    menu.addActions(_contourTools);
-    menu.addAction(_shiftItems);
+    menu.addActions(_contourActions);
     menu.addSeparator();
     menu.addMenu(_convertMenu);
     menu.addMenu(_reconstructionMenu);
@@ -360,6 +579,19 @@ void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 
 void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelectionEvent&)
 {
+  updateEditActions();
+  if (_activeTool == nullptr) _selection->showMode();
+}
+
+void NYXSliceEditWidgetMediator::modelCreateEvent(const NYXModelCreateEvent& event)
+{
+  NYXSliceWidgetMediator::modelCreateEvent(event);
+  updateEditActions();
+}
+
+void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
+{
+  NYXSliceWidgetMediator::modelPropertiesEvent(event);
   updateEditActions();
 }
 

@@ -59,11 +59,15 @@ bool NYXSliceEditWidgetMediatorCreationDelegate::isPoints() const
 
 QString NYXSliceEditWidgetMediatorCreationDelegate::hint() const
 {
+  const QString name = QString::fromStdString(model().getName());
   if (_item->isRegion())
-    return tr("Drag to paint the region, Return to finish, Backspace to take the last disc back, Escape to cancel");
-  if (isPoints()) return tr("Click to add a point, Return to finish, Backspace to take one back, Escape to cancel");
-  return tr("Click or drag to add vertices, Return or a double click to finish, Backspace to take one back, Escape to "
-            "cancel");
+    return tr("%1: drag to paint the region, Return to finish, Backspace to take the last disc back, Escape to cancel")
+        .arg(name);
+  if (isPoints())
+    return tr("%1: click to add a point, Return to finish, Backspace to take one back, Escape to cancel").arg(name);
+  return tr("%1: click or drag to add vertices, Return or a double click to finish, Backspace to take one back, "
+            "Escape to cancel")
+      .arg(name);
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
@@ -160,6 +164,21 @@ void NYXSliceEditWidgetMediatorCreationDelegate::apply()
   _item->setClockwise(false);
   record();
   deactivate();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::finish()
+{
+  if (isActive() && refusal().isEmpty())
+    apply();
+  else
+    cancel();
+}
+
+bool NYXSliceEditWidgetMediatorCreationDelegate::changeModel(const QString& modelName)
+{
+  if (!isActive() || _item->getSize() > 0) return false;
+  activate(modelName);
+  return true;
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::decimate()

@@ -28,6 +28,10 @@ public:
   void deactivate() override;
   /// Records the new item, or says why there can be none and cancels.
   void apply();
+  /// Records the new item if it can be one, else cancels.
+  void finish() override;
+  /// Begins an item of another model if none is begun. \return whether it does
+  bool changeModel(const QString& modelName);
   /// The model of the item that is being drawn; only while active.
   const Model& model() const;
 

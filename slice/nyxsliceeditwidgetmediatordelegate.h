@@ -42,9 +42,16 @@ public:
   /// Whether the tool cannot go on when the item leaves its slice.
   virtual bool worksOn(const ModelItem&) const { return false; }
 
+  /// Shows the tool's name and hint.
+  void showMode();
+  /// The box of the source image, (0, 0) to (W - 1, H - 1), in which tools work.
+  BoundingBox<int> imageBox() const;
+
 public slots:
   /// Gives the tool up; what it has not finished is as if it had never begun. Nothing happens when it is not active.
   virtual void cancel();
+  /// Leaves the tool with what is worth keeping of its work; cancels by default.
+  virtual void finish() { cancel(); }
 
 protected:
   NYXSliceEditWidgetMediator& editMediator() const;
@@ -72,10 +79,7 @@ protected:
   /// Name of the tool in the status bar, and what the next click, drag or key does.
   virtual QString editMode() const = 0;
   virtual QString hint() const = 0;
-  void showMode();
 
-  /// The box of the source image, (0, 0) to (W - 1, H - 1), in which tools work.
-  BoundingBox<int> imageBox() const;
   bool isOnImage(const QPoint& canvasPoint) const;
   /// The image position under a canvas point, moved into the box of the image.
   Vector<int> pointOnImage(const QPoint& canvasPoint) const;

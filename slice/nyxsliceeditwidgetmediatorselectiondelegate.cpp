@@ -95,6 +95,15 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::deactivate()
   setActive(false);
 }
 
+QString NYXSliceEditWidgetMediatorSelectionDelegate::hint() const
+{
+  if (!editCanvas().hasSlice()) return {};
+  return selectedItem() == nullptr
+             ? tr("Click or drag a box to select, right click or D to draw, wheel and middle button to zoom and move")
+             : tr("Shift and click to select more, right click for what can be done, Delete to delete, Escape to "
+                  "select nothing");
+}
+
 ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedItem() const
 {
   return editCanvas().hasSlice() ? slice().getSelectedItem() : nullptr;
@@ -124,7 +133,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& e
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& event)
 {
-  if (!_isDragging) return;
+  if (!_isDragging) return hover(event.position);
   _boxEnd = event.position;
   canvas().update();
 }
@@ -139,9 +148,53 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::release()
   selectInBox(BoundingBox<int>(pointOnImage(rect.topLeft()), pointOnImage(rect.bottomRight())));
 }
 
+bool NYXSliceEditWidgetMediatorSelectionDelegate::anyEvent(QEvent& event)
+{
+  if (event.type() == QEvent::Leave) hover(outside);
+  return false;
+}
+
+std::vector<NYXSliceEditWidgetMediatorSelectionDelegate::Target>
+NYXSliceEditWidgetMediatorSelectionDelegate::targetsAt(const QPoint& canvasPoint) const
+{
+  std::vector<Target> targets;
+  if (!editCanvas().hasSlice() || !isOnImage(canvasPoint)) return targets;
+  const Vector<int> point = canvas().convertToVectori(canvasPoint);
+  for (const ModelItem* item : candidates(point))
+    if (const int vertex = findNear(*item, point); vertex >= 0)
+      targets.push_back({item, isCurve(*item) || item->isRegion() ? 0 : vertex});
+  return targets;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::hover(const QPoint& canvasPoint)
+{
+  _cursor = canvasPoint;
+  std::vector<Target> targets = targetsAt(canvasPoint);
+  if (targets == _targets) return;
+  _targets = std::move(targets);
+  canvas().update();
+}
+
+/// Looks them up again: what was there when the mouse moved may be gone.
+void NYXSliceEditWidgetMediatorSelectionDelegate::paintTargets(QPainter& painter) const
+{
+  const QColor color = NYXPreferences::getSelectionColor();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color, 2));
+  for (const auto& [item, vertex] : targetsAt(_cursor))
+  {
+    if (isCurve(*item) || item->isRegion())
+      editCanvas().highlight(painter, *item, color);
+    else
+      painter.drawEllipse(canvasCenter(item->getVertices().data(vertex)), 7, 7);
+  }
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::paint(QPainter& painter)
 {
-  if (!_isDragging) return;
+  if (!isActive()) return;
+  if (!_isDragging) return paintTargets(painter);
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
@@ -178,12 +231,10 @@ int NYXSliceEditWidgetMediatorSelectionDelegate::findNear(const ModelItem& item,
   return vertex < 0 && isCurve(item) && item.findInsertion(point, tolerance) >= 0 ? 0 : vertex;
 }
 
-ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(const ModelItem& item,
-                                                                              const Vector<int>& point,
+ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(const ModelItem& item, int vertex,
                                                                               bool isExtending) const
 {
   ModelItemSelection selection = item.getSelection();
-  const int vertex = findNear(item, point);
   if (vertex < 0)
   {
     if (!isExtending) selection.set(false);
@@ -195,11 +246,25 @@ ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(co
   return selection;
 }
 
+/// The only items that can be near, in order of their addresses.
+std::vector<const ModelItem*> NYXSliceEditWidgetMediatorSelectionDelegate::candidates(const Vector<int>& point) const
+{
+  const int farthest = std::max(NYXPreferences::getClickTolerance(), NYXPreferences::getRegionBrushSize()) +
+                       static_cast<int>(1 / canvas().getZoomFactor());
+  return editCanvas().itemsNear(QPoint(point[0], point[1]), farthest);
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::selectNear(const Vector<int>& point, bool isExtending)
 {
   bool isChanged = false;
+  const std::vector<const ModelItem*> near = candidates(point);
   for (ModelItem* item : slice().getItems())
-    isChanged = setSelection(*item, selectionNear(*item, point, isExtending)) || isChanged;
+  {
+    const bool isCandidate = std::binary_search(near.begin(), near.end(), item);
+    if (!isCandidate && (isExtending || item->getSelection().isEmpty())) continue;
+    const int vertex = isCandidate ? findNear(*item, point) : -1;
+    isChanged = setSelection(*item, selectionNear(*item, vertex, isExtending)) || isChanged;
+  }
   if (isChanged) notifySelection();
 }
 

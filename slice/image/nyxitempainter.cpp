@@ -157,10 +157,9 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
   }
 }
 
-void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible)
+void fillRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                const QColor& color)
 {
-  QColor color = toQColor(effectiveProperties(item));
-  color.setAlpha(isHighlighted(item) ? 160 : 110);
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing, false);
   for (const RLEItem& run : item.getRLEItemSet().getItems())
@@ -170,6 +169,13 @@ void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCa
     if (rect.intersects(visible)) painter.fillRect(rect, color);
   }
   painter.restore();
+}
+
+void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible)
+{
+  QColor color = toQColor(effectiveProperties(item));
+  color.setAlpha(isHighlighted(item) ? 160 : 110);
+  fillRegion(painter, item, toCanvas, visible, color);
 }
 } // namespace
 
@@ -186,6 +192,19 @@ void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& t
   default:
     return drawCurve(painter, item, toCanvas, visible, detail);
   }
+}
+
+void highlightModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                        const QColor& color)
+{
+  if (item.getModel() == nullptr || item.getModel()->getGeometry() == MPrimitive::Polypoint) return;
+  if (item.isRegion())
+    return fillRegion(painter, item, toCanvas, visible, QColor(color.red(), color.green(), color.blue(), 90));
+  const double width = lineWidth(item, effectiveProperties(item)) + highlight;
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  strokeCurve(painter, reducedVertices(item, toCanvas, vertexSpacing), item.isClosed(),
+              visible.adjusted(-width, -width, width, width));
 }
 
 double modelItemMargin(const ModelItem& item)
