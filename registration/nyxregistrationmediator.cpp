@@ -15,6 +15,7 @@
 #include "slice/image/nyxslicewidgetmediator.h"
 
 #include <QAction>
+#include <QFile>
 #include <QIcon>
 #include <QMessageBox>
 
@@ -46,7 +47,9 @@ void NYXRegistrationMediator::initialize()
 QAction* NYXRegistrationMediator::createAction(const QString& text, const QString& toolTip, const QString& name,
                                                const QKeySequence& shortcut, const std::function<void()>& slot)
 {
-  auto* action = new QAction(QIcon(QString(":/icons/%1.svg").arg(name.toLower())), text, this);
+  auto* action = new QAction(text, this);
+  const QString icon = QString(":/icons/%1.svg").arg(name);
+  if (QFile::exists(icon)) action->setIcon(QIcon(icon));
   const QString keys = shortcut.toString(QKeySequence::NativeText);
   action->setObjectName(name);
   action->setShortcut(shortcut);
@@ -225,9 +228,7 @@ void NYXRegistrationMediator::updateActions()
   else if (isLocked)
     _statusBar->setHint(tr("Slice %1 is locked: a computation works on it").arg(nameOf(*_slice)));
   else
-    _statusBar->setHint(
-        tr("Drag with the left button to move the slice, with the right one to turn it; Return applies, "
-           "Escape resets; the wheel zooms, Space and the left button scroll"));
+    _statusBar->setHint(tr("Left drag moves, right drag turns, Return applies, Escape resets"));
 }
 
 void NYXRegistrationMediator::setRegistration(const Registration& registration)

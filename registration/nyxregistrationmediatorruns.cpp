@@ -11,6 +11,9 @@
 
 #include <QMessageBox>
 
+#include <algorithm>
+#include <new>
+
 namespace
 {
 /// Tells a stack for a scope that its slices are being registered.
@@ -25,6 +28,13 @@ public:
 private:
   NYXStack& _stack;
 };
+
+QString problemText(const Exception& error)
+{
+  const auto* fileError = dynamic_cast<const FileError*>(&error);
+  const std::string file = fileError == nullptr ? "" : fileError->getFilename();
+  return QString::fromStdString(file.empty() ? error.getWhat() : file + ": " + error.getWhat());
+}
 } // namespace
 
 void NYXRegistrationMediator::runAutomaticRegistration(const NYXAutomaticRegistrationConfig& config)
@@ -83,14 +93,21 @@ bool NYXRegistrationMediator::run(NYXRegistrationRun& run)
     }
     catch (const Exception& error)
     {
-      problem = QString::fromStdString(error.getWhat());
+      problem = problemText(error);
+    }
+    catch (const std::bad_alloc&)
+    {
+      problem = tr("There is not enough memory for the images");
     }
   }
   _isRunning = false;
   _statusBar->subjectFinished();
   updateActions();
-  if (!problem.isEmpty()) QMessageBox::warning(&_window, tr("Automatic registration"), problem);
-  return isDone;
+  if (problem.isEmpty()) return isDone;
+  const QString name = QString::fromStdString(run.slices()[run.results().size()]->getName());
+  QMessageBox::warning(&_window, tr("Automatic registration"),
+                       tr("Slice %1 could not be registered.").arg(name) + "\n" + problem);
+  return false;
 }
 
 /// Shows what came out for a slice, before it is stored.

@@ -7,6 +7,7 @@
 #include "registration/nyxregistrationstatusbar.h"
 #include "registration/nyxregistrationtoolbar.h"
 #include "registration/nyxregistrationview.h"
+#include "slice/image/nyximagewidgetcanvas.h"
 #include "slice/image/nyximagewidgetstatusbar.h"
 
 #include <QCloseEvent>
@@ -37,6 +38,7 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
   layOut();
   _mediator->initialize();
   restoreGeometryFromSettings();
+  _view->canvas().setFocus();
 }
 
 void NYXRegistrationWindow::layOut()
