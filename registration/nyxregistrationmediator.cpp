@@ -92,7 +92,10 @@ void NYXRegistrationMediator::createActions()
   _toolBar->addSliceList();
   _toolBar->addActions({_next, _last});
   _toolBar->addGroup({_undo, _redo});
-  _toolBar->addGroup(_view->mediator().zoomActions());
+  const QList<QAction*> zoomActions = _view->mediator().zoomActions();
+  _toolBar->addGroup(zoomActions);
+  for (QAction* action : _view->toolBar().actions()) // the ruler, and what the canvas shows
+    if (!zoomActions.contains(action)) _toolBar->addAction(action);
   _toolBar->addGroup({_flicker});
   _toolBar->addGroup({_reset, _apply});
 }

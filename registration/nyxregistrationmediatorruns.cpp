@@ -69,7 +69,9 @@ void NYXRegistrationMediator::registerAllSlices()
             this,
             [this, &slice, alignment]
             {
-              if (_isRunning) showStep(slice, alignment); // else the news of a run that has ended
+              if (!_isRunning) return; // news of a run that has ended
+              showStep(slice, alignment);
+              _statusBar->subjectProgressed(slice.getIndex() + 1, _stack->getNumSlices());
             },
             Qt::QueuedConnection);
       });
@@ -116,7 +118,6 @@ void NYXRegistrationMediator::showStep(StackSlice& slice, const SliceAlignment& 
   if (&slice != _slice) setSlice(&slice);
   setRegistration(alignment.registration);
   _automaticPanel->setCorrelations(alignment.correlationBefore, alignment.correlationAfter);
-  _statusBar->subjectProgressed(slice.getIndex() + 1, _stack->getNumSlices());
 }
 
 /// All results in one step. \return whether that could be done

@@ -37,6 +37,8 @@ NYXRegistrationPanel::NYXRegistrationPanel(QWidget* parent)
   _slices->setWordWrap(true);
   _slices->setTextFormat(Qt::PlainText);
   _storedText->setObjectName("storedRegistration");
+  _storedText->setMinimumWidth(fontMetrics().horizontalAdvance(registrationText({-9999, -9999, -300.0F})));
+  _storedText->setWordWrap(true);
   _storedText->setToolTip(tr("The registration that the slice has: horizontal shift, vertical shift and rotation"));
   auto* form = new QFormLayout(_fields);
   _horizontalShift = addShift(*form, tr("Horizontal shift"), tr("To the right, in pixels of the slice"),

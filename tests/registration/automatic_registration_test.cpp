@@ -30,6 +30,7 @@ TEST_F(AutomaticRegistration, AlignsTheCurrentSliceInOneStep)
   EXPECT_EQ(stack->getLastRegisteredSlice(), "slice 2");
   EXPECT_EQ(stack->history().getUndoListSize(), 1);
   EXPECT_TRUE(stack->getLockedSlices().empty());
+  EXPECT_FALSE(part<QWidget>("progress").isVisible());
   const double before = part<QLabel>("correlationBefore").text().toDouble();
   const double after = part<QLabel>("correlationAfter").text().toDouble();
   EXPECT_LT(before, 0.9);

@@ -1,6 +1,7 @@
 // Registration by hand: what the mouse and the fields make of it, and what is stored of that.
 #include "registration_test_support.h"
 
+#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/nyxslicelocks.h"
 
 #include <QDoubleSpinBox>
@@ -186,9 +187,16 @@ TEST_F(ManualRegistration, ALockedSliceIsLeftAlone)
 TEST_F(ManualRegistration, FollowsTheStack)
 {
   open(3);
+  mediator().setSlice(stack->getSlice(2));
   mediator().setRegistration(Registration(1, 2, 3));
-  std::unique_ptr<StackSlice> first = stack->removeSlice(0);
-  stack->addSlice(std::move(first), 0);
+  StackSlice* const slice = stack->getSlice(2);
+  stack->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(*stack->getSlice(1)));
+  EXPECT_EQ(mediator().getSlice(), slice); // now the second, and still edited
+  EXPECT_TRUE(mediator().getRegistration() == Registration(1, 2, 3));
+  stack->history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(*slice));
+  EXPECT_EQ(mediator().getSlice(), nullptr);
+  stack->history().undo();
+  EXPECT_EQ(mediator().getSlice(), slice);
   NYXStack& other = NYXStackServer::server().addStack(std::make_unique<NYXStack>());
   NYXStackServer::server().removeStack(other);
   EXPECT_EQ(mediator().getStack(), stack);
