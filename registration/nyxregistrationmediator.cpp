@@ -346,7 +346,9 @@ void NYXRegistrationMediator::stackFileNameEvent(const NYXStackFileNameEvent&)
 
 void NYXRegistrationMediator::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
 {
-  if (&event.getStack() == _stack) reset();
+  if (&event.getStack() != _stack) return;
+  _automaticPanel->clearCorrelations();
+  reset();
 }
 
 void NYXRegistrationMediator::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)

@@ -51,6 +51,7 @@ void NYXRegistrationMediator::registerCurrentSlice()
   const SliceAlignment& alignment = single.results().front();
   showStep(*_slice, alignment);
   apply();
+  _automaticPanel->setCorrelations(alignment.correlationBefore, alignment.correlationAfter);
   tellResult(single, true);
 }
 

@@ -35,6 +35,9 @@ TEST_F(AutomaticRegistration, AlignsTheCurrentSliceInOneStep)
   const double after = part<QLabel>("correlationAfter").text().toDouble();
   EXPECT_LT(before, 0.9);
   EXPECT_GT(after, 0.97);
+  action("undo").trigger();
+  EXPECT_TRUE(mediator().getRegistration().isNull());
+  EXPECT_EQ(part<QLabel>("correlationAfter").text(), part<QLabel>("correlationBefore").text()); // of no run any more
 }
 
 TEST_F(AutomaticRegistration, AlignsAllSlicesButTheFirstInOneStep)
