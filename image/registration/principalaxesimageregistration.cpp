@@ -125,7 +125,7 @@ struct PairSums
   }
 };
 
-/// Bilinear value between the elements; the indices are inside of the matrix.
+/// Bilinear value between the elements; the indices are inside of the matrix, but for a rounding error.
 template <class T> double sample(const PixelMatrix<T>& matrix, double row, double col)
 {
   const int i = static_cast<int>(row);
@@ -139,39 +139,40 @@ template <class T> double sample(const PixelMatrix<T>& matrix, double row, doubl
          u * ((1 - v) * static_cast<double>(lower[j]) + v * static_cast<double>(lower[right]));
 }
 
-/// Where the elements of a target lie in the source: indices of the source by the target's.
+/// Where the elements of a target lie in the source: indices of the source, linear in the target's.
 class InverseMap
 {
 public:
   template <class T>
   InverseMap(const PixelMatrix<T>& source, const PixelMatrix<T>& target, double angle, double row, double column)
-    : _cosine(std::cos(angle)),
-      _sine(std::sin(angle)),
-      _sourceHeight(static_cast<double>(source.getPixelCalibration().getPixelHeight())),
-      _sourceWidth(static_cast<double>(source.getPixelCalibration().getPixelWidth())),
-      _targetHeight(static_cast<double>(target.getPixelCalibration().getPixelHeight())),
-      _targetWidth(static_cast<double>(target.getPixelCalibration().getPixelWidth())),
-      _sourceMiddleRow(source.getSize1() / 2.0),
-      _sourceMiddleCol(source.getSize2() / 2.0),
-      _y(-target.getSize1() / 2.0 * _targetHeight - row),
-      _x(-target.getSize2() / 2.0 * _targetWidth - column)
   {
+    const double sourceHeight = static_cast<double>(source.getPixelCalibration().getPixelHeight());
+    const double sourceWidth = static_cast<double>(source.getPixelCalibration().getPixelWidth());
+    const double targetHeight = static_cast<double>(target.getPixelCalibration().getPixelHeight());
+    const double targetWidth = static_cast<double>(target.getPixelCalibration().getPixelWidth());
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    const double y = -target.getSize1() / 2.0 * targetHeight - row;   // the target's first element from the source's
+    const double x = -target.getSize2() / 2.0 * targetWidth - column; // centre, as it is placed
+    _row = {(cosine * y - sine * x) / sourceHeight + source.getSize1() / 2.0, cosine * targetHeight / sourceHeight,
+            -sine * targetWidth / sourceHeight};
+    _column = {(sine * y + cosine * x) / sourceWidth + source.getSize2() / 2.0, sine * targetHeight / sourceWidth,
+               cosine * targetWidth / sourceWidth};
   }
 
-  double row(int i, int j) const
-  {
-    return (_cosine * (_y + i * _targetHeight) - _sine * (_x + j * _targetWidth)) / _sourceHeight + _sourceMiddleRow;
-  }
-  double column(int i, int j) const
-  {
-    return (_sine * (_y + i * _targetHeight) + _cosine * (_x + j * _targetWidth)) / _sourceWidth + _sourceMiddleCol;
-  }
+  double row(int i, int j) const { return _row.at(i, j); }
+  double column(int i, int j) const { return _column.at(i, j); }
 
 private:
-  double _cosine, _sine;
-  double _sourceHeight, _sourceWidth, _targetHeight, _targetWidth;
-  double _sourceMiddleRow, _sourceMiddleCol;
-  double _y, _x; // the target's first element from the source's centre as it is placed
+  struct Linear
+  {
+    double first, perRow, perColumn;
+
+    double at(int i, int j) const { return first + i * perRow + j * perColumn; }
+  };
+
+  Linear _row;
+  Linear _column;
 };
 
 /// What elements of the target count that lie beyond the border of the source.
@@ -185,8 +186,9 @@ template <class T>
 double correlationOf(const PixelMatrix<T>& source, const PixelMatrix<T>& target, const InverseMap& map, Beyond beyond)
 {
   const int numCols = target.getSize2();
-  const double lastRow = source.getSize1() - 1;
-  const double lastCol = source.getSize2() - 1;
+  constexpr double slack = 1e-9; // of places at the border, for rounding
+  const double lastRow = source.getSize1() - 1 + slack;
+  const double lastCol = source.getSize2() - 1 + slack;
   std::vector<PairSums> rows(static_cast<std::size_t>(target.getSize1()));
 #pragma omp parallel for schedule(static)
   for (int i = 0; i < target.getSize1(); ++i)
@@ -196,7 +198,7 @@ double correlationOf(const PixelMatrix<T>& source, const PixelMatrix<T>& target,
     {
       const double y = map.row(i, j);
       const double x = map.column(i, j);
-      if (y >= 0 && y <= lastRow && x >= 0 && x <= lastCol)
+      if (y >= -slack && y <= lastRow && x >= -slack && x <= lastCol)
         sums.add(sample(source, y, x), static_cast<double>(target(i, j)));
       else if (beyond == Beyond::Zero)
         sums.add(0, static_cast<double>(target(i, j)));
