@@ -13,6 +13,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QLabel>
 
 #include <functional>
 
@@ -42,7 +43,7 @@ QWidget* NYXItemPropertiesDialog::createForm()
   using P = ModelItemProperties;
   auto* const content = new QWidget(this);
   auto* const form = new QFormLayout(content);
-
+  form->addRow(new QLabel(tr("What is checked is the items' own; in all else they follow their model."), content));
   auto* const color = new NYXColorButton(content);
   color->setAutoDefault(false);
   color->setAlphaEnabled(false);

@@ -47,6 +47,24 @@ void enable(QAction& action, bool isPossible, const QString& reason)
   action.setToolTip(reason.isEmpty() ? action.whatsThis() : plainText(reason));
 }
 
+QColor mixture(const QColor& a, const QColor& b)
+{
+  return QColor((a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2);
+}
+
+/// Disables a list without a great change of its looks: its text is half as strong as before.
+void enableQuietly(QWidget& list, bool isEnabled)
+{
+  QPalette palette;
+  for (const auto role : {QPalette::Base, QPalette::Highlight, QPalette::HighlightedText})
+    palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
+  palette.setColor(
+      QPalette::Disabled, QPalette::Text,
+      mixture(palette.color(QPalette::Active, QPalette::Text), palette.color(QPalette::Active, QPalette::Base)));
+  list.setPalette(isEnabled ? QPalette() : palette);
+  list.setEnabled(isEnabled);
+}
+
 QString nameOf(const StackSlice& slice)
 {
   return QString::fromStdString(slice.getName());
@@ -99,8 +117,6 @@ void NYXRootMediator::connectSliceEditor()
   NYXSliceEditWidgetMediator& editor = _sliceEditWidget->sliceWidget().editMediator();
   _sliceEditWidget->modeToolBar().setModelsAction(*_editDialogs.front());
   connect(&editor, &NYXSliceEditWidgetMediator::lockRequested, this, &NYXRootMediator::lockSlice);
-  connect(&editor, &NYXSliceEditWidgetMediator::messageShown, _statusBar,
-          [this](const QString& text) { _statusBar->showMessage(text, messageMilliseconds); });
   connect(&editor, &NYXSliceEditWidgetMediator::propertiesRequested, this, &NYXRootMediator::editItemProperties);
 }
 
@@ -274,8 +290,8 @@ void NYXRootMediator::lockSlice(bool isToolAtWork)
 {
   if (isToolAtWork == _isToolAtWork) return;
   _isToolAtWork = isToolAtWork;
-  _stackList->setEnabled(!isToolAtWork);
-  _sliceList->setEnabled(!isToolAtWork);
+  for (QWidget* list : {static_cast<QWidget*>(_stackList), static_cast<QWidget*>(_sliceList)})
+    enableQuietly(*list, !isToolAtWork);
   updateActions();
 }
 

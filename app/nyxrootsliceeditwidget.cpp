@@ -16,6 +16,11 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+namespace
+{
+constexpr int messageMilliseconds = 5000;
+}
+
 NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
   : QWidget(parent),
     _pages(new QStackedLayout(this)),
@@ -55,7 +60,23 @@ QWidget* NYXRootSliceEditWidget::createSlicePage()
   _hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   _hint->setFixedHeight(_hint->fontMetrics().height() * 5 / 4);
   _hint->setIndent(_hint->fontMetrics().averageCharWidth());
-  connect(&_sliceWidget->editMediator(), &NYXSliceEditWidgetMediator::hintShown, _hint, &QLabel::setText);
+  _hint->setTextFormat(Qt::PlainText);
+  _messageEnd.setSingleShot(true);
+  connect(&_messageEnd, &QTimer::timeout, this,
+          [this]
+          {
+            _message.clear();
+            showHint();
+          });
+  const NYXSliceEditWidgetMediator& editor = _sliceWidget->editMediator();
+  connect(&editor, &NYXSliceEditWidgetMediator::hintShown, this, &NYXRootSliceEditWidget::showHint);
+  connect(&editor, &NYXSliceEditWidgetMediator::messageShown, this,
+          [this](const QString& text)
+          {
+            _message = text;
+            _messageEnd.start(messageMilliseconds);
+            showHint();
+          });
   auto* const page = new QWidget(this);
   auto* const column = new QVBoxLayout(page);
   column->setContentsMargins(0, 0, 0, 0);
@@ -63,6 +84,13 @@ QWidget* NYXRootSliceEditWidget::createSlicePage()
   column->addWidget(_sliceWidget, 1);
   column->addWidget(_hint);
   return page;
+}
+
+void NYXRootSliceEditWidget::showHint()
+{
+  const QString& hint = _sliceWidget->editMediator().hint();
+  const QString separator = _message.isEmpty() || hint.isEmpty() ? QString() : QString("   \u2022   ");
+  _hint->setText(_message + separator + hint);
 }
 
 QWidget* NYXRootSliceEditWidget::createNoSlicePage()

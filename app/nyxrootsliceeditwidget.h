@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
 class NYXModeToolBar;
@@ -48,6 +49,7 @@ signals:
 private:
   QWidget* createStartPage();
   QWidget* createSlicePage();
+  void showHint();
   QWidget* createNoSlicePage();
   QToolButton* createButton(QAction& action);
 
@@ -55,7 +57,9 @@ private:
   NYXSliceEditWidget* _sliceWidget;
   NYXModeToolBar* _modeToolBar;
   NYXNavigationToolBar* _navigationToolBar;
-  QLabel* _hint;
+  QLabel* _hint; // behind the message, as long as there is one
+  QString _message;
+  QTimer _messageEnd;
   QVBoxLayout* _startActions;
   QLabel* _recentFiles;
   QLabel* _noSlice;

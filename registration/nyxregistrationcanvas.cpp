@@ -174,9 +174,11 @@ void NYXRegistrationCanvas::paintLayer(QPainter& painter, Layer& layer, const NY
   painter.drawImage(QRectF(QPointF(-0.5, -0.5), QSizeF(proxy.getOriginalImageSize())), layer.picture);
 }
 
-void NYXRegistrationCanvas::paintImage()
+void NYXRegistrationCanvas::paintImage(const QRect& part)
 {
+  const double pixelRatio = devicePixelRatioF();
   QPainter painter(this);
+  painter.setClipRect(QRectF(QPointF(part.topLeft()) / pixelRatio, QSizeF(part.size()) / pixelRatio));
   painter.setRenderHint(QPainter::SmoothPixmapTransform, static_cast<double>(getZoomFactor()) < crispZoom);
   if (_shownSlices != NYXShownSlices::Foreground)
     paintLayer(painter, _background, _previousProxy, backgroundToCanvas());

@@ -71,7 +71,7 @@ signals:
 
 protected:
   QSize viewedSize(const QSize& imageSize) const override;
-  void paintImage() override;
+  void paintImage(const QRect& part) override;
   void paintForeground(QPainter& painter) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;

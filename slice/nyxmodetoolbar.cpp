@@ -2,6 +2,7 @@
 
 #include "app/core/nyxstack.h"
 #include "model/model.h"
+#include "slice/image/nyxicons.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
 #include <QMenu>
@@ -86,7 +87,7 @@ void NYXModeToolBar::showModelInUse()
   _model->setEnabled(hasSlice);
   if (name.isEmpty())
   {
-    _model->setIcon(QIcon(":/icons/nomodel.svg"));
+    _model->setIcon(iconNamed("noModel"));
     _model->setToolTip(hasSlice ? tr("The stack has no models yet: make one to draw with") : tr("Model in use"));
     return;
   }

@@ -116,10 +116,9 @@ Vertices<int> verticesInside(const BoundingBox<int>& box, const Vertices<int>& v
 bool cutTo(const BoundingBox<int>& box, ModelItem& item)
 {
   if (item.getSize() == 0 || !overlap(item.boundingBox(), box)) return false;
-  const MPrimitive geometry = item.getModel()->getGeometry();
-  if (geometry == MPrimitive::Region)
+  if (item.isRegion())
     item.setRLEItemSet(clippedTo(box, item.getRLEItemSet()));
-  else if (geometry == MPrimitive::Polypoint)
+  else if (!isCurve(item))
     item.setVertices(verticesInside(box, item.getVertices()));
   else
   {
@@ -127,7 +126,7 @@ bool cutTo(const BoundingBox<int>& box, ModelItem& item)
     clampTo(box, vertices);
     item.setVertices(withoutRepetitions(vertices, item.isClosed()));
   }
-  return item.getSize() >= minNumVertices(geometry);
+  return item.getSize() >= minNumVertices(item.getModel()->getGeometry());
 }
 } // namespace
 

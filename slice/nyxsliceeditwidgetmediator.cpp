@@ -4,11 +4,13 @@
 #include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxexception.h"
+#include "app/core/nyxpreferences.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "slice/image/nyxrulerdelegate.h"
+#include "slice/nyxcontourvertices.h"
 #include "slice/nyxpreviousslice.h"
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
@@ -69,6 +71,7 @@ void NYXSliceEditWidgetMediator::initialize()
   createContourTools();
   createEditActions();
   createModelKeys();
+  createBrushActions();
   createPreviousSliceActions();
   createMenus();
   connect(&ruler(), &NYXRulerDelegate::activeChanged, this,
@@ -101,194 +104,13 @@ NYXActionHistory& NYXSliceEditWidgetMediator::history() const
   return stack().sliceHistory(sliceCanvas().getSlice());
 }
 
-void NYXSliceEditWidgetMediator::createEditActions()
-{
-  _cancel = createAction(tr("Cancel"), tr("Give up the tool at work, or the selection"), "cancel", Qt::Key_Escape,
-                         [this] { cancel(); });
-  _copy = createAction(tr("Copy"), tr("Copy what is selected"), "copy", QKeySequence::Copy,
-                       [this] { _selection->copySelection(); });
-  _paste = createAction(tr("Paste"), tr("Put what was copied on this slice"), "paste", QKeySequence::Paste,
-                        [this] { _selection->pasteSelection(); });
-  _delete = createAction(tr("Delete"), tr("Delete what is selected"), "delete", Qt::Key_Delete,
-                         [this] { _selection->removeSelection(); });
-  _selectAll = createAction(tr("Select all"), tr("Select everything on the slice"), "selectAll",
-                            QKeySequence::SelectAll, [this] { _selection->selectAllModelItems(); });
-  _properties = createAction(tr("Properties..."), tr("Change the colour and lines of what is selected"), "properties",
-                             {}, [this] { emit propertiesRequested(); });
-}
-
-QAction* NYXSliceEditWidgetMediator::createTool(const QString& text, const QString& toolTip, const QString& name,
-                                                const QKeySequence& shortcut, NYXSliceEditWidgetMediatorDelegate& tool,
-                                                const std::function<void()>& activate)
-{
-  QAction* action = createAction(text, toolTip, name, shortcut,
-                                 [this, &tool, activate]
-                                 {
-                                   const bool isLeft = tool.isActive();
-                                   finishTool();
-                                   if (!isLeft) activate();
-                                   showTools();
-                                 });
-  action->setCheckable(true);
-  _toolGroup->addAction(action);
-  _tools.emplace_back(action, &tool);
-  return action;
-}
-
-void NYXSliceEditWidgetMediator::createDrawingTools()
-{
-  _select = createAction(tr("Select"), tr("Select items by clicks or a box"), "selectTool", {},
-                         [this]
-                         {
-                           finishTool();
-                           ruler().deactivate();
-                           showTools();
-                         });
-  _select->setCheckable(true);
-  _toolGroup->addAction(_select);
-  _draw = createTool(tr("Draw"), tr("Draw an item of the model in use"), "draw", Qt::Key_D, *_creation,
-                     [this] { draw(modelInUse()); });
-  _drawAutomatically =
-      createTool(tr("Draw automatically"), tr("Make a contour of the object in a rectangle"), "drawAutomatically",
-                 Qt::Key_A, *_thresholding, [this] { drawAutomatically(modelInUse()); });
-}
-
-/// The number keys choose the first nine models.
-void NYXSliceEditWidgetMediator::createModelKeys()
-{
-  for (int i = 0; i < 9; ++i)
-    _modelKeys << createAction(tr("Model %1").arg(i + 1), tr("Draw items of model %1").arg(i + 1),
-                               QString("model%1").arg(i + 1), Qt::Key_1 + i,
-                               [this, i]
-                               {
-                                 setModelInUse(buildStackModelList().value(i));
-                                 showMessage(tr("Model in use: %1").arg(modelInUse()));
-                               });
-}
-
-void NYXSliceEditWidgetMediator::createContourTools()
-{
-  _editPoints = createTool(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints",
-                           Qt::Key_E, *_edition, [this] { _edition->activate(); });
-  _splitContour = createTool(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {}, *_split,
-                             [this] { _split->activate(); });
-  _shiftItems = createTool(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {}, *_shift,
-                           [this] { _shift->activate(); });
-  _runSnake = createTool(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
-                         *_snake, [this] { _snake->activate(); });
-  _contourActions = {
-      _editPoints,
-      createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {},
-                   [this] { _selection->decimateSelection(); }),
-      createAction(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"),
-                   "decimateDouglasPeucker", {}, [this] { _douglasPeucker->activate(); }),
-      createAction(tr("Change origin"), tr("Make another vertex of the contour the first one"), "changeOrigin", {},
-                   [this] { _reorigin->activate(); }),
-      createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
-                   [this] { _resampling->activate(); }),
-      _runSnake,
-      createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
-                   [this] { _fourier->activate(); }),
-      _splitContour,
-      _shiftItems,
-  };
-}
-
-void NYXSliceEditWidgetMediator::createPreviousSliceActions()
-{
-  _previous = new NYXPreviousSlice(this);
-  connect(_previous, &NYXPreviousSlice::changed, this,
-          [this]
-          {
-            editWidget().editCanvas().setFaintItems(nullptr);
-            QTimer::singleShot(0, this, &NYXSliceEditWidgetMediator::showPreviousItems);
-          });
-  _showPrevious = createAction(tr("Show previous slice"), tr("Show the items of the previous slice faintly"),
-                               "showPreviousSlice", Qt::Key_P, [this] { showPreviousItems(); });
-  _showPrevious->setCheckable(true);
-  _copyPrevious =
-      createAction(tr("Copy from previous slice"), tr("Make items like those of the previous slice on this one"),
-                   "copyFromPreviousSlice", QKeySequence("Ctrl+Shift+C"), [this] { copyPreviousItems(); });
-  widget().toolBar().addSeparator();
-  widget().toolBar().addActions({_showPrevious, _copyPrevious});
-}
-
-QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const QString& toolTip, const QString& name,
-                                                   QStringList (NYXSliceEditWidgetMediator::*names)() const,
-                                                   const std::function<void(const QString&)>& choose)
-{
-  auto* menu = new QMenu(title, &widget());
-  menu->setObjectName(name);
-  menu->menuAction()->setToolTip(toolTip);
-  menu->menuAction()->setStatusTip(toolTip);
-  connect(menu, &QMenu::aboutToShow, this,
-          [this, menu, names, choose, toolTip]
-          {
-            menu->clear();
-            const QStringList models = sliceCanvas().hasSlice() ? (this->*names)() : QStringList();
-            for (const QString& model : models)
-            {
-              QAction* const action = menu->addAction(QString(model).replace("&", "&&"));
-              action->setObjectName(model);
-              connect(action, &QAction::triggered, this, [choose, model] { choose(model); });
-            }
-            if (models.isEmpty()) menu->addAction(tr("(no model)"))->setObjectName("noModel");
-            if (models.isEmpty()) menu->actions().constFirst()->setEnabled(false);
-            for (QAction* action : menu->actions())
-            {
-              action->setToolTip(toolTip);
-              action->setStatusTip(toolTip);
-            }
-          });
-  return menu;
-}
-
-QAction* NYXSliceEditWidgetMediator::createTagAction(const QString& text, const QString& toolTip, const QString& name,
-                                                     int tag)
-{
-  QAction* action = createAction(text, toolTip, name, {}, [] {});
-  action->setCheckable(true);
-  action->setData(tag);
-  _tags->addAction(action);
-  _reconstructionMenu->addAction(action);
-  return action;
-}
-
-void NYXSliceEditWidgetMediator::createMenus()
-{
-  using Mediator = NYXSliceEditWidgetMediator;
-  _manualMenu = createModelMenu(tr("Manual"), tr("Draw a new item of a model"), "manualMenu",
-                                &Mediator::buildStackModelList, [this](const QString& model) { draw(model); });
-  _automaticMenu =
-      createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
-                      &Mediator::buildPolygonModelList, [this](const QString& model) { drawAutomatically(model); });
-  _selectMenu =
-      createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
-                      [this](const QString& model) { _selection->selectModelItems(model); });
-  _convertMenu = createModelMenu(tr("Convert"), tr("Move what is selected to another model"), "convertMenu",
-                                 &Mediator::buildStackModelList,
-                                 [this](const QString& model) { _selection->convertSelection(model); });
-
-  _reconstructionMenu = new QMenu(tr("Reconstruction"), &widget());
-  _reconstructionMenu->setObjectName("reconstructionMenu");
-  const QString toolTip = tr("How the surface goes on at the contour");
-  _reconstructionMenu->menuAction()->setToolTip(toolTip);
-  _reconstructionMenu->menuAction()->setStatusTip(toolTip);
-  _tags = new QActionGroup(this);
-  createTagAction(tr("Can connect with all"), tr("The surface goes through the contour"), "connectAll", 0);
-  createTagAction(tr("Cannot connect with previous contours"), tr("The surface begins at the contour"),
-                  "connectNotPrevious", 1);
-  createTagAction(tr("Cannot connect with next contours"), tr("The surface ends at the contour"), "connectNotNext", 2);
-  connect(_tags, &QActionGroup::triggered, this,
-          [this](const QAction* action) { _selection->changeSelectionTriangulationTag(*action); });
-}
-
 // ------------------------------------------------------------------------------------------------------- the tools
 
 void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
 {
   const bool isShown = sliceCanvas().hasSlice() && &sliceCanvas().getSlice() == slice;
   if (_activeTool != nullptr && !isShown) _activeTool->cancel();
+  if (!isShown) _selection->cancel();
   editWidget().editCanvas().setFaintItems(nullptr);
   NYXSliceWidgetMediator::setSlice(slice);
   _previous->setSlice(slice);
@@ -347,7 +169,7 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   NYXSliceEditWidgetMediatorDelegate* const before = _activeTool;
   _activeTool = tool;
   if (before != nullptr && tool != nullptr) before->cancel();
-  _selection->setActive(_activeTool == nullptr);
+  _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
   if (_activeTool != nullptr) ruler().deactivate();
   if (_activeTool == nullptr) _selection->showMode();
   requestLock(_activeTool != nullptr);
@@ -412,6 +234,7 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
 
 void NYXSliceEditWidgetMediator::showPreviousItems()
 {
+  updateToolActions();
   const bool isShown = _showPrevious->isChecked() && _previous->hasPrevious();
   try
   {
@@ -442,8 +265,7 @@ void NYXSliceEditWidgetMediator::copyPreviousItems()
     std::vector<std::unique_ptr<ModelItem>> items;
     for (auto& item : _previous->copies(numLeftOut))
     {
-      const bool isCurve = item->getModel()->getGeometry() != MPrimitive::Polypoint && !item->isRegion();
-      ModelItem* const buddy = isCurve ? nullptr : slice().buddyItem(*item);
+      ModelItem* const buddy = isCurve(*item) ? nullptr : slice().buddyItem(*item);
       if (buddy != nullptr)
         actions.push_back(std::make_unique<NYXItemAppendPointsAction>(*buddy, *item));
       else
@@ -496,7 +318,8 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   const ModelItem* const item = isIdle ? _selection->selectedItem() : nullptr;
   _cancel->setEnabled(_activeTool != nullptr || item != nullptr);
   for (QAction* action : {_copy, _delete, _properties}) action->setEnabled(item != nullptr);
-  for (QAction* action : std::as_const(_contourActions)) action->setEnabled(item != nullptr);
+  const Items items = item != nullptr ? slice().getSelectedItems() : Items();
+  for (const ContourAction& contour : _contourActions) contour.action->setEnabled(contour.isApplicable(items));
   updateToolActions();
   _paste->setEnabled(isIdle && _selection->hasClipboard());
   _selectAll->setEnabled(isIdle && slice().getNumItems() > 0);
@@ -510,11 +333,20 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   emit toolsChanged();
 }
 
+void NYXSliceEditWidgetMediator::changeBrushSize(int change)
+{
+  const int size = std::clamp(NYXPreferences::getRegionBrushSize() + change, 0, NYXPreferences::largestRegionBrushSize);
+  NYXPreferences::setRegionBrushSize(size);
+  notifyEvent(NYXPreferencesEvent());
+  showMessage(tr("Radius of the region brush: %1 px").arg(size));
+}
+
 /// Tools can be chosen also while another one is at work.
 void NYXSliceEditWidgetMediator::updateToolActions()
 {
-  const bool hasSelection = isEditable() && slice().getSelectedItem() != nullptr;
-  for (QAction* action : {_editPoints, _splitContour, _shiftItems, _runSnake}) action->setEnabled(hasSelection);
+  const Items items = isEditable() ? slice().getSelectedItems() : Items();
+  for (const ContourAction& contour : _contourActions)
+    if (contour.action->isCheckable()) contour.action->setEnabled(contour.isApplicable(items));
   const QString name = modelInUse();
   const bool canDraw = isEditable() && !name.isEmpty();
   const int place = canDraw ? stack().findModel(name.toStdString()) : -1;
@@ -557,7 +389,7 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   {
     menu.addActions({_copy, _paste, _delete});
     menu.addSeparator();
-    menu.addActions(_contourActions);
+    for (const ContourAction& contour : _contourActions) menu.addAction(contour.action);
     menu.addSeparator();
     menu.addMenu(_convertMenu);
     menu.addMenu(_reconstructionMenu);
@@ -606,5 +438,18 @@ void NYXSliceEditWidgetMediator::modelItemDeleteEvent(const NYXModelItemDeleteEv
 {
   if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->cancel();
   NYXSliceWidgetMediator::modelItemDeleteEvent(event);
+  updateEditActions();
+}
+
+void NYXSliceEditWidgetMediator::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->followItem();
+  NYXSliceWidgetMediator::modelItemVertexEvent(event);
+}
+
+void NYXSliceEditWidgetMediator::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->cancel();
+  NYXSliceWidgetMediator::modelItemConvertEvent(event);
   updateEditActions();
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class ModelItem;
 class NYXAction;
 class NYXActionHistory;
 class NYXPreviousSlice;
@@ -45,6 +46,8 @@ public:
   /// Of the slice.
   NYXActionHistory& history() const;
 
+  /// Whether there is a slice and it is not locked: tools are activated on no other.
+  bool isEditable() const;
   /// The tool at work, or nullptr while the selection is; called by the tools. Locks the editor while there is one.
   void setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool);
   NYXSliceEditWidgetMediatorDelegate* activeTool() const { return _activeTool; }
@@ -118,14 +121,26 @@ protected:
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
+  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
+  void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
 
 private:
+  using Items = std::vector<ModelItem*>;
+  /// What can be done with what is selected, if it is the right thing.
+  struct ContourAction
+  {
+    QAction* action;
+    bool (*isApplicable)(const Items& selected);
+  };
+
   /// A tool of the strip, checked while it is active; triggered again, it is finished.
   QAction* createTool(const QString& text, const QString& toolTip, const QString& name, const QKeySequence& shortcut,
                       NYXSliceEditWidgetMediatorDelegate& tool, const std::function<void()>& activate);
   void createEditActions();
   void createDrawingTools();
   void createModelKeys();
+  void createBrushActions();
+  void changeBrushSize(int change);
   void createContourTools();
   void createPreviousSliceActions();
   void draw(const QString& modelName);
@@ -139,7 +154,6 @@ private:
                          QStringList (NYXSliceEditWidgetMediator::*names)() const,
                          const std::function<void(const QString&)>& choose);
   QAction* createTagAction(const QString& text, const QString& toolTip, const QString& name, int tag);
-  bool isEditable() const;
   StackSlice& slice() const { return sliceCanvas().getSlice(); }
 
   NYXSliceEditWidgetMediatorDelegate* _activeTool = nullptr;
@@ -175,7 +189,7 @@ private:
   QAction* _splitContour = nullptr;
   QAction* _runSnake = nullptr;
   QAction* _shiftItems = nullptr;
-  QList<QAction*> _contourActions; // all that work on selected contours, in the menu's order
+  std::vector<ContourAction> _contourActions; // in the menu's order
   QAction* _selectAll = nullptr;
   QAction* _properties = nullptr;
   QActionGroup* _tags = nullptr;

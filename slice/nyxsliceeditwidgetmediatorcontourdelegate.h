@@ -25,14 +25,15 @@ public:
   void activate() override;
   void deactivate() override;
   bool worksOn(const ModelItem& item) const override;
-  void paint(QPainter& painter) override;
+  void followItem() override { updatePreview(); }
 
 public slots:
-  /// Changes the first selected contour, or all of them, and leaves the tool; says why not and stays when it cannot.
+  /// Changes the first selected contour, or all of them, leaves the tool, and says why when it could not.
   void apply();
   void applyToAll();
 
 protected:
+  void paintFeedback(QPainter& painter) override;
   /// Title of the dialog.
   virtual QString title() const = 0;
   /// Whether the tool can change the item; curves by default.

@@ -8,14 +8,16 @@
 #include "geometry/curveprocessing/curvedecimation.h"
 #include "model/model.h"
 #include "model/modelitem.h"
+#include "slice/image/nyxitempainter.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
-#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPolygonF>
 
 NYXSliceEditWidgetMediatorCreationDelegate::NYXSliceEditWidgetMediatorCreationDelegate(
     NYXSliceEditWidgetMediator& mediator)
@@ -28,7 +30,7 @@ NYXSliceEditWidgetMediatorCreationDelegate::~NYXSliceEditWidgetMediatorCreationD
 
 void NYXSliceEditWidgetMediatorCreationDelegate::activate(const QString& modelName)
 {
-  const int i = stack().findModel(modelName.toStdString());
+  const int i = editMediator().isEditable() ? stack().findModel(modelName.toStdString()) : -1;
   if (i < 0) return;
   cancel();
   _item = std::make_unique<ModelItem>(stack().getModel(i), &slice());
@@ -61,7 +63,8 @@ QString NYXSliceEditWidgetMediatorCreationDelegate::hint() const
 {
   const QString name = QString::fromStdString(model().getName());
   if (_item->isRegion())
-    return tr("%1: drag to paint the region, Return to finish, Backspace to take the last disc back, Escape to cancel")
+    return tr("%1: drag to paint, [ and ] change the brush, Return to finish, Backspace to take the last disc back, "
+              "Escape to cancel")
         .arg(name);
   if (isPoints())
     return tr("%1: click to add a point, Return to finish, Backspace to take one back, Escape to cancel").arg(name);
@@ -86,6 +89,14 @@ void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
   }
 }
 
+/// The menu of a right press would show up over the selection once the press has cancelled.
+bool NYXSliceEditWidgetMediatorCreationDelegate::anyEvent(QEvent& event)
+{
+  if (event.type() == QEvent::MouseButtonPress) _hasPressAskedMenu = isActive();
+  return event.type() == QEvent::ContextMenu && _hasPressAskedMenu &&
+         static_cast<QContextMenuEvent&>(event).reason() == QContextMenuEvent::Mouse;
+}
+
 void NYXSliceEditWidgetMediatorCreationDelegate::press(const NYXPointerEvent& event)
 {
   _cursor = event.position;
@@ -104,25 +115,32 @@ void NYXSliceEditWidgetMediatorCreationDelegate::move(const NYXPointerEvent& eve
 {
   _cursor = event.position;
   if ((event.buttons & Qt::LeftButton) && !isPoints()) addVertex(event.position, true);
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::addVertex(const QPoint& canvasPoint, bool isStroke)
 {
-  if (!isOnImage(canvasPoint)) return;
+  if (!isOnImage(canvasPoint))
+  {
+    _isInterrupted = true;
+    return;
+  }
   const Vector<int> point = canvas().convertToVectori(canvasPoint);
   const Vertices<int>& vertices = _item->getVertices();
   if (_item->isRegion())
-  {
-    const bool isConnected = isStroke && !_discs.empty();
-    _discs.push_back(
-        brushStroke(imageBox(), isConnected ? _lastDisc : point, point, NYXPreferences::getRegionBrushSize()));
-    _lastDisc = point;
-    _item->addRLEItemSet(_discs.back());
-  }
+    addDisc(point, isStroke);
   else if (vertices.getNumVertices() == 0 || !(vertices[vertices.getNumVertices() - 1] == point))
     _item->appendVertex(point);
-  canvas().update();
+  updateFeedback();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::addDisc(const Vector<int>& center, bool isStroke)
+{
+  const bool isConnected = isStroke && !_isInterrupted && !_discs.empty();
+  const Vector<int> from = isConnected ? _discs.back().center : center;
+  _isInterrupted = false;
+  _discs.push_back({brushStroke(imageBox(), from, center, NYXPreferences::getRegionBrushSize()), center, isConnected});
+  _item->addRLEItemSet(_discs.back().positions);
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
@@ -131,9 +149,10 @@ void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
   if (numVertices <= 1) return cancel();
   if (_item->isRegion())
   {
+    _isInterrupted = _isInterrupted || !_discs.back().isConnected;
     _discs.pop_back();
     RLEItemSet rest;
-    for (const RLEItemSet& disc : _discs) rest.add(disc);
+    for (const Disc& disc : _discs) rest.add(disc.positions);
     _item->setRLEItemSet(std::move(rest));
   }
   else
@@ -199,9 +218,9 @@ void NYXSliceEditWidgetMediatorCreationDelegate::record()
   pushStep(std::make_unique<NYXItemCreationAction>(std::move(_item)));
 }
 
-void NYXSliceEditWidgetMediatorCreationDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorCreationDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive() || !_item) return;
+  if (!_item) return;
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1));
   if (_item->isRegion())
@@ -217,4 +236,20 @@ void NYXSliceEditWidgetMediatorCreationDelegate::paint(QPainter& painter)
   if (!_item->isClosed()) return;
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1, Qt::DashLine));
   painter.drawLine(QPointF(_cursor), canvasCenter(vertices.data()));
+}
+
+/// Around what is drawn from the cursor, and what the item's newest vertex has changed.
+QRect NYXSliceEditWidgetMediatorCreationDelegate::feedbackRect() const
+{
+  if (!_item) return {};
+  const NYXImageViewport& viewport = canvas().viewport();
+  const double brush = _item->isRegion() ? NYXPreferences::getRegionBrushSize() + 1.5 : 1;
+  const double margin = modelItemMargin(*_item) + 2;
+  const double dx = brush * viewport.scaleX() + margin, dy = brush * viewport.scaleY() + margin;
+  QPolygonF points;
+  points << _cursor;
+  const Vertices<int>& vertices = _item->getVertices();
+  const int last = vertices.getNumVertices() - 1;
+  if (last >= 0) points << canvasCenter(vertices.data(0)) << canvasCenter(vertices.data(last));
+  return points.boundingRect().adjusted(-dx, -dy, dx, dy).toAlignedRect();
 }

@@ -22,6 +22,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
 
@@ -34,12 +35,6 @@ ModelItemSelection selectionOf(const ModelItem& item, bool isSelected)
   ModelItemSelection selection = item.getSelection();
   selection.set(isSelected);
   return selection;
-}
-
-bool isCurve(const ModelItem& item)
-{
-  const MPrimitive geometry = item.getModel()->getGeometry();
-  return geometry == MPrimitive::Polygon || geometry == MPrimitive::Polyline;
 }
 
 bool isInside(const ModelItem& item, const BoundingBox<int>& box)
@@ -80,6 +75,7 @@ NYXSliceEditWidgetMediatorSelectionDelegate::NYXSliceEditWidgetMediatorSelection
     NYXSliceEditWidgetMediator& mediator)
   : NYXSliceEditWidgetMediatorDelegate(mediator)
 {
+  setBlocking(true); // the canvas would refuse what the pen does, which then came from the mouse once more
 }
 
 NYXSliceEditWidgetMediatorSelectionDelegate::~NYXSliceEditWidgetMediatorSelectionDelegate() = default;
@@ -91,7 +87,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::activate()
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::deactivate()
 {
-  _isDragging = false;
+  cancel();
   setActive(false);
 }
 
@@ -102,6 +98,12 @@ QString NYXSliceEditWidgetMediatorSelectionDelegate::hint() const
              ? tr("Click or drag a box to select, right click or D to draw, wheel and middle button to zoom and move")
              : tr("Shift and click to select more, right click for what can be done, Delete to delete, Escape to "
                   "select nothing");
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::cancel()
+{
+  _isDragging = false;
+  canvas().update();
 }
 
 ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedItem() const
@@ -118,9 +120,19 @@ ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedCurve() const
 
 // ------------------------------------------------------------------------------------------------ mouse and pen
 
+/// What is under the cursor is selected first, if nothing is.
 void NYXSliceEditWidgetMediatorSelectionDelegate::contextMenuEvent(QContextMenuEvent& event)
 {
+  const bool isFree = editCanvas().hasSlice() && !stack().isLocked(slice()) && selectedItem() == nullptr;
+  if (isFree && isOnImage(event.pos())) selectNear(canvas().convertToVectori(event.pos()), false);
   editMediator().showContextMenu(event.globalPos());
+}
+
+/// "Cancel" is not there while nothing is selected.
+void NYXSliceEditWidgetMediatorSelectionDelegate::keyPressEvent(QKeyEvent& event)
+{
+  event.setAccepted(event.key() == Qt::Key_Escape && _isDragging);
+  if (event.isAccepted()) cancel();
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& event)
@@ -135,7 +147,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& ev
 {
   if (!_isDragging) return hover(event.position);
   _boxEnd = event.position;
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::release()
@@ -191,14 +203,18 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::paintTargets(QPainter& painter
   }
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorSelectionDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive()) return;
   if (!_isDragging) return paintTargets(painter);
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
   painter.drawRect(QRect(_boxStart, _boxEnd).normalized());
+}
+
+QRect NYXSliceEditWidgetMediatorSelectionDelegate::feedbackRect() const
+{
+  return _isDragging ? QRect(_boxStart, _boxEnd).normalized().adjusted(-1, -1, 2, 2) : canvas().rect();
 }
 
 // ---------------------------------------------------------------------------------------------------- selecting
@@ -291,6 +307,7 @@ template <class Test> void NYXSliceEditWidgetMediatorSelectionDelegate::selectIt
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::cancelSelection()
 {
+  cancel();
   selectItems([](const ModelItem&) { return false; });
 }
 
@@ -315,7 +332,8 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::copySelection()
   editMediator().updateEditActions();
 }
 
-/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it.
+/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it, or it has too few
+/// vertices for the model.
 std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(const Copied& copied) const
 {
   const int i = stack().findModel(copied.model);
@@ -326,7 +344,7 @@ std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(c
   item->setModel(stack().getModel(i));
   item->setSlice(&slice());
   moveInto(imageBox(), *item);
-  if (item->getSize() == 0) return nullptr;
+  if (item->getSize() < minNumVertices(item->getModel()->getGeometry())) return nullptr;
   item->getSelection().set(true);
   return item;
 }
@@ -344,7 +362,9 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::pasteSelection()
     notifySelection();
   }
   if (numMissing > 0)
-    editMediator().showMessage(tr("The stack has no model for %n of the items.", "", static_cast<int>(numMissing)));
+    editMediator().showMessage(
+        tr("%n of the items could not be pasted: there is no model for them, or they have too few vertices.", "",
+           static_cast<int>(numMissing)));
 }
 
 // ---------------------------------------------------------------------------------------------- what is selected
@@ -357,9 +377,7 @@ QString NYXSliceEditWidgetMediatorSelectionDelegate::removalRefusal(const ModelI
   if (item.isRegion() || numLeft >= minimum) return {};
   return QString("%1:\n\nCould not remove selected vertices since this would leave only %2 vertices on the contour "
                  "(the minimum number of vertices per contour is %3 in this model).")
-      .arg(QString::fromStdString(item.getModel()->getName()))
-      .arg(numLeft)
-      .arg(minimum);
+      .arg(QString::fromStdString(item.getModel()->getName()), QString::number(numLeft), QString::number(minimum));
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::removeSelection()
@@ -398,20 +416,30 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
   notifySelection();
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
+std::vector<std::unique_ptr<NYXAction>>
+NYXSliceEditWidgetMediatorSelectionDelegate::conversionsTo(Model& destination) const
 {
-  const int i = stack().findModel(modelName.toStdString());
-  if (i < 0) return;
-  Model* const destination = stack().getModel(i);
   std::vector<std::unique_ptr<NYXAction>> actions;
   std::vector<ModelItem*> items = slice().getSelectedItems();
   std::reverse(items.begin(), items.end());
   for (ModelItem* item : items)
-    if (item->getModel() != destination)
-      actions.push_back(std::make_unique<NYXItemSelectionConversionAction>(*item, destination));
-  if (actions.empty()) return;
-  editMediator().pushStep(std::move(actions));
-  notifySelection();
+    if (item->getModel() != &destination)
+      actions.push_back(std::make_unique<NYXItemSelectionConversionAction>(*item, &destination));
+  return actions;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
+{
+  const int i = stack().findModel(modelName.toStdString());
+  if (i < 0) return;
+  try
+  {
+    if (editMediator().pushStep(conversionsTo(*stack().getModel(i)))) notifySelection();
+  }
+  catch (const UsageError& error)
+  {
+    QMessageBox::warning(&editMediator().window(), tr("Convert"), QString::fromStdString(error.getWhat()));
+  }
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::changeSelectionTriangulationTag(const QAction& action)

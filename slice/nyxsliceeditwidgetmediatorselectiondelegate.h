@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+class Model;
 class QAction;
 
 /// Selects items and points, by clicks and by a rubber box, and changes what is selected. Active when no other tool is.
@@ -25,15 +26,14 @@ public:
 
   void activate() override;
   void deactivate() override;
-  void cancel() override {}
+  /// Gives the rubber box up; what is selected stays.
+  void cancel() override;
 
   bool hasClipboard() const { return !_clipboard.empty(); }
   /// The first selected item of the slice, or nullptr.
   ModelItem* selectedItem() const;
   /// The only selected closed or open curve of the slice, or nullptr.
   ModelItem* selectedCurve() const;
-
-  void paint(QPainter& painter) override;
 
 public slots:
   void cancelSelection();
@@ -51,11 +51,14 @@ public slots:
   void changeSelectionTriangulationTag(const QAction& action);
 
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override { return "READY"; }
   QString hint() const override;
   void press(const NYXPointerEvent& event) override;
   void move(const NYXPointerEvent& event) override;
   void release() override;
+  void keyPressEvent(QKeyEvent& event) override;
   void contextMenuEvent(QContextMenuEvent& event) override;
   bool anyEvent(QEvent& event) override;
 
@@ -93,6 +96,8 @@ private:
   void notifySelection();
   QString removalRefusal(const ModelItem& item) const;
   std::unique_ptr<ModelItem> pasted(const Copied& copied) const;
+  /// What moves the selected items to a model. \throw UsageError  one of them cannot become such an item
+  std::vector<std::unique_ptr<NYXAction>> conversionsTo(Model& destination) const;
 
   bool _isDragging = false;
   QPoint _cursor = outside;     // on the canvas

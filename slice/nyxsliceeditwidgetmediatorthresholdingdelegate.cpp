@@ -30,7 +30,7 @@ NYXSliceEditWidgetMediatorThresholdingDelegate::NYXSliceEditWidgetMediatorThresh
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::activate(const QString& modelName)
 {
-  if (stack().findModel(modelName.toStdString()) < 0) return;
+  if (!editMediator().isEditable() || stack().findModel(modelName.toStdString()) < 0) return;
   _modelName = modelName;
   _isDrawing = false;
   NYXSliceEditWidgetMediatorDelegate::activate();
@@ -54,7 +54,7 @@ void NYXSliceEditWidgetMediatorThresholdingDelegate::move(const NYXPointerEvent&
 {
   if (!_isDrawing) return;
   _to = event.position;
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::release()
@@ -75,7 +75,7 @@ bool NYXSliceEditWidgetMediatorThresholdingDelegate::ask(const QString& label, i
   const int answer = QInputDialog::getInt(&editMediator().window(), tr("Automatic thresholding"), label, level, 0,
                                           largest, step, &isAccepted);
   if (isAccepted) level = answer;
-  return isAccepted;
+  return isAccepted && isActive(); // the model may have gone meanwhile
 }
 
 QString NYXSliceEditWidgetMediatorThresholdingDelegate::run(const QRect& roi)
@@ -103,11 +103,16 @@ void NYXSliceEditWidgetMediatorThresholdingDelegate::create(const Vertices<int>&
   pushStep(std::make_unique<NYXItemCreationAction>(std::move(item)));
 }
 
-void NYXSliceEditWidgetMediatorThresholdingDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorThresholdingDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive() || !_isDrawing) return;
+  if (!_isDrawing) return;
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
   painter.drawRect(QRect(_from, _to).normalized());
+}
+
+QRect NYXSliceEditWidgetMediatorThresholdingDelegate::feedbackRect() const
+{
+  return _isDrawing ? QRect(_from, _to).normalized().adjusted(-1, -1, 2, 2) : QRect();
 }

@@ -1,7 +1,8 @@
 #include "slice/nyxvertexeditiontoolbar.h"
 
+#include "slice/image/nyxicons.h"
+
 #include <QActionGroup>
-#include <QIcon>
 #include <QMenu>
 
 NYXVertexEditionToolBar::NYXVertexEditionToolBar(QWidget* parent) : QToolBar(parent)
@@ -22,7 +23,7 @@ NYXVertexEditionToolBar::NYXVertexEditionToolBar(QWidget* parent) : QToolBar(par
   addSeparator();
   _end = addAction(tr("End edition"), this, &NYXVertexEditionToolBar::endChosen);
   _end->setObjectName("endEdition");
-  _end->setIcon(QIcon(":/icons/endedition.svg"));
+  _end->setIcon(iconNamed("endEdition"));
   _end->setToolTip(tr("Leave the edition of points (Escape)"));
   _end->setStatusTip(tr("Leave the edition of points"));
   for (QAction* action : {_move, _insert, _delete, _end}) action->setEnabled(false); // until it is shown
@@ -33,7 +34,7 @@ QAction* NYXVertexEditionToolBar::addMode(const QString& text, const QString& to
 {
   QAction* action = addAction(text, this, [this, mode] { emit modeChosen(mode); });
   action->setObjectName(name);
-  action->setIcon(QIcon(QString(":/icons/%1.svg").arg(name.toLower())));
+  action->setIcon(iconNamed(name));
   action->setToolTip(toolTip);
   action->setStatusTip(toolTip);
   action->setCheckable(true);

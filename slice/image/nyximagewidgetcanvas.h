@@ -53,6 +53,12 @@ public:
   Vector<int> convertToVectori(const QPoint& canvasPoint) const;
   /// @}
 
+  /// Repaints all of the canvas soon, or what lies in a rectangle of it.
+  /// @{
+  void update();
+  void updatePart(const QRect& part);
+  /// @}
+
   /// Takes over the size and the pixel calibration of the proxy's source.
   void updateImageSize();
 
@@ -79,8 +85,8 @@ protected:
   virtual QSize fallbackImageSize() const { return {}; }
   /// The size of what is viewed, by the size of the image.
   virtual QSize viewedSize(const QSize& imageSize) const { return imageSize; }
-  /// Draws the image of the proxy, of which there is a level.
-  virtual void paintImage();
+  /// Draws the image of the proxy, of which there is a level: at least the part, in device pixels of the canvas.
+  virtual void paintImage(const QRect& part);
   /// What lies on the image, below the extra painters.
   virtual void paintForeground(QPainter&) {}
   virtual bool isImageShown() const { return true; }
@@ -90,7 +96,7 @@ protected:
   void resizeEvent(QResizeEvent* event) override;
 
 private:
-  void paintOver();
+  void paintOver(const QRectF& part);
   void paintPixelGrid(QPainter& painter) const;
   void paintProblem(QPainter& painter) const;
   void reportErrors() const;
@@ -100,5 +106,7 @@ private:
   NYXImagePainter _imagePainter;
   std::vector<NYXImageWidgetCanvasExtraPainter*> _extraPainters;
   bool _isPictureHeld = false;
+  QRect _stale; // what is to be repainted; empty for all of the canvas
+  bool _isAllStale = true;
   QMutex _mutex; // held while painting
 };

@@ -91,11 +91,18 @@ NYXSliceItemLayer::Entry NYXSliceItemLayer::entryOf(const ModelItem& item)
 
 void NYXSliceItemLayer::updateEntries()
 {
-  if (!_areEntriesStale) return;
+  const int numItems = _slice == nullptr ? 0 : _slice->getNumItems(); // may have changed before its event comes
+  if (!_areEntriesStale && static_cast<int>(_entries.size()) == numItems) return;
   _areEntriesStale = false;
   _refined = QImage(); // counts entries
   _entries.clear();
-  for (int i = 0; _slice != nullptr && i < _slice->getNumItems(); ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
+  for (int i = 0; i < numItems; ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
+}
+
+QRect NYXSliceItemLayer::staleRect() const
+{
+  const QRect pixels = _isAllStale ? QRect(QPoint(0, 0), _frame.size) : _stale.boundingRect();
+  return onScreen(pixels, _frame.pixelRatio).toAlignedRect();
 }
 
 std::vector<const ModelItem*> NYXSliceItemLayer::itemsNear(const QPoint& position, int distance)
