@@ -158,6 +158,10 @@ void NYXRegistrationMediator::tellResult(const NYXRegistrationRun& run, bool isC
   if (numEmpty == 1) text += tr(". One slice was not moved: there is no specimen on it or on the one before");
   if (numEmpty > 1)
     text += tr(". %1 slices were not moved: there is no specimen on them or on those before").arg(numEmpty);
+  const auto numWorse =
+      static_cast<int>(std::ranges::count_if(run.results(), [](const SliceAlignment& alignment)
+                                             { return alignment.correlationAfter < alignment.correlationBefore; }));
+  if (numWorse > 0) text += tr(". Images that correlate less than before: %1").arg(numWorse);
   showMessage(text);
 }
 
