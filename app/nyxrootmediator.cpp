@@ -20,6 +20,7 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "numeric/exception.h"
+#include "registration/nyxregistrationwindow.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
 #include "slice/nyxmodetoolbar.h"
@@ -168,11 +169,25 @@ void NYXRootMediator::editPreferences()
   NYXPreferencesDialog(_window).exec();
 }
 
+void NYXRootMediator::openRegistration()
+{
+  if (_registrationWindow == nullptr)
+  {
+    _registrationWindow = new NYXRegistrationWindow(_window);
+    nameParts(*_registrationWindow);
+  }
+  _registrationWindow->setStack(currentStack());
+  _registrationWindow->show();
+  _registrationWindow->raise();
+  _registrationWindow->activateWindow();
+}
+
 void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
   _panorama->setStack(stack);
   _sliceList->setStack(stack);
+  if (_registrationWindow != nullptr && _registrationWindow->isVisible()) _registrationWindow->setStack(stack);
   followHistories();
   showStackState();
 }

@@ -11,6 +11,7 @@
 
 class NYXOverview;
 class NYXPanorama;
+class NYXRegistrationWindow;
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -125,6 +126,7 @@ private:
   void refreshSlices();
   void refreshSlice(const StackSlice* slice);
   void editPreferences();
+  void openRegistration();
   void selectView(bool isPanorama);
   void openSlice();
   void showView();
@@ -147,6 +149,7 @@ private:
   NYXOverview* _overview = nullptr;
   NYXRootStatusBar* _statusBar = nullptr;
   QToolBar* _toolBar = nullptr;
+  NYXRegistrationWindow* _registrationWindow = nullptr; // made on first use
 
   QAction* _newWindow;
   QAction* _closeWindow;

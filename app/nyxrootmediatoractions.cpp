@@ -185,7 +185,7 @@ void NYXRootMediator::createSliceActions()
 void NYXRootMediator::createProcessActions()
 {
   _process = {
-      createLaterAction(tr("Register"), tr("Align each slice on the one before")),
+      createStackAction(tr("Register"), tr("Align each slice on the one before"), {}, [this] { openRegistration(); }),
       createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
       createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
