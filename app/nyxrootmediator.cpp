@@ -25,6 +25,7 @@
 #include "slice/image/nyxslicewidget.h"
 #include "slice/image/nyxslicewidgetmediator.h"
 #include "slice/image/nyxslicewidgetstatusbar.h"
+#include "viewer/nyxrenderingwindow.h"
 
 #include <QAction>
 #include <QDir>
@@ -158,6 +159,7 @@ void NYXRootMediator::showSlice(int slice)
   else
     _sliceEditWidget->showSlice(*stack->getSlice(slice));
   updateActions();
+  if (NYXRenderingWindow* const window = NYXRenderingWindow::find(*stack)) window->setCurrentSlice(slice);
   if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
   const QString place = QString("%1 / %2").arg(slice + 1).arg(stack->getNumSlices());

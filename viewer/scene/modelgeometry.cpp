@@ -28,10 +28,11 @@ void smooth(TriMesh<float>& mesh, const ModelProperties& properties)
   if (numNormalSteps > 0) mesh.smoothNormals(numNormalSteps);
 }
 
-void addSurface(ModelGeometry& geometry, const Model& model, const StackReconstruction<float>& reconstruction)
+void addSurface(ModelGeometry& geometry, const Model& model, const StackReconstruction<float>& reconstruction,
+                bool isClosed)
 {
   ModelSurface<float> builder(reconstruction);
-  builder.setCaps({.tagged = true});
+  builder.setCaps({.tagged = true, .first = isClosed, .last = isClosed});
   builder.setResampling(!isTriangular(geometry.properties.getRenderingMode()));
   builder.apply(model);
   if (builder.getTriMesh().getNumTriangles() == 0)
@@ -48,7 +49,7 @@ void addSurface(ModelGeometry& geometry, const Model& model, const StackReconstr
 }
 } // namespace
 
-ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>& reconstruction)
+ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>& reconstruction, bool isClosed)
 {
   ModelGeometry geometry;
   geometry.name = model.getName();
@@ -60,7 +61,7 @@ ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>
   if (geometry.levels->getNumVertices() == 0)
     geometry.problem = "there is nothing to show";
   else if (model.getGeometry() != MPrimitive::Polypoint && hasSurface(geometry.properties.getRenderingMode()))
-    addSurface(geometry, model, reconstruction);
+    addSurface(geometry, model, reconstruction, isClosed);
   return geometry;
 }
 

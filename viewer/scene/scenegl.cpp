@@ -119,6 +119,9 @@ void SceneGL::paint(int width, int height, float pixelRatio)
   for (const auto& [painter, pass] : transparentTurns()) painter->paint(pass);
   glDisable(GL_BLEND);
   glDepthMask(GL_TRUE);
+  if (_landmarksPainter == nullptr) return;
+  _landmarksPainter->setPixelRatio(pixelRatio);
+  _landmarksPainter->paint(PaintPass::Opaque);
 }
 
 std::vector<SceneGL::Turn> SceneGL::transparentTurns() const

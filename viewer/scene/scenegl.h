@@ -2,6 +2,7 @@
 
 #include "viewer/painters/axespaintergl.h"
 #include "viewer/painters/boundingboxpaintergl.h"
+#include "viewer/painters/landmarkspaintergl.h"
 #include "viewer/painters/scalebarpaintergl.h"
 #include "viewer/scene/backgroundgl.h"
 #include "viewer/scene/viewercamera.h"
@@ -58,6 +59,8 @@ public:
   void setScaleBarVisible(bool isVisible) { _hasScaleBar = isVisible; }
   bool hasAxes() const { return _hasAxes; }
   void setAxesVisible(bool isVisible) { _hasAxes = isVisible; }
+  /// Draws marks in front of everything; borrowed, nullptr: none.
+  void setLandmarksPainter(LandmarksPainterGL* painter) { _landmarksPainter = painter; }
   /// The symbol of the unit of length of the scale bar.
   void setUnit(const std::string& unit) { _scaleBarPainter.setUnit(unit); }
 
@@ -88,6 +91,7 @@ private:
   BoundingBoxPainterGL _boundingBoxPainter;
   ScaleBarPainterGL _scaleBarPainter;
   AxesPainterGL _axesPainter;
+  LandmarksPainterGL* _landmarksPainter = nullptr;
   bool _hasBoundingBox = false;
   bool _hasScaleBar = true;
   bool _hasAxes = true;
