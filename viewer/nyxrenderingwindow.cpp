@@ -4,8 +4,8 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
+#include "geometry/outputfile.h"
 #include "model/model.h"
-#include "numeric/atomicfile.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -145,8 +145,8 @@ bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool i
     QBuffer buffer(&bytes);
     if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG"))
       throw FileWriteError("bool NYXRenderingWindow::saveSnapshot(...)", "Cannot make a PNG picture");
-    AtomicFile file(QFile::encodeName(filename).toStdString());
-    file.write(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    OutputFile file(QFile::encodeName(filename).toStdString(), true, "bool NYXRenderingWindow::saveSnapshot(...)");
+    file.stream().write(bytes.constData(), bytes.size());
     file.commit();
   }
   catch (const Exception& error)

@@ -36,6 +36,7 @@
 #include <QSpinBox>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTabBar>
 #include <QTableWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -172,6 +173,7 @@ void NYXRenderingWindow::createPanel()
   _panel->addTab(_poses, tr("Poses"));
   _panel->addTab(scrolled(createImagesPage()), tr("Images"));
   _panel->addTab(createLandmarksPage(), tr("Landmarks"));
+  _panel->setMinimumWidth(_panel->tabBar()->sizeHint().width()); // no tab is cut off
 }
 
 QWidget* NYXRenderingWindow::createImagesPage()

@@ -1,6 +1,5 @@
 #include "viewer/viewercanvasgl.h"
 
-#include "model/pose.h"
 #include "viewer/painters/framebuffergl.h"
 
 #include <QGuiApplication>
@@ -20,6 +19,7 @@ constexpr int numSamples = 4;
 
 ViewerCanvasGL::ViewerCanvasGL(QWidget* parent) : QOpenGLWidget(parent)
 {
+  qRegisterMetaType<Pose>();
   setObjectName("viewerCanvas");
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(160, 120);

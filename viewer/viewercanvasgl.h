@@ -1,9 +1,11 @@
 #pragma once
 
+#include "model/pose.h"
 #include "viewer/painters/landmarkspaintergl.h"
 #include "viewer/scene/scenegl.h"
 
 #include <QImage>
+#include <QMetaType>
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>
 #include <QPoint>
@@ -13,7 +15,7 @@
 #include <optional>
 #include <vector>
 
-class Pose;
+Q_DECLARE_METATYPE(Pose)
 
 /// Draws painters in 3D and lets the mouse turn, zoom and pan them.
 ///
