@@ -4,6 +4,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "model/pose.h"
+#include "viewer/errortext.h"
 #include "viewer/viewercanvasgl.h"
 
 #include <QHBoxLayout>
@@ -91,7 +92,7 @@ bool NYXPoseList::savePose(const QString& name)
   }
   catch (const Exception& error)
   {
-    emit messageShown(QString::fromStdString(error.getWhat()));
+    emit messageShown(errorText(error));
     return false;
   }
   _stack.history().pushStep(std::make_unique<NYXPoseInsertionDeletionAction>(_stack, std::move(pose)));

@@ -1,5 +1,7 @@
 #include "viewer/nyxreconstructionrun.h"
 
+#include "viewer/errortext.h"
+
 #include <exception>
 
 NYXReconstructionRun::NYXReconstructionRun(QObject* parent) : QObject(parent)
@@ -41,7 +43,7 @@ void NYXReconstructionRun::work()
   }
   catch (const Exception& error)
   {
-    _error = QString::fromStdString(error.getWhat());
+    _error = errorText(error);
   }
   catch (const std::bad_alloc&)
   {

@@ -6,6 +6,7 @@
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
+#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -151,8 +152,7 @@ bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool i
   }
   catch (const Exception& error)
   {
-    QMessageBox box(QMessageBox::Warning, tr("Snapshot"), QString::fromStdString(error.getWhat()), QMessageBox::Ok,
-                    this);
+    QMessageBox box(QMessageBox::Warning, tr("Snapshot"), errorText(error), QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
     box.exec();
     return false;

@@ -3,6 +3,7 @@
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxprogressrun.h"
+#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -336,7 +337,7 @@ bool NYXRenderingWindow::exportTo(const SurfaceExport& target)
   }
   catch (const Exception& error)
   {
-    const QString reason = QString::fromStdString(error.getWhat());
+    const QString reason = errorText(error);
     if (!target.overwrite && reason.endsWith("file exists")) return !confirmOverwrite(reason);
     QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), reason, QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);

@@ -4,6 +4,7 @@
 #include "model/stackslice.h"
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxprogressrun.h"
+#include "viewer/errortext.h"
 #include "viewer/scene/shownstack.h"
 #include "viewer/viewercanvasgl.h"
 
@@ -33,7 +34,7 @@ struct PlaneReading
     }
     catch (const Exception& error)
     {
-      problem = QString::fromStdString(error.getWhat());
+      problem = errorText(error);
     }
     catch (const std::bad_alloc&)
     {
@@ -161,7 +162,7 @@ bool NYXSceneImages::setVolume(Volume kind)
   }
   catch (const Exception& error)
   {
-    emit messageShown(QString::fromStdString(error.getWhat()));
+    emit messageShown(errorText(error));
     return false;
   }
 }

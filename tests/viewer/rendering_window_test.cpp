@@ -323,4 +323,9 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
   EXPECT_EQ(plane->boundingBox().getMinimum()[2], plane->boundingBox().getMaximum()[2]);
   other.images().showPlane(false);
   EXPECT_EQ(other.canvas().getPainters().size(), numPainters);
+  EXPECT_TRUE(other.images().setVolume(NYXSceneImages::Cloud)); // the slices are aligned, each in its way
+  EXPECT_EQ(other.canvas().getPainters().size(), numPainters + 1);
+  EXPECT_TRUE(other.canvas().getPainters().back()->isTransparent());
+  EXPECT_FALSE(window->images().setVolume(NYXSceneImages::Cloud)); // there is no image
+  EXPECT_EQ(window->images().getVolume(), NYXSceneImages::NoVolume);
 }

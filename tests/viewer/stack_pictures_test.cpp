@@ -1,5 +1,6 @@
 // From the models of a stack to their painters: each rendering mode, caps, hidden items, properties.
 #include "geometry/reconstruction/stackreconstruction.h"
+#include "image/imagesourcevoxelmatrixplane.h"
 #include "model/model.h"
 #include "numeric/progresssubject.h"
 #include "scene_pictures.h"
@@ -9,6 +10,7 @@
 #include "viewer/painters/verticespaintergl.h"
 #include "viewer/scene/modelpainters.h"
 #include "viewer/scene/shownstack.h"
+#include "viewer/scene/sliceimages.h"
 #include "viewer/scene/stackpainters.h"
 
 namespace
@@ -140,6 +142,40 @@ TEST_F(StackPictures, PointsBecomeSymbolsOfTheItemsProperties)
   ASSERT_EQ(painted.size(), 1u);
   const BoundingBox<float> box = painted[0].painter->boundingBox();
   EXPECT_NEAR(box.getMaximum()[0] - box.getMinimum()[0], 4 * unit, 1e-4);
+}
+
+TEST_F(ScenePictures, VolumesLieWhereTheSlicesLie)
+{
+  auto voxels = std::make_shared<VoxelMatrix<unsigned char>>(20, 30, 3);
+  voxels->setZeros();
+  for (int k = 0; k < 3; ++k) (*voxels)(4, 25, k) = 255; // row 4, column 25
+  Stack stack;
+  stack.setDefaultRelativePosition(5);
+  for (int k = 0; k < 3; ++k)
+  {
+    StackSlice& slice = stack.addSlice(std::make_unique<StackSlice>());
+    slice.setImageSource(ImageSourceVoxelMatrixPlane(std::shared_ptr<const VoxelMatrix<unsigned char>>(voxels), k));
+    if (k == 1) slice.setRegistration(Registration(7, -2, 90));
+    if (k == 2) slice.setAbsolutePosition(15); // leaves a gap, filled by the nearest slices
+  }
+  const StackReconstruction<float> reconstruction(stack);
+  ProgressSubject subject;
+  const auto painter = createStackVolume(stack, VoxelMatrixPainterGL::Cloud, subject);
+  painter->setOpacity(255);
+  EXPECT_NEAR(painter->boundingBox().getMinimum()[2], -2.5, 1e-4);
+  EXPECT_NEAR(painter->boundingBox().getMaximum()[2], 17.5, 1e-4);
+  scene.addPainter(*painter);
+  scene.updateBoundingBox();
+  const Picture picture = draw(600, 600);
+  for (int k = 0; k < 3; ++k)
+  {
+    const Vector<float>& m = reconstruction.getMap(k);
+    const double x = m[0] * 25 + m[1] * 4 + m[2], y = m[3] * 25 + m[4] * 4 + m[5];
+    const auto place = scene.camera().project({x, y, reconstruction.getZMap()[k]}, 600, 600);
+    EXPECT_GT(picture.at(static_cast<int>(place[0]), 599 - static_cast<int>(place[1]))[0], 150) << "slice " << k;
+  }
+  EXPECT_LT(picture.numColored(), 3 * 600); // nothing else
+  scene.removePainters();
 }
 
 TEST_F(StackPictures, ReconstructionStopsWhenItIsCancelled)

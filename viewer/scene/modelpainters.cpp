@@ -2,6 +2,7 @@
 
 #include "geometry/boundingbox.h"
 #include "geometry/reconstruction/stackreconstruction.h"
+#include "image/imagesource.h"
 #include "model/stack.h"
 #include "model/stackslice.h"
 #include "viewer/painters/curvestackpaintergl.h"
@@ -86,7 +87,8 @@ float symbolSize(const Stack& stack)
     const StackSlice& slice = *stack.getSlice(k);
     if (slice.getImageSource() == nullptr) continue;
     const Vector<float>& m = reconstruction.getMap(k);
-    const float w = static_cast<float>(slice.width()), h = static_cast<float>(slice.height());
+    const float w = static_cast<float>(slice.getImageSource()->getSize2());
+    const float h = static_cast<float>(slice.getImageSource()->getSize1());
     for (const auto& [u, v] : {std::array{0.F, 0.F}, std::array{w, 0.F}, std::array{0.F, h}, std::array{w, h}})
       box.add(Vector<float>{m[0] * u + m[1] * v + m[2], m[3] * u + m[4] * v + m[5], reconstruction.getZMap()[k]});
   }
