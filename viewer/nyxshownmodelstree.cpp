@@ -49,6 +49,7 @@ NYXShownModelsTree::NYXShownModelsTree(NYXSceneModels& models, QWidget* parent)
   _tree->setUniformRowHeights(true);
   _opacity->setObjectName("modelOpacity");
   _opacity->setRange(0, 100);
+  _opacity->setValue(100);
   _opacity->setToolTip(tr("Opacity of the selected model's surface; stored in the stack"));
   auto* const all = new QPushButton(tr("Show all"), this);
   all->setToolTip(tr("Show all models"));

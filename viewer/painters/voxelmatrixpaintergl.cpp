@@ -69,10 +69,21 @@ BoundingBox<float> VoxelMatrixPainterGL::boundingBox() const
   return box;
 }
 
+/// The cloud is as opaque as it is bright; slices are opaque but where there is nothing.
 void VoxelMatrixPainterGL::upload()
 {
-  const GLint format = _mode == Cloud ? GL_INTENSITY8 : GL_LUMINANCE8; // the cloud is as opaque as it is bright
-  _texture.fill3D(format, GL_LUMINANCE, _texels[1], _texels[0], _texels[2], _voxels.data());
+  const auto fill = [this](GLint internalFormat, GLenum format, const std::vector<std::uint8_t>& data)
+  { _texture.fill3D(internalFormat, format, _texels[1], _texels[0], _texels[2], data.data()); };
+  if (_mode == Cloud)
+    fill(GL_INTENSITY8, GL_LUMINANCE, _voxels);
+  else
+  {
+    std::vector<std::uint8_t> withAlpha;
+    withAlpha.reserve(2 * _voxels.size());
+    for (const std::uint8_t voxel : _voxels)
+      withAlpha.insert(withAlpha.end(), {voxel, voxel > 0 ? std::uint8_t{255} : std::uint8_t{0}});
+    fill(GL_LUMINANCE8_ALPHA8, GL_LUMINANCE_ALPHA, withAlpha);
+  }
   _voxels = {};
 }
 
@@ -92,6 +103,8 @@ void VoxelMatrixPainterGL::drawSlice(int axis, float share) const
 
 void VoxelMatrixPainterGL::paintSlices() const
 {
+  glEnable(GL_ALPHA_TEST);
+  glAlphaFunc(GL_GREATER, 0.5F);
   glBegin(GL_QUADS);
   for (int axis = 0; axis < 3; ++axis)
   {
@@ -146,7 +159,7 @@ void VoxelMatrixPainterGL::paintCloud() const
 void VoxelMatrixPainterGL::paint(PaintPass pass)
 {
   if (boundingBox().isEmpty() || (pass == PaintPass::Picking && _mode == Cloud)) return; // a cloud has no surface
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_TEXTURE_BIT);
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_TEXTURE_BIT | GL_COLOR_BUFFER_BIT);
   if (!_texture.isFilled()) upload();
   glDisable(GL_LIGHTING);
   glDisable(GL_CULL_FACE);
