@@ -48,6 +48,8 @@ int main(int argc, char** argv)
 
   QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+  QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false); // a stroke keeps all its points
   QApplication application(argc, argv);
   QCoreApplication::setOrganizationName("VELK");
   QCoreApplication::setApplicationName("Mirelo");

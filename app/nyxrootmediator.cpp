@@ -22,9 +22,11 @@
 #include "numeric/exception.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
-#include "slice/image/nyxslicewidget.h"
-#include "slice/image/nyxslicewidgetmediator.h"
-#include "slice/image/nyxslicewidgetstatusbar.h"
+#include "slice/nyxmodetoolbar.h"
+#include "slice/nyxnavigationtoolbar.h"
+#include "slice/nyxsliceeditwidget.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+#include "slice/nyxsliceeditwidgetstatusbar.h"
 #include "viewer/nyxrenderingwindow.h"
 
 #include <QAction>
@@ -43,6 +45,24 @@ void enable(QAction& action, bool isPossible, const QString& reason)
 {
   action.setEnabled(isPossible && reason.isEmpty());
   action.setToolTip(reason.isEmpty() ? action.whatsThis() : plainText(reason));
+}
+
+QColor mixture(const QColor& a, const QColor& b)
+{
+  return QColor((a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2);
+}
+
+/// Disables a list without a great change of its looks: its text is half as strong as before.
+void enableQuietly(QWidget& list, bool isEnabled)
+{
+  QPalette palette;
+  for (const auto role : {QPalette::Base, QPalette::Highlight, QPalette::HighlightedText})
+    palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
+  palette.setColor(
+      QPalette::Disabled, QPalette::Text,
+      mixture(palette.color(QPalette::Active, QPalette::Text), palette.color(QPalette::Active, QPalette::Base)));
+  list.setPalette(isEnabled ? QPalette() : palette);
+  list.setEnabled(isEnabled);
 }
 
 QString nameOf(const StackSlice& slice)
@@ -70,11 +90,12 @@ void NYXRootMediator::initialize()
   _toolBar->addActions({_undo, _redo});
   _toolBar->addSeparator();
   _toolBar->addActions({_displayPanorama, _displaySingleSlice, _displayOverview});
-  _toolBar->addSeparator();
-  _toolBar->addActions({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
-  _toolBar->addSeparator();
-  _toolBar->addActions(_sliceEditWidget->sliceWidget().mediator().zoomActions());
+  NYXNavigationToolBar& navigation = _sliceEditWidget->navigationToolBar();
+  navigation.setIconSize({side, side});
+  navigation.addGroup({_selectFirstSlice, _selectPreviousSlice, _selectNextSlice, _selectLastSlice});
+  navigation.addGroup(_sliceEditWidget->sliceWidget().mediator().zoomActions());
   _sliceEditWidget->sliceWidget().toolBar().setIconSize({side, side});
+  connectSliceEditor();
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
   _sliceEditWidget->setInsertAction(*_insertSlice);
 
@@ -89,6 +110,14 @@ void NYXRootMediator::initialize()
   updatePluginActions();
   updateActions();
   NYXEventServer::attach(*this);
+}
+
+void NYXRootMediator::connectSliceEditor()
+{
+  NYXSliceEditWidgetMediator& editor = _sliceEditWidget->sliceWidget().editMediator();
+  _sliceEditWidget->modeToolBar().setModelsAction(*_editDialogs.front());
+  connect(&editor, &NYXSliceEditWidgetMediator::lockRequested, this, &NYXRootMediator::lockSlice);
+  connect(&editor, &NYXSliceEditWidgetMediator::propertiesRequested, this, &NYXRootMediator::editItemProperties);
 }
 
 NYXStack* NYXRootMediator::currentStack() const
@@ -120,7 +149,9 @@ void NYXRootMediator::newStack(const QStringList& images)
 
 void NYXRootMediator::selectStack(const NYXStack* stack)
 {
-  if (stack != nullptr) _stackList->selectStack(*stack);
+  if (stack == nullptr) return;
+  if (stack != currentStack()) _sliceEditWidget->sliceWidget().editMediator().finishTool();
+  _stackList->selectStack(*stack);
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -185,7 +216,7 @@ void NYXRootMediator::showView()
   const NYXStack* const stack = currentStack();
   const bool hasSlices = stack != nullptr && stack->getNumSlices() > 0;
   const bool isPanorama = _displayPanorama->isChecked() && hasSlices;
-  NYXSliceWidget& sliceWidget = _sliceEditWidget->sliceWidget();
+  NYXSliceEditWidget& sliceWidget = _sliceEditWidget->sliceWidget();
   (isPanorama ? static_cast<QWidget*>(_sliceEditWidget) : _panorama)->hide(); // never both
   (isPanorama ? static_cast<QWidget*>(_panorama) : _sliceEditWidget)->show();
   sliceWidget.mediator().setActionsEnabled(!isPanorama);
@@ -241,13 +272,28 @@ void NYXRootMediator::lockRequest(bool isLocked)
     enable(*action, slice != nullptr, isLocked ? lockText(*slice) : QString());
 }
 
+/// The slice stays as long as a tool works on it.
+void NYXRootMediator::lockSlice(bool isToolAtWork)
+{
+  if (isToolAtWork == _isToolAtWork) return;
+  _isToolAtWork = isToolAtWork;
+  for (QWidget* list : {static_cast<QWidget*>(_stackList), static_cast<QWidget*>(_sliceList)})
+    enableQuietly(*list, !isToolAtWork);
+  updateActions();
+}
+
 /// What changes all slices, or the places of slices, waits until none is locked.
 void NYXRootMediator::enableActions(bool flag)
 {
   for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
   const NYXStack* const stack = currentStack();
+  const QString toolReason = _isToolAtWork ? tr("Finish or cancel the tool at work first") : QString();
+  for (QAction* action : {_selectFirstSlice, _selectLastSlice, _selectNextSlice, _selectPreviousSlice, _displayPanorama,
+                          _displaySingleSlice})
+    enable(*action, flag, toolReason);
+  for (QAction* action : {_newStack, _newStackFromFile, _openStack}) enable(*action, true, toolReason);
   const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
-  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : QString();
+  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : toolReason;
   for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
   const StackSlice* const slice = currentSlice();
   enable(*_deleteSlice, slice != nullptr, reason);
@@ -369,7 +415,7 @@ void NYXRootMediator::updateRecentFilesMenu()
     setTips(*action, plainText(QDir::toNativeSeparators(file)));
   }
   nameParts(*_recentFilesMenu);
-  _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty());
+  _recentFilesMenu->setEnabled(!_recentFilesMenu->isEmpty() && !_isToolAtWork);
 }
 
 void NYXRootMediator::refreshPlugins()

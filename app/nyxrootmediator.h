@@ -114,6 +114,9 @@ private:
   void moveCurrentSlice(int distance);
   void change(const std::function<void(NYXStack&)>& make);
   void lockRequest(bool isLocked);
+  void lockSlice(bool isToolAtWork);
+  void connectSliceEditor();
+  void editItemProperties();
   void followHistories();
   void showHistories();
   void noteConcernedSlice(const NYXSliceAction& action);
@@ -180,6 +183,7 @@ private:
   QList<QAction*> _stackActions;      // enabled only while a stack is current
   QList<QAction*> _wholeStackActions; // and none of its slices is locked
 
+  bool _isToolAtWork = false;                  // on the slice that is shown, which then stays
   bool _areSlicesStale = false;                // in the list, until the end of a batch of events
   const StackSlice* _concernedSlice = nullptr; // the first that came or moved with the change that is made here
   QMetaObject::Connection _historiesChanged;   // of the current stack

@@ -2,6 +2,7 @@
 #include "app/core/nyxstack.h"
 #include "app/nyxannotationdialog.h"
 #include "app/nyxfiltermodelsdialog.h"
+#include "app/nyxitempropertiesdialog.h"
 #include "app/nyxmodelsdialog.h"
 #include "app/nyxnames.h"
 #include "app/nyxrootmediator.h"
@@ -67,6 +68,11 @@ QAction* NYXRootMediator::createLaterAction(const QString& text, const QString& 
   QAction* action = createAction(text, toolTip + tr(" (not available in this version)"), {}, [] {});
   action->setEnabled(false);
   return action;
+}
+
+void NYXRootMediator::editItemProperties()
+{
+  openDialog<NYXItemPropertiesDialog>(*currentStack(), *currentSlice());
 }
 
 void NYXRootMediator::createFileActions()

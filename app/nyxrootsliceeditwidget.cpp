@@ -1,8 +1,10 @@
 #include "app/nyxrootsliceeditwidget.h"
 
 #include "slice/image/nyxsliceimageserver.h"
-#include "slice/image/nyxslicewidget.h"
-#include "slice/image/nyxslicewidgetmediator.h"
+#include "slice/nyxmodetoolbar.h"
+#include "slice/nyxnavigationtoolbar.h"
+#include "slice/nyxsliceeditwidget.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
 
 #include <QAction>
 #include <QDir>
@@ -14,12 +16,22 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+namespace
+{
+constexpr int messageMilliseconds = 5000;
+}
+
 NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
-  : QWidget(parent), _pages(new QStackedLayout(this)), _sliceWidget(new NYXSliceWidget(this))
+  : QWidget(parent),
+    _pages(new QStackedLayout(this)),
+    _sliceWidget(new NYXSliceEditWidget(this)),
+    _modeToolBar(new NYXModeToolBar(_sliceWidget->editMediator(), _sliceWidget)),
+    _navigationToolBar(new NYXNavigationToolBar(this)),
+    _hint(new QLabel(this))
 {
   setObjectName("rootSliceEditWidget");
   _pages->addWidget(createStartPage());
-  _pages->addWidget(_sliceWidget);
+  _pages->addWidget(createSlicePage());
   _sliceWidget->mediator().setImageServer(NYXSliceImageServer::server());
   for (QAction* action : _sliceWidget->mediator().zoomActions())
   {
@@ -37,6 +49,48 @@ QToolButton* NYXRootSliceEditWidget::createButton(QAction& action)
   button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   button->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
   return button;
+}
+
+/// The line for the hint keeps its height when it is empty, and does not ask for the width of its text.
+QWidget* NYXRootSliceEditWidget::createSlicePage()
+{
+  _sliceWidget->insertToolBar(*_modeToolBar);
+  _hint->setObjectName("hint");
+  _hint->setToolTip(tr("What the next click, drag or key does"));
+  _hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  _hint->setFixedHeight(_hint->fontMetrics().height() * 5 / 4);
+  _hint->setIndent(_hint->fontMetrics().averageCharWidth());
+  _hint->setTextFormat(Qt::PlainText);
+  _messageEnd.setSingleShot(true);
+  connect(&_messageEnd, &QTimer::timeout, this,
+          [this]
+          {
+            _message.clear();
+            showHint();
+          });
+  const NYXSliceEditWidgetMediator& editor = _sliceWidget->editMediator();
+  connect(&editor, &NYXSliceEditWidgetMediator::hintShown, this, &NYXRootSliceEditWidget::showHint);
+  connect(&editor, &NYXSliceEditWidgetMediator::messageShown, this,
+          [this](const QString& text)
+          {
+            _message = text;
+            _messageEnd.start(messageMilliseconds);
+            showHint();
+          });
+  auto* const page = new QWidget(this);
+  auto* const column = new QVBoxLayout(page);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(_sliceWidget, 1);
+  column->addWidget(_hint);
+  return page;
+}
+
+void NYXRootSliceEditWidget::showHint()
+{
+  const QString& hint = _sliceWidget->editMediator().hint();
+  const QString separator = _message.isEmpty() || hint.isEmpty() ? QString() : QString("   \u2022   ");
+  _hint->setText(_message + separator + hint);
 }
 
 QWidget* NYXRootSliceEditWidget::createNoSlicePage()
@@ -112,7 +166,7 @@ void NYXRootSliceEditWidget::showStartPage()
 void NYXRootSliceEditWidget::showSlice(StackSlice& slice)
 {
   _sliceWidget->setSlice(&slice);
-  _pages->setCurrentWidget(_sliceWidget);
+  _pages->setCurrentWidget(_sliceWidget->parentWidget());
 }
 
 void NYXRootSliceEditWidget::showNoSlice(bool hasStackSlices)

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
-class NYXSliceWidget;
+class NYXModeToolBar;
+class NYXNavigationToolBar;
+class NYXSliceEditWidget;
 class Stack;
 class StackSlice;
 class QAction;
@@ -11,8 +14,8 @@ class QStackedLayout;
 class QToolButton;
 class QVBoxLayout;
 
-/// The right side of the root window: the current slice, a page that offers stacks to open when there is none, or one
-/// that says why there is no slice.
+/// The right side of the root window: the current slice with its tools and what the next click, drag or key does, a
+/// page that offers stacks to open when there is none, or one that says why there is no slice.
 class NYXRootSliceEditWidget : public QWidget
 {
   Q_OBJECT
@@ -35,18 +38,28 @@ public:
   /// The stack has no slices, or none that the filter of the slice list shows.
   void showNoSlice(bool hasStackSlices);
 
-  NYXSliceWidget& sliceWidget() const { return *_sliceWidget; }
+  NYXSliceEditWidget& sliceWidget() const { return *_sliceWidget; }
+  NYXModeToolBar& modeToolBar() const { return *_modeToolBar; }
+  /// For the window to fill and to place.
+  NYXNavigationToolBar& navigationToolBar() const { return *_navigationToolBar; }
 
 signals:
   void openRequested(const QString& file);
 
 private:
   QWidget* createStartPage();
+  QWidget* createSlicePage();
+  void showHint();
   QWidget* createNoSlicePage();
   QToolButton* createButton(QAction& action);
 
   QStackedLayout* _pages;
-  NYXSliceWidget* _sliceWidget;
+  NYXSliceEditWidget* _sliceWidget;
+  NYXModeToolBar* _modeToolBar;
+  NYXNavigationToolBar* _navigationToolBar;
+  QLabel* _hint; // behind the message, as long as there is one
+  QString _message;
+  QTimer _messageEnd;
   QVBoxLayout* _startActions;
   QLabel* _recentFiles;
   QLabel* _noSlice;

@@ -12,8 +12,9 @@
 #include "app/nyxstackio.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
-#include "slice/image/nyxslicewidget.h"
-#include "slice/image/nyxslicewidgetstatusbar.h"
+#include "slice/nyxnavigationtoolbar.h"
+#include "slice/nyxsliceeditwidget.h"
+#include "slice/nyxsliceeditwidgetstatusbar.h"
 
 #include <QAction>
 #include <QApplication>
@@ -39,7 +40,8 @@ bool NYXRootWindow::__uponQuitting = false;
 
 NYXRootWindow::NYXRootWindow()
   : _menuBar(new QMenuBar(this)),
-    _toolBar(new QToolBar(this)),
+    _toolBars(new QWidget(this)),
+    _toolBar(new QToolBar(_toolBars)),
     _statusBar(new NYXRootStatusBar(this)),
     _browser(new NYXRootBrowser(this)),
     _panorama(new NYXPanorama(this)),
@@ -114,7 +116,7 @@ QAction* NYXRootWindow::addToggle(QMenu& menu, const QString& text, const QStrin
 
 void NYXRootWindow::createShowMenu(QMenu& menu)
 {
-  addToggle(menu, tr("Tool bar"), tr("Show or hide the tool bar"), *_toolBar, "rootWindow/toolBarVisible",
+  addToggle(menu, tr("Tool bar"), tr("Show or hide the tool bar"), *_toolBars, "rootWindow/toolBarVisible",
             &NYXRootWindow::toggleToolBar);
   addToggle(menu, tr("Browser"), tr("Show or hide the lists of stacks and slices"), *_browser,
             "rootWindow/browserVisible", &NYXRootWindow::toggleBrowser);
@@ -149,6 +151,12 @@ void NYXRootWindow::layOut()
   views->addWidget(_panorama, 1);
   views->addWidget(_sliceEditWidget, 1);
 
+  auto* toolBarRow = new QHBoxLayout(_toolBars);
+  toolBarRow->setContentsMargins(0, 0, 0, 0);
+  toolBarRow->setSpacing(0);
+  toolBarRow->addWidget(_toolBar);
+  toolBarRow->addWidget(&_sliceEditWidget->navigationToolBar(), 1);
+
   auto* splitter = new NYXSplitter("rootWindowSplitter", this);
   splitter->addWidget(_browser);
   splitter->addWidget(frame);
@@ -159,7 +167,7 @@ void NYXRootWindow::layOut()
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(_menuBar);
-  layout->addWidget(_toolBar);
+  layout->addWidget(_toolBars);
   layout->addWidget(splitter, 1);
   layout->addWidget(_statusBar);
 }
@@ -231,7 +239,7 @@ void openAddress(const char* address)
 
 void NYXRootWindow::toggleToolBar()
 {
-  flipVisibility(*_toolBar, "rootWindow/toolBarVisible");
+  flipVisibility(*_toolBars, "rootWindow/toolBarVisible");
 }
 
 void NYXRootWindow::toggleBrowser()

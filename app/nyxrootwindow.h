@@ -73,6 +73,7 @@ private:
   static bool __uponQuitting;
 
   QMenuBar* _menuBar;
+  QWidget* _toolBars; // in one row
   QToolBar* _toolBar;
   NYXRootStatusBar* _statusBar;
   NYXRootBrowser* _browser;

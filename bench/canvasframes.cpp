@@ -5,19 +5,14 @@
 //
 //   canvas_frames [SIDE] [ITEMS] [ZOOM]      under a screen, or xvfb-run
 
-#include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "app/nyxrootsliceeditwidget.h"
 #include "app/nyxrootwindow.h"
-#include "image/image.h"
-#include "image/imagesourcefile.h"
-#include "model/model.h"
-#include "model/modelitem.h"
-#include "numeric/randomgenerator.h"
+#include "bench/manyitems.h"
 #include "slice/image/nyximageproxy.h"
 #include "slice/image/nyximagewidgetmediator.h"
-#include "slice/image/nyxslicewidget.h"
 #include "slice/image/nyxslicewidgetcanvas.h"
+#include "slice/nyxsliceeditwidget.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -29,75 +24,11 @@
 #include <tiffio.h>
 
 #include <algorithm>
-#include <cmath>
 #include <iostream>
-#include <numbers>
 
 namespace
 {
 constexpr int numFrames = 300;
-constexpr int numVertices = 100;
-
-struct Settings
-{
-  int side = 16384;
-  int numItems = 10000;
-  float zoom = 0.125F;
-};
-
-void writeTexture(const std::string& filename, int side)
-{
-  Image image(side, side, 8);
-  for (int y = 0; y < side; ++y)
-  {
-    unsigned char* line = image.getLine(y);
-    for (int x = 0; x < side; ++x) line[x] = static_cast<unsigned char>((x ^ y) * 3 + (x * y >> 12));
-  }
-  image.writeFile(filename, true);
-}
-
-Vertices<int> contour(double x, double y, double radius)
-{
-  Vertices<int> vertices(2, numVertices);
-  for (int k = 0; k < numVertices; ++k)
-  {
-    const double angle = 2 * std::numbers::pi * k / numVertices;
-    const double r = radius * (1 + 0.2 * std::sin(5 * angle));
-    vertices[k][0] = static_cast<int>(x + r * std::cos(angle));
-    vertices[k][1] = static_cast<int>(y + r * std::sin(angle));
-  }
-  return vertices;
-}
-
-/// Contours around the centre of the image, all within a view of 900 x 500 canvas pixels.
-void drawItems(StackSlice& slice, Model& model, const Settings& settings)
-{
-  RandomGenerator random(1);
-  const double w = std::min(900 / static_cast<double>(settings.zoom), settings.side * 0.9);
-  const double h = std::min(500 / static_cast<double>(settings.zoom), settings.side * 0.9);
-  for (int i = 0; i < settings.numItems; ++i)
-  {
-    const double x = (settings.side - w) / 2 + random.uniformLF(0, w);
-    const double y = (settings.side - h) / 2 + random.uniformLF(0, h);
-    ModelItem::create(model, slice).setVertices(contour(x, y, 6 / static_cast<double>(settings.zoom)));
-  }
-}
-
-std::unique_ptr<NYXStack> makeStack(const std::string& image, const Settings& settings)
-{
-  auto stack = std::make_unique<NYXStack>();
-  Model& model = stack->addModel(std::make_unique<Model>("contours"));
-  StackSlice& slice = stack->addSlice(std::make_unique<StackSlice>());
-  slice.setName("slice");
-  slice.setImageSource(ImageSourceFile(image));
-  drawItems(slice, model, settings);
-  return stack;
-}
-
-double millisecondsOf(const QElapsedTimer& clock)
-{
-  return static_cast<double>(clock.nsecsElapsed()) / 1e6;
-}
 
 /// The time that libtiff takes to read the image into memory.
 double libtiffMilliseconds(const std::string& filename)
@@ -115,9 +46,9 @@ double libtiffMilliseconds(const std::string& filename)
 }
 
 /// The time from the opening of a stack until a frame with its image is on the screen.
-double firstPixelsMilliseconds(const std::string& filename, const Settings& settings, NYXImageWidgetCanvas& canvas)
+double firstPixelsMilliseconds(const std::string& filename, const ManyItems& settings, NYXImageWidgetCanvas& canvas)
 {
-  Settings imageOnly = settings;
+  ManyItems imageOnly = settings;
   imageOnly.numItems = 0;
   std::unique_ptr<NYXStack> stack = makeStack(filename, imageOnly);
   QEventLoop loop;
@@ -135,7 +66,7 @@ double firstPixelsMilliseconds(const std::string& filename, const Settings& sett
   return milliseconds;
 }
 
-void reportFirstPixels(const std::string& filename, const Settings& settings, NYXImageWidgetCanvas& canvas)
+void reportFirstPixels(const std::string& filename, const ManyItems& settings, NYXImageWidgetCanvas& canvas)
 {
   std::vector<double> window, libtiff;
   for (int k = 0; k < 5; ++k)
@@ -193,10 +124,8 @@ private:
   void report()
   {
     const auto worst = std::max_element(_times.begin(), _times.end()) - _times.begin();
-    std::sort(_times.begin(), _times.end());
-    std::cout << "canvas " << _canvas.width() << "x" << _canvas.height() << ": median " << _times[numFrames / 2]
-              << " ms, 99% " << _times[numFrames * 99 / 100] << " ms, worst " << _times.back() << " ms (frame " << worst
-              << "); " << _numLoading << " frames without pyramid\n";
+    std::cout << "canvas " << _canvas.width() << "x" << _canvas.height() << ": " << summaryOf(_times) << " (frame "
+              << worst << "); " << _numLoading << " frames without pyramid\n";
     QCoreApplication::exit();
   }
 
@@ -206,15 +135,6 @@ private:
   std::vector<double> _times;
   int _numLoading = 0;
 };
-
-Settings settingsOf(const QStringList& arguments)
-{
-  Settings settings;
-  if (arguments.size() > 1) settings.side = arguments[1].toInt();
-  if (arguments.size() > 2) settings.numItems = arguments[2].toInt();
-  if (arguments.size() > 3) settings.zoom = arguments[3].toFloat();
-  return settings;
-}
 } // namespace
 
 int main(int argc, char** argv)
@@ -223,14 +143,15 @@ int main(int argc, char** argv)
   QCoreApplication::setOrganizationName("VELK");
   QCoreApplication::setApplicationName("canvas_frames"); // settings of its own
   QApplication::setStyle("Fusion");
-  const Settings settings = settingsOf(QCoreApplication::arguments());
+  ManyItems settings;
+  settings.read(QCoreApplication::arguments());
   const QTemporaryDir folder;
   const std::string image = folder.filePath("image.tif").toStdString();
   writeTexture(image, settings.side);
 
   auto* window = new NYXRootWindow;
   window->setGeometry(0, 0, 1280, 800);
-  NYXSliceWidget& widget = window->findChild<NYXRootSliceEditWidget*>()->sliceWidget();
+  NYXSliceEditWidget& widget = window->findChild<NYXRootSliceEditWidget*>()->sliceWidget();
   reportFirstPixels(image, settings, widget.canvas());
   NYXStackServer::server().addStack(makeStack(image, settings));
   widget.canvas().setBestFitMode(false, false);

@@ -1,9 +1,15 @@
 #include "slice/nyxcontourvertices.h"
 
+#include "model/model.h"
 #include "model/modelitem.h"
 
 #include <algorithm>
 #include <cmath>
+
+bool isCurve(const ModelItem& item)
+{
+  return item.isClosed() || item.getModel()->getGeometry() == MPrimitive::Polyline;
+}
 
 Curve<double> realCurve(const ModelItem& item)
 {

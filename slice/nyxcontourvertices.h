@@ -4,6 +4,9 @@
 
 class ModelItem;
 
+/// Whether an item is a closed or an open contour.
+bool isCurve(const ModelItem& item);
+
 /// The curve of an item, for calculations.
 Curve<double> realCurve(const ModelItem& item);
 

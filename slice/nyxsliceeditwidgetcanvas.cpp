@@ -4,6 +4,11 @@
 
 #include <QPainter>
 
+namespace
+{
+constexpr double faintOpacity = 0.45;
+}
+
 NYXSliceEditWidgetCanvas::NYXSliceEditWidgetCanvas(QWidget* parent) : NYXSliceWidgetCanvas(parent)
 {
   setObjectName("sliceEditCanvas");
@@ -15,16 +20,35 @@ void NYXSliceEditWidgetCanvas::setExtraItem(const ModelItem* item)
   update();
 }
 
+void NYXSliceEditWidgetCanvas::setFaintItems(const StackSlice* items)
+{
+  if (items == _faintItems && items == nullptr) return;
+  _faintItems = items;
+  _faintLayer.setSlice(items);
+  update();
+}
+
 void NYXSliceEditWidgetCanvas::paintForeground(QPainter& painter)
 {
+  if (_faintItems != nullptr && getCanvasMode() != CanvasMode::Background)
+  {
+    painter.setOpacity(faintOpacity);
+    painter.drawImage(QRectF(rect()), _faintLayer.update(viewport(), devicePixelRatioF()));
+    painter.setOpacity(1);
+  }
   NYXSliceWidgetCanvas::paintForeground(painter);
   if (_extraItem == nullptr || getCanvasMode() == CanvasMode::Background) return;
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  const NYXImageViewport& view = viewport();
-  const double dx = (0.5 - view.getViewOrigin().x()) * view.scaleX();
-  const double dy = (0.5 - view.getViewOrigin().y()) * view.scaleY();
-  const QTransform toCanvas(view.scaleX(), 0, 0, view.scaleY(), dx, dy);
-  drawModelItem(painter, *_extraItem, toCanvas, rect(), NYXItemDetail::Full);
+  drawModelItem(painter, *_extraItem, itemsToCanvas(), rect(), NYXItemDetail::Full);
+  painter.restore();
+}
+
+void NYXSliceEditWidgetCanvas::highlight(QPainter& painter, const ModelItem& item, const QColor& color) const
+{
+  if (getCanvasMode() == CanvasMode::Background) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  highlightModelItem(painter, item, itemsToCanvas(), rect(), color);
   painter.restore();
 }

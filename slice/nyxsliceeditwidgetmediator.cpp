@@ -1,11 +1,17 @@
 #include "slice/nyxsliceeditwidgetmediator.h"
 
+#include "app/core/actions/nyxitemappendpointsaction.h"
+#include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxexception.h"
+#include "app/core/nyxpreferences.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxrulerdelegate.h"
+#include "slice/nyxcontourvertices.h"
+#include "slice/nyxpreviousslice.h"
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediatorcreationdelegate.h"
@@ -26,6 +32,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
+#include <QToolBar>
 
 #include <algorithm>
 
@@ -58,10 +65,23 @@ void NYXSliceEditWidgetMediator::initialize()
   _shift = new NYXSliceEditWidgetMediatorShiftDelegate(*this);
   _selection->activate();
   NYXSliceWidgetMediator::initialize();
-  createEditActions();
+  _toolGroup = new QActionGroup(this);
+  _toolGroup->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+  createDrawingTools();
   createContourTools();
+  createEditActions();
+  createModelKeys();
+  createBrushActions();
+  createPreviousSliceActions();
   createMenus();
+  connect(&ruler(), &NYXRulerDelegate::activeChanged, this,
+          [this](bool isActive)
+          {
+            if (isActive) finishTool();
+            showTools();
+          });
   updateEditActions();
+  showEditMode("READY", {});
 }
 
 NYXSliceEditWidget& NYXSliceEditWidgetMediator::editWidget() const
@@ -84,123 +104,64 @@ NYXActionHistory& NYXSliceEditWidgetMediator::history() const
   return stack().sliceHistory(sliceCanvas().getSlice());
 }
 
-void NYXSliceEditWidgetMediator::createEditActions()
-{
-  _cancel = createAction(tr("Cancel"), tr("Give up the tool at work, or the selection"), "cancel", Qt::Key_Escape,
-                         [this] { cancel(); });
-  _copy = createAction(tr("Copy"), tr("Copy what is selected"), "copy", QKeySequence::Copy,
-                       [this] { _selection->copySelection(); });
-  _paste = createAction(tr("Paste"), tr("Put what was copied on this slice"), "paste", QKeySequence::Paste,
-                        [this] { _selection->pasteSelection(); });
-  _delete = createAction(tr("Delete"), tr("Delete what is selected"), "delete", Qt::Key_Delete,
-                         [this] { _selection->removeSelection(); });
-  _selectAll = createAction(tr("Select all"), tr("Select everything on the slice"), "selectAll",
-                            QKeySequence::SelectAll, [this] { _selection->selectAllModelItems(); });
-  _properties = createAction(tr("Properties..."), tr("Change the colour and lines of what is selected"), "properties",
-                             {}, [this] { emit propertiesRequested(); });
-}
-
-void NYXSliceEditWidgetMediator::createContourTools()
-{
-  _contourTools = {
-      createAction(tr("Edit points"), tr("Move, insert and delete points of what is selected"), "editPoints", Qt::Key_E,
-                   [this] { _edition->activate(); }),
-      createAction(tr("Decimate"), tr("Leave out vertices that the selected contours hardly need"), "decimate", {},
-                   [this] { _selection->decimateSelection(); }),
-      createAction(tr("Decimate (Douglas-Peucker)"), tr("Leave out vertices within a tolerance"),
-                   "decimateDouglasPeucker", {}, [this] { _douglasPeucker->activate(); }),
-      createAction(tr("Change origin"), tr("Make another vertex of the contour the first one"), "changeOrigin", {},
-                   [this] { _reorigin->activate(); }),
-      createAction(tr("Resample"), tr("Give the contour vertices at equal distances"), "resample", Qt::Key_R,
-                   [this] { _resampling->activate(); }),
-      createAction(tr("Run Snake"), tr("Let the contour move to the edges around it"), "runSnake", Qt::Key_S,
-                   [this] { _snake->activate(); }),
-      createAction(tr("Smooth (Fourier)"), tr("Keep the coarse shape of the contour only"), "smoothFourier", {},
-                   [this] { _fourier->activate(); }),
-      createAction(tr("Split contour"), tr("Cut the contour along a line"), "splitContour", {},
-                   [this] { _split->activate(); }),
-  };
-  _shiftItems = createAction(tr("Move contour"), tr("Drag what is selected as a whole"), "moveContour", {},
-                             [this] { _shift->activate(); });
-}
-
-QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const QString& toolTip, const QString& name,
-                                                   QStringList (NYXSliceEditWidgetMediator::*names)() const,
-                                                   const std::function<void(const QString&)>& choose)
-{
-  auto* menu = new QMenu(title, &widget());
-  menu->setObjectName(name);
-  menu->menuAction()->setToolTip(toolTip);
-  menu->menuAction()->setStatusTip(toolTip);
-  connect(menu, &QMenu::aboutToShow, this,
-          [this, menu, names, choose, toolTip]
-          {
-            menu->clear();
-            const QStringList models = sliceCanvas().hasSlice() ? (this->*names)() : QStringList();
-            for (const QString& model : models)
-            {
-              QAction* action =
-                  menu->addAction(QString(model).replace("&", "&&"), this, [choose, model] { choose(model); });
-              action->setStatusTip(toolTip);
-            }
-            if (models.isEmpty()) menu->addAction(tr("(no model)"))->setEnabled(false);
-          });
-  return menu;
-}
-
-QAction* NYXSliceEditWidgetMediator::createTagAction(const QString& text, const QString& toolTip, const QString& name,
-                                                     int tag)
-{
-  QAction* action = createAction(text, toolTip, name, {}, [] {});
-  action->setCheckable(true);
-  action->setData(tag);
-  _tags->addAction(action);
-  _reconstructionMenu->addAction(action);
-  return action;
-}
-
-void NYXSliceEditWidgetMediator::createMenus()
-{
-  using Mediator = NYXSliceEditWidgetMediator;
-  _manualMenu =
-      createModelMenu(tr("Manual"), tr("Draw a new item of a model"), "manualMenu", &Mediator::buildStackModelList,
-                      [this](const QString& model)
-                      {
-                        _selection->cancelSelection();
-                        _creation->activate(model);
-                      });
-  _automaticMenu = createModelMenu(tr("Automatic"), tr("Make a contour of the object in a rectangle"), "automaticMenu",
-                                   &Mediator::buildPolygonModelList,
-                                   [this](const QString& model)
-                                   {
-                                     _selection->cancelSelection();
-                                     _thresholding->activate(model);
-                                   });
-  _selectMenu =
-      createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
-                      [this](const QString& model) { _selection->selectModelItems(model); });
-  _convertMenu = createModelMenu(tr("Convert"), tr("Move what is selected to another model"), "convertMenu",
-                                 &Mediator::buildStackModelList,
-                                 [this](const QString& model) { _selection->convertSelection(model); });
-
-  _reconstructionMenu = new QMenu(tr("Reconstruction"), &widget());
-  _reconstructionMenu->setObjectName("reconstructionMenu");
-  _tags = new QActionGroup(this);
-  createTagAction(tr("Can connect with all"), tr("The surface goes through the contour"), "connectAll", 0);
-  createTagAction(tr("Cannot connect with previous contours"), tr("The surface begins at the contour"),
-                  "connectNotPrevious", 1);
-  createTagAction(tr("Cannot connect with next contours"), tr("The surface ends at the contour"), "connectNotNext", 2);
-  connect(_tags, &QActionGroup::triggered, this,
-          [this](const QAction* action) { _selection->changeSelectionTriangulationTag(*action); });
-}
-
 // ------------------------------------------------------------------------------------------------------- the tools
 
 void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
 {
-  if (_activeTool != nullptr) _activeTool->cancel();
+  const bool isShown = sliceCanvas().hasSlice() && &sliceCanvas().getSlice() == slice;
+  if (_activeTool != nullptr && !isShown) _activeTool->cancel();
+  if (!isShown) _selection->cancel();
+  editWidget().editCanvas().setFaintItems(nullptr);
   NYXSliceWidgetMediator::setSlice(slice);
+  _previous->setSlice(slice);
+  showPreviousItems();
   updateEditActions();
+  if (_activeTool == nullptr) _selection->showMode();
+}
+
+void NYXSliceEditWidgetMediator::draw(const QString& modelName)
+{
+  setModelInUse(modelName);
+  _selection->cancelSelection();
+  _creation->activate(modelName);
+}
+
+void NYXSliceEditWidgetMediator::drawAutomatically(const QString& modelName)
+{
+  setModelInUse(modelName);
+  _selection->cancelSelection();
+  _thresholding->activate(modelName);
+}
+
+QString NYXSliceEditWidgetMediator::modelInUse() const
+{
+  if (!sliceCanvas().hasSlice() || stack().getNumModels() == 0) return {};
+  const int place = stack().findModel(_modelInUse);
+  return QString::fromStdString(stack().getModel(std::max(place, 0))->getName());
+}
+
+void NYXSliceEditWidgetMediator::setModelInUse(const QString& name)
+{
+  if (!sliceCanvas().hasSlice() || stack().findModel(name.toStdString()) < 0) return;
+  _modelInUse = name.toStdString();
+  _creation->changeModel(name);
+  updateEditActions();
+}
+
+QList<QAction*> NYXSliceEditWidgetMediator::toolActions() const
+{
+  return {_select, _draw, _drawAutomatically, nullptr, _editPoints, _splitContour, _shiftItems, _runSnake};
+}
+
+void NYXSliceEditWidgetMediator::showTools()
+{
+  for (const auto& [action, tool] : _tools) action->setChecked(tool->isActive());
+  _select->setChecked(_activeTool == nullptr && !ruler().isActive());
+}
+
+void NYXSliceEditWidgetMediator::finishTool()
+{
+  if (_activeTool != nullptr) _activeTool->finish();
 }
 
 void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool)
@@ -208,8 +169,9 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   NYXSliceEditWidgetMediatorDelegate* const before = _activeTool;
   _activeTool = tool;
   if (before != nullptr && tool != nullptr) before->cancel();
-  _selection->setActive(_activeTool == nullptr);
-  if (_activeTool == nullptr) showEditMode("READY", {});
+  _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
+  if (_activeTool != nullptr) ruler().deactivate();
+  if (_activeTool == nullptr) _selection->showMode();
   requestLock(_activeTool != nullptr);
   updateEditActions();
 }
@@ -217,6 +179,7 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
 void NYXSliceEditWidgetMediator::showEditMode(const QString& mode, const QString& hint)
 {
   editWidget().editStatusBar().setEditModeInfo(mode);
+  _hint = hint;
   emit hintShown(hint);
 }
 
@@ -267,6 +230,61 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
   }
 }
 
+// ----------------------------------------------------------------------------------------------- the slice before
+
+void NYXSliceEditWidgetMediator::showPreviousItems()
+{
+  updateToolActions();
+  const bool isShown = _showPrevious->isChecked() && _previous->hasPrevious();
+  try
+  {
+    editWidget().editCanvas().setFaintItems(isShown ? &_previous->items() : nullptr);
+  }
+  catch (const Exception& error)
+  {
+    showMessage(tr("Cannot place the previous slice: %1").arg(QString::fromStdString(error.getWhat())));
+  }
+}
+
+QString NYXSliceEditWidgetMediator::previousItemsText(int numCopied, int numLeftOut) const
+{
+  QString text = numCopied == 0   ? tr("Nothing to copy from the previous slice")
+                 : numCopied == 1 ? tr("1 item copied from the previous slice")
+                                  : tr("%1 items copied from the previous slice").arg(numCopied);
+  if (numLeftOut > 0) text += tr("; %1 would lie outside of the image").arg(numLeftOut);
+  return text;
+}
+
+void NYXSliceEditWidgetMediator::copyPreviousItems()
+{
+  if (!isEditable() || _activeTool != nullptr) return;
+  try
+  {
+    int numLeftOut = 0;
+    std::vector<std::unique_ptr<NYXAction>> actions;
+    std::vector<std::unique_ptr<ModelItem>> items;
+    for (auto& item : _previous->copies(numLeftOut))
+    {
+      ModelItem* const buddy = isCurve(*item) ? nullptr : slice().buddyItem(*item);
+      if (buddy != nullptr)
+        actions.push_back(std::make_unique<NYXItemAppendPointsAction>(*buddy, *item));
+      else
+        items.push_back(std::move(item));
+    }
+    const auto numCopied = static_cast<int>(actions.size() + items.size());
+    _selection->cancelSelection();
+    for (const auto& item : items) item->getSelection().set(true);
+    if (!items.empty()) actions.push_back(std::make_unique<NYXItemCreationAction>(std::move(items)));
+    pushStep(std::move(actions));
+    notifyEvent(NYXSliceItemSelectionEvent(slice()));
+    showMessage(previousItemsText(numCopied, numLeftOut));
+  }
+  catch (const Exception& error)
+  {
+    showMessage(tr("Cannot place the previous slice: %1").arg(QString::fromStdString(error.getWhat())));
+  }
+}
+
 // ------------------------------------------------------------------------------------------------ what is offered
 
 QStringList NYXSliceEditWidgetMediator::buildStackModelList() const
@@ -299,15 +317,47 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   const bool isIdle = isEditable() && _activeTool == nullptr;
   const ModelItem* const item = isIdle ? _selection->selectedItem() : nullptr;
   _cancel->setEnabled(_activeTool != nullptr || item != nullptr);
-  for (QAction* action : {_copy, _delete, _shiftItems, _properties}) action->setEnabled(item != nullptr);
-  for (QAction* action : std::as_const(_contourTools)) action->setEnabled(item != nullptr);
+  for (QAction* action : {_copy, _delete, _properties}) action->setEnabled(item != nullptr);
+  const Items items = item != nullptr ? slice().getSelectedItems() : Items();
+  for (const ContourAction& contour : _contourActions) contour.action->setEnabled(contour.isApplicable(items));
+  updateToolActions();
   _paste->setEnabled(isIdle && _selection->hasClipboard());
-  _selectAll->setEnabled(isIdle && sliceCanvas().getSlice().getNumItems() > 0);
+  _selectAll->setEnabled(isIdle && slice().getNumItems() > 0);
   _convertMenu->setEnabled(item != nullptr);
   _reconstructionMenu->setEnabled(item != nullptr && item->isClosed());
+  _tags->setEnabled(item != nullptr && item->isClosed());
   _manualMenu->setEnabled(isEditable());
   _automaticMenu->setEnabled(isEditable());
   _selectMenu->setEnabled(isIdle);
+  showTools();
+  emit toolsChanged();
+}
+
+void NYXSliceEditWidgetMediator::changeBrushSize(int change)
+{
+  const int size = std::clamp(NYXPreferences::getRegionBrushSize() + change, 0, NYXPreferences::largestRegionBrushSize);
+  NYXPreferences::setRegionBrushSize(size);
+  notifyEvent(NYXPreferencesEvent());
+  showMessage(tr("Radius of the region brush: %1 px").arg(size));
+}
+
+/// Tools can be chosen also while another one is at work.
+void NYXSliceEditWidgetMediator::updateToolActions()
+{
+  const Items items = isEditable() ? slice().getSelectedItems() : Items();
+  for (const ContourAction& contour : _contourActions)
+    if (contour.action->isCheckable()) contour.action->setEnabled(contour.isApplicable(items));
+  const QString name = modelInUse();
+  const bool canDraw = isEditable() && !name.isEmpty();
+  const int place = canDraw ? stack().findModel(name.toStdString()) : -1;
+  _select->setEnabled(sliceCanvas().hasSlice());
+  _draw->setEnabled(canDraw);
+  _drawAutomatically->setEnabled(canDraw && stack().getModel(place)->getGeometry() == MPrimitive::Polygon);
+  for (const auto& [action, tool] : _tools)
+    if (tool->isActive()) action->setEnabled(true);
+  for (int i = 0; i < _modelKeys.size(); ++i) _modelKeys[i]->setEnabled(canDraw && i < stack().getNumModels());
+  _showPrevious->setEnabled(_previous->hasPrevious());
+  _copyPrevious->setEnabled(_previous->hasPrevious() && isEditable() && _activeTool == nullptr);
 }
 
 void NYXSliceEditWidgetMediator::refreshContextMenuActions()
@@ -332,13 +382,14 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
     menu.addMenu(_selectMenu);
     menu.addSeparator();
     menu.addActions({_paste, _selectAll});
+    menu.addSeparator();
+    menu.addActions({_showPrevious, _copyPrevious});
   }
   else
   {
     menu.addActions({_copy, _paste, _delete});
     menu.addSeparator();
-    menu.addActions(_contourTools);
-    menu.addAction(_shiftItems);
+    for (const ContourAction& contour : _contourActions) menu.addAction(contour.action);
     menu.addSeparator();
     menu.addMenu(_convertMenu);
     menu.addMenu(_reconstructionMenu);
@@ -361,6 +412,19 @@ void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelectionEvent&)
 {
   updateEditActions();
+  if (_activeTool == nullptr) _selection->showMode();
+}
+
+void NYXSliceEditWidgetMediator::modelCreateEvent(const NYXModelCreateEvent& event)
+{
+  NYXSliceWidgetMediator::modelCreateEvent(event);
+  updateEditActions();
+}
+
+void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
+{
+  NYXSliceWidgetMediator::modelPropertiesEvent(event);
+  updateEditActions();
 }
 
 void NYXSliceEditWidgetMediator::modelDeleteEvent(const NYXModelDeleteEvent& event)
@@ -374,5 +438,18 @@ void NYXSliceEditWidgetMediator::modelItemDeleteEvent(const NYXModelItemDeleteEv
 {
   if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->cancel();
   NYXSliceWidgetMediator::modelItemDeleteEvent(event);
+  updateEditActions();
+}
+
+void NYXSliceEditWidgetMediator::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->followItem();
+  NYXSliceWidgetMediator::modelItemVertexEvent(event);
+}
+
+void NYXSliceEditWidgetMediator::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  if (_activeTool != nullptr && _activeTool->worksOn(event.getItem())) _activeTool->cancel();
+  NYXSliceWidgetMediator::modelItemConvertEvent(event);
   updateEditActions();
 }

@@ -7,8 +7,10 @@
 #include <memory>
 #include <vector>
 
+class ModelItem;
 class NYXAction;
 class NYXActionHistory;
+class NYXPreviousSlice;
 class NYXSliceEditWidget;
 class NYXSliceEditWidgetMediatorCreationDelegate;
 class NYXSliceEditWidgetMediatorDelegate;
@@ -44,10 +46,14 @@ public:
   /// Of the slice.
   NYXActionHistory& history() const;
 
+  /// Whether there is a slice and it is not locked: tools are activated on no other.
+  bool isEditable() const;
   /// The tool at work, or nullptr while the selection is; called by the tools. Locks the editor while there is one.
   void setActiveTool(NYXSliceEditWidgetMediatorDelegate* tool);
   NYXSliceEditWidgetMediatorDelegate* activeTool() const { return _activeTool; }
   void showEditMode(const QString& mode, const QString& hint);
+  /// What the next click, drag or key does now.
+  const QString& hint() const { return _hint; }
   /// A line for the user, gone after a while.
   void showMessage(const QString& text);
 
@@ -62,6 +68,14 @@ public:
   QStringList buildStackModelList() const;
   QStringList buildSliceModelList() const;
   QStringList buildPolygonModelList() const;
+
+  /// The model that new items belong to: the one that was chosen last, else the first; empty without models.
+  QString modelInUse() const;
+  /// Nothing happens when the stack has no model of this name.
+  void setModelInUse(const QString& name);
+
+  /// The tools of the strip; nullptr sets groups apart.
+  QList<QAction*> toolActions() const;
 
   /// The menus, filled when they are about to be shown.
   QMenu& manualMenu() const { return *_manualMenu; }
@@ -83,12 +97,18 @@ public:
 public slots:
   /// Gives the active tool up, or else what is selected.
   void cancel();
+  /// Leaves the active tool with what is worth keeping of its work.
+  void finishTool();
+  /// Items like those of the slice before, on the slice that is shown; one step.
+  void copyPreviousItems();
   /// Whether the slice has to stay, since a tool works on it.
   void requestLock(bool isLocked);
 
 signals:
   void lockRequested(bool isLocked);
-  /// What the next click, drag or key does; empty when that needs no words.
+  /// The tool at work, what can be done, or the models have changed.
+  void toolsChanged();
+  /// What the next click, drag or key does; empty when there is no slice.
   void hintShown(const QString& text);
   void messageShown(const QString& text);
   /// The properties of what is selected are to be edited.
@@ -97,18 +117,44 @@ signals:
 protected:
   void sliceLockEvent(const NYXSliceLockEvent& event) override;
   void sliceItemSelectionEvent(const NYXSliceItemSelectionEvent& event) override;
+  void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
+  void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
+  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
+  void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
 
 private:
+  using Items = std::vector<ModelItem*>;
+  /// What can be done with what is selected, if it is the right thing.
+  struct ContourAction
+  {
+    QAction* action;
+    bool (*isApplicable)(const Items& selected);
+  };
+
+  /// A tool of the strip, checked while it is active; triggered again, it is finished.
+  QAction* createTool(const QString& text, const QString& toolTip, const QString& name, const QKeySequence& shortcut,
+                      NYXSliceEditWidgetMediatorDelegate& tool, const std::function<void()>& activate);
   void createEditActions();
+  void createDrawingTools();
+  void createModelKeys();
+  void createBrushActions();
+  void changeBrushSize(int change);
   void createContourTools();
+  void createPreviousSliceActions();
+  void draw(const QString& modelName);
+  void drawAutomatically(const QString& modelName);
+  void updateToolActions();
+  void showTools();
+  void showPreviousItems();
+  QString previousItemsText(int numCopied, int numLeftOut) const;
   void createMenus();
   QMenu* createModelMenu(const QString& title, const QString& toolTip, const QString& name,
                          QStringList (NYXSliceEditWidgetMediator::*names)() const,
                          const std::function<void(const QString&)>& choose);
   QAction* createTagAction(const QString& text, const QString& toolTip, const QString& name, int tag);
-  bool isEditable() const;
+  StackSlice& slice() const { return sliceCanvas().getSlice(); }
 
   NYXSliceEditWidgetMediatorDelegate* _activeTool = nullptr;
   NYXSliceEditWidgetMediatorSelectionDelegate* _selection = nullptr;
@@ -123,12 +169,27 @@ private:
   NYXSliceEditWidgetMediatorSplitDelegate* _split = nullptr;
   NYXSliceEditWidgetMediatorShiftDelegate* _shift = nullptr;
 
+  QString _hint;
+  std::string _modelInUse;
+  NYXPreviousSlice* _previous = nullptr;
+
+  std::vector<std::pair<QAction*, NYXSliceEditWidgetMediatorDelegate*>> _tools;
+  QActionGroup* _toolGroup = nullptr; // at most one is checked
+  QAction* _select = nullptr;
+  QAction* _draw = nullptr;
+  QAction* _drawAutomatically = nullptr;
+  QList<QAction*> _modelKeys;
+  QAction* _showPrevious = nullptr;
+  QAction* _copyPrevious = nullptr;
   QAction* _cancel = nullptr;
   QAction* _copy = nullptr;
   QAction* _paste = nullptr;
   QAction* _delete = nullptr;
-  QList<QAction*> _contourTools; // that work on selected contours
+  QAction* _editPoints = nullptr;
+  QAction* _splitContour = nullptr;
+  QAction* _runSnake = nullptr;
   QAction* _shiftItems = nullptr;
+  std::vector<ContourAction> _contourActions; // in the menu's order
   QAction* _selectAll = nullptr;
   QAction* _properties = nullptr;
   QActionGroup* _tags = nullptr;

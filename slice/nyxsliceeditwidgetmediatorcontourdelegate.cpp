@@ -2,7 +2,6 @@
 
 #include "app/core/actions/nyxitemverticeschangeaction.h"
 #include "app/core/nyxpreferences.h"
-#include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "slice/nyxcontourtooldialog.h"
@@ -27,8 +26,7 @@ NYXSliceEditWidgetMediatorContourDelegate::~NYXSliceEditWidgetMediatorContourDel
 
 bool NYXSliceEditWidgetMediatorContourDelegate::isApplicable(const ModelItem& item) const
 {
-  const MPrimitive geometry = item.getModel()->getGeometry();
-  return geometry == MPrimitive::Polygon || geometry == MPrimitive::Polyline;
+  return isCurve(item);
 }
 
 bool NYXSliceEditWidgetMediatorContourDelegate::worksOn(const ModelItem& item) const
@@ -38,7 +36,7 @@ bool NYXSliceEditWidgetMediatorContourDelegate::worksOn(const ModelItem& item) c
 
 void NYXSliceEditWidgetMediatorContourDelegate::activate()
 {
-  if (isActive() || !editCanvas().hasSlice()) return;
+  if (isActive() || !editMediator().isEditable()) return;
   _items = slice().getSelectedItems();
   std::erase_if(_items, [this](const ModelItem* item) { return !isApplicable(*item); });
   if (_items.empty()) return;
@@ -51,7 +49,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::activate()
   connect(_dialog, &QDialog::accepted, this, [this] { _dialog && _dialog->isForAll() ? applyToAll() : apply(); });
   connect(_dialog, &QDialog::rejected, this, &NYXSliceEditWidgetMediatorContourDelegate::cancel);
   updatePreview();
-  _dialog->move(canvas().mapToGlobal(QPoint(10, 10)));
+  placeBeside(*_items.front(), *_dialog);
   _dialog->show();
 }
 

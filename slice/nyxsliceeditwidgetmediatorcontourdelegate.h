@@ -25,10 +25,11 @@ public:
   void activate() override;
   void deactivate() override;
   bool worksOn(const ModelItem& item) const override;
+  void followItem() override { updatePreview(); }
   void paint(QPainter& painter) override;
 
 public slots:
-  /// Changes the first selected contour, or all of them, and leaves the tool; says why not and stays when it cannot.
+  /// Changes the first selected contour, or all of them, leaves the tool, and says why when it could not.
   void apply();
   void applyToAll();
 

@@ -12,7 +12,7 @@
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
-#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
@@ -28,7 +28,7 @@ NYXSliceEditWidgetMediatorCreationDelegate::~NYXSliceEditWidgetMediatorCreationD
 
 void NYXSliceEditWidgetMediatorCreationDelegate::activate(const QString& modelName)
 {
-  const int i = stack().findModel(modelName.toStdString());
+  const int i = editMediator().isEditable() ? stack().findModel(modelName.toStdString()) : -1;
   if (i < 0) return;
   cancel();
   _item = std::make_unique<ModelItem>(stack().getModel(i), &slice());
@@ -59,11 +59,16 @@ bool NYXSliceEditWidgetMediatorCreationDelegate::isPoints() const
 
 QString NYXSliceEditWidgetMediatorCreationDelegate::hint() const
 {
+  const QString name = QString::fromStdString(model().getName());
   if (_item->isRegion())
-    return tr("Drag to paint the region, Return to finish, Backspace to take the last disc back, Escape to cancel");
-  if (isPoints()) return tr("Click to add a point, Return to finish, Backspace to take one back, Escape to cancel");
-  return tr("Click or drag to add vertices, Return or a double click to finish, Backspace to take one back, Escape to "
-            "cancel");
+    return tr("%1: drag to paint, [ and ] change the brush, Return to finish, Backspace to take the last disc back, "
+              "Escape to cancel")
+        .arg(name);
+  if (isPoints())
+    return tr("%1: click to add a point, Return to finish, Backspace to take one back, Escape to cancel").arg(name);
+  return tr("%1: click or drag to add vertices, Return or a double click to finish, Backspace to take one back, "
+            "Escape to cancel")
+      .arg(name);
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
@@ -80,6 +85,14 @@ void NYXSliceEditWidgetMediatorCreationDelegate::keyPressEvent(QKeyEvent& event)
   default:
     event.ignore();
   }
+}
+
+/// The menu of a right press would show up over the selection once the press has cancelled.
+bool NYXSliceEditWidgetMediatorCreationDelegate::anyEvent(QEvent& event)
+{
+  if (event.type() == QEvent::MouseButtonPress) _hasPressAskedMenu = isActive();
+  return event.type() == QEvent::ContextMenu && _hasPressAskedMenu &&
+         static_cast<QContextMenuEvent&>(event).reason() == QContextMenuEvent::Mouse;
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::press(const NYXPointerEvent& event)
@@ -105,20 +118,27 @@ void NYXSliceEditWidgetMediatorCreationDelegate::move(const NYXPointerEvent& eve
 
 void NYXSliceEditWidgetMediatorCreationDelegate::addVertex(const QPoint& canvasPoint, bool isStroke)
 {
-  if (!isOnImage(canvasPoint)) return;
+  if (!isOnImage(canvasPoint))
+  {
+    _isInterrupted = true;
+    return;
+  }
   const Vector<int> point = canvas().convertToVectori(canvasPoint);
   const Vertices<int>& vertices = _item->getVertices();
   if (_item->isRegion())
-  {
-    const bool isConnected = isStroke && !_discs.empty();
-    _discs.push_back(
-        brushStroke(imageBox(), isConnected ? _lastDisc : point, point, NYXPreferences::getRegionBrushSize()));
-    _lastDisc = point;
-    _item->addRLEItemSet(_discs.back());
-  }
+    addDisc(point, isStroke);
   else if (vertices.getNumVertices() == 0 || !(vertices[vertices.getNumVertices() - 1] == point))
     _item->appendVertex(point);
   canvas().update();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::addDisc(const Vector<int>& center, bool isStroke)
+{
+  const bool isConnected = isStroke && !_isInterrupted && !_discs.empty();
+  const Vector<int> from = isConnected ? _discs.back().center : center;
+  _isInterrupted = false;
+  _discs.push_back({brushStroke(imageBox(), from, center, NYXPreferences::getRegionBrushSize()), center, isConnected});
+  _item->addRLEItemSet(_discs.back().positions);
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
@@ -127,9 +147,10 @@ void NYXSliceEditWidgetMediatorCreationDelegate::removeLastVertex()
   if (numVertices <= 1) return cancel();
   if (_item->isRegion())
   {
+    _isInterrupted = _isInterrupted || !_discs.back().isConnected;
     _discs.pop_back();
     RLEItemSet rest;
-    for (const RLEItemSet& disc : _discs) rest.add(disc);
+    for (const Disc& disc : _discs) rest.add(disc.positions);
     _item->setRLEItemSet(std::move(rest));
   }
   else
@@ -160,6 +181,21 @@ void NYXSliceEditWidgetMediatorCreationDelegate::apply()
   _item->setClockwise(false);
   record();
   deactivate();
+}
+
+void NYXSliceEditWidgetMediatorCreationDelegate::finish()
+{
+  if (isActive() && refusal().isEmpty())
+    apply();
+  else
+    cancel();
+}
+
+bool NYXSliceEditWidgetMediatorCreationDelegate::changeModel(const QString& modelName)
+{
+  if (!isActive() || _item->getSize() > 0) return false;
+  activate(modelName);
+  return true;
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::decimate()

@@ -28,6 +28,10 @@ public:
   void deactivate() override;
   /// Records the new item, or says why there can be none and cancels.
   void apply();
+  /// Records the new item if it can be one, else cancels.
+  void finish() override;
+  /// Begins an item of another model if none is begun. \return whether it does
+  bool changeModel(const QString& modelName);
   /// The model of the item that is being drawn; only while active.
   const Model& model() const;
 
@@ -40,9 +44,11 @@ protected:
   void move(const NYXPointerEvent& event) override;
   void doubleClick(const NYXPointerEvent& event) override;
   void keyPressEvent(QKeyEvent& event) override;
+  bool anyEvent(QEvent& event) override;
 
 private:
   void addVertex(const QPoint& canvasPoint, bool isStroke);
+  void addDisc(const Vector<int>& center, bool isStroke);
   void removeLastVertex();
   bool isPoints() const;
   /// Why the vertices make no item; empty when they do.
@@ -50,8 +56,17 @@ private:
   void decimate();
   void record();
 
+  /// What a press or a move has added to a region.
+  struct Disc
+  {
+    RLEItemSet positions;
+    Vector<int> center;
+    bool isConnected; ///< with the disc before
+  };
+
   std::unique_ptr<ModelItem> _item;
-  std::vector<RLEItemSet> _discs; // of a region, in the order in which they were added
-  Vector<int> _lastDisc;
-  QPoint _cursor; // on the canvas
+  std::vector<Disc> _discs;        // in the order in which they were added
+  bool _isInterrupted = false;     // the stroke of the brush
+  bool _hasPressAskedMenu = false; // the press that cancels is also one for a context menu
+  QPoint _cursor;                  // on the canvas
 };

@@ -9,6 +9,7 @@
 #include "slice/nyxsliceeditwidgetmediator.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTabletEvent>
 
@@ -103,6 +104,18 @@ QPointF NYXSliceEditWidgetMediatorDelegate::canvasCenter(const int* position) co
   return canvas().viewport().mapToCanvas(QPointF(position[0] + 0.5, position[1] + 0.5));
 }
 
+void NYXSliceEditWidgetMediatorDelegate::placeBeside(const ModelItem& item, QWidget& window) const
+{
+  constexpr int distance = 10; // from the canvas's border
+  window.adjustSize();
+  const BoundingBox<int> box = item.boundingBox();
+  const bool isAtLeft =
+      !box.isEmpty() &&
+      canvasCenter(box.getMinimum().data()).x() + canvasCenter(box.getMaximum().data()).x() < canvas().width();
+  const int x = isAtLeft ? canvas().width() - window.frameGeometry().width() - distance : distance;
+  window.move(canvas().mapToGlobal(QPoint(x, distance)));
+}
+
 int NYXSliceEditWidgetMediatorDelegate::pickTolerance(const ModelItem& item) const
 {
   const int nearest = item.isRegion() ? NYXPreferences::getRegionBrushSize() : NYXPreferences::getClickTolerance();
@@ -164,4 +177,14 @@ void NYXSliceEditWidgetMediatorDelegate::tabletReleaseEvent(QTabletEvent& event)
 {
   event.accept();
   release();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::keyPressEvent(QKeyEvent& event)
+{
+  event.ignore();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::keyReleaseEvent(QKeyEvent& event)
+{
+  event.ignore();
 }

@@ -39,12 +39,21 @@ public:
   void activate() override;
   void deactivate() override;
 
-  /// Whether the tool cannot go on when the item leaves its slice.
+  /// Whether the tool cannot go on when the item leaves its slice or model.
   virtual bool worksOn(const ModelItem&) const { return false; }
+  /// Called when an item that the tool works on has changed.
+  virtual void followItem() {}
+
+  /// Shows the tool's name and hint.
+  void showMode();
+  /// The box of the source image, (0, 0) to (W - 1, H - 1), in which tools work.
+  BoundingBox<int> imageBox() const;
 
 public slots:
   /// Gives the tool up; what it has not finished is as if it had never begun. Nothing happens when it is not active.
   virtual void cancel();
+  /// Leaves the tool with what is worth keeping of its work; cancels by default.
+  virtual void finish() { cancel(); }
 
 protected:
   NYXSliceEditWidgetMediator& editMediator() const;
@@ -68,19 +77,21 @@ protected:
   void tabletPressEvent(QTabletEvent& event) override;
   void tabletMoveEvent(QTabletEvent& event) override;
   void tabletReleaseEvent(QTabletEvent& event) override;
+  /// Keys that a tool does not know are left to the windows around the canvas.
+  void keyPressEvent(QKeyEvent& event) override;
+  void keyReleaseEvent(QKeyEvent& event) override;
 
   /// Name of the tool in the status bar, and what the next click, drag or key does.
   virtual QString editMode() const = 0;
   virtual QString hint() const = 0;
-  void showMode();
 
-  /// The box of the source image, (0, 0) to (W - 1, H - 1), in which tools work.
-  BoundingBox<int> imageBox() const;
   bool isOnImage(const QPoint& canvasPoint) const;
   /// The image position under a canvas point, moved into the box of the image.
   Vector<int> pointOnImage(const QPoint& canvasPoint) const;
   /// The centre of an image position on the canvas.
   QPointF canvasCenter(const int* position) const;
+  /// Puts a window at the side of the canvas where it hides the item the least.
+  void placeBeside(const ModelItem& item, QWidget& window) const;
   /// How far from the mouse a vertex of the item is picked, in pixels of the image.
   int pickTolerance(const ModelItem& item) const;
 

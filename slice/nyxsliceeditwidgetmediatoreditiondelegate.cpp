@@ -38,7 +38,7 @@ NYXSliceEditWidgetMediatorEditionDelegate::~NYXSliceEditWidgetMediatorEditionDel
 
 void NYXSliceEditWidgetMediatorEditionDelegate::activate()
 {
-  if (!editCanvas().hasSlice() || slice().getSelectedItems().empty()) return;
+  if (!editMediator().isEditable() || slice().getSelectedItems().empty()) return;
   _item = slice().getSelectedItems().back();
   _isPressed = false;
   _toolBar->setModesEnabled(!_item->isRegion());
@@ -59,6 +59,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::deactivate()
 
 void NYXSliceEditWidgetMediatorEditionDelegate::setMode(VertexEditionMode mode)
 {
+  if (!isActive()) return;
   giveUp();
   _mode = _item != nullptr && _item->isRegion() ? VertexEditionMode::Delete : mode;
   _toolBar->setMode(_mode);
@@ -81,8 +82,9 @@ QString NYXSliceEditWidgetMediatorEditionDelegate::hint() const
   case VertexEditionMode::Insert:
     return tr("Press near the contour and drag to insert points, right click for other modes, Escape to end");
   default:
-    return _item != nullptr && _item->isRegion() ? tr("Drag to erase the region, Escape to end")
-                                                 : tr("Click or drag over points to delete them, Escape to end");
+    return _item != nullptr && _item->isRegion()
+               ? tr("Drag to erase the region, [ and ] change the eraser, Escape to end")
+               : tr("Click or drag over points to delete them, Escape to end");
   }
 }
 
@@ -100,6 +102,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::press(const NYXPointerEvent& eve
 {
   _cursor = event.position;
   if (event.button != Qt::LeftButton || !isOnImage(_cursor)) return;
+  release(); // the pen and the mouse may both be down
   const Vector<int> point = canvas().convertToVectori(_cursor);
   _isPressed = true;
   switch (_mode)
@@ -134,11 +137,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::release()
 {
   if (!_isPressed) return;
   _isPressed = false;
-  if (_moveAction && !_moveAction->isNull())
-  {
-    editMediator().history().openStep();
-    editMediator().history().push(std::move(_moveAction), false);
-  }
+  if (_moveAction && !_moveAction->isNull()) editMediator().history().push(std::move(_moveAction), false);
   _moveAction.reset();
   _insertionIndex = -1;
   closeStep();
@@ -169,7 +168,9 @@ void NYXSliceEditWidgetMediatorEditionDelegate::closeStep()
 void NYXSliceEditWidgetMediatorEditionDelegate::beginMove(const Vector<int>& point)
 {
   const int vertex = _item->findNearestVertex(point, moveRadius);
-  if (vertex >= 0) _moveAction = std::make_unique<NYXMoveVertexAction>(*_item, vertex);
+  if (vertex < 0) return;
+  openStep(); // nothing else is undone before the drag is over
+  _moveAction = std::make_unique<NYXMoveVertexAction>(*_item, vertex);
 }
 
 void NYXSliceEditWidgetMediatorEditionDelegate::beginInsertion(const Vector<int>& point)
@@ -229,6 +230,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::erase(const Vector<int>& point)
   RLEItemSet rest = _item->getRLEItemSet();
   rest.remove(stroke);
   NYXActionHistory& history = editMediator().history();
+  if (rest == _item->getRLEItemSet()) return;
   if (!rest.isEmpty())
     return history.push(std::make_unique<NYXModelItemBrushAction>(*_item, stroke, NYXModelItemBrushAction::Erase),
                         true);

@@ -23,7 +23,7 @@ public:
   void deactivate() override;
 
   VertexEditionMode getMode() const { return _mode; }
-  /// Regions stay in the delete mode.
+  /// Nothing happens when the tool is not active. Regions stay in the delete mode.
   void setMode(VertexEditionMode mode);
 
   bool worksOn(const ModelItem& item) const override { return &item == _item; }

@@ -22,6 +22,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
 
@@ -34,12 +35,6 @@ ModelItemSelection selectionOf(const ModelItem& item, bool isSelected)
   ModelItemSelection selection = item.getSelection();
   selection.set(isSelected);
   return selection;
-}
-
-bool isCurve(const ModelItem& item)
-{
-  const MPrimitive geometry = item.getModel()->getGeometry();
-  return geometry == MPrimitive::Polygon || geometry == MPrimitive::Polyline;
 }
 
 bool isInside(const ModelItem& item, const BoundingBox<int>& box)
@@ -80,6 +75,7 @@ NYXSliceEditWidgetMediatorSelectionDelegate::NYXSliceEditWidgetMediatorSelection
     NYXSliceEditWidgetMediator& mediator)
   : NYXSliceEditWidgetMediatorDelegate(mediator)
 {
+  setBlocking(true); // the canvas would refuse what the pen does, which then came from the mouse once more
 }
 
 NYXSliceEditWidgetMediatorSelectionDelegate::~NYXSliceEditWidgetMediatorSelectionDelegate() = default;
@@ -91,8 +87,23 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::activate()
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::deactivate()
 {
-  _isDragging = false;
+  cancel();
   setActive(false);
+}
+
+QString NYXSliceEditWidgetMediatorSelectionDelegate::hint() const
+{
+  if (!editCanvas().hasSlice()) return {};
+  return selectedItem() == nullptr
+             ? tr("Click or drag a box to select, right click or D to draw, wheel and middle button to zoom and move")
+             : tr("Shift and click to select more, right click for what can be done, Delete to delete, Escape to "
+                  "select nothing");
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::cancel()
+{
+  _isDragging = false;
+  canvas().update();
 }
 
 ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedItem() const
@@ -109,9 +120,19 @@ ModelItem* NYXSliceEditWidgetMediatorSelectionDelegate::selectedCurve() const
 
 // ------------------------------------------------------------------------------------------------ mouse and pen
 
+/// What is under the cursor is selected first, if nothing is.
 void NYXSliceEditWidgetMediatorSelectionDelegate::contextMenuEvent(QContextMenuEvent& event)
 {
+  const bool isFree = editCanvas().hasSlice() && !stack().isLocked(slice()) && selectedItem() == nullptr;
+  if (isFree && isOnImage(event.pos())) selectNear(canvas().convertToVectori(event.pos()), false);
   editMediator().showContextMenu(event.globalPos());
+}
+
+/// "Cancel" is not there while nothing is selected.
+void NYXSliceEditWidgetMediatorSelectionDelegate::keyPressEvent(QKeyEvent& event)
+{
+  event.setAccepted(event.key() == Qt::Key_Escape && _isDragging);
+  if (event.isAccepted()) cancel();
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& event)
@@ -124,7 +145,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& e
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& event)
 {
-  if (!_isDragging) return;
+  if (!_isDragging) return hover(event.position);
   _boxEnd = event.position;
   canvas().update();
 }
@@ -139,9 +160,53 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::release()
   selectInBox(BoundingBox<int>(pointOnImage(rect.topLeft()), pointOnImage(rect.bottomRight())));
 }
 
+bool NYXSliceEditWidgetMediatorSelectionDelegate::anyEvent(QEvent& event)
+{
+  if (event.type() == QEvent::Leave) hover(outside);
+  return false;
+}
+
+std::vector<NYXSliceEditWidgetMediatorSelectionDelegate::Target>
+NYXSliceEditWidgetMediatorSelectionDelegate::targetsAt(const QPoint& canvasPoint) const
+{
+  std::vector<Target> targets;
+  if (!editCanvas().hasSlice() || !isOnImage(canvasPoint)) return targets;
+  const Vector<int> point = canvas().convertToVectori(canvasPoint);
+  for (const ModelItem* item : candidates(point))
+    if (const int vertex = findNear(*item, point); vertex >= 0)
+      targets.push_back({item, isCurve(*item) || item->isRegion() ? 0 : vertex});
+  return targets;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::hover(const QPoint& canvasPoint)
+{
+  _cursor = canvasPoint;
+  std::vector<Target> targets = targetsAt(canvasPoint);
+  if (targets == _targets) return;
+  _targets = std::move(targets);
+  canvas().update();
+}
+
+/// Looks them up again: what was there when the mouse moved may be gone.
+void NYXSliceEditWidgetMediatorSelectionDelegate::paintTargets(QPainter& painter) const
+{
+  const QColor color = NYXPreferences::getSelectionColor();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color, 2));
+  for (const auto& [item, vertex] : targetsAt(_cursor))
+  {
+    if (isCurve(*item) || item->isRegion())
+      editCanvas().highlight(painter, *item, color);
+    else
+      painter.drawEllipse(canvasCenter(item->getVertices().data(vertex)), 7, 7);
+  }
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::paint(QPainter& painter)
 {
-  if (!_isDragging) return;
+  if (!isActive()) return;
+  if (!_isDragging) return paintTargets(painter);
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
@@ -178,12 +243,10 @@ int NYXSliceEditWidgetMediatorSelectionDelegate::findNear(const ModelItem& item,
   return vertex < 0 && isCurve(item) && item.findInsertion(point, tolerance) >= 0 ? 0 : vertex;
 }
 
-ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(const ModelItem& item,
-                                                                              const Vector<int>& point,
+ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(const ModelItem& item, int vertex,
                                                                               bool isExtending) const
 {
   ModelItemSelection selection = item.getSelection();
-  const int vertex = findNear(item, point);
   if (vertex < 0)
   {
     if (!isExtending) selection.set(false);
@@ -195,11 +258,25 @@ ModelItemSelection NYXSliceEditWidgetMediatorSelectionDelegate::selectionNear(co
   return selection;
 }
 
+/// The only items that can be near, in order of their addresses.
+std::vector<const ModelItem*> NYXSliceEditWidgetMediatorSelectionDelegate::candidates(const Vector<int>& point) const
+{
+  const int farthest = std::max(NYXPreferences::getClickTolerance(), NYXPreferences::getRegionBrushSize()) +
+                       static_cast<int>(1 / canvas().getZoomFactor());
+  return editCanvas().itemsNear(QPoint(point[0], point[1]), farthest);
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::selectNear(const Vector<int>& point, bool isExtending)
 {
   bool isChanged = false;
+  const std::vector<const ModelItem*> near = candidates(point);
   for (ModelItem* item : slice().getItems())
-    isChanged = setSelection(*item, selectionNear(*item, point, isExtending)) || isChanged;
+  {
+    const bool isCandidate = std::binary_search(near.begin(), near.end(), item);
+    if (!isCandidate && (isExtending || item->getSelection().isEmpty())) continue;
+    const int vertex = isCandidate ? findNear(*item, point) : -1;
+    isChanged = setSelection(*item, selectionNear(*item, vertex, isExtending)) || isChanged;
+  }
   if (isChanged) notifySelection();
 }
 
@@ -226,6 +303,7 @@ template <class Test> void NYXSliceEditWidgetMediatorSelectionDelegate::selectIt
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::cancelSelection()
 {
+  cancel();
   selectItems([](const ModelItem&) { return false; });
 }
 
@@ -250,7 +328,8 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::copySelection()
   editMediator().updateEditActions();
 }
 
-/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it.
+/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it, or it has too few
+/// vertices for the model.
 std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(const Copied& copied) const
 {
   const int i = stack().findModel(copied.model);
@@ -261,7 +340,7 @@ std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(c
   item->setModel(stack().getModel(i));
   item->setSlice(&slice());
   moveInto(imageBox(), *item);
-  if (item->getSize() == 0) return nullptr;
+  if (item->getSize() < minNumVertices(item->getModel()->getGeometry())) return nullptr;
   item->getSelection().set(true);
   return item;
 }
@@ -279,7 +358,9 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::pasteSelection()
     notifySelection();
   }
   if (numMissing > 0)
-    editMediator().showMessage(tr("The stack has no model for %n of the items.", "", static_cast<int>(numMissing)));
+    editMediator().showMessage(
+        tr("%n of the items could not be pasted: there is no model for them, or they have too few vertices.", "",
+           static_cast<int>(numMissing)));
 }
 
 // ---------------------------------------------------------------------------------------------- what is selected
@@ -292,9 +373,7 @@ QString NYXSliceEditWidgetMediatorSelectionDelegate::removalRefusal(const ModelI
   if (item.isRegion() || numLeft >= minimum) return {};
   return QString("%1:\n\nCould not remove selected vertices since this would leave only %2 vertices on the contour "
                  "(the minimum number of vertices per contour is %3 in this model).")
-      .arg(QString::fromStdString(item.getModel()->getName()))
-      .arg(numLeft)
-      .arg(minimum);
+      .arg(QString::fromStdString(item.getModel()->getName()), QString::number(numLeft), QString::number(minimum));
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::removeSelection()
@@ -333,20 +412,30 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
   notifySelection();
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
+std::vector<std::unique_ptr<NYXAction>>
+NYXSliceEditWidgetMediatorSelectionDelegate::conversionsTo(Model& destination) const
 {
-  const int i = stack().findModel(modelName.toStdString());
-  if (i < 0) return;
-  Model* const destination = stack().getModel(i);
   std::vector<std::unique_ptr<NYXAction>> actions;
   std::vector<ModelItem*> items = slice().getSelectedItems();
   std::reverse(items.begin(), items.end());
   for (ModelItem* item : items)
-    if (item->getModel() != destination)
-      actions.push_back(std::make_unique<NYXItemSelectionConversionAction>(*item, destination));
-  if (actions.empty()) return;
-  editMediator().pushStep(std::move(actions));
-  notifySelection();
+    if (item->getModel() != &destination)
+      actions.push_back(std::make_unique<NYXItemSelectionConversionAction>(*item, &destination));
+  return actions;
+}
+
+void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
+{
+  const int i = stack().findModel(modelName.toStdString());
+  if (i < 0) return;
+  try
+  {
+    if (editMediator().pushStep(conversionsTo(*stack().getModel(i)))) notifySelection();
+  }
+  catch (const UsageError& error)
+  {
+    QMessageBox::warning(&editMediator().window(), tr("Convert"), QString::fromStdString(error.getWhat()));
+  }
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::changeSelectionTriangulationTag(const QAction& action)

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+class Model;
 class QAction;
 
 /// Selects items and points, by clicks and by a rubber box, and changes what is selected. Active when no other tool is.
@@ -25,7 +26,8 @@ public:
 
   void activate() override;
   void deactivate() override;
-  void cancel() override {}
+  /// Gives the rubber box up; what is selected stays.
+  void cancel() override;
 
   bool hasClipboard() const { return !_clipboard.empty(); }
   /// The first selected item of the slice, or nullptr.
@@ -52,13 +54,17 @@ public slots:
 
 protected:
   QString editMode() const override { return "READY"; }
-  QString hint() const override { return {}; }
+  QString hint() const override;
   void press(const NYXPointerEvent& event) override;
   void move(const NYXPointerEvent& event) override;
   void release() override;
+  void keyPressEvent(QKeyEvent& event) override;
   void contextMenuEvent(QContextMenuEvent& event) override;
+  bool anyEvent(QEvent& event) override;
 
 private:
+  static constexpr QPoint outside = QPoint(-1, -1);
+
   /// What was copied: an item of its own, and the name of its model.
   struct Copied
   {
@@ -66,10 +72,23 @@ private:
     std::unique_ptr<ModelItem> item;
   };
 
+  /// Something that a click would select: an item, and the point of a points item.
+  struct Target
+  {
+    const ModelItem* item = nullptr;
+    int vertex = -1;
+
+    bool operator==(const Target&) const = default;
+  };
+
+  std::vector<Target> targetsAt(const QPoint& canvasPoint) const;
+  void hover(const QPoint& canvasPoint);
+  void paintTargets(QPainter& painter) const;
+  std::vector<const ModelItem*> candidates(const Vector<int>& point) const;
   void selectNear(const Vector<int>& point, bool isExtending);
   /// The vertex near the point, 0 for a curve or region that is near it; -1 when none is.
   int findNear(const ModelItem& item, const Vector<int>& point) const;
-  ModelItemSelection selectionNear(const ModelItem& item, const Vector<int>& point, bool isExtending) const;
+  ModelItemSelection selectionNear(const ModelItem& item, int vertex, bool isExtending) const;
   void selectInBox(const BoundingBox<int>& box);
   bool setSelection(ModelItem& item, const ModelItemSelection& selection);
   /// Selects all vertices of the items for which the test holds, and none of the others.
@@ -77,9 +96,13 @@ private:
   void notifySelection();
   QString removalRefusal(const ModelItem& item) const;
   std::unique_ptr<ModelItem> pasted(const Copied& copied) const;
+  /// What moves the selected items to a model. \throw UsageError  one of them cannot become such an item
+  std::vector<std::unique_ptr<NYXAction>> conversionsTo(Model& destination) const;
 
   bool _isDragging = false;
-  QPoint _boxStart; // on the canvas
+  QPoint _cursor = outside;     // on the canvas
+  std::vector<Target> _targets; // below the cursor; for comparing only, they may be gone
+  QPoint _boxStart;             // on the canvas
   QPoint _boxEnd;
   std::vector<Copied> _clipboard;
 };

@@ -19,7 +19,7 @@ NYXSliceEditWidgetMediatorShiftDelegate::~NYXSliceEditWidgetMediatorShiftDelegat
 
 void NYXSliceEditWidgetMediatorShiftDelegate::activate()
 {
-  if (!editCanvas().hasSlice() || slice().getSelectedItem() == nullptr) return;
+  if (!editMediator().isEditable() || slice().getSelectedItem() == nullptr) return;
   NYXSliceEditWidgetMediatorDelegate::activate();
   canvas().setCursor(Qt::SizeAllCursor);
 }
@@ -29,6 +29,7 @@ void NYXSliceEditWidgetMediatorShiftDelegate::deactivate()
 {
   for (const auto& shift : _shifts)
     if (shift->isApplied()) shift->revert();
+  if (!_shifts.empty()) editMediator().history().abandonStep();
   _shifts.clear();
   NYXSliceEditWidgetMediatorDelegate::deactivate();
 }
@@ -42,8 +43,8 @@ void NYXSliceEditWidgetMediatorShiftDelegate::press(const NYXPointerEvent& event
 {
   if (event.button != Qt::LeftButton) return;
   _from = canvas().convertToVectori(event.position);
+  release(); // the pen and the mouse may both be down
   _bounds = BoundingBox<int>();
-  _shifts.clear();
   for (ModelItem* item : slice().getSelectedItems())
   {
     const BoundingBox<int> box = item->boundingBox();
@@ -51,6 +52,7 @@ void NYXSliceEditWidgetMediatorShiftDelegate::press(const NYXPointerEvent& event
     _bounds.add(box.getMaximum());
     _shifts.push_back(std::make_unique<NYXItemShiftAction>(*item));
   }
+  if (!_shifts.empty()) editMediator().history().openStep(); // nothing else is undone before the drag is over
 }
 
 void NYXSliceEditWidgetMediatorShiftDelegate::move(const NYXPointerEvent& event)
@@ -74,14 +76,10 @@ void NYXSliceEditWidgetMediatorShiftDelegate::move(const NYXPointerEvent& event)
 
 void NYXSliceEditWidgetMediatorShiftDelegate::release()
 {
-  if (_shifts.empty() || _shifts.front()->isNull() || !_shifts.front()->isApplied())
-  {
-    _shifts.clear();
-    return;
-  }
+  if (_shifts.empty()) return;
   NYXActionHistory& history = editMediator().history();
-  history.openStep();
-  for (auto& shift : _shifts) history.push(std::move(shift), false);
-  history.closeStep();
+  for (auto& shift : _shifts)
+    if (shift->isApplied() && !shift->isNull()) history.push(std::move(shift), false);
   _shifts.clear();
+  history.closeStep();
 }

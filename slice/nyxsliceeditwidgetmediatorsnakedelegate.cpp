@@ -61,7 +61,7 @@ ModelItem* NYXSliceEditWidgetMediatorSnakeDelegate::selectedContour() const
 
 void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
 {
-  if (isActive() || !editCanvas().hasSlice()) return;
+  if (isActive() || !editMediator().isEditable()) return;
   ModelItem* const item = selectedContour();
   if (item == nullptr) return;
   if (!canvas().getImageProxy().hasImage())
@@ -77,7 +77,7 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
   _dialog->setAttribute(Qt::WA_DeleteOnClose);
   connect(_dialog, &QDialog::accepted, this, &NYXSliceEditWidgetMediatorSnakeDelegate::apply);
   connect(_dialog, &QDialog::rejected, this, &NYXSliceEditWidgetMediatorSnakeDelegate::cancel);
-  _dialog->move(canvas().mapToGlobal(QPoint(10, 10)));
+  placeBeside(*item, *_dialog);
   _dialog->show();
 }
 

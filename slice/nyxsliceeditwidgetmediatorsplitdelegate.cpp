@@ -24,7 +24,7 @@ NYXSliceEditWidgetMediatorSplitDelegate::NYXSliceEditWidgetMediatorSplitDelegate
 void NYXSliceEditWidgetMediatorSplitDelegate::activate()
 {
   ModelItem* const item = editMediator().selection().selectedCurve();
-  if (item == nullptr) return;
+  if (item == nullptr || !editMediator().isEditable()) return;
   _item = item;
   _isDrawing = false;
   NYXSliceEditWidgetMediatorDelegate::activate();

@@ -30,7 +30,7 @@ NYXSliceEditWidgetMediatorThresholdingDelegate::NYXSliceEditWidgetMediatorThresh
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::activate(const QString& modelName)
 {
-  if (stack().findModel(modelName.toStdString()) < 0) return;
+  if (!editMediator().isEditable() || stack().findModel(modelName.toStdString()) < 0) return;
   _modelName = modelName;
   _isDrawing = false;
   NYXSliceEditWidgetMediatorDelegate::activate();
@@ -75,7 +75,7 @@ bool NYXSliceEditWidgetMediatorThresholdingDelegate::ask(const QString& label, i
   const int answer = QInputDialog::getInt(&editMediator().window(), tr("Automatic thresholding"), label, level, 0,
                                           largest, step, &isAccepted);
   if (isAccepted) level = answer;
-  return isAccepted;
+  return isAccepted && isActive(); // the model may have gone meanwhile
 }
 
 QString NYXSliceEditWidgetMediatorThresholdingDelegate::run(const QRect& roi)

@@ -31,6 +31,9 @@ signals:
   void modeChosen(VertexEditionMode mode);
   void endChosen();
 
+protected:
+  void hideEvent(QHideEvent* event) override;
+
 private:
   QAction* addMode(const QString& text, const QString& toolTip, const QString& name, VertexEditionMode mode);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 namespace
@@ -25,26 +26,52 @@ struct Node
 
 using Ring = std::vector<Node>;
 
-/// A vertex on the line counts as lying on its positive side, so that each passage is counted once.
+/// The first vertex from which the crossings are counted: of a closed curve one on the negative side of the line, or
+/// the number of vertices when there is none.
+int firstVertex(const Curve<double>& curve, const std::vector<double>& sides)
+{
+  if (curve.isOpen()) return 0;
+  return static_cast<int>(std::find_if(sides.begin(), sides.end(), [](double side) { return side < 0; }) -
+                          sides.begin());
+}
+
+/// In the order of the curve's edges. Where the curve comes to the line and leaves it to the side from which it came,
+/// begins or ends on it, it does not cross.
 std::vector<Crossing> crossingsOf(const Curve<double>& curve, const Vector<double>& a, const Vector<double>& b)
 {
   const double dx = b[0] - a[0];
   const double dy = b[1] - a[1];
-  const auto side = [&](const double* p) { return dx * (p[1] - a[1]) - dy * (p[0] - a[0]); };
-  std::vector<Crossing> crossings;
-  if (dx == 0 && dy == 0) return crossings;
-  for (int i = 0; i < curve.getNumEdges(); ++i)
+  const int numVertices = curve.getNumVertices();
+  std::vector<double> sides(static_cast<std::size_t>(numVertices));
+  for (int i = 0; i < numVertices; ++i)
+    sides[static_cast<std::size_t>(i)] = dx * (curve.data(i)[1] - a[1]) - dy * (curve.data(i)[0] - a[0]);
+  const auto side = [&](int i) { return sides[static_cast<std::size_t>(i)]; };
+  const auto crossingOf = [&](int i, int next)
   {
-    const double* p = curve.data(i);
-    const double* q = curve.data((i + 1) % curve.getNumVertices());
-    const double sideP = side(p);
-    const double sideQ = side(q);
-    if ((sideP >= 0) == (sideQ >= 0)) continue;
-    const double u = sideP / (sideP - sideQ);
+    const double *p = curve.data(i), *q = curve.data(next);
+    const double u = side(i) / (side(i) - side(next));
     const double x = p[0] + u * (q[0] - p[0]);
     const double y = p[1] + u * (q[1] - p[1]);
-    crossings.push_back({i + u, (dx * (x - a[0]) + dy * (y - a[1])) / (dx * dx + dy * dy), x, y});
+    const double along = i + u < numVertices ? i + u : 0;
+    return Crossing{along, (dx * (x - a[0]) + dy * (y - a[1])) / (dx * dx + dy * dy), x, y};
+  };
+
+  std::vector<Crossing> crossings;
+  const int first = firstVertex(curve, sides);
+  if ((dx == 0 && dy == 0) || first == numVertices) return crossings;
+  std::optional<Crossing> arrival;      // on the line, from the negative side
+  bool beginsOnLine = side(first) == 0; // and has not left it yet
+  for (int k = 0; k < curve.getNumEdges(); ++k)
+  {
+    const int i = (first + k) % numVertices, next = (i + 1) % numVertices;
+    if (side(i) < 0 && side(next) >= 0) arrival = crossingOf(i, next);
+    if (side(next) > 0 && arrival) crossings.push_back(*std::exchange(arrival, std::nullopt));
+    if (side(i) >= 0 && side(next) < 0 && !std::exchange(arrival, std::nullopt) && !beginsOnLine)
+      crossings.push_back(crossingOf(i, next));
+    beginsOnLine = beginsOnLine && side(next) == 0;
   }
+  std::sort(crossings.begin(), crossings.end(),
+            [](const Crossing& c, const Crossing& d) { return c.alongCurve < d.alongCurve; });
   return crossings;
 }
 

@@ -8,6 +8,7 @@
 #include <QGridLayout>
 #include <QScrollBar>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 namespace
 {
@@ -37,7 +38,8 @@ NYXImageWidget::NYXImageWidget(NYXImageWidgetCanvas* canvas, NYXImageWidgetStatu
     _horizontalScrollBar(newScrollBar(Qt::Horizontal, "horizontalScrollBar", this)),
     _verticalScrollBar(newScrollBar(Qt::Vertical, "verticalScrollBar", this)),
     _slider(new NYXDoubleSlider(this)),
-    _toolBar(new QToolBar(this))
+    _toolBar(new QToolBar(this)),
+    _toolBars(new QVBoxLayout)
 {
   setObjectName("imageWidget");
   _toolBar->setObjectName("imageToolBar");
@@ -45,7 +47,9 @@ NYXImageWidget::NYXImageWidget(NYXImageWidgetCanvas* canvas, NYXImageWidgetStatu
   auto* layout = new QGridLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
-  layout->addWidget(_toolBar, 0, 0, 2, 1);
+  _toolBars->setSpacing(0);
+  _toolBars->addWidget(_toolBar, 1);
+  layout->addLayout(_toolBars, 0, 0, 2, 1);
   layout->addWidget(_canvas, 0, 1);
   layout->addWidget(_verticalScrollBar, 0, 2);
   layout->addWidget(_slider, 0, 3);
@@ -59,6 +63,14 @@ void NYXImageWidget::setMediator(NYXImageWidgetMediator* mediator)
 {
   _mediator = mediator;
   _mediator->initialize();
+}
+
+void NYXImageWidget::insertToolBar(QToolBar& toolBar)
+{
+  toolBar.setOrientation(Qt::Vertical);
+  toolBar.setIconSize(_toolBar->iconSize());
+  connect(_toolBar, &QToolBar::iconSizeChanged, &toolBar, &QToolBar::setIconSize);
+  _toolBars->insertWidget(0, &toolBar);
 }
 
 void NYXImageWidget::notifyViewChange(const QRect& currentView)

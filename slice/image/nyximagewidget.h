@@ -9,6 +9,7 @@ class NYXImageWidgetMediator;
 class NYXImageWidgetStatusBar;
 class QScrollBar;
 class QToolBar;
+class QVBoxLayout;
 
 /// Shows one image: canvas, scroll bars, black and white slider, tool bar and status bar, driven by a mediator.
 class NYXImageWidget : public QWidget
@@ -26,6 +27,9 @@ public:
   QScrollBar& verticalScrollBar() const { return *_verticalScrollBar; }
   NYXDoubleSlider& slider() const { return *_slider; }
   QToolBar& toolBar() const { return *_toolBar; }
+
+  /// Puts a strip of tools beside the canvas, above the tool bar.
+  void insertToolBar(QToolBar& toolBar);
 
   /// Called by the mediator with the image pixels on screen.
   void notifyViewChange(const QRect& currentView);
@@ -45,5 +49,6 @@ private:
   QScrollBar* _verticalScrollBar;
   NYXDoubleSlider* _slider;
   QToolBar* _toolBar;
+  QVBoxLayout* _toolBars;
   NYXImageWidgetMediator* _mediator = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "image/image.h"
 #include "slice/image/nyxdoubleslider.h"
+#include "slice/image/nyxicons.h"
 #include "slice/image/nyximageproxy.h"
 #include "slice/image/nyximageserver.h"
 #include "slice/image/nyximagewidget.h"
@@ -13,8 +14,6 @@
 #include "slice/image/nyxrulerdelegate.h"
 
 #include <QAction>
-#include <QFile>
-#include <QIcon>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QToolBar>
@@ -80,8 +79,7 @@ QAction* NYXImageWidgetMediator::createAction(const QString& text, const QString
   action->setStatusTip(toolTip);
   action->setShortcut(shortcut);
   action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  const QString icon = QString(":/icons/%1.svg").arg(name.toLower());
-  if (QFile::exists(icon)) action->setIcon(QIcon(icon));
+  action->setIcon(iconNamed(name));
   connect(action, &QAction::triggered, this, trigger);
   _widget.addAction(action);
   _actions << action;

@@ -95,6 +95,7 @@ protected:
   void detachProxy();
   /// The source or what is known of it changed.
   void showNewImage();
+  NYXRulerDelegate& ruler() const { return *_ruler; }
 
 private:
   void createActions();

@@ -126,7 +126,8 @@ void drawCurve(QPainter& painter, const ModelItem& item, const QTransform& toCan
     painter.setPen(QPen(toQColor(properties), 1));
     return strokeCurve(painter, vertices, item.isClosed(), reach);
   }
-  painter.setPen(QPen(QColor(0, 0, 0, 110), width + haloWidth, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  const QColor halo = isHighlighted(item) ? NYXPreferences::getSelectionColor() : QColor(0, 0, 0, 110);
+  painter.setPen(QPen(halo, width + haloWidth, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
   strokeCurve(painter, vertices, item.isClosed(), reach);
   painter.setPen(QPen(toQColor(properties), width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
   strokeCurve(painter, vertices, item.isClosed(), reach);
@@ -141,7 +142,8 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
   const double margin = radius + highlight + 1;
   const QRectF reach = visible.adjusted(-margin, -margin, margin, margin);
   const Vertices<int>& vertices = item.getVertices();
-  painter.setPen(QPen(QColor(0, 0, 0, 160), 1));
+  const QPen edge(QColor(0, 0, 0, 160), 1);
+  const QPen selectedEdge(NYXPreferences::getSelectionColor(), 2);
   painter.setBrush(color);
   const int* position = vertices.data();
   for (int i = 0; i < vertices.getNumVertices(); ++i, position += 2)
@@ -150,6 +152,7 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
     if (!reach.contains(point)) continue;
     const bool isSelected = isHighlighted(item) && item.getSelection().isSelected(i);
     const double r = radius + (isSelected ? highlight : 0);
+    painter.setPen(isSelected ? selectedEdge : edge);
     if (detail == NYXItemDetail::Full)
       painter.drawEllipse(point, r, r);
     else
@@ -157,10 +160,9 @@ void drawPoints(QPainter& painter, const ModelItem& item, const QTransform& toCa
   }
 }
 
-void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible)
+void fillRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                const QColor& color)
 {
-  QColor color = toQColor(effectiveProperties(item));
-  color.setAlpha(isHighlighted(item) ? 160 : 110);
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing, false);
   for (const RLEItem& run : item.getRLEItemSet().getItems())
@@ -170,6 +172,13 @@ void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCa
     if (rect.intersects(visible)) painter.fillRect(rect, color);
   }
   painter.restore();
+}
+
+void drawRegion(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible)
+{
+  QColor color = toQColor(effectiveProperties(item));
+  color.setAlpha(isHighlighted(item) ? 160 : 110);
+  fillRegion(painter, item, toCanvas, visible, color);
 }
 } // namespace
 
@@ -186,6 +195,19 @@ void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& t
   default:
     return drawCurve(painter, item, toCanvas, visible, detail);
   }
+}
+
+void highlightModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                        const QColor& color)
+{
+  if (item.getModel() == nullptr || item.getModel()->getGeometry() == MPrimitive::Polypoint) return;
+  if (item.isRegion())
+    return fillRegion(painter, item, toCanvas, visible, QColor(color.red(), color.green(), color.blue(), 90));
+  const double width = lineWidth(item, effectiveProperties(item)) + highlight;
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+  strokeCurve(painter, reducedVertices(item, toCanvas, vertexSpacing), item.isClosed(),
+              visible.adjusted(-width, -width, width, width));
 }
 
 double modelItemMargin(const ModelItem& item)

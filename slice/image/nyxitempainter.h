@@ -3,6 +3,7 @@
 #include <QRectF>
 
 class ModelItem;
+class QColor;
 class QPainter;
 class QTransform;
 
@@ -18,6 +19,10 @@ enum class NYXItemDetail
 /// outside of `visible`, the painter's clip or a rectangle around it, may be left out.
 void drawModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
                    NYXItemDetail detail);
+
+/// Draws the curve or region again in a colour, so that it stands out. Points are left alone.
+void highlightModelItem(QPainter& painter, const ModelItem& item, const QTransform& toCanvas, const QRectF& visible,
+                        const QColor& color);
 
 /// How far an item is drawn beyond its vertices at the most, in pixels of the screen.
 double modelItemMargin(const ModelItem& item);

@@ -91,10 +91,23 @@ NYXSliceItemLayer::Entry NYXSliceItemLayer::entryOf(const ModelItem& item)
 
 void NYXSliceItemLayer::updateEntries()
 {
-  if (!_areEntriesStale) return;
+  const int numItems = _slice == nullptr ? 0 : _slice->getNumItems(); // may have changed before its event comes
+  if (!_areEntriesStale && static_cast<int>(_entries.size()) == numItems) return;
   _areEntriesStale = false;
+  _refined = QImage(); // counts entries
   _entries.clear();
-  for (int i = 0; _slice != nullptr && i < _slice->getNumItems(); ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
+  for (int i = 0; i < numItems; ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
+}
+
+std::vector<const ModelItem*> NYXSliceItemLayer::itemsNear(const QPoint& position, int distance)
+{
+  updateEntries();
+  std::vector<const ModelItem*> items;
+  for (const Entry& entry : _entries)
+    if (!entry.pixels.isEmpty() && entry.pixels.adjusted(-distance, -distance, distance, distance).contains(position))
+      items.push_back(entry.item);
+  std::sort(items.begin(), items.end());
+  return items;
 }
 
 QRect NYXSliceItemLayer::canvasRect(const Entry& entry) const
@@ -132,8 +145,8 @@ const QImage& NYXSliceItemLayer::update(const NYXImageViewport& viewport, double
   else if (frame.offset != _frame.offset)
     scroll(frame.offset);
   _isAllStale = false;
-  if (_areEntriesStale || !_stale.isEmpty()) _refined = QImage();
   updateEntries();
+  if (!_stale.isEmpty()) _refined = QImage();
   for (const QRect& rect : _stale) paint(rect);
   _stale = QRegion();
   return _picture;

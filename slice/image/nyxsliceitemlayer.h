@@ -29,6 +29,10 @@ public:
   /// An item of the slice is new, has changed or has left the slice; it is looked up by its address only.
   void invalidate(const ModelItem& item);
 
+  /// The items whose boxes come within a distance of a position, both in pixels of the image; in order of their
+  /// addresses.
+  std::vector<const ModelItem*> itemsNear(const QPoint& position, int distance);
+
   /// Brings the picture up to date: device pixels of the viewport's canvas, transparent where no item is.
   const QImage& update(const NYXImageViewport& viewport, double pixelRatio);
 

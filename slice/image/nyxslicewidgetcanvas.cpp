@@ -74,6 +74,14 @@ void NYXSliceWidgetCanvas::paintForeground(QPainter& painter)
   if (_items.needsRefinement() && !_items.isBeingRefined()) _refinement.start(refinementDelay);
 }
 
+QTransform NYXSliceWidgetCanvas::itemsToCanvas() const
+{
+  const NYXImageViewport& view = viewport();
+  const double dx = (0.5 - view.getViewOrigin().x()) * view.scaleX();
+  const double dy = (0.5 - view.getViewOrigin().y()) * view.scaleY();
+  return QTransform(view.scaleX(), 0, 0, view.scaleY(), dx, dy);
+}
+
 void NYXSliceWidgetCanvas::refineItems()
 {
   if (_items.refine(refinementStep))

@@ -4,6 +4,7 @@
 #include "slice/image/nyxsliceitemlayer.h"
 
 #include <QTimer>
+#include <QTransform>
 
 class ModelItem;
 class NYXSliceImageProxy;
@@ -42,12 +43,21 @@ public:
   void repaintItems();
   /// @}
 
+  /// The items whose boxes come within a distance of a position, both in pixels of the image; in order of their
+  /// addresses.
+  std::vector<const ModelItem*> itemsNear(const QPoint& position, int distance)
+  {
+    return _items.itemsNear(position, distance);
+  }
+
 protected:
   std::unique_ptr<NYXImageProxy> newImageProxy() const override;
   /// As large as the items need it.
   QSize fallbackImageSize() const override;
   bool isImageShown() const override { return _mode != CanvasMode::Foreground; }
   void paintForeground(QPainter& painter) override;
+  /// From pixels of the image, whose centres are whole numbers, to those of the canvas.
+  QTransform itemsToCanvas() const;
 
 private:
   void refineItems();

@@ -16,6 +16,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QListWidget>
 #include <QMenu>
 #include <QSettings>
@@ -50,7 +51,7 @@ struct Appearance
   explicit Appearance(const NYXRootWindow& window)
     : numWindows(QApplication::topLevelWidgets().size()),
       slice(window.findChild<QListWidget*>("sliceList")->currentRow()),
-      message(window.findChild<NYXRootStatusBar*>()->currentMessage()),
+      message(window.findChild<NYXRootStatusBar*>()->currentMessage() + window.findChild<QLabel*>("hint")->text()),
       isVisible(window.isVisible()),
       cursor(canvasOf(window).cursor().shape()),
       picture(canvasOf(window).grabFramebuffer())

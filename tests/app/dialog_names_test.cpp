@@ -89,6 +89,9 @@ TEST(Names, AreGivenToAllPartsOfDialogs)
     inDialogs(look, [&] { test.action(text)->trigger(); });
     EXPECT_EQ(seen.size(), numSeen + 1) << text;
   }
+  test.window().findChild<QAction*>("selectAll")->trigger();
+  inDialogs(look, [&] { test.window().findChild<QAction*>("properties")->trigger(); });
+  EXPECT_EQ(seen.last(), "Item properties");
   NYXStackErrorDialog errors("a.sdf", {"Error"}, true, &test.window());
   look(errors);
 }

@@ -11,7 +11,7 @@
 #include "app/nyxstackerrordialog.h"
 #include "slice/image/nyximageproxy.h"
 #include "slice/image/nyximagewidgetcanvas.h"
-#include "slice/image/nyxslicewidget.h"
+#include "slice/nyxsliceeditwidget.h"
 
 #include <gtest/gtest.h>
 

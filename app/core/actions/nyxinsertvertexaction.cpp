@@ -2,7 +2,9 @@
 
 void NYXInsertVertexAction::apply()
 {
+  const bool isWhollySelected = getItem().getSelection().isComplete();
   getItem().insertVertex(_index, _point);
+  if (isWhollySelected) getItem().getSelection().set(true);
   NYXItemVertexAction::apply();
 }
 

@@ -1,0 +1,121 @@
+// The strip of tools, the model in use, and what lights up below the cursor.
+#include "edit_test_support.h"
+
+#include "slice/nyxmodetoolbar.h"
+
+#include <QToolButton>
+
+namespace
+{
+class Tools : public EditTest
+{
+protected:
+  Tools() : strip(mediator(), &widget) { widget.insertToolBar(strip); }
+
+  QStringList checked() const
+  {
+    QStringList names;
+    for (const QAction* tool : mediator().toolActions())
+      if (tool != nullptr && tool->isChecked()) names << tool->objectName();
+    return names;
+  }
+  QString modelShown() const { return strip.findChild<QToolButton*>("modelInUse")->toolTip(); }
+
+  NYXModeToolBar strip;
+};
+} // namespace
+
+TEST_F(Tools, TheOneAtWorkIsHighlighted)
+{
+  addSelected("cells", square);
+  EXPECT_EQ(checked(), QStringList("selectTool"));
+  for (const char* name : {"editPoints", "splitContour", "moveContour", "runSnake"})
+  {
+    action(name).trigger();
+    EXPECT_EQ(checked(), QStringList(name));
+    EXPECT_TRUE(action(name).isEnabled()) << "chosen again, it is left";
+    action(name).trigger();
+    EXPECT_EQ(checked(), QStringList("selectTool")) << name;
+    expectIdle();
+  }
+  action("editPoints").trigger();
+  action("moveContour").trigger();
+  EXPECT_EQ(checked(), QStringList("moveContour"));
+  action("ruler").trigger();
+  EXPECT_TRUE(checked().isEmpty());
+  EXPECT_EQ(mode(), "READY");
+  action("splitContour").trigger();
+  EXPECT_FALSE(action("ruler").isChecked());
+  action("selectTool").trigger();
+  EXPECT_EQ(checked(), QStringList("selectTool"));
+  expectIdle();
+}
+
+TEST_F(Tools, LeavingADrawingKeepsWhatIsAnItem)
+{
+  key(Qt::Key_D);
+  EXPECT_EQ(checked(), QStringList("draw"));
+  click(10, 10);
+  click(60, 10);
+  expectNoStep([this] { action("selectTool").trigger(); });
+  key(Qt::Key_D);
+  for (const auto& point : square) click(point[0], point[1]);
+  expectStep([this] { action("selectTool").trigger(); });
+  EXPECT_EQ(slice().getNumItems(), 1);
+  expectIdle();
+}
+
+TEST_F(Tools, NumberKeysChooseTheModelInUse)
+{
+  EXPECT_EQ(mediator().modelInUse(), "cells");
+  key(Qt::Key_2);
+  EXPECT_EQ(mediator().modelInUse(), "fibres");
+  EXPECT_EQ(modelShown(), "Model in use: fibres (1 to 9 choose one)");
+  EXPECT_FALSE(action("drawAutomatically").isEnabled()) << "makes closed contours only";
+  EXPECT_FALSE(action("model5").isEnabled()) << "there are four";
+  key(Qt::Key_D);
+  key(Qt::Key_3); // nothing is drawn yet
+  EXPECT_EQ(mediator().creation().model().getName(), "spots");
+  click(30, 30);
+  key(Qt::Key_1); // for the next item
+  EXPECT_EQ(mediator().creation().model().getName(), "spots");
+  key(Qt::Key_Return);
+  ASSERT_EQ(slice().getNumItems(), 1);
+  EXPECT_EQ(item().getModel()->getName(), "spots");
+  EXPECT_EQ(mediator().modelInUse(), "cells");
+  choose(mediator().manualMenu(), "tissue");
+  EXPECT_EQ(mediator().modelInUse(), "tissue");
+  widget.setSlice(nullptr);
+  EXPECT_EQ(mediator().modelInUse(), "");
+  EXPECT_FALSE(action("draw").isEnabled());
+}
+
+TEST_F(Tools, BracketsChangeTheBrush)
+{
+  NYXPreferences::setRegionBrushSize(1);
+  key(Qt::Key_BracketLeft);
+  key(Qt::Key_BracketLeft);
+  EXPECT_EQ(NYXPreferences::getRegionBrushSize(), 0);
+  key(Qt::Key_BracketRight);
+  EXPECT_EQ(NYXPreferences::getRegionBrushSize(), 1);
+}
+
+TEST_F(Tools, WhatAClickWouldSelectLightsUp)
+{
+  addItem(model("cells"), slice(), square);
+  addItem(model("spots"), slice(), {{250, 250}, {300, 250}});
+  canvas().repaintItems();
+  move(350, 20);
+  const QImage plain = canvas().grabFramebuffer();
+  const auto isLit = [&](int x, int y) { return canvas().grabFramebuffer().pixel(x, y) != plain.pixel(x, y); };
+  move(100, 52);
+  EXPECT_TRUE(isLit(150, 100)); // the whole contour
+  EXPECT_FALSE(isLit(257, 250));
+  move(251, 250);
+  EXPECT_FALSE(isLit(150, 100));
+  EXPECT_TRUE(isLit(257, 250)); // a ring around the point
+  EXPECT_FALSE(isLit(307, 250));
+  move(100, 52);
+  key(Qt::Key_D);
+  EXPECT_FALSE(isLit(150, 100)) << "a click draws now";
+}
