@@ -39,7 +39,8 @@ constexpr int messageMilliseconds = 5000;
 NYXRenderingWindow* NYXRenderingWindow::find(const NYXStack& stack)
 {
   for (QWidget* widget : QApplication::topLevelWidgets())
-    if (auto* const window = qobject_cast<NYXRenderingWindow*>(widget); window != nullptr && &window->_stack == &stack)
+    if (auto* const window = qobject_cast<NYXRenderingWindow*>(widget);
+        window != nullptr && &window->_stack == &stack && !window->_isClosed)
       return window;
   return nullptr;
 }
@@ -244,6 +245,7 @@ void NYXRenderingWindow::closeEvent(QCloseEvent* event)
 {
   if (_video->isRecording()) _video->stopVideo();
   event->accept();
+  _isClosed = true;
   deleteLater();
 }
 

@@ -109,4 +109,5 @@ private:
   QTableWidget* _landmarks = nullptr;
   QAction* _record = nullptr;
   bool _isPlaced = false;
+  bool _isClosed = false; // and about to be deleted
 };

@@ -110,7 +110,7 @@ void NYXSceneModels::atEventBatchEnd()
 
 void NYXSceneModels::start()
 {
-  if (_run.isRunning()) return;
+  if (_run.isRunning() || eventBatchEnabled() || !isStale()) return;
   const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
   _staleModels.clear();
   emit runningChanged(true);

@@ -64,7 +64,7 @@ void ViewerMediator::createPoseActions()
     QString text, toolTip;
     void (ViewerCanvasGL::*apply)();
   } poses[] = {
-      {tr("View from behind"), tr("Look along the stacking axis from the last slice's side turned about Y"),
+      {tr("View from behind"), tr("Look at the first slice from behind, X to the left"),
        &ViewerCanvasGL::setStandardPose1},
       {tr("View from the left"), tr("Look along X, Z to the right"), &ViewerCanvasGL::setStandardPose2},
       {tr("View from above"), tr("Look along Y from above, Z downwards"), &ViewerCanvasGL::setStandardPose3},

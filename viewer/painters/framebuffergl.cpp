@@ -8,6 +8,17 @@
 namespace
 {
 constexpr const char* signature = "FramebufferGL::FramebufferGL(int, int, int)";
+constexpr long mostBytes = 1L << 30; // of colours and depths, beyond which there are fewer samples
+constexpr int bytesPerSample = 8;
+
+/// As many samples as wanted if the graphics card and the memory have them.
+int numSamplesFor(int width, int height, int wanted)
+{
+  GLint most = 0;
+  glGetIntegerv(GL_MAX_SAMPLES, &most);
+  const long affordable = mostBytes / (bytesPerSample * std::max(1L, long{width} * height));
+  return static_cast<int>(std::min({long{wanted}, long{most}, affordable}));
+}
 
 GLuint createRenderbuffer(GLenum format, int width, int height, int numSamples)
 {
@@ -33,9 +44,7 @@ void divideByAlpha(std::vector<std::uint8_t>& pixels)
 FramebufferGL::FramebufferGL(int width, int height, int numSamples) : _width(width), _height(height)
 {
   glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &_before);
-  GLint mostSamples = 0;
-  glGetIntegerv(GL_MAX_SAMPLES, &mostSamples);
-  const int used = std::min(numSamples, static_cast<int>(mostSamples));
+  const int used = numSamplesFor(width, height, numSamples);
   const int largest = largestSize();
   bool isComplete = width > 0 && height > 0 && width <= largest && height <= largest;
   if (isComplete && used > 1) createTarget(_resolved, width, height, 0);

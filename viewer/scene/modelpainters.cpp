@@ -17,10 +17,11 @@ namespace
 constexpr float symbolShare = 0.01F;    // of the stack's diagonal
 constexpr float pixelsPerPointSize = 5; // of a dot
 
+/// Surfaces of open curves have two outsides, so that nothing of them can be spared.
 MaterialGL materialOf(const ModelProperties& properties, const ModelItemProperties& itemProperties)
 {
-  return {itemProperties.getColor(), properties.getSurfaceOpacity(), properties.getSurfaceShininess(),
-          properties.getEconomicRendering()};
+  const bool isEconomic = properties.getEconomicRendering() && properties.getGeometry() != MPrimitive::Polyline;
+  return {itemProperties.getColor(), properties.getSurfaceOpacity(), properties.getSurfaceShininess(), isEconomic};
 }
 
 std::vector<LineStyleGL> lineStyles(const ModelGeometry& geometry)
