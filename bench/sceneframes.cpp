@@ -35,8 +35,9 @@ TriMesh<float> ball(int numRings, const float* center, float radius)
   const int numColumns = 2 * numRings;
   BufferVector<float> coordinates;
   BufferVector<int> indexes;
-  const auto add = [&](float x, float y, float z)
-  { coordinates.insert(coordinates.end(), {center[0] + radius * x, center[1] + radius * y, center[2] + radius * z}); };
+  const auto add = [&](float x, float y, float z) {
+    coordinates.insert(coordinates.end(), {center[0] + radius * x, center[1] + radius * y, center[2] + radius * z});
+  };
   add(0, 0, -1);
   for (int i = 1; i <= numRings; ++i)
     for (int j = 0; j < numColumns; ++j)
@@ -73,8 +74,8 @@ std::vector<std::shared_ptr<const TriMesh<float>>> balls(int count, int numTrian
   return meshes;
 }
 
-std::vector<std::unique_ptr<TriMeshPainterGL>> paintersOf(
-    const std::vector<std::shared_ptr<const TriMesh<float>>>& meshes, float opacity)
+std::vector<std::unique_ptr<TriMeshPainterGL>>
+paintersOf(const std::vector<std::shared_ptr<const TriMesh<float>>>& meshes, float opacity)
 {
   std::vector<std::unique_ptr<TriMeshPainterGL>> painters;
   for (const auto& mesh : meshes)

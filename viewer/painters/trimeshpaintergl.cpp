@@ -8,6 +8,7 @@
 namespace
 {
 constexpr std::size_t vectorSize = 3 * sizeof(float);
+constexpr float dotSize = 3;
 
 std::vector<std::uint8_t> colorBytes(const TriMesh<int>& colors)
 {
@@ -138,6 +139,11 @@ void TriMeshPainterGL::draw() const
   glDrawElements(GL_TRIANGLES, _numIndexes, GL_UNSIGNED_INT, nullptr);
 }
 
+bool TriMeshPainterGL::isSeenFromAnySide() const
+{
+  return _style == MeshStyle::Dots || (_style == MeshStyle::Lines && _numLineIndexes > 0);
+}
+
 void TriMeshPainterGL::paint(PaintPass pass)
 {
   if (_mesh->getSize() == 0) return;
@@ -145,8 +151,9 @@ void TriMeshPainterGL::paint(PaintPass pass)
   if (!_vertices.isFilled()) upload();
   _material.apply(pass);
   if (_style == MeshStyle::Surface) selectFaces(pass, _material.isEconomic);
-  glLineWidth(std::max(_lineWidth, 1.F));
-  glPointSize(std::max(_lineWidth, 1.F));
+  glLineWidth(1); // wide lines of a fine mesh would look like its surface
+  glPointSize(dotSize);
+  if (isSeenFromAnySide() && pass != PaintPass::Picking) glEnable(GL_LIGHT1);
   enableArrays(pass);
   draw();
   _vertices.unbind();

@@ -28,8 +28,6 @@ public:
   void setMaterial(const MaterialGL& material) { _material = material; }
   MeshStyle getStyle() const { return _style; }
   void setStyle(MeshStyle style) { _style = style; }
-  /// Of lines and dots, in pixels.
-  void setLineWidth(float width) { _lineWidth = width; }
 
   BoundingBox<float> boundingBox() const override { return _box; }
   bool isTransparent() const override { return _material.isTransparent(); }
@@ -46,11 +44,12 @@ private:
   void uploadIndexes();
   void enableArrays(PaintPass pass) const;
   void draw() const;
+  /// Lines and dots have no back: they are lit from behind, too, by the second light.
+  bool isSeenFromAnySide() const;
 
   std::shared_ptr<const TriMesh<float>> _mesh;
   MeshStyle _style;
   MaterialGL _material;
-  float _lineWidth = 1;
   BoundingBox<float> _box;
   bool _hasColors;
   BufferGL _vertices{GL_ARRAY_BUFFER}; // all coordinates, all normals, all colours

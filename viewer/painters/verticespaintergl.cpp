@@ -85,6 +85,7 @@ void VerticesPainterGL::paintDots(const Run& run, PaintPass pass) const
   material.applyColor(pass);
   if (pass != PaintPass::Picking)
   {
+    glDisable(GL_MULTISAMPLE); // with which points are square
     glEnable(GL_POINT_SMOOTH);
     glEnable(GL_ALPHA_TEST); // the corners of smooth points are transparent
     glAlphaFunc(GL_GREATER, 0);
@@ -118,7 +119,7 @@ void VerticesPainterGL::paint(PaintPass pass)
 {
   if (_box.isEmpty()) return;
   const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_POINT_BIT |
-                      GL_COLOR_BUFFER_BIT);
+                      GL_COLOR_BUFFER_BIT | GL_MULTISAMPLE_BIT);
   if (!_dotBuffer.isFilled()) upload();
   glEnableClientState(GL_VERTEX_ARRAY);
   for (const Run& run : _runs)

@@ -16,6 +16,7 @@ namespace
 {
 constexpr float symbolShare = 0.01F;    // of the stack's diagonal
 constexpr float pixelsPerPointSize = 5; // of a dot
+constexpr float pixelsPerVertex = 1.5F; // of one that stands for a vertex of a contour
 
 /// Surfaces of open curves have two outsides, so that nothing of them can be spared.
 MaterialGL materialOf(const ModelProperties& properties, const ModelItemProperties& itemProperties)
@@ -40,7 +41,8 @@ std::vector<SymbolStyleGL> symbolStyles(const ModelGeometry& geometry, float sym
   for (const ModelItemProperties& properties : geometry.levelProperties)
   {
     const VertexSymbol symbol = isDotted ? VertexSymbol::Dot : properties.getVertexSymbol();
-    const float scale = symbol == VertexSymbol::Dot ? pixelsPerPointSize : symbolSize;
+    const float dotSize = isDotted ? pixelsPerVertex : pixelsPerPointSize;
+    const float scale = symbol == VertexSymbol::Dot ? dotSize : symbolSize;
     const float pointSize = std::max(properties.getPointSize(), 0.F);
     styles.push_back({symbol, properties.getVertexSymbolFilling(), pointSize * scale, properties.getColor()});
   }
@@ -60,7 +62,6 @@ std::unique_ptr<PainterGL<float>> surfacePainter(const ModelGeometry& geometry)
   else
     painter = std::make_unique<TriMeshPainterGL>(geometry.surface, style);
   painter->setMaterial(materialOf(geometry.properties, geometry.itemProperties));
-  painter->setLineWidth(geometry.itemProperties.getLineWidth());
   return painter;
 }
 
@@ -113,6 +114,5 @@ bool changeMaterial(PainterGL<float>& painter, const ModelProperties& properties
   auto* const mesh = dynamic_cast<TriMeshPainterGL*>(&painter);
   if (mesh == nullptr) return false;
   mesh->setMaterial(materialOf(properties, itemProperties));
-  mesh->setLineWidth(itemProperties.getLineWidth());
   return true;
 }

@@ -62,23 +62,27 @@ void SceneGL::applyProjection() const
   glMatrixMode(GL_MODELVIEW);
 }
 
-/// From the viewer's place, slightly from above.
+/// From the viewer's place, slightly from above; and, for what has no back, the same from the other side.
 void SceneGL::applyLight()
 {
-  const auto set = [](GLenum parameter, int percent)
+  const ViewerCamera::Lights& lights = _camera.getLights();
+  const auto set = [](GLenum light, GLenum parameter, int percent)
   {
     const GLfloat level = static_cast<float>(percent) / 100;
     const GLfloat color[] = {level, level, level, 1};
-    glLightfv(GL_LIGHT0, parameter, color);
+    glLightfv(light, parameter, color);
   };
-  set(GL_AMBIENT, _camera.getLights().ambient);
-  set(GL_DIFFUSE, _camera.getLights().diffuse);
-  set(GL_SPECULAR, _camera.getLights().specular);
-  const GLfloat none[] = {0, 0, 0, 1}, direction[] = {0, 0.2F, 1, 0};
+  const GLfloat none[] = {0, 0, 0, 1}, front[] = {0, 0.2F, 1, 0}, back[] = {0, -0.2F, -1, 0};
   glLightModelfv(GL_LIGHT_MODEL_AMBIENT, none);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  glLightfv(GL_LIGHT0, GL_POSITION, direction);
+  for (const GLenum light : {GL_LIGHT0, GL_LIGHT1})
+  {
+    set(light, GL_AMBIENT, light == GL_LIGHT0 ? lights.ambient : 0);
+    set(light, GL_DIFFUSE, lights.diffuse);
+    set(light, GL_SPECULAR, lights.specular);
+    glLightfv(light, GL_POSITION, light == GL_LIGHT0 ? front : back);
+  }
   glEnable(GL_LIGHT0);
 }
 
