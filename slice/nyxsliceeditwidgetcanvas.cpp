@@ -40,7 +40,7 @@ void NYXSliceEditWidgetCanvas::paintForeground(QPainter& painter)
   if (_extraItem == nullptr || getCanvasMode() == CanvasMode::Background) return;
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  drawModelItem(painter, *_extraItem, itemsToCanvas(), rect(), NYXItemDetail::Full);
+  drawModelItem(painter, *_extraItem, itemsToCanvas(), painter.clipBoundingRect(), NYXItemDetail::Full);
   painter.restore();
 }
 
@@ -49,6 +49,6 @@ void NYXSliceEditWidgetCanvas::highlight(QPainter& painter, const ModelItem& ite
   if (getCanvasMode() == CanvasMode::Background) return;
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  highlightModelItem(painter, item, itemsToCanvas(), rect(), color);
+  highlightModelItem(painter, item, itemsToCanvas(), painter.clipBoundingRect(), color);
   painter.restore();
 }

@@ -117,7 +117,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::keyPressEvent(QKeyEvent& event)
     event.ignore();
 }
 
-void NYXSliceEditWidgetMediatorContourDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorContourDelegate::paintFeedback(QPainter& painter)
 {
   if (!isActive()) return;
   painter.setRenderHint(QPainter::Antialiasing);

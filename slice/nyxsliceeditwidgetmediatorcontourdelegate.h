@@ -26,7 +26,6 @@ public:
   void deactivate() override;
   bool worksOn(const ModelItem& item) const override;
   void followItem() override { updatePreview(); }
-  void paint(QPainter& painter) override;
 
 public slots:
   /// Changes the first selected contour, or all of them, leaves the tool, and says why when it could not.
@@ -34,6 +33,7 @@ public slots:
   void applyToAll();
 
 protected:
+  void paintFeedback(QPainter& painter) override;
   /// Title of the dialog.
   virtual QString title() const = 0;
   /// Whether the tool can change the item; curves by default.

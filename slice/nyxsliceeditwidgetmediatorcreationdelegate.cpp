@@ -8,6 +8,7 @@
 #include "geometry/curveprocessing/curvedecimation.h"
 #include "model/model.h"
 #include "model/modelitem.h"
+#include "slice/image/nyxitempainter.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -16,6 +17,7 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPolygonF>
 
 NYXSliceEditWidgetMediatorCreationDelegate::NYXSliceEditWidgetMediatorCreationDelegate(
     NYXSliceEditWidgetMediator& mediator)
@@ -113,7 +115,7 @@ void NYXSliceEditWidgetMediatorCreationDelegate::move(const NYXPointerEvent& eve
 {
   _cursor = event.position;
   if ((event.buttons & Qt::LeftButton) && !isPoints()) addVertex(event.position, true);
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::addVertex(const QPoint& canvasPoint, bool isStroke)
@@ -129,7 +131,7 @@ void NYXSliceEditWidgetMediatorCreationDelegate::addVertex(const QPoint& canvasP
     addDisc(point, isStroke);
   else if (vertices.getNumVertices() == 0 || !(vertices[vertices.getNumVertices() - 1] == point))
     _item->appendVertex(point);
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorCreationDelegate::addDisc(const Vector<int>& center, bool isStroke)
@@ -216,9 +218,9 @@ void NYXSliceEditWidgetMediatorCreationDelegate::record()
   pushStep(std::make_unique<NYXItemCreationAction>(std::move(_item)));
 }
 
-void NYXSliceEditWidgetMediatorCreationDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorCreationDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive() || !_item) return;
+  if (!_item) return;
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1));
   if (_item->isRegion())
@@ -234,4 +236,20 @@ void NYXSliceEditWidgetMediatorCreationDelegate::paint(QPainter& painter)
   if (!_item->isClosed()) return;
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1, Qt::DashLine));
   painter.drawLine(QPointF(_cursor), canvasCenter(vertices.data()));
+}
+
+/// Around what is drawn from the cursor, and what the item's newest vertex has changed.
+QRect NYXSliceEditWidgetMediatorCreationDelegate::feedbackRect() const
+{
+  if (!_item) return {};
+  const NYXImageViewport& viewport = canvas().viewport();
+  const double brush = _item->isRegion() ? NYXPreferences::getRegionBrushSize() + 1.5 : 1;
+  const double margin = modelItemMargin(*_item) + 2;
+  const double dx = brush * viewport.scaleX() + margin, dy = brush * viewport.scaleY() + margin;
+  QPolygonF points;
+  points << _cursor;
+  const Vertices<int>& vertices = _item->getVertices();
+  const int last = vertices.getNumVertices() - 1;
+  if (last >= 0) points << canvasCenter(vertices.data(0)) << canvasCenter(vertices.data(last));
+  return points.boundingRect().adjusted(-dx, -dy, dx, dy).toAlignedRect();
 }

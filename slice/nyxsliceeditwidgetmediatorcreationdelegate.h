@@ -35,9 +35,9 @@ public:
   /// The model of the item that is being drawn; only while active.
   const Model& model() const;
 
-  void paint(QPainter& painter) override;
-
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override { return "CREATE"; }
   QString hint() const override;
   void press(const NYXPointerEvent& event) override;

@@ -104,6 +104,25 @@ QPointF NYXSliceEditWidgetMediatorDelegate::canvasCenter(const int* position) co
   return canvas().viewport().mapToCanvas(QPointF(position[0] + 0.5, position[1] + 0.5));
 }
 
+void NYXSliceEditWidgetMediatorDelegate::updateFeedback()
+{
+  editCanvas().updatePart(_painted);
+  editCanvas().updatePart(feedbackRect());
+  _painted = QRect();
+}
+
+void NYXSliceEditWidgetMediatorDelegate::paint(QPainter& painter)
+{
+  if (!isActive()) return;
+  _painted |= feedbackRect();
+  paintFeedback(painter);
+}
+
+QRect NYXSliceEditWidgetMediatorDelegate::feedbackRect() const
+{
+  return canvas().rect();
+}
+
 void NYXSliceEditWidgetMediatorDelegate::placeBeside(const ModelItem& item, QWidget& window) const
 {
   constexpr int distance = 10; // from the canvas's border

@@ -4,6 +4,7 @@
 #include "slice/image/nyximagewidgetmediatordelegate.h"
 
 #include <QElapsedTimer>
+#include <QRect>
 #include <QString>
 
 #include <memory>
@@ -41,6 +42,9 @@ public:
 
   /// Whether the tool cannot go on when the item leaves its slice or model.
   virtual bool worksOn(const ModelItem&) const { return false; }
+
+  /// Draws the feedback while active, and notes its place.
+  void paint(QPainter& painter) final;
   /// Called when an item that the tool works on has changed.
   virtual void followItem() {}
 
@@ -90,6 +94,15 @@ protected:
   Vector<int> pointOnImage(const QPoint& canvasPoint) const;
   /// The centre of an image position on the canvas.
   QPointF canvasCenter(const int* position) const;
+  /// What the tool shows over the image, in pixels of the canvas, and the rectangle in which that lies: nothing, and
+  /// all of the canvas, by default.
+  /// @{
+  virtual void paintFeedback(QPainter&) {}
+  virtual QRect feedbackRect() const;
+  /// @}
+  /// Repaints the feedback where it was drawn last and where it is now.
+  void updateFeedback();
+
   /// Puts a window at the side of the canvas where it hides the item the least.
   void placeBeside(const ModelItem& item, QWidget& window) const;
   /// How far from the mouse a vertex of the item is picked, in pixels of the image.
@@ -101,6 +114,7 @@ protected:
 private:
   bool isSecondTap(const QTabletEvent& event);
 
+  QRect _painted;          // where feedback may be on the screen
   QElapsedTimer _sinceTap; // of the pen
   QPoint _tap;
 };

@@ -119,9 +119,12 @@ void NYXSliceEditWidgetMediatorEditionDelegate::press(const NYXPointerEvent& eve
 void NYXSliceEditWidgetMediatorEditionDelegate::move(const NYXPointerEvent& event)
 {
   _cursor = event.position;
-  canvas().update();
-  if (!_isPressed) return;
-  const Vector<int> point = pointOnImage(_cursor);
+  if (_isPressed) change(pointOnImage(_cursor));
+  updateFeedback();
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::change(const Vector<int>& point)
+{
   if (_moveAction)
   {
     _moveAction->setPoint(point);
@@ -242,28 +245,83 @@ void NYXSliceEditWidgetMediatorEditionDelegate::erase(const Vector<int>& point)
   deactivate();
 }
 
-void NYXSliceEditWidgetMediatorEditionDelegate::paint(QPainter& painter)
+// ------------------------------------------------------------------------------------------------- the feedback
+
+double NYXSliceEditWidgetMediatorEditionDelegate::eraserRadius() const
 {
-  if (!isActive() || _item == nullptr) return;
-  const QColor color = NYXPreferences::getSelectionColor();
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(color, 1));
+  return pickTolerance(*_item) + 0.5;
+}
+
+/// The vertex that a press would move or delete, or that is being moved.
+int NYXSliceEditWidgetMediatorEditionDelegate::vertexAtCursor() const
+{
+  if (_item->isRegion() || _mode == VertexEditionMode::Insert) return -1;
+  if (_moveAction) return _moveAction->getIndex();
+  if (!isOnImage(_cursor)) return -1;
+  const int radius = _mode == VertexEditionMode::Move ? moveRadius : pickTolerance(*_item);
+  return _item->findNearestVertex(canvas().convertToVectori(_cursor), radius);
+}
+
+/// The vertices between which a press would insert one, on the canvas with the cursor between them; empty when it would
+/// not.
+QPolygonF NYXSliceEditWidgetMediatorEditionDelegate::insertionAtCursor() const
+{
+  if (_mode != VertexEditionMode::Insert || _isPressed || !isOnImage(_cursor)) return {};
   const Vertices<int>& vertices = _item->getVertices();
-  const QRectF visible = QRectF(canvas().rect()).adjusted(-4, -4, 4, 4);
+  const int numVertices = vertices.getNumVertices();
+  if (_item->getModel()->getGeometry() == MPrimitive::Polypoint) return QPolygonF() << _cursor;
+  const int index = _item->findInsertion(canvas().convertToVectori(_cursor), pickTolerance(*_item));
+  if (index <= 0) return {};
+  return QPolygonF() << canvasCenter(vertices.data(index - 1)) << _cursor
+                     << canvasCenter(vertices.data(index % numVertices));
+}
+
+/// Vertices that lie close together on the screen are marked once.
+void NYXSliceEditWidgetMediatorEditionDelegate::paintVertices(QPainter& painter) const
+{
+  const Vertices<int>& vertices = _item->getVertices();
+  const QRectF visible = painter.clipBoundingRect().adjusted(-4, -4, 4, 4);
+  QPointF last(-1e9, -1e9);
   for (int i = 0; i < vertices.getNumVertices(); ++i)
   {
     const QPointF center = canvasCenter(vertices.data(i));
+    if ((center - last).manhattanLength() < 3) continue;
+    last = center;
     if (visible.contains(center)) painter.drawRect(QRectF(center - QPointF(2.5, 2.5), QSizeF(5, 5)));
   }
+}
+
+void NYXSliceEditWidgetMediatorEditionDelegate::paintFeedback(QPainter& painter)
+{
+  if (_item == nullptr) return;
+  const QColor color = NYXPreferences::getSelectionColor();
+  const NYXImageViewport& viewport = canvas().viewport();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(color, 1));
+  paintVertices(painter);
   if (_mode == VertexEditionMode::Delete)
-  {
-    const double radius = pickTolerance(*_item) + 0.5;
-    painter.drawEllipse(QPointF(_cursor), radius * canvas().viewport().scaleX(), radius * canvas().viewport().scaleY());
-  }
-  if (_mode == VertexEditionMode::Insert || !isOnImage(_cursor)) return;
-  const int radius = _mode == VertexEditionMode::Move ? moveRadius : pickTolerance(*_item);
-  const int nearest = _item->isRegion() ? -1 : _item->findNearestVertex(canvas().convertToVectori(_cursor), radius);
-  if (nearest < 0) return;
+    painter.drawEllipse(QPointF(_cursor), eraserRadius() * viewport.scaleX(), eraserRadius() * viewport.scaleY());
+  const QPolygonF insertion = insertionAtCursor();
+  const int vertex = vertexAtCursor();
   painter.setBrush(color);
-  painter.drawEllipse(canvasCenter(vertices.data(nearest)), 4, 4);
+  if (vertex >= 0) painter.drawEllipse(canvasCenter(_item->getVertices().data(vertex)), 4, 4);
+  if (insertion.isEmpty()) return;
+  painter.drawEllipse(QPointF(_cursor), 3, 3);
+  painter.setPen(QPen(color, 1, Qt::DashLine));
+  painter.drawPolyline(insertion);
+}
+
+/// Without the marks of the vertices, which are repainted with the item.
+QRect NYXSliceEditWidgetMediatorEditionDelegate::feedbackRect() const
+{
+  if (_item == nullptr) return {};
+  const NYXImageViewport& viewport = canvas().viewport();
+  const bool isEraser = _mode == VertexEditionMode::Delete;
+  const double dx = isEraser ? eraserRadius() * viewport.scaleX() : 0;
+  const double dy = isEraser ? eraserRadius() * viewport.scaleY() : 0;
+  QRectF rect(_cursor.x() - dx, _cursor.y() - dy, 2 * dx, 2 * dy);
+  const int vertex = vertexAtCursor();
+  if (vertex >= 0) rect |= QRectF(canvasCenter(_item->getVertices().data(vertex)), QSizeF(0.1, 0.1));
+  rect |= insertionAtCursor().boundingRect();
+  return rect.adjusted(-6, -6, 6, 6).toAlignedRect();
 }

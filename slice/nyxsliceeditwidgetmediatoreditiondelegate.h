@@ -6,6 +6,7 @@
 #include "numeric/vector.h"
 
 #include <QPoint>
+#include <QPolygonF>
 
 class NYXMoveVertexAction;
 
@@ -27,9 +28,10 @@ public:
   void setMode(VertexEditionMode mode);
 
   bool worksOn(const ModelItem& item) const override { return &item == _item; }
-  void paint(QPainter& painter) override;
 
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override;
   QString hint() const override;
   void press(const NYXPointerEvent& event) override;
@@ -41,6 +43,11 @@ private:
   /// Ends a drag that is not over, without its change.
   void giveUp();
 
+  void change(const Vector<int>& point);
+  double eraserRadius() const;
+  int vertexAtCursor() const;
+  QPolygonF insertionAtCursor() const;
+  void paintVertices(QPainter& painter) const;
   void beginMove(const Vector<int>& point);
   void beginInsertion(const Vector<int>& point);
   void insert(const Vector<int>& point);

@@ -147,7 +147,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& ev
 {
   if (!_isDragging) return hover(event.position);
   _boxEnd = event.position;
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::release()
@@ -203,14 +203,18 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::paintTargets(QPainter& painter
   }
 }
 
-void NYXSliceEditWidgetMediatorSelectionDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorSelectionDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive()) return;
   if (!_isDragging) return paintTargets(painter);
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
   painter.drawRect(QRect(_boxStart, _boxEnd).normalized());
+}
+
+QRect NYXSliceEditWidgetMediatorSelectionDelegate::feedbackRect() const
+{
+  return _isDragging ? QRect(_boxStart, _boxEnd).normalized().adjusted(-1, -1, 2, 2) : canvas().rect();
 }
 
 // ---------------------------------------------------------------------------------------------------- selecting

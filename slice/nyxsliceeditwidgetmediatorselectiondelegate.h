@@ -35,8 +35,6 @@ public:
   /// The only selected closed or open curve of the slice, or nullptr.
   ModelItem* selectedCurve() const;
 
-  void paint(QPainter& painter) override;
-
 public slots:
   void cancelSelection();
   void selectAllModelItems();
@@ -53,6 +51,8 @@ public slots:
   void changeSelectionTriangulationTag(const QAction& action);
 
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override { return "READY"; }
   QString hint() const override;
   void press(const NYXPointerEvent& event) override;

@@ -49,7 +49,7 @@ void NYXSliceEditWidgetMediatorSplitDelegate::move(const NYXPointerEvent& event)
 {
   if (!_isDrawing) return;
   _to = event.position;
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorSplitDelegate::release()
@@ -90,12 +90,17 @@ std::vector<std::unique_ptr<ModelItem>> NYXSliceEditWidgetMediatorSplitDelegate:
   return items;
 }
 
-void NYXSliceEditWidgetMediatorSplitDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorSplitDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive() || !_isDrawing) return;
+  if (!_isDrawing) return;
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(QColor(0, 0, 0, 140), 3));
   painter.drawLine(_from, _to);
   painter.setPen(QPen(NYXPreferences::getSelectionColor(), 1.5));
   painter.drawLine(_from, _to);
+}
+
+QRect NYXSliceEditWidgetMediatorSplitDelegate::feedbackRect() const
+{
+  return _isDrawing ? QRect(_from, _to).normalized().adjusted(-3, -3, 3, 3) : QRect();
 }

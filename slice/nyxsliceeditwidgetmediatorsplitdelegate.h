@@ -18,9 +18,10 @@ public:
   void activate() override;
   void deactivate() override;
   bool worksOn(const ModelItem& item) const override { return &item == _item; }
-  void paint(QPainter& painter) override;
 
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override { return "SPLIT"; }
   QString hint() const override { return tr("Draw a line through the contour to split it, Escape to cancel"); }
   void press(const NYXPointerEvent& event) override;

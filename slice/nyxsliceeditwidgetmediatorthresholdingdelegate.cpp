@@ -54,7 +54,7 @@ void NYXSliceEditWidgetMediatorThresholdingDelegate::move(const NYXPointerEvent&
 {
   if (!_isDrawing) return;
   _to = event.position;
-  canvas().update();
+  updateFeedback();
 }
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::release()
@@ -103,11 +103,16 @@ void NYXSliceEditWidgetMediatorThresholdingDelegate::create(const Vertices<int>&
   pushStep(std::make_unique<NYXItemCreationAction>(std::move(item)));
 }
 
-void NYXSliceEditWidgetMediatorThresholdingDelegate::paint(QPainter& painter)
+void NYXSliceEditWidgetMediatorThresholdingDelegate::paintFeedback(QPainter& painter)
 {
-  if (!isActive() || !_isDrawing) return;
+  if (!_isDrawing) return;
   const QColor color = NYXPreferences::getSelectionColor();
   painter.setPen(QPen(color, 1));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 40));
   painter.drawRect(QRect(_from, _to).normalized());
+}
+
+QRect NYXSliceEditWidgetMediatorThresholdingDelegate::feedbackRect() const
+{
+  return _isDrawing ? QRect(_from, _to).normalized().adjusted(-1, -1, 2, 2) : QRect();
 }

@@ -16,9 +16,10 @@ public:
   /// Draws for the stack's model of this name; nothing happens when there is none.
   void activate(const QString& modelName);
   void deactivate() override;
-  void paint(QPainter& painter) override;
 
 protected:
+  void paintFeedback(QPainter& painter) override;
+  QRect feedbackRect() const override;
   QString editMode() const override { return "THRESHOLD"; }
   QString hint() const override { return tr("Drag a rectangle around the object, Escape to cancel"); }
   void press(const NYXPointerEvent& event) override;

@@ -15,30 +15,36 @@
 struct NYXImagePainter::Axis
 {
   int levelExtent;
-  int canvasExtent;
   double zoom; ///< device pixels per pixel of the level
-  int offset;  ///< of the canvas's corner from the level's, in device pixels, so that panning moves whole ones
+  int begin;   ///< device pixels of the canvas that are drawn: the first one,
+  int extent;  ///< and their number
+  int offset;  ///< of the first one from the level's corner, so that panning moves whole device pixels
 
-  Axis(int level, int image, int origin, int canvas, double scale)
+  /// Of an image of which the canvas shows what comes behind the origin. Pixels are drawn as a whole at whole zooms.
+  Axis(int level, int image, int origin, double scale, int firstPart, int lastPart)
     : levelExtent(level),
-      canvasExtent(canvas),
       zoom(scale * image / level),
-      offset(static_cast<int>(std::lround(origin * scale)))
+      begin(isWholeZoom() ? firstPart - firstPart % static_cast<int>(zoom) : firstPart),
+      extent(lastPart + 1 - begin),
+      offset(static_cast<int>(std::lround(origin * scale)) + begin)
   {
   }
 
+  /// Whether the image ends before the part.
+  bool isEmpty() const { return begin > 0 && indexAt(0) >= levelExtent; }
+
   bool isWholeZoom() const { return zoom == std::round(zoom); }
-  /// The pixel under the centre of a device pixel of the canvas.
+  /// The pixel under the centre of a device pixel of the part.
   int indexAt(int position) const { return std::max(0, static_cast<int>((offset + position + 0.5) / zoom)); }
   int first() const { return std::min(indexAt(0), levelExtent - 1); }
   /// Number of pixels from the first one on.
-  int count() const { return std::clamp(indexAt(canvasExtent - 1) + 1 - first(), 1, levelExtent - first()); }
+  int count() const { return std::clamp(indexAt(extent - 1) + 1 - first(), 1, levelExtent - first()); }
 
-  /// The pixel for every device pixel of the canvas that shows one; the first one shows a thinner image, too.
+  /// The pixel for every device pixel of the part that shows one; the first one shows a thinner image, too.
   std::vector<int> indices() const
   {
     std::vector<int> result = {first()};
-    for (int i = 1; i < canvasExtent && indexAt(i) < levelExtent; ++i) result.push_back(indexAt(i));
+    for (int i = 1; i < extent && indexAt(i) < levelExtent; ++i) result.push_back(indexAt(i));
     return result;
   }
 };
@@ -135,21 +141,23 @@ void NYXImagePainter::setBlackAndWhite(float black, float white)
   _white = white;
 }
 
-void NYXImagePainter::paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio)
+void NYXImagePainter::paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio, const QRect& part)
 {
   const QSize image = viewport.getImageSize();
   const QSize canvas = viewport.getCanvasSize() * pixelRatio;
-  if (level.getSize() == 0 || !image.isValid() || image.isEmpty() || canvas.isEmpty()) return;
+  if (level.getSize() == 0 || !image.isValid() || image.isEmpty() || part.isEmpty()) return;
   const QPoint origin = viewport.getViewOrigin();
-  const Axis x(level.getWidth(), image.width(), origin.x(), canvas.width(), viewport.scaleX() * pixelRatio);
-  const Axis y(level.getHeight(), image.height(), origin.y(), canvas.height(), viewport.scaleY() * pixelRatio);
+  const Axis x(level.getWidth(), image.width(), origin.x(), viewport.scaleX() * pixelRatio, part.left(), part.right());
+  const Axis y(level.getHeight(), image.height(), origin.y(), viewport.scaleY() * pixelRatio, part.top(),
+               part.bottom());
+  if (x.isEmpty() || y.isEmpty()) return;
 
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
   glOrtho(0, canvas.width(), canvas.height(), 0, -1, 1);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  glRasterPos2i(0, 0);
+  glRasterPos2i(x.begin, y.begin);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   // Mesa draws colour indices from the image's corner on, whatever is to be skipped.
   const bool isZoomed = x.isWholeZoom() && y.isWholeZoom() && !level.isIndexed();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSize>
+#include <QRect>
 
 #include <vector>
 
@@ -16,8 +16,9 @@ public:
 
   /// Draws a level of the pyramid into a canvas of the viewport's size, whose pixels are `pixelRatio` device pixels
   /// wide. At zooms that are not whole numbers the level is sampled first: a frame costs what the screen shows, and the
-  /// places of pixels do not depend on how a driver rounds.
-  void paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio);
+  /// places of pixels do not depend on how a driver rounds. At least the part, in device pixels of the canvas, is
+  /// drawn.
+  void paint(const Image& level, const NYXImageViewport& viewport, double pixelRatio, const QRect& part);
 
 private:
   struct Axis;

@@ -47,6 +47,18 @@ void NYXImageWidgetCanvas::clear()
   update();
 }
 
+void NYXImageWidgetCanvas::update()
+{
+  _isAllStale = true;
+  QOpenGLWidget::update();
+}
+
+void NYXImageWidgetCanvas::updatePart(const QRect& part)
+{
+  _stale |= part & rect();
+  if (!_stale.isEmpty()) QOpenGLWidget::update();
+}
+
 QPoint NYXImageWidgetCanvas::convertToImagePosition(const QPoint& canvasPoint) const
 {
   return _viewport.convertToImagePosition(canvasPoint);
@@ -107,6 +119,7 @@ void NYXImageWidgetCanvas::initPainterTransform(QPainter& painter) const
 void NYXImageWidgetCanvas::resizeEvent(QResizeEvent* event)
 {
   _isPictureHeld = false;
+  _isAllStale = true;
   const QPoint center = viewCenter();
   _viewport.setCanvasSize(size());
   if (isBestFitMode())
@@ -121,6 +134,7 @@ void NYXImageWidgetCanvas::resizeEvent(QResizeEvent* event)
 void NYXImageWidgetCanvas::initializeGL()
 {
   _isPictureHeld = false;
+  _isAllStale = true;
   initializeOpenGLFunctions();
 }
 
@@ -128,25 +142,35 @@ void NYXImageWidgetCanvas::paintGL()
 {
   if (_isPictureHeld) return;
   const QMutexLocker lock(&_mutex);
+  // Without a wish of this program, the screen wants a picture.
+  const QRect part = _isAllStale || _stale.isEmpty() ? rect() : _stale;
+  _isAllStale = false;
+  _stale = QRect();
+  const double pixelRatio = devicePixelRatioF();
+  const QRect pixels = QRectF(QPointF(part.topLeft()) * pixelRatio, QSizeF(part.size()) * pixelRatio).toAlignedRect();
+  glEnable(GL_SCISSOR_TEST);
+  glScissor(pixels.left(), qRound(height() * pixelRatio) - pixels.bottom() - 1, pixels.width(), pixels.height());
   const QColor background = NYXPreferences::getImageCanvasBackgroundColor();
   glClearColor(static_cast<float>(background.redF()), static_cast<float>(background.greenF()),
                static_cast<float>(background.blueF()), 1);
   glClear(GL_COLOR_BUFFER_BIT);
-  if (isImageShown() && getImageProxy().hasImage()) paintImage();
-  paintOver();
+  if (isImageShown() && getImageProxy().hasImage()) paintImage(pixels);
+  glDisable(GL_SCISSOR_TEST);
+  paintOver(QRectF(QPointF(pixels.topLeft()) / pixelRatio, QSizeF(pixels.size()) / pixelRatio));
   reportErrors();
 }
 
-void NYXImageWidgetCanvas::paintImage()
+void NYXImageWidgetCanvas::paintImage(const QRect& part)
 {
   const double pixelRatio = devicePixelRatioF();
   const Image& level = getImageProxy().getImageForZoom(getZoomFactor() * static_cast<float>(pixelRatio));
-  _imagePainter.paint(level, _viewport, pixelRatio);
+  _imagePainter.paint(level, _viewport, pixelRatio, part);
 }
 
-void NYXImageWidgetCanvas::paintOver()
+void NYXImageWidgetCanvas::paintOver(const QRectF& part)
 {
   QPainter painter(this);
+  painter.setClipRect(part);
   if (isImageShown() && getZoomFactor() >= pixelGridZoom) paintPixelGrid(painter);
   paintForeground(painter);
   if (isImageShown()) paintProblem(painter);

@@ -51,6 +51,12 @@ public:
   Vector<int> convertToVectori(const QPoint& canvasPoint) const;
   /// @}
 
+  /// Repaints all of the canvas soon, or what lies in a rectangle of it.
+  /// @{
+  void update();
+  void updatePart(const QRect& part);
+  /// @}
+
   /// Takes over the size and the pixel calibration of the proxy's source.
   void updateImageSize();
 
@@ -84,8 +90,8 @@ protected:
   void resizeEvent(QResizeEvent* event) override;
 
 private:
-  void paintImage();
-  void paintOver();
+  void paintImage(const QRect& part);
+  void paintOver(const QRectF& part);
   void paintPixelGrid(QPainter& painter) const;
   void paintProblem(QPainter& painter) const;
   void reportErrors() const;
@@ -95,5 +101,7 @@ private:
   NYXImagePainter _imagePainter;
   std::vector<NYXImageWidgetCanvasExtraPainter*> _extraPainters;
   bool _isPictureHeld = false;
+  QRect _stale; // what is to be repainted; empty for all of the canvas
+  bool _isAllStale = true;
   QMutex _mutex; // held while painting
 };

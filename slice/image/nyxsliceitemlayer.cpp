@@ -99,6 +99,12 @@ void NYXSliceItemLayer::updateEntries()
   for (int i = 0; i < numItems; ++i) _entries.push_back(entryOf(*_slice->getItem(i)));
 }
 
+QRect NYXSliceItemLayer::staleRect() const
+{
+  const QRect pixels = _isAllStale ? QRect(QPoint(0, 0), _frame.size) : _stale.boundingRect();
+  return onScreen(pixels, _frame.pixelRatio).toAlignedRect();
+}
+
 std::vector<const ModelItem*> NYXSliceItemLayer::itemsNear(const QPoint& position, int distance)
 {
   updateEntries();

@@ -29,6 +29,9 @@ public:
   /// An item of the slice is new, has changed or has left the slice; it is looked up by its address only.
   void invalidate(const ModelItem& item);
 
+  /// What update() would draw anew, in pixels of the screen.
+  QRect staleRect() const;
+
   /// The items whose boxes come within a distance of a position, both in pixels of the image; in order of their
   /// addresses.
   std::vector<const ModelItem*> itemsNear(const QPoint& position, int distance);

@@ -10,6 +10,7 @@ namespace
 {
 constexpr int refinementDelay = 150; // milliseconds without a change of the view
 constexpr int refinementStep = 8;    // milliseconds of drawing at a time
+constexpr int toolMargin = 4;        // around an item, where tools mark its vertices
 } // namespace
 
 NYXSliceWidgetCanvas::NYXSliceWidgetCanvas(QWidget* parent) : NYXImageWidgetCanvas(parent)
@@ -58,7 +59,7 @@ QSize NYXSliceWidgetCanvas::fallbackImageSize() const
 void NYXSliceWidgetCanvas::repaintItem(const ModelItem& item)
 {
   _items.invalidate(item);
-  update();
+  updatePart(_items.staleRect().adjusted(-toolMargin, -toolMargin, toolMargin, toolMargin));
 }
 
 void NYXSliceWidgetCanvas::repaintItems()

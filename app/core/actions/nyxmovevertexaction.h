@@ -10,6 +10,7 @@ public:
   NYXMoveVertexAction(ModelItem& item, int index);
   NYXMoveVertexAction(ModelItem& item, int index, const Vector<int>& point);
 
+  int getIndex() const { return _index; }
   const Vector<int>& getPoint() const { return _point; }
   void setPoint(const Vector<int>& point) { _point = point; }
 
