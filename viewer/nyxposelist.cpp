@@ -44,7 +44,7 @@ QPushButton* NYXPoseList::addButton(const QString& text, const QString& toolTip,
   auto* const button = new QPushButton(text, this);
   button->setObjectName(text);
   button->setToolTip(toolTip);
-  connect(button, &QPushButton::clicked, this, [this, slot] { (this->*slot)(); });
+  connect(button, &QPushButton::clicked, this, slot);
   return button;
 }
 

@@ -44,7 +44,7 @@ QAction* ViewerMediator::createAction(const QString& text, const QString& toolTi
   action->setShortcut(shortcut);
   action->setStatusTip(toolTip);
   action->setToolTip(shortcut.isEmpty() ? toolTip : toolTip + " (" + shortcut.toString(QKeySequence::NativeText) + ")");
-  connect(action, &QAction::triggered, this, slot);
+  if (slot) connect(action, &QAction::triggered, this, slot);
   return action;
 }
 
@@ -73,8 +73,11 @@ void ViewerMediator::createPoseActions()
       {tr("View from below"), tr("Look along Y from below, Z upwards"), &ViewerCanvasGL::setRevStandardPose3},
   };
   for (const auto& pose : poses)
-    _poseActions.append(createAction(pose.text, pose.toolTip, "", QKeySequence(Qt::Key_1 + _poseActions.size()),
-                                     [this, apply = pose.apply] { (_canvas.*apply)(); }));
+  {
+    _poseActions.append(
+        createAction(pose.text, pose.toolTip, "", QKeySequence(Qt::Key_1 + _poseActions.size()), nullptr));
+    connect(_poseActions.last(), &QAction::triggered, &_canvas, pose.apply);
+  }
   _poseActions.append(createAction(tr("Reset pose"), tr("Show the whole scene without rotation"), "resetpose",
                                    QKeySequence("R"), [this] { _canvas.resetPose(); }));
 }
