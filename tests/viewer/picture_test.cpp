@@ -138,6 +138,39 @@ TEST_F(ScenePictures, WideWindowsCutTheSquareAtTopAndBottom)
     }
 }
 
+TEST_F(ScenePictures, InsidesAreSeenWhereSurfacesAreOpenOrCut)
+{
+  addBox({0, 0, 0}, {4, 4, 4}, red);
+  EXPECT_EQ(draw(200, 200).at(100, 100), red);
+  scene.camera().setBoundingBoxScaling(0.3F); // the near plane lies inside, and the far wall behind the far plane
+  scene.setDirty();
+  EXPECT_EQ(draw(200, 200).at(100, 100), black);
+  scene.camera().setPose(Pose::canonicalPose2());
+  scene.camera().setRotation(0, 45, 0); // now an edge of the far walls is within, near a corner of the picture
+  scene.camera().setBoundingBoxScaling(0.7F);
+  scene.setDirty();
+  EXPECT_EQ(draw(200, 200).at(30, 100), red);
+  scene.camera().setPose(Pose());
+  scene.camera().setBoundingBoxScaling(1);
+  auto open = std::make_shared<TriMesh<float>>(painters[0]->getTriMesh());
+  for (int i = 0; i < open->getNumTriangleSlots(); ++i) // without the side to the viewer
+    if (open->getTriangleIndexes(i).getSize() == 3 && open->triangle(i).cog()[2] > 3.9F) open->removeTriangle(i);
+  TriMeshPainterGL painter(open);
+  painter.setMaterial({green, 255, 0});
+  scene.removePainters();
+  scene.addPainter(painter);
+  scene.setDirty();
+  EXPECT_EQ(draw(200, 200).at(100, 100), green);
+  auto inward = std::make_shared<TriMesh<float>>(painters[0]->getTriMesh()); // drawn from both sides, too
+  inward->flip();
+  TriMeshPainterGL insideOut(inward);
+  insideOut.setMaterial({blue, 255, 0});
+  scene.removePainters();
+  scene.addPainter(insideOut);
+  EXPECT_EQ(draw(200, 200).at(100, 100), blue);
+  scene.removePainters();
+}
+
 TEST_F(ScenePictures, TranslationMovesThePictureByTheSceneSize)
 {
   addBox({0, 0, 0}, {2, 2, 2}, red);

@@ -22,7 +22,7 @@ void MaterialGL::applyColor(PaintPass pass) const
   glColor4ub(component(0), component(1), component(2), opacity >= 0 ? byteOf(opacity) : GLubyte{0});
 }
 
-void MaterialGL::apply(PaintPass pass) const
+void MaterialGL::apply(PaintPass pass, bool isOneSided) const
 {
   if (pass == PaintPass::Picking) return;
   const bool isShiny = shininess > 0 && !isEconomic;
@@ -33,14 +33,13 @@ void MaterialGL::apply(PaintPass pass) const
   glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
   glEnable(GL_COLOR_MATERIAL);
   glEnable(GL_LIGHTING);
-  glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, isEconomic ? GL_FALSE : GL_TRUE);
+  glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, isEconomic || isOneSided ? GL_FALSE : GL_TRUE);
   applyColor(pass);
 }
 
-void selectFaces(PaintPass pass, bool isEconomic)
+void selectFaces(PaintPass pass, bool isOneSided)
 {
-  const bool isOneSided = isEconomic || pass == PaintPass::BackFaces || pass == PaintPass::FrontFaces;
-  if (!isOneSided) return glDisable(GL_CULL_FACE);
+  if (!isOneSided && pass != PaintPass::BackFaces && pass != PaintPass::FrontFaces) return glDisable(GL_CULL_FACE);
   glEnable(GL_CULL_FACE);
   glCullFace(pass == PaintPass::BackFaces ? GL_FRONT : GL_BACK);
 }

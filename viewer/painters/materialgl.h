@@ -13,11 +13,11 @@ struct MaterialGL
   bool isEconomic = false;                ///< only what is seen from outside is drawn
 
   bool isTransparent() const { return opacity < 255; }
-  /// Sets colour and highlights, except for picking.
-  void apply(PaintPass pass) const;
+  /// Sets colour and highlights, except for picking. \param isOneSided  the insides are not seen and need no light
+  void apply(PaintPass pass, bool isOneSided = false) const;
   /// Sets the colour of what is drawn without light, except for picking.
   void applyColor(PaintPass pass) const;
 };
 
-/// Sets which triangles a pass draws, and light on both of their sides.
-void selectFaces(PaintPass pass, bool isEconomic);
+/// Sets which triangles a pass draws. \param isOneSided  those that are seen from outside alone
+void selectFaces(PaintPass pass, bool isOneSided);

@@ -7,7 +7,8 @@
 /// What a painter draws in a pass over the scene.
 enum class PaintPass
 {
-  Opaque,     ///< everything
+  Opaque,     ///< everything that is seen of the object from outside
+  OpaqueCut,  ///< the same in a view that cuts objects open
   BackFaces,  ///< of a transparent surface, the triangles that are seen from inside
   FrontFaces, ///< and those that are seen from outside
   Picking     ///< everything, in the colour that is set, which nothing may change

@@ -52,6 +52,40 @@ BoundingBox<float> finiteBox(const TriMesh<float>& mesh)
   box.add(high);
   return box;
 }
+/// Scatters the bits of a number. Source: G. L. Steele, D. Lea and C. H. Flood, "Fast splittable pseudorandom number
+/// generators", 2014.
+std::uint64_t scattered(std::uint64_t x)
+{
+  x = (x ^ x >> 30) * 0xbf58476d1ce4e5b9U;
+  x = (x ^ x >> 27) * 0x94d049bb133111ebU;
+  return x ^ x >> 31;
+}
+
+/// Whether the surface has no border and faces outwards: each edge is passed as often in one direction as in the other,
+/// and the enclosed volume is positive. Edges count by signed random numbers, whose sum is 0 by chance only in one of
+/// 2^64 cases.
+bool isSolid(const TriMesh<float>& mesh)
+{
+  std::uint64_t sum = 0;
+  double volume = 0;
+  for (int i = 0; i < mesh.getNumTriangleSlots(); ++i)
+  {
+    if (!mesh.hasTriangle(i)) continue;
+    const int* const c = mesh.corners(i);
+    for (int k = 0; k < 3; ++k)
+    {
+      const auto [low, high] = std::minmax(c[k], c[(k + 1) % 3]);
+      const std::uint64_t edge = scattered(static_cast<std::uint64_t>(low) << 32 | static_cast<std::uint64_t>(high));
+      sum += c[k] == low ? edge : ~edge + 1;
+    }
+    if (std::max({c[0], c[1], c[2]}) >= mesh.getSize()) return false;
+    const float *p = mesh.data(c[0]), *q = mesh.data(c[1]), *r = mesh.data(c[2]);
+    const double x = p[0], y = p[1], z = p[2];
+    volume += x * (double{q[1]} * r[2] - double{q[2]} * r[1]) + y * (double{q[2]} * r[0] - double{q[0]} * r[2]) +
+              z * (double{q[0]} * r[1] - double{q[1]} * r[0]);
+  }
+  return sum == 0 && volume > 0 && std::isfinite(volume);
+}
 } // namespace
 
 std::shared_ptr<const TriMesh<float>> withNormals(std::shared_ptr<const TriMesh<float>> mesh)
@@ -66,7 +100,8 @@ TriMeshPainterGL::TriMeshPainterGL(std::shared_ptr<const TriMesh<float>> mesh, M
   : _mesh(withNormals(std::move(mesh))),
     _style(style),
     _box(finiteBox(*_mesh)),
-    _hasColors(_mesh->hasVertexColors() && _mesh->getVertexColors().getSpace() == 3)
+    _hasColors(_mesh->hasVertexColors() && _mesh->getVertexColors().getSpace() == 3),
+    _isSolid(isSolid(*_mesh))
 {
   setName(_mesh->getName());
 }
@@ -149,8 +184,10 @@ void TriMeshPainterGL::paint(PaintPass pass)
   if (_mesh->getSize() == 0) return;
   const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_LINE_BIT | GL_POINT_BIT);
   if (!_vertices.isFilled()) upload();
-  _material.apply(pass);
-  if (_style == MeshStyle::Surface) selectFaces(pass, _material.isEconomic);
+  const bool isSurface = _style == MeshStyle::Surface;
+  const bool isOneSided = isSurface && (_material.isEconomic || (_isSolid && pass == PaintPass::Opaque));
+  _material.apply(pass, isOneSided);
+  if (isSurface) selectFaces(pass, isOneSided);
   glLineWidth(1); // wide lines of a fine mesh would look like its surface
   glPointSize(dotSize);
   if (isSeenFromAnySide() && pass != PaintPass::Picking) glEnable(GL_LIGHT1);

@@ -52,6 +52,7 @@ private:
   MaterialGL _material;
   BoundingBox<float> _box;
   bool _hasColors;
+  bool _isSolid;                       // closed, so that its inside is not seen while it is opaque
   BufferGL _vertices{GL_ARRAY_BUFFER}; // all coordinates, all normals, all colours
   BufferGL _indexes{GL_ELEMENT_ARRAY_BUFFER};
   BufferGL _lines{GL_ELEMENT_ARRAY_BUFFER};

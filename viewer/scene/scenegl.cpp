@@ -114,13 +114,15 @@ void SceneGL::paint(int width, int height, float pixelRatio)
   if (std::exchange(_isLightDirty, false)) applyLight();
   applyModelView();
   paintSurroundings(width, height, pixelRatio);
+  // The scene size reaches from the near to the far plane.
+  const PaintPass pass = _camera.getBoundingBoxScaling() < 1 ? PaintPass::OpaqueCut : PaintPass::Opaque;
   for (Painter* painter : _painters)
-    if (painter->isVisible() && !painter->isTransparent()) painter->paint(PaintPass::Opaque);
+    if (painter->isVisible() && !painter->isTransparent()) painter->paint(pass);
   glDepthMask(GL_FALSE);
   glEnable(GL_BLEND);
   // The alpha of the picture adds up as the colours do, for pictures without background.
   glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-  for (const auto& [painter, pass] : transparentTurns()) painter->paint(pass);
+  for (const Turn& turn : transparentTurns()) turn.painter->paint(turn.pass);
   glDisable(GL_BLEND);
   glDepthMask(GL_TRUE);
   if (_landmarksPainter == nullptr) return;
