@@ -20,6 +20,7 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "numeric/exception.h"
+#include "registration/nyxregistrationwindow.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
 #include "slice/nyxmodetoolbar.h"
@@ -150,8 +151,13 @@ void NYXRootMediator::newStack(const QStringList& images)
 void NYXRootMediator::selectStack(const NYXStack* stack)
 {
   if (stack == nullptr) return;
-  if (stack != currentStack()) _sliceEditWidget->sliceWidget().editMediator().finishTool();
+  if (stack != currentStack()) finishTool();
   _stackList->selectStack(*stack);
+}
+
+void NYXRootMediator::finishTool()
+{
+  _sliceEditWidget->sliceWidget().editMediator().finishTool();
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -164,11 +170,25 @@ void NYXRootMediator::editPreferences()
   NYXPreferencesDialog(_window).exec();
 }
 
+void NYXRootMediator::openRegistration()
+{
+  if (_registrationWindow == nullptr)
+  {
+    _registrationWindow = new NYXRegistrationWindow(_window);
+    nameParts(*_registrationWindow);
+  }
+  _registrationWindow->setStack(currentStack());
+  _registrationWindow->show();
+  _registrationWindow->raise();
+  _registrationWindow->activateWindow();
+}
+
 void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
   _panorama->setStack(stack);
   _sliceList->setStack(stack);
+  if (_registrationWindow != nullptr && _registrationWindow->isVisible()) _registrationWindow->setStack(stack);
   followHistories();
   showStackState();
 }

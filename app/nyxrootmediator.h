@@ -11,6 +11,7 @@
 
 class NYXOverview;
 class NYXPanorama;
+class NYXRegistrationWindow;
 class NYXRootSliceEditWidget;
 class NYXRootStatusBar;
 class NYXRootWindow;
@@ -59,6 +60,8 @@ public:
   /// Asks for the images of a new stack, these at first.
   void newStack(const QStringList& images);
 
+  /// Leaves the tool at work with what is worth keeping of its work.
+  void finishTool();
   /// Shows the stack that is selected in the list, or the start page.
   void showCurrentStack();
   /// Shows the overview if it was shown when the program was used last.
@@ -123,6 +126,7 @@ private:
   void refreshSlices();
   void refreshSlice(const StackSlice* slice);
   void editPreferences();
+  void openRegistration();
   void selectView(bool isPanorama);
   void openSlice();
   void showView();
@@ -145,6 +149,7 @@ private:
   NYXOverview* _overview = nullptr;
   NYXRootStatusBar* _statusBar = nullptr;
   QToolBar* _toolBar = nullptr;
+  NYXRegistrationWindow* _registrationWindow = nullptr; // made on first use
 
   QAction* _newWindow;
   QAction* _closeWindow;

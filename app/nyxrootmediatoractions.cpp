@@ -186,7 +186,7 @@ void NYXRootMediator::createSliceActions()
 void NYXRootMediator::createProcessActions()
 {
   _process = {
-      createLaterAction(tr("Register"), tr("Align each slice on the one before")),
+      createStackAction(tr("Register"), tr("Align each slice on the one before"), {}, [this] { openRegistration(); }),
       createStackAction(tr("Reconstruct"), tr("Show the models in 3D"), QKeySequence("Ctrl+3"),
                         [this] { NYXRenderingWindow::showFor(*currentStack(), _sliceList->currentSlice()); }),
       createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),

@@ -296,6 +296,7 @@ void NYXRootWindow::closeEvent(QCloseEvent* event)
     event->ignore();
     return quit();
   }
+  _mediator->finishTool();
   leave();
   event->accept();
 }

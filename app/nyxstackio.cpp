@@ -19,7 +19,9 @@
 #include "app/nyxplaintext.h"
 #include "app/nyxpluginrun.h"
 #include "app/nyxproposedfilename.h"
+#include "app/nyxrootmediator.h"
 #include "app/nyxrootstatusbar.h"
+#include "app/nyxrootwindow.h"
 #include "app/nyxstackerrordialog.h"
 #include "model/io/stackreader.h"
 #include "model/io/stackwriter.h"
@@ -29,6 +31,7 @@
 #include "model/storabletext.h"
 #include "slice/image/nyxprogressrun.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QFormLayout>
@@ -120,6 +123,16 @@ NYXStackProperties withCalibration(const NYXStack& stack, const PixelCalibration
 QString withStackSuffix(const QString& filename)
 {
   return QString::fromStdString(StackReader::withSuffix(filename.toStdString()));
+}
+
+/// In all windows: a drawing that is not finished would be lost without a question.
+void finishTools(const NYXStack& stack)
+{
+  for (QWidget* widget : QApplication::topLevelWidgets())
+  {
+    const auto* const window = qobject_cast<NYXRootWindow*>(widget);
+    if (window != nullptr && window->mediator().currentStack() == &stack) window->mediator().finishTool();
+  }
 }
 } // namespace
 
@@ -517,6 +530,7 @@ bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
 
 bool NYXStackIO::closeStack(NYXStack& stack)
 {
+  finishTools(stack);
   if (stack.isModified())
   {
     const int answer =

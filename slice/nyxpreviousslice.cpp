@@ -1,15 +1,11 @@
 #include "slice/nyxpreviousslice.h"
 
 #include "app/core/nyxeventserver.h"
-#include "image/imagesource.h"
-#include "model/model.h"
 #include "model/modelitem.h"
 #include "slice/nyxcontourvertices.h"
-#include "slice/nyxregionbrush.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace
 {
@@ -88,46 +84,6 @@ RLEItemSet mappedRegion(const RLEItemSet& region, const PlaneMap& map)
   return RLEItemSet(std::move(runs));
 }
 
-/// All that is not negative for a slice without an image.
-BoundingBox<int> imageBox(const StackSlice& slice)
-{
-  constexpr int unlimited = std::numeric_limits<int>::max() / 2;
-  const ImageSource* const source = slice.getImageSource();
-  return {Vector<int>{0, 0}, source == nullptr ? Vector<int>{unlimited, unlimited}
-                                               : Vector<int>{source->getSize2() - 1, source->getSize1() - 1}};
-}
-
-bool overlap(const BoundingBox<int>& a, const BoundingBox<int>& b)
-{
-  for (int k = 0; k < 2; ++k)
-    if (a.getMaximum()[k] < b.getMinimum()[k] || a.getMinimum()[k] > b.getMaximum()[k]) return false;
-  return true;
-}
-
-Vertices<int> verticesInside(const BoundingBox<int>& box, const Vertices<int>& vertices)
-{
-  Vertices<int> inside(2);
-  for (int i = 0; i < vertices.getNumVertices(); ++i)
-    if (box.contains(vertices[i])) inside.append(vertices[i]);
-  return inside;
-}
-
-/// Regions and points lose what lies outside of the box, curves are moved to its border. Whether an item is left.
-bool cutTo(const BoundingBox<int>& box, ModelItem& item)
-{
-  if (item.getSize() == 0 || !overlap(item.boundingBox(), box)) return false;
-  if (item.isRegion())
-    item.setRLEItemSet(clippedTo(box, item.getRLEItemSet()));
-  else if (!isCurve(item))
-    item.setVertices(verticesInside(box, item.getVertices()));
-  else
-  {
-    Vertices<int> vertices = item.getVertices();
-    clampTo(box, vertices);
-    item.setVertices(withoutRepetitions(vertices, item.isClosed()));
-  }
-  return item.getSize() >= minNumVertices(item.getModel()->getGeometry());
-}
 } // namespace
 
 void PlaneMap::apply(double x, double y, double& u, double& v) const
@@ -209,7 +165,7 @@ const StackSlice& NYXPreviousSlice::items()
 
 std::vector<std::unique_ptr<ModelItem>> NYXPreviousSlice::copies(int& numLeftOut)
 {
-  const BoundingBox<int> box = imageBox(*_slice);
+  const BoundingBox<int> box = imageBoxOf(*_slice);
   std::vector<std::unique_ptr<ModelItem>> copies;
   numLeftOut = 0;
   for (const ModelItem* item : items().getItems())

@@ -113,6 +113,7 @@ void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
   if (!isShown) _selection->cancel();
   editWidget().editCanvas().setFaintItems(nullptr);
   NYXSliceWidgetMediator::setSlice(slice);
+  _modelInUseHere = modelNamed(_modelInUse);
   _previous->setSlice(slice);
   showPreviousItems();
   updateEditActions();
@@ -133,6 +134,13 @@ void NYXSliceEditWidgetMediator::drawAutomatically(const QString& modelName)
   _thresholding->activate(modelName);
 }
 
+/// \return nullptr when there is none
+const Model* NYXSliceEditWidgetMediator::modelNamed(const std::string& name) const
+{
+  const int place = sliceCanvas().hasSlice() ? stack().findModel(name) : -1;
+  return place < 0 ? nullptr : stack().getModel(place);
+}
+
 QString NYXSliceEditWidgetMediator::modelInUse() const
 {
   if (!sliceCanvas().hasSlice() || stack().getNumModels() == 0) return {};
@@ -142,8 +150,10 @@ QString NYXSliceEditWidgetMediator::modelInUse() const
 
 void NYXSliceEditWidgetMediator::setModelInUse(const QString& name)
 {
-  if (!sliceCanvas().hasSlice() || stack().findModel(name.toStdString()) < 0) return;
-  _modelInUse = name.toStdString();
+  const Model* const model = modelNamed(name.toStdString());
+  if (model == nullptr) return;
+  _modelInUse = model->getName();
+  _modelInUseHere = model;
   _creation->changeModel(name);
   updateEditActions();
 }
@@ -415,21 +425,34 @@ void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelec
   if (_activeTool == nullptr) _selection->showMode();
 }
 
+/// Of one that another window shows.
+bool NYXSliceEditWidgetMediator::isOfOtherStack(const NYXModelEvent& event) const
+{
+  const Stack* const own = sliceCanvas().hasSlice() ? sliceCanvas().getSlice().getStack() : nullptr;
+  return event.getStack() != nullptr && event.getStack() != own;
+}
+
 void NYXSliceEditWidgetMediator::modelCreateEvent(const NYXModelCreateEvent& event)
 {
   NYXSliceWidgetMediator::modelCreateEvent(event);
+  _modelInUseHere = modelNamed(_modelInUse); // the deletion of it may be undone
   updateEditActions();
 }
 
 void NYXSliceEditWidgetMediator::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
 {
+  const bool changesGeometry = event.getOldProperties().getGeometry() != event.getModel().getGeometry();
+  if (_activeTool != nullptr && changesGeometry && !isOfOtherStack(event)) _activeTool->cancel();
+  if (&event.getModel() == _modelInUseHere) _modelInUse = event.getModel().getName();
   NYXSliceWidgetMediator::modelPropertiesEvent(event);
   updateEditActions();
+  if (_activeTool != nullptr) _activeTool->showMode(); // the hint may name the model
 }
 
 void NYXSliceEditWidgetMediator::modelDeleteEvent(const NYXModelDeleteEvent& event)
 {
-  if (_activeTool != nullptr) _activeTool->cancel();
+  if (_activeTool != nullptr && !isOfOtherStack(event) && _activeTool->worksOn(event.getModel())) _activeTool->cancel();
+  if (&event.getModel() == _modelInUseHere) _modelInUseHere = nullptr;
   NYXSliceWidgetMediator::modelDeleteEvent(event);
   updateEditActions();
 }

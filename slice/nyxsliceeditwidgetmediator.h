@@ -148,6 +148,8 @@ private:
   void updateToolActions();
   void showTools();
   void showPreviousItems();
+  bool isOfOtherStack(const NYXModelEvent& event) const;
+  const Model* modelNamed(const std::string& name) const;
   QString previousItemsText(int numCopied, int numLeftOut) const;
   void createMenus();
   QMenu* createModelMenu(const QString& title, const QString& toolTip, const QString& name,
@@ -171,6 +173,7 @@ private:
 
   QString _hint;
   std::string _modelInUse;
+  const Model* _modelInUseHere = nullptr; // in the stack that is shown, when it has one of that name
   NYXPreviousSlice* _previous = nullptr;
 
   std::vector<std::pair<QAction*, NYXSliceEditWidgetMediatorDelegate*>> _tools;

@@ -77,7 +77,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::updatePreview()
   _previews.clear();
   const std::size_t count = _dialog && _dialog->isForAll() ? _items.size() : std::min<std::size_t>(1, _items.size());
   for (std::size_t i = 0; i < count; ++i)
-    if (auto vertices = changedOnImage(*_items[i])) _previews.push_back(std::move(*vertices));
+    if (auto vertices = changedOnImage(*_items[i])) _previews.emplace_back(*vertices, !_items[i]->isClosed());
   canvas().update();
 }
 
@@ -128,7 +128,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::paintFeedback(QPainter& painter)
     for (int k = 0; k < _previews[i].getNumVertices(); ++k) polygon << canvasCenter(_previews[i].data(k));
     painter.setPen(QPen(NYXPreferences::getSelectionColor(), 2));
     painter.setBrush(Qt::NoBrush);
-    _items[i]->isClosed() ? painter.drawPolygon(polygon) : painter.drawPolyline(polygon);
+    _previews[i].isClosed() ? painter.drawPolygon(polygon) : painter.drawPolyline(polygon);
     painter.setPen(Qt::NoPen);
     painter.setBrush(NYXPreferences::getSelectionColor());
     for (int k = 0; k < polygon.size(); ++k) // the first vertex is the origin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/vertices.h"
+#include "geometry/curve.h"
 #include "slice/nyxsliceeditwidgetmediatordelegate.h"
 
 #include <QPointer>
@@ -24,6 +24,7 @@ public:
   /// Works on the selected contours that the tool can change; nothing happens when there is none.
   void activate() override;
   void deactivate() override;
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override;
   void followItem() override { updatePreview(); }
 
@@ -55,6 +56,6 @@ private:
   void applyTo(const std::vector<ModelItem*>& items);
 
   std::vector<ModelItem*> _items; // that can be changed
-  std::vector<Vertices<int>> _previews;
+  std::vector<Curve<int>> _previews;
   QPointer<NYXContourToolDialog> _dialog;
 };

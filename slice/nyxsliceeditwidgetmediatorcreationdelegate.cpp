@@ -54,6 +54,11 @@ const Model& NYXSliceEditWidgetMediatorCreationDelegate::model() const
   return *_item->getModel();
 }
 
+bool NYXSliceEditWidgetMediatorCreationDelegate::worksOn(const Model& other) const
+{
+  return _item && &model() == &other;
+}
+
 bool NYXSliceEditWidgetMediatorCreationDelegate::isPoints() const
 {
   return model().getGeometry() == MPrimitive::Polypoint;

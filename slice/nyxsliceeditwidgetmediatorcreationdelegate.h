@@ -32,6 +32,8 @@ public:
   void finish() override;
   /// Begins an item of another model if none is begun. \return whether it does
   bool changeModel(const QString& modelName);
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
+  bool worksOn(const Model& model) const override;
   /// The model of the item that is being drawn; only while active.
   const Model& model() const;
 

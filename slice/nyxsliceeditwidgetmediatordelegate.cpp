@@ -5,6 +5,7 @@
 #include "app/core/nyxstack.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyximageproxy.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
@@ -121,6 +122,16 @@ void NYXSliceEditWidgetMediatorDelegate::paint(QPainter& painter)
 QRect NYXSliceEditWidgetMediatorDelegate::feedbackRect() const
 {
   return canvas().rect();
+}
+
+QString NYXSliceEditWidgetMediatorDelegate::missingImageText() const
+{
+  const NYXImageProxy& proxy = canvas().getImageProxy();
+  if (editCanvas().getCanvasMode() == CanvasMode::Foreground)
+    return tr("Only items are displayed: choose \"Display images and items\" first.");
+  if (proxy.getImageSource() != nullptr && proxy.hasImageServer() && proxy.problem().isEmpty())
+    return tr("The image of this slice is still being loaded: try again in a moment.");
+  return tr("The image of this slice is not there.");
 }
 
 void NYXSliceEditWidgetMediatorDelegate::placeBeside(const ModelItem& item, QWidget& window) const

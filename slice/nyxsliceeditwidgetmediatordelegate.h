@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class Model;
 class ModelItem;
 class NYXAction;
 class NYXSliceEditWidgetCanvas;
@@ -42,6 +43,8 @@ public:
 
   /// Whether the tool cannot go on when the item leaves its slice or model.
   virtual bool worksOn(const ModelItem&) const { return false; }
+  /// Whether the tool cannot go on when the model leaves its stack.
+  virtual bool worksOn(const Model&) const { return true; }
 
   /// Draws the feedback while active, and notes its place.
   void paint(QPainter& painter) final;
@@ -103,6 +106,8 @@ protected:
   /// Repaints the feedback where it was drawn last and where it is now.
   void updateFeedback();
 
+  /// Why a tool has no image to work on.
+  QString missingImageText() const;
   /// Puts a window at the side of the canvas where it hides the item the least.
   void placeBeside(const ModelItem& item, QWidget& window) const;
   /// How far from the mouse a vertex of the item is picked, in pixels of the image.

@@ -10,6 +10,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/nyxcontourvertices.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -182,8 +183,15 @@ void NYXSliceEditWidgetMediatorEditionDelegate::beginInsertion(const Vector<int>
   _insertionIndex = isPoints ? _item->getSize() : _item->findInsertion(point, pickTolerance(*_item));
   if (_insertionIndex < 0) return;
   openStep();
-  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, _insertionIndex, point), true);
   _last = point;
+  const Vertices<int>& vertices = _item->getVertices();
+  for (const int neighbour : {_insertionIndex - 1, _insertionIndex % _item->getSize()})
+    if (vertices[neighbour] == point) // a double click, or a drag that begins at a vertex
+    {
+      _insertionIndex = neighbour;
+      return;
+    }
+  editMediator().history().push(std::make_unique<NYXInsertVertexAction>(*_item, _insertionIndex, point), true);
 }
 
 void NYXSliceEditWidgetMediatorEditionDelegate::insert(const Vector<int>& point)
@@ -262,23 +270,27 @@ int NYXSliceEditWidgetMediatorEditionDelegate::vertexAtCursor() const
   return _item->findNearestVertex(canvas().convertToVectori(_cursor), radius);
 }
 
-/// The vertices between which a press would insert one, on the canvas with the cursor between them; empty when it would
-/// not.
+/// The vertices between which the next one is inserted, on the canvas with the cursor between them; empty when none is.
 QPolygonF NYXSliceEditWidgetMediatorEditionDelegate::insertionAtCursor() const
 {
-  if (_mode != VertexEditionMode::Insert || _isPressed || !isOnImage(_cursor)) return {};
+  if (_mode != VertexEditionMode::Insert || !isOnImage(_cursor)) return {};
+  if (!isCurve(*_item)) return QPolygonF() << _cursor;
   const Vertices<int>& vertices = _item->getVertices();
   const int numVertices = vertices.getNumVertices();
-  if (_item->getModel()->getGeometry() == MPrimitive::Polypoint) return QPolygonF() << _cursor;
-  const int index = _item->findInsertion(canvas().convertToVectori(_cursor), pickTolerance(*_item));
+  const int index = _insertionIndex >= 0
+                        ? _insertionIndex + 1
+                        : _item->findInsertion(canvas().convertToVectori(_cursor), pickTolerance(*_item));
   if (index <= 0) return {};
-  return QPolygonF() << canvasCenter(vertices.data(index - 1)) << _cursor
-                     << canvasCenter(vertices.data(index % numVertices));
+  QPolygonF line;
+  line << canvasCenter(vertices.data(index - 1)) << _cursor;
+  if (index < numVertices || _item->isClosed()) line << canvasCenter(vertices.data(index % numVertices));
+  return line;
 }
 
 /// Vertices that lie close together on the screen are marked once.
 void NYXSliceEditWidgetMediatorEditionDelegate::paintVertices(QPainter& painter) const
 {
+  painter.setBrush(Qt::white); // the contour under them may have the same colour
   const Vertices<int>& vertices = _item->getVertices();
   const QRectF visible = painter.clipBoundingRect().adjusted(-4, -4, 4, 4);
   QPointF last(-1e9, -1e9);
@@ -298,7 +310,9 @@ void NYXSliceEditWidgetMediatorEditionDelegate::paintFeedback(QPainter& painter)
   const NYXImageViewport& viewport = canvas().viewport();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(color, 1));
+  painter.setBrush(Qt::white); // the contour below them has the same colour
   paintVertices(painter);
+  painter.setBrush(Qt::NoBrush);
   if (_mode == VertexEditionMode::Delete)
     painter.drawEllipse(QPointF(_cursor), eraserRadius() * viewport.scaleX(), eraserRadius() * viewport.scaleY());
   const QPolygonF insertion = insertionAtCursor();

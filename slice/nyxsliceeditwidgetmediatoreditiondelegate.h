@@ -27,6 +27,7 @@ public:
   /// Nothing happens when the tool is not active. Regions stay in the delete mode.
   void setMode(VertexEditionMode mode);
 
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override { return &item == _item; }
 
 protected:

@@ -15,7 +15,6 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "slice/nyxcontourvertices.h"
-#include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
@@ -60,14 +59,6 @@ std::unique_ptr<ModelItem> copyOfSelection(const ModelItem& item)
   copy->setModel(nullptr);
   copy->setSlice(nullptr);
   return copy;
-}
-
-void moveInto(const BoundingBox<int>& box, ModelItem& item)
-{
-  if (item.isRegion()) return item.setRLEItemSet(clippedTo(box, item.getRLEItemSet()));
-  Vertices<int> vertices = item.getVertices();
-  clampTo(box, vertices);
-  item.setVertices(vertices);
 }
 } // namespace
 
@@ -332,9 +323,10 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::copySelection()
   editMediator().updateEditActions();
 }
 
-/// A copy for the slice that is shown, within its image; nullptr when the stack has no model for it, or it has too few
-/// vertices for the model.
-std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(const Copied& copied) const
+/// A copy for the slice that is shown, within the box of its image; nullptr when the stack has no model for it, or it
+/// has too few vertices for the model there.
+std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(const Copied& copied,
+                                                                               const BoundingBox<int>& box) const
 {
   const int i = stack().findModel(copied.model);
   if (i < 0 ||
@@ -343,8 +335,8 @@ std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(c
   auto item = std::make_unique<ModelItem>(*copied.item);
   item->setModel(stack().getModel(i));
   item->setSlice(&slice());
-  moveInto(imageBox(), *item);
   if (item->getSize() < minNumVertices(item->getModel()->getGeometry())) return nullptr;
+  if (!isInside(*item, box) && !cutTo(box, *item)) return nullptr;
   item->getSelection().set(true);
   return item;
 }
@@ -352,8 +344,9 @@ std::unique_ptr<ModelItem> NYXSliceEditWidgetMediatorSelectionDelegate::pasted(c
 void NYXSliceEditWidgetMediatorSelectionDelegate::pasteSelection()
 {
   std::vector<std::unique_ptr<ModelItem>> items;
+  const BoundingBox<int> box = imageBoxOf(slice());
   for (const Copied& copied : _clipboard)
-    if (auto item = pasted(copied)) items.push_back(std::move(item));
+    if (auto item = pasted(copied, box)) items.push_back(std::move(item));
   const std::size_t numMissing = _clipboard.size() - items.size();
   if (!items.empty())
   {
@@ -363,8 +356,9 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::pasteSelection()
   }
   if (numMissing > 0)
     editMediator().showMessage(
-        tr("%n of the items could not be pasted: there is no model for them, or they have too few vertices.", "",
-           static_cast<int>(numMissing)));
+        tr("%n of the items could not be pasted: there is no model for them, they have too few vertices, or they lie "
+           "outside of the image.",
+           "", static_cast<int>(numMissing)));
 }
 
 // ---------------------------------------------------------------------------------------------- what is selected

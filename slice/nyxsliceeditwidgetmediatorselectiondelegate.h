@@ -95,7 +95,7 @@ private:
   template <class Test> void selectItems(const Test& test);
   void notifySelection();
   QString removalRefusal(const ModelItem& item) const;
-  std::unique_ptr<ModelItem> pasted(const Copied& copied) const;
+  std::unique_ptr<ModelItem> pasted(const Copied& copied, const BoundingBox<int>& box) const;
   /// What moves the selected items to a model. \throw UsageError  one of them cannot become such an item
   std::vector<std::unique_ptr<NYXAction>> conversionsTo(Model& destination) const;
 

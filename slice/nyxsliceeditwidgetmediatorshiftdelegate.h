@@ -20,6 +20,7 @@ public:
   /// Nothing happens when nothing is selected.
   void activate() override;
   void deactivate() override;
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override;
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/actions/nyxitemverticeschangeaction.h"
+#include "app/core/nyxslicelocks.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "model/modelitem.h"
@@ -18,31 +19,6 @@
 #include <QMetaObject>
 
 #include <algorithm>
-
-namespace
-{
-/// Locks slices for a scope.
-class SliceLocks
-{
-public:
-  SliceLocks(NYXEventClient& sender, std::vector<StackSlice*> slices) : _sender(sender), _slices(std::move(slices))
-  {
-    notify(true);
-  }
-  SliceLocks(const SliceLocks&) = delete;
-  SliceLocks& operator=(const SliceLocks&) = delete;
-  ~SliceLocks() { notify(false); }
-
-private:
-  void notify(bool isLocked)
-  {
-    for (StackSlice* slice : _slices) _sender.notifyEvent(NYXSliceLockEvent(*slice, isLocked));
-  }
-
-  NYXEventClient& _sender;
-  std::vector<StackSlice*> _slices;
-};
-} // namespace
 
 NYXSliceEditWidgetMediatorSnakeDelegate::NYXSliceEditWidgetMediatorSnakeDelegate(NYXSliceEditWidgetMediator& mediator)
   : NYXSliceEditWidgetMediatorDelegate(mediator)
@@ -66,7 +42,7 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::activate()
   if (item == nullptr) return;
   if (!canvas().getImageProxy().hasImage())
   {
-    QMessageBox::information(&editMediator().window(), tr("Run Snake"), tr("The image of this slice is not there."));
+    QMessageBox::information(&editMediator().window(), tr("Run Snake"), missingImageText());
     return;
   }
   _item = item;
@@ -142,7 +118,7 @@ bool NYXSliceEditWidgetMediatorSnakeDelegate::run(NYXSnakeRun& run)
         QMetaObject::invokeMethod(
             this, [this, vertices] { showMoving(vertices); }, Qt::QueuedConnection);
       });
-  const SliceLocks locks(editMediator(), run.slices());
+  const NYXSliceLocks locks(editMediator(), run.slices());
   _run = &run;
   bool isDone = false;
   try

@@ -26,6 +26,7 @@ public:
   /// Asks for the parameters; nothing happens when no closed contour is selected.
   void activate() override;
   void deactivate() override;
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override { return _item == &item; }
 
 public slots:

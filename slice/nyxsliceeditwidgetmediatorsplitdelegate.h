@@ -17,6 +17,7 @@ public:
   /// Works on the first selected contour; nothing happens when there is none.
   void activate() override;
   void deactivate() override;
+  using NYXSliceEditWidgetMediatorDelegate::worksOn;
   bool worksOn(const ModelItem& item) const override { return &item == _item; }
 
 protected:

@@ -30,8 +30,9 @@ NYXSliceEditWidgetMediatorThresholdingDelegate::NYXSliceEditWidgetMediatorThresh
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::activate(const QString& modelName)
 {
-  if (!editMediator().isEditable() || stack().findModel(modelName.toStdString()) < 0) return;
-  _modelName = modelName;
+  const int i = editMediator().isEditable() ? stack().findModel(modelName.toStdString()) : -1;
+  if (i < 0) return;
+  _model = stack().getModel(i);
   _isDrawing = false;
   NYXSliceEditWidgetMediatorDelegate::activate();
   canvas().setCursor(Qt::CrossCursor);
@@ -80,7 +81,7 @@ bool NYXSliceEditWidgetMediatorThresholdingDelegate::ask(const QString& label, i
 
 QString NYXSliceEditWidgetMediatorThresholdingDelegate::run(const QRect& roi)
 {
-  if (!canvas().getImageProxy().hasImage()) return tr("The image of this slice is not there.");
+  if (!canvas().getImageProxy().hasImage()) return missingImageText();
   if (!ask("Enter smoothing level:", _smoothing, 50, 1)) return {};
   const auto contour = contourInRoi(canvas().getImageProxy().getImage(), roi, _smoothing);
   if (!contour) return "No starting point found. Retry with another ROI.";
@@ -96,8 +97,7 @@ QString NYXSliceEditWidgetMediatorThresholdingDelegate::run(const QRect& roi)
 
 void NYXSliceEditWidgetMediatorThresholdingDelegate::create(const Vertices<int>& vertices)
 {
-  const int model = stack().findModel(_modelName.toStdString());
-  auto item = std::make_unique<ModelItem>(stack().getModel(model), &slice());
+  auto item = std::make_unique<ModelItem>(_model, &slice());
   item->setVertices(vertices);
   item->setClockwise(false);
   pushStep(std::make_unique<NYXItemCreationAction>(std::move(item)));

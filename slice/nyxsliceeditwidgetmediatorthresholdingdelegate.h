@@ -5,6 +5,8 @@
 
 #include <QPoint>
 
+class Model;
+
 /// Makes a closed contour of the object within a rectangle that is drawn with the left button.
 class NYXSliceEditWidgetMediatorThresholdingDelegate : public NYXSliceEditWidgetMediatorDelegate
 {
@@ -32,7 +34,7 @@ private:
   bool ask(const QString& label, int& level, int largest, int step) const;
   void create(const Vertices<int>& vertices);
 
-  QString _modelName;
+  Model* _model = nullptr; // while active: the tool ends when a model is deleted
   bool _isDrawing = false;
   QPoint _from; // on the canvas
   QPoint _to;

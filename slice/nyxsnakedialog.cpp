@@ -45,6 +45,7 @@ QDoubleSpinBox* NYXSnakeDialog::addNumber(const QString& label, const QString& t
   auto* number = new QDoubleSpinBox;
   number->setObjectName(name);
   number->setToolTip(toolTip);
+  number->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   number->setDecimals(3);
   number->setSingleStep(0.1);
   number->setRange(least, greatest);

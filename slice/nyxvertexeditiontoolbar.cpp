@@ -9,8 +9,8 @@ NYXVertexEditionToolBar::NYXVertexEditionToolBar(QWidget* parent) : QToolBar(par
 {
   setObjectName("vertexEditionToolBar");
   setWindowTitle(tr("Edit points"));
-  toggleViewAction()->setText({}); // it is the tool that shows and hides the bar
-  setWindowFlags(Qt::Tool);
+  toggleViewAction()->setText({});                         // it is the tool that shows and hides the bar
+  setWindowFlags(Qt::Tool | Qt::WindowDoesNotAcceptFocus); // also when it is clicked
   setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   setAttribute(Qt::WA_ShowWithoutActivating); // the keys stay with the slice
   auto* group = new QActionGroup(this);

@@ -1,6 +1,5 @@
 #include "image/registration/matrixprincipalaxesanalysis.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -8,63 +7,74 @@
 
 namespace
 {
-constexpr double roundness = 1e-3; // relative difference of the moments below which axes mean nothing
+/// Relative difference of the moments below which axes mean nothing.
+template <class T> constexpr T roundness = static_cast<T>(1e-3);
 
-/// Sums over a row of w, w j and w j^2, without the pixel's size.
-struct RowSums
+/// Moments of a row, x and y from a place near the middle of the matrix, in elements.
+struct Moments
 {
-  double mass = 0;
-  double first = 0;
-  double second = 0;
+  double mass = 0, x = 0, y = 0, xx = 0, xy = 0, yy = 0;
+
+  void operator+=(const Moments& other)
+  {
+    mass += other.mass;
+    x += other.x;
+    y += other.y;
+    xx += other.xx;
+    xy += other.xy;
+    yy += other.yy;
+  }
 };
 
-template <class T> RowSums sumsOf(const T* row, int size, double center)
+template <class T> Moments momentsOf(const T* row, int size, double middle, double y)
 {
-  RowSums sums;
+  Moments moments;
   for (int j = 0; j < size; ++j)
   {
     const double mass = row[j] > 0 ? static_cast<double>(row[j]) : 0.0; // NaN is not above 0
-    const double x = j - center;
-    sums.mass += mass;
-    sums.first += mass * x;
-    sums.second += mass * x * x;
+    const double x = j - middle;
+    moments.mass += mass;
+    moments.x += mass * x;
+    moments.xx += mass * x * x;
   }
-  return sums;
+  moments.y = moments.mass * y;
+  moments.xy = moments.x * y;
+  moments.yy = moments.y * y;
+  return moments;
+}
+
+/// The rows are summed up in their order, whatever the number of threads.
+template <class T> Moments momentsOf(const PixelMatrix<T>& matrix, double middleRow, double middleCol)
+{
+  std::vector<Moments> rows(static_cast<std::size_t>(matrix.getSize1()));
+#pragma omp parallel for schedule(static)
+  for (int i = 0; i < matrix.getSize1(); ++i)
+    rows[static_cast<std::size_t>(i)] = momentsOf(matrix[i].data(), matrix.getSize2(), middleCol, i - middleRow);
+  Moments sum;
+  for (const Moments& row : rows) sum += row;
+  return sum;
 }
 } // namespace
 
 template <class T> void MatrixPrincipalAxesAnalysis<T>::apply(const PixelMatrix<T>& matrix)
 {
-  const int numRows = matrix.getSize1();
-  const int numCols = matrix.getSize2();
-  const double height = matrix.getPixelCalibration().getPixelHeight();
-  const double width = matrix.getPixelCalibration().getPixelWidth();
-  const double middleRow = numRows / 2.0; // sums about the middle keep their digits
-  const double middleCol = numCols / 2.0;
-  double mass = 0, sumY = 0, sumX = 0, sumYY = 0, sumXY = 0, sumXX = 0;
-#pragma omp parallel for reduction(+ : mass, sumY, sumX, sumYY, sumXY, sumXX) schedule(static)
-  for (int i = 0; i < numRows; ++i)
-  {
-    const RowSums row = sumsOf(matrix[i].data(), numCols, middleCol);
-    const double y = i - middleRow;
-    mass += row.mass;
-    sumY += row.mass * y;
-    sumX += row.first;
-    sumYY += row.mass * y * y;
-    sumXY += row.first * y;
-    sumXX += row.second;
-  }
+  const double height = static_cast<double>(matrix.getPixelCalibration().getPixelHeight());
+  const double width = static_cast<double>(matrix.getPixelCalibration().getPixelWidth());
+  const double middleRow = matrix.getSize1() / 2.0; // sums about the middle keep their digits
+  const double middleCol = matrix.getSize2() / 2.0;
+  const Moments moments = momentsOf(matrix, middleRow, middleCol);
+  const double mass = moments.mass;
   _mass = static_cast<T>(mass);
   _center.setZeros();
   _inertia.setZeros();
   if (!(mass > 0)) return;
-  const double y = sumY / mass;
-  const double x = sumX / mass;
+  const double y = moments.y / mass;
+  const double x = moments.x / mass;
   _center[0] = static_cast<T>((y + middleRow) * height);
   _center[1] = static_cast<T>((x + middleCol) * width);
-  _inertia(0, 0) = static_cast<T>((sumYY / mass - y * y) * height * height);
-  _inertia(0, 1) = _inertia(1, 0) = static_cast<T>((sumXY / mass - x * y) * height * width);
-  _inertia(1, 1) = static_cast<T>((sumXX / mass - x * x) * width * width);
+  _inertia(0, 0) = static_cast<T>((moments.yy / mass - y * y) * height * height);
+  _inertia(0, 1) = _inertia(1, 0) = static_cast<T>((moments.xy / mass - x * y) * height * width);
+  _inertia(1, 1) = static_cast<T>((moments.xx / mass - x * x) * width * width);
 }
 
 template <class T> T MatrixPrincipalAxesAnalysis<T>::computeAngle(const SquareMatrix<T>& inertia)
@@ -79,21 +89,14 @@ template <class T> T MatrixPrincipalAxesAnalysis<T>::computeAngle(const SquareMa
 
 template <class T> T MatrixPrincipalAxesAnalysis<T>::getMajorAngle() const
 {
-  const T angle = getAngle();
-  const T cosine = std::cos(angle);
-  const T sine = std::sin(angle);
-  const T a = _inertia(0, 0);
-  const T b = _inertia(0, 1);
-  const T d = _inertia(1, 1);
-  const T along = a * cosine * cosine + 2 * b * cosine * sine + d * sine * sine;
-  return 2 * along >= a + d ? angle : angle - std::numbers::pi_v<T> / 2;
+  return std::atan2(2 * _inertia(0, 1), _inertia(0, 0) - _inertia(1, 1)) / 2;
 }
 
 template <class T> bool MatrixPrincipalAxesAnalysis<T>::isRound() const
 {
-  const double a = static_cast<double>(_inertia(0, 0));
-  const double d = static_cast<double>(_inertia(1, 1));
-  return std::hypot(a - d, 2 * static_cast<double>(_inertia(0, 1))) <= roundness * (a + d);
+  const T a = _inertia(0, 0);
+  const T d = _inertia(1, 1);
+  return !(std::hypot(a - d, 2 * _inertia(0, 1)) > roundness<T> * (a + d));
 }
 
 template class MatrixPrincipalAxesAnalysis<float>;

@@ -17,13 +17,17 @@ public:
   const Vector<T>& getInertiaCenter() const { return _center; }
   /// Mean squares and products of the distances from the centre along the axes: 2 x 2.
   const SquareMatrix<T>& getInertiaMatrix() const { return _inertia; }
-  /// Angle of one of the two principal axes from the row axis, in radians; which one depends on the signs.
+  /// Angle of one of the two principal axes from the direction of rising rows towards that of rising columns, in
+  /// radians; see computeAngle().
   T getAngle() const { return computeAngle(_inertia); }
-  /// Angle of the axis of the larger moment.
+  /// Angle of the axis of the larger moment, in (-pi/2, pi/2], whatever the unit of length.
   T getMajorAngle() const;
   /// Whether the two moments are so close that the axes are left to chance.
   bool isRound() const;
 
+  /// Of [[a, b], [b, d]]: atan(t + sqrt(t^2 + 1)) with t = (d - a) / 2b, which is the axis of the larger moment when
+  /// b > 0 and that of the smaller one when b < 0; when |b| is not above Vector<T>::epsilon(), 0 when a >= d, else
+  /// pi/2.
   static T computeAngle(const SquareMatrix<T>& inertia);
 
 private:

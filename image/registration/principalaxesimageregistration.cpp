@@ -4,39 +4,66 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <numbers>
 #include <vector>
 
 namespace
 {
-constexpr double alike = 1e-9; // difference of correlations that means nothing
+constexpr double alike = 1e-9;               // difference of correlations that means nothing
+constexpr double noiseGate = 5;              // standard deviations
+constexpr double deviationOfMedian = 1.4826; // standard deviation of normal noise by its median absolute deviation
 
-template <class T> T borderMedian(const PixelMatrix<T>& matrix)
+/// The elements at the border, each once, without NaN.
+template <class T> std::vector<T> borderOf(const PixelMatrix<T>& matrix)
 {
-  const int numRows = matrix.getSize1();
-  const int numCols = matrix.getSize2();
+  const int lastRow = matrix.getSize1() - 1;
+  const int lastCol = matrix.getSize2() - 1;
   std::vector<T> border;
-  for (int i = 0; i < numRows; ++i)
-    for (int j = 0; j < numCols; j += i == 0 || i == numRows - 1 ? 1 : std::max(1, numCols - 1))
-      border.push_back(matrix(i, j));
-  if (border.empty()) return 0;
-  const auto middle = border.begin() + static_cast<std::ptrdiff_t>(border.size() / 2);
-  std::nth_element(border.begin(), middle, border.end());
+  for (int i = 0; i <= lastRow; ++i)
+    for (int j = 0; j <= lastCol; j += i == 0 || i == lastRow ? 1 : std::max(1, lastCol))
+      if (!std::isnan(matrix(i, j))) border.push_back(matrix(i, j));
+  return border;
+}
+
+/// The upper one of two middle elements; 0 of none.
+template <class T> T medianOf(std::vector<T> values)
+{
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
 
-/// Bilinear value at fractional indices; 0 beyond the border.
-template <class T> double sample(const PixelMatrix<T>& matrix, double row, double col)
+/// How far noise may rise above the background. The smallest step above it is that between grey levels: each of them
+/// stands for what lies within half a step of it.
+template <class T> T noiseOf(const std::vector<T>& border, T background)
 {
-  const int i = static_cast<int>(std::floor(row));
-  const int j = static_cast<int>(std::floor(col));
-  if (i < 0 || j < 0 || i + 1 >= matrix.getSize1() || j + 1 >= matrix.getSize2()) return 0;
-  const double u = row - i;
-  const double v = col - j;
-  const T* upper = matrix[i].data() + j;
-  const T* lower = matrix[i + 1].data() + j;
-  return (1 - u) * ((1 - v) * static_cast<double>(upper[0]) + v * static_cast<double>(upper[1])) +
-         u * ((1 - v) * static_cast<double>(lower[0]) + v * static_cast<double>(lower[1]));
+  std::vector<T> deviations(border.size());
+  T step = 0;
+  for (std::size_t i = 0; i < border.size(); ++i)
+  {
+    const T rise = border[i] - background;
+    deviations[i] = std::abs(rise);
+    if (rise > 0 && (step == 0 || rise < step)) step = rise;
+  }
+  return static_cast<T>(noiseGate * deviationOfMedian) * (medianOf(deviations) + step / 2);
+}
+
+/// Rises above the background of more than `noise`. \return whether there are any
+template <class T> bool fillMass(const PixelMatrix<T>& matrix, T background, T noise, PixelMatrix<T>& mass)
+{
+  const T* in = matrix.data();
+  T heaviest = 0;
+  std::transform(in, in + matrix.getNumElements(), mass.data(),
+                 [&](T level)
+                 {
+                   const T rise = level - background;
+                   const T weight = rise > noise ? rise : T(0);
+                   heaviest = std::max(heaviest, weight);
+                   return weight;
+                 });
+  return heaviest > 0;
 }
 
 /// (row, column) of the centre of an image.
@@ -62,51 +89,159 @@ template <class T> T wrapped(T angle)
   angle -= turn * std::floor(angle / turn);
   return angle > std::numbers::pi_v<T> ? angle - turn : angle;
 }
+
+/// Sums over the pairs of elements that lie on each other.
+struct PairSums
+{
+  double number = 0, s = 0, t = 0, ss = 0, st = 0, tt = 0;
+
+  void add(double source, double target)
+  {
+    number += 1;
+    s += source;
+    t += target;
+    ss += source * source;
+    st += source * target;
+    tt += target * target;
+  }
+
+  void operator+=(const PairSums& other)
+  {
+    number += other.number;
+    s += other.s;
+    t += other.t;
+    ss += other.ss;
+    st += other.st;
+    tt += other.tt;
+  }
+
+  double correlation() const
+  {
+    constexpr double rounding = 1e-12; // of a variance that is 0, relative to the sum of squares
+    const double varianceS = ss - s * s / number;
+    const double varianceT = tt - t * t / number;
+    if (!(varianceS > rounding * ss) || !(varianceT > rounding * tt)) return 0;
+    return (st - s * t / number) / std::sqrt(varianceS * varianceT);
+  }
+};
+
+/// Bilinear value between the elements; the indices are inside of the matrix, but for a rounding error.
+template <class T> double sample(const PixelMatrix<T>& matrix, double row, double col)
+{
+  const int i = static_cast<int>(row);
+  const int j = static_cast<int>(col);
+  const T* upper = matrix[i].data();
+  const T* lower = matrix[std::min(i + 1, matrix.getSize1() - 1)].data();
+  const int right = std::min(j + 1, matrix.getSize2() - 1);
+  const double u = row - i;
+  const double v = col - j;
+  return (1 - u) * ((1 - v) * static_cast<double>(upper[j]) + v * static_cast<double>(upper[right])) +
+         u * ((1 - v) * static_cast<double>(lower[j]) + v * static_cast<double>(lower[right]));
+}
+
+/// Where the elements of a target lie in the source: indices of the source, linear in the target's.
+class InverseMap
+{
+public:
+  template <class T>
+  InverseMap(const PixelMatrix<T>& source, const PixelMatrix<T>& target, double angle, double row, double column)
+  {
+    const double sourceHeight = static_cast<double>(source.getPixelCalibration().getPixelHeight());
+    const double sourceWidth = static_cast<double>(source.getPixelCalibration().getPixelWidth());
+    const double targetHeight = static_cast<double>(target.getPixelCalibration().getPixelHeight());
+    const double targetWidth = static_cast<double>(target.getPixelCalibration().getPixelWidth());
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    const double y = -target.getSize1() / 2.0 * targetHeight - row;   // the target's first element from the source's
+    const double x = -target.getSize2() / 2.0 * targetWidth - column; // centre, as it is placed
+    _row = {(cosine * y - sine * x) / sourceHeight + source.getSize1() / 2.0, cosine * targetHeight / sourceHeight,
+            -sine * targetWidth / sourceHeight};
+    _column = {(sine * y + cosine * x) / sourceWidth + source.getSize2() / 2.0, sine * targetHeight / sourceWidth,
+               cosine * targetWidth / sourceWidth};
+  }
+
+  double row(int i, int j) const { return _row.at(i, j); }
+  double column(int i, int j) const { return _column.at(i, j); }
+
+private:
+  struct Linear
+  {
+    double first, perRow, perColumn;
+
+    double at(int i, int j) const { return first + i * perRow + j * perColumn; }
+  };
+
+  Linear _row;
+  Linear _column;
+};
+
+/// What elements of the target count that lie beyond the border of the source.
+enum class Beyond
+{
+  Ignored,
+  Zero ///< as the source's, where nothing is mass
+};
+
+template <class T>
+double correlationOf(const PixelMatrix<T>& source, const PixelMatrix<T>& target, const InverseMap& map, Beyond beyond)
+{
+  const int numCols = target.getSize2();
+  constexpr double slack = 1e-9; // of places at the border, for rounding
+  const double lastRow = source.getSize1() - 1 + slack;
+  const double lastCol = source.getSize2() - 1 + slack;
+  std::vector<PairSums> rows(static_cast<std::size_t>(target.getSize1()));
+#pragma omp parallel for schedule(static)
+  for (int i = 0; i < target.getSize1(); ++i)
+  {
+    PairSums sums;
+    for (int j = 0; j < numCols; ++j)
+    {
+      const double y = map.row(i, j);
+      const double x = map.column(i, j);
+      if (y >= -slack && y <= lastRow && x >= -slack && x <= lastCol)
+        sums.add(sample(source, y, x), static_cast<double>(target(i, j)));
+      else if (beyond == Beyond::Zero)
+        sums.add(0, static_cast<double>(target(i, j)));
+    }
+    rows[static_cast<std::size_t>(i)] = sums;
+  }
+  PairSums sum; // in the order of the rows, whatever the number of threads
+  for (const PairSums& sums : rows) sum += sums;
+  return sum.correlation();
+}
+
+/// The angle or the one half a turn from it: the one at which the masses correlate better, the smaller one when they do
+/// so alike.
+template <class T> T betterSense(const PixelMatrix<T>& source, const PixelMatrix<T>& target, T angle,
+                                 const Vector<T>& from, const Vector<T>& to)
+{
+  const auto correlationAt = [&](T turn)
+  {
+    const Vector<T> shift = translationBetween(from, to, turn);
+    const InverseMap map(source, target, static_cast<double>(turn), static_cast<double>(shift[0]),
+                         static_cast<double>(shift[1]));
+    return correlationOf(source, target, map, Beyond::Zero);
+  };
+  const T smaller = std::abs(angle) <= std::numbers::pi_v<T> / 2 ? angle : wrapped(angle + std::numbers::pi_v<T>);
+  const T larger = wrapped(smaller + std::numbers::pi_v<T>);
+  return correlationAt(larger) > correlationAt(smaller) + alike ? larger : smaller;
+}
 } // namespace
 
 template <class T> PixelMatrix<T> massAboveBackground(const PixelMatrix<T>& matrix)
 {
-  const T background = borderMedian(matrix);
+  const std::vector<T> border = borderOf(matrix);
+  const T background = medianOf(border);
   PixelMatrix<T> mass(matrix.getSize1(), matrix.getSize2());
   mass.setPixelCalibration(matrix.getPixelCalibration());
-  const T* in = matrix.data();
-  std::transform(in, in + matrix.getNumElements(), mass.data(),
-                 [background](T level) { return level > background ? level - background : T(0); });
+  if (!fillMass(matrix, background, noiseOf(border, background), mass)) fillMass(matrix, background, T(0), mass);
   return mass;
 }
 
 template <class T>
 double correlation(const PixelMatrix<T>& source, const PixelMatrix<T>& target, double angle, double row, double column)
 {
-  const double sourceHeight = source.getPixelCalibration().getPixelHeight();
-  const double sourceWidth = source.getPixelCalibration().getPixelWidth();
-  const double targetHeight = target.getPixelCalibration().getPixelHeight();
-  const double targetWidth = target.getPixelCalibration().getPixelWidth();
-  const double cosine = std::cos(angle);
-  const double sine = std::sin(angle);
-  const int numRows = target.getSize1();
-  const int numCols = target.getSize2();
-  double sumS = 0, sumT = 0, sumSS = 0, sumST = 0, sumTT = 0;
-#pragma omp parallel for reduction(+ : sumS, sumT, sumSS, sumST, sumTT) schedule(static)
-  for (int i = 0; i < numRows; ++i)
-    for (int j = 0; j < numCols; ++j)
-    {
-      const double y = (i - numRows / 2.0) * targetHeight - row;
-      const double x = (j - numCols / 2.0) * targetWidth - column;
-      const double s = sample(source, (cosine * y - sine * x) / sourceHeight + source.getSize1() / 2.0,
-                              (sine * y + cosine * x) / sourceWidth + source.getSize2() / 2.0);
-      const auto t = static_cast<double>(target(i, j));
-      sumS += s;
-      sumT += t;
-      sumSS += s * s;
-      sumST += s * t;
-      sumTT += t * t;
-    }
-  const double n = static_cast<double>(numRows) * numCols;
-  const double varianceS = sumSS - sumS * sumS / n;
-  const double varianceT = sumTT - sumT * sumT / n;
-  if (!(varianceS > 0) || !(varianceT > 0)) return 0;
-  return (sumST - sumS * sumT / n) / std::sqrt(varianceS * varianceT);
+  return correlationOf(source, target, InverseMap(source, target, angle, row, column), Beyond::Ignored);
 }
 
 template <class T> void PrincipalAxesImageRegistration<T>::run()
@@ -117,39 +252,17 @@ template <class T> void PrincipalAxesImageRegistration<T>::run()
   sourceAxes.apply(source);
   targetAxes.apply(target);
   this->setNull();
-  _correlationBefore = _correlationAfter = static_cast<T>(correlation(source, target, 0, 0, 0));
   _hasMass = sourceAxes.getMass() > 0 && targetAxes.getMass() > 0;
   if (!_hasMass) return;
 
   const bool isRound = sourceAxes.isRound() || targetAxes.isRound();
-  const T turn = isRound ? T(0) : wrapped(sourceAxes.getMajorAngle() - targetAxes.getMajorAngle());
   const Vector<T> from = sourceAxes.getInertiaCenter() - centerOf(source);
   const Vector<T> to = targetAxes.getInertiaCenter() - centerOf(target);
-  const auto correlationAt = [&](T angle)
-  {
-    const Vector<T> translation = translationBetween(from, to, angle);
-    return correlation(source, target, static_cast<double>(angle), static_cast<double>(translation[0]),
-                       static_cast<double>(translation[1]));
-  };
-  T angle = turn;
-  double best = correlationAt(turn);
-  if (!isRound)
-  {
-    const T other = wrapped(turn + std::numbers::pi_v<T>);
-    const double otherCorrelation = correlationAt(other);
-    const bool isBetter =
-        std::abs(otherCorrelation - best) > alike ? otherCorrelation > best : std::abs(other) < std::abs(angle);
-    if (isBetter)
-    {
-      angle = other;
-      best = otherCorrelation;
-    }
-  }
-  _correlationAfter = static_cast<T>(best);
-  const Vector<T> translation =
-      _isImageCentered ? translationBetween(from, to, angle)
-                       : translationBetween(sourceAxes.getInertiaCenter(), targetAxes.getInertiaCenter(), angle);
-  this->set(angle, translation);
+  const T turn = wrapped(sourceAxes.getMajorAngle() - targetAxes.getMajorAngle());
+  const T angle = isRound ? T(0) : betterSense(source, target, turn, from, to);
+  const Vector<T>& sourceCenter = _isImageCentered ? from : sourceAxes.getInertiaCenter();
+  const Vector<T>& targetCenter = _isImageCentered ? to : targetAxes.getInertiaCenter();
+  this->set(angle, translationBetween(sourceCenter, targetCenter, angle));
 }
 
 template double correlation(const PixelMatrix<float>&, const PixelMatrix<float>&, double, double, double);

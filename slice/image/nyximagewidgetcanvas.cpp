@@ -81,8 +81,9 @@ Vector<int> NYXImageWidgetCanvas::convertToVectori(const QPoint& canvasPoint) co
 void NYXImageWidgetCanvas::updateImageSize()
 {
   const NYXImageProxy& proxy = getImageProxy();
-  const QSize size = proxy.getOriginalImageSize();
-  _viewport.setImageSize(size.isValid() ? size : fallbackImageSize());
+  const QSize own = proxy.getOriginalImageSize();
+  const QSize size = own.isValid() ? own : fallbackImageSize();
+  _viewport.setImageSize(size.isValid() ? viewedSize(size) : size);
   _viewport.setPixelCalibration(proxy.getPixelCalibration());
   if (isBestFitMode()) setBestFitZoomFactor();
   rectifyViewOrigin();

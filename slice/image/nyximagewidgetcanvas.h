@@ -47,6 +47,8 @@ public:
   void rectifyViewOrigin() { _viewport.rectifyViewOrigin(); }
   QPoint convertToImagePosition(const QPoint& canvasPoint) const;
   QPoint convertToCanvasPosition(const QPoint& imagePoint) const;
+  /// The pixel of the proxy's image that is shown at a place of the canvas, also beyond its borders.
+  virtual QPoint imagePixelAt(const QPoint& canvasPoint) const { return convertToImagePosition(canvasPoint); }
   /// The image position as the two coordinates of a vertex.
   Vector<int> convertToVectori(const QPoint& canvasPoint) const;
   /// @}
@@ -81,6 +83,10 @@ protected:
   virtual std::unique_ptr<NYXImageProxy> newImageProxy() const;
   /// The size of the image when its source cannot tell; not valid when nobody knows.
   virtual QSize fallbackImageSize() const { return {}; }
+  /// The size of what is viewed, by the size of the image.
+  virtual QSize viewedSize(const QSize& imageSize) const { return imageSize; }
+  /// Draws the image of the proxy, of which there is a level: at least the part, in device pixels of the canvas.
+  virtual void paintImage(const QRect& part);
   /// What lies on the image, below the extra painters.
   virtual void paintForeground(QPainter&) {}
   virtual bool isImageShown() const { return true; }
@@ -90,7 +96,6 @@ protected:
   void resizeEvent(QResizeEvent* event) override;
 
 private:
-  void paintImage(const QRect& part);
   void paintOver(const QRectF& part);
   void paintPixelGrid(QPainter& painter) const;
   void paintProblem(QPainter& painter) const;

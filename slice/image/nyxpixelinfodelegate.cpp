@@ -54,9 +54,11 @@ QString NYXPixelInfoDelegate::pixelText(const QPoint& position, const Image* ima
 void NYXPixelInfoDelegate::show(const QPoint& canvasPoint)
 {
   _cursor = canvasPoint;
-  const QPoint position = canvas().convertToImagePosition(canvasPoint);
+  const QPoint position = canvas().imagePixelAt(canvasPoint);
   const NYXImageProxy& proxy = canvas().getImageProxy();
-  const bool isOnImage = QRect(QPoint(0, 0), canvas().viewport().getImageSize()).contains(position);
+  const QSize size = proxy.getOriginalImageSize();
+  const bool isOnImage =
+      QRect(QPoint(0, 0), size.isValid() ? size : canvas().viewport().getImageSize()).contains(position);
   const Image* image = proxy.hasImage() ? &proxy.getImage() : nullptr;
   mediator().widget().statusBar().setPixelInfo(isOnImage ? pixelText(position, image) : QString());
 }

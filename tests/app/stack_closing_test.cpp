@@ -3,15 +3,23 @@
 #include "app/core/nyxpreferences.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
+#include "app/nyxrootmediator.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstackio.h"
 #include "image/imagesourcefile.h"
+#include "model/model.h"
+#include "model/stackslice.h"
+#include "slice/nyxsliceeditwidget.h"
+#include "slice/nyxsliceeditwidgetcanvas.h"
+#include "slice/nyxsliceeditwidgetmediator.h"
+#include "slice/nyxsliceeditwidgetmediatorcreationdelegate.h"
 
 #include <gtest/gtest.h>
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace
 {
@@ -98,6 +106,28 @@ TEST(StackClosing, ClosingTheOnlyWindowCanBeCancelled)
   EXPECT_TRUE(test.window().isVisible());
   EXPECT_EQ(numStacks(), 1);
   EXPECT_EQ(test.window().findChild<NYXRootStatusBar*>()->currentMessage(), "Exit canceled");
+}
+
+TEST(StackClosing, ADrawingThatIsNotFinishedIsAskedAboutToo)
+{
+  WindowTest test;
+  NYXStack& stack = addStack("cells", "/a.sdf", false);
+  ImageSourceFile source("missing.tif");
+  source.setFallbackSize(200, 300);
+  auto slice = std::make_unique<StackSlice>();
+  slice->setImageSource(source);
+  stack.addSlice(std::move(slice));
+  stack.addModel(std::make_unique<Model>("nuclei"));
+  test.window().mediator().showCurrentStack();
+  auto& canvas = *test.window().findChild<NYXSliceEditWidgetCanvas*>();
+  auto& editor = test.window().findChild<NYXSliceEditWidget*>()->editMediator();
+  ASSERT_TRUE(canvas.hasSlice());
+  editor.creation().activate("nuclei");
+  for (const QPoint& point : {QPoint(20, 20), QPoint(60, 20), QPoint(60, 60)})
+    QTest::mouseClick(&canvas, Qt::LeftButton, {}, point);
+  EXPECT_EQ(answering({QMessageBox::Cancel}, [&] { test.window().close(); }).size(), 1);
+  ASSERT_EQ(numStacks(), 1);
+  EXPECT_EQ(stack.getSlice(0)->getNumItems(), 1);
 }
 
 TEST(StackClosing, TheLastOfTwoWindowsClosedAtOnceAsks)

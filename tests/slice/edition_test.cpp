@@ -55,6 +55,47 @@ TEST_F(Edition, ShowsItsToolBarAndModes)
   EXPECT_FALSE(history().isUndoable());
 }
 
+TEST_F(Edition, ShowsWhereAVertexWouldBeInserted)
+{
+  start("cells", square, VertexEditionMode::Insert);
+  move(350, 250);
+  const QImage plain = canvas().grabFramebuffer();
+  const auto numLit = [&](int x, const QImage& shown)
+  {
+    int count = 0;
+    for (int y = 45; y < 56; ++y) count += shown.pixel(x, y) != plain.pixel(x, y);
+    return count;
+  };
+  move(100, 53);
+  const QImage near = canvas().grabFramebuffer();
+  EXPECT_TRUE(numLit(88, near) + numLit(89, near) + numLit(90, near) > 0); // dashes to the vertices beside it
+  EXPECT_TRUE(numLit(110, near) + numLit(111, near) + numLit(112, near) > 0);
+  move(100, 70);
+  EXPECT_EQ(canvas().grabFramebuffer(), plain);
+}
+
+TEST_F(Edition, InsertsNoVertexTwiceAtOnePlace)
+{
+  const std::pair<const char*, Points> cases[] = {{"cells", {{50, 50}, {100, 50}, {150, 50}, {150, 150}, {50, 150}}},
+                                                  {"spots", {{50, 50}, {150, 50}, {100, 50}}}};
+  for (const auto& [name, expected] : cases)
+  {
+    SCOPED_TRACE(name);
+    const bool isClosed = std::string(name) == "cells";
+    start(name, isClosed ? square : Points{{50, 50}, {150, 50}}, VertexEditionMode::Insert);
+    const int place = slice().getNumItems() - 1;
+    expectStep(
+        [&]
+        {
+          click(100, 50);
+          doubleClick(100, 50);
+        });
+    EXPECT_EQ(points(place), expected);
+    mediator().cancel();
+    mediator().cancel(); // the selection
+  }
+}
+
 TEST_F(Edition, MovesTheNearestVertexWithinTenPixelsAtAnyZoom)
 {
   start("cells", square);

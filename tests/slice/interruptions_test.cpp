@@ -154,13 +154,26 @@ TEST_F(Interruptions, ByTheDeletionOfTheModelCanBeUndone)
   duringEachGesture(
       [&]
       {
+        const NYXSliceEditWidgetMediatorCreationDelegate& creation = mediator().creation();
+        const bool goesOn = creation.isActive() && creation.model().getName() != "cells";
         stack.history().pushStep(std::make_unique<NYXModelDeletionAction>(model("cells")));
-        expectIdle();
+        EXPECT_EQ(creation.isActive(), goesOn);
+        if (!goesOn) expectIdle();
         move(140, 140);
         release(140, 140);
         stack.history().undo();
         EXPECT_EQ(file(), before);
       });
+}
+
+TEST_F(Interruptions, DoNotComeFromOtherStacks)
+{
+  NYXStack other;
+  addModel(other, "cells", MPrimitive::Polygon);
+  choose(mediator().manualMenu(), "cells");
+  for (const auto& point : Points{{10, 10}, {40, 10}, {40, 40}}) click(point[0], point[1]);
+  other.history().pushStep(std::make_unique<NYXModelDeletionAction>(*other.getModel(0)));
+  expectStep([this] { key(Qt::Key_Return); });
 }
 
 TEST_F(Interruptions, OfALockedSliceNoToolBegins)

@@ -262,6 +262,35 @@ TEST_F(Selection, PastesNothingThatTheFileCannotHold)
   EXPECT_EQ(messages.size(), 1);
 }
 
+TEST_F(Selection, IsCutWhenItIsPastedOnASmallerImage)
+{
+  Image(100, 80, 8).writeFile(folder.file("small.tif"), true);
+  slice(1).setImageSource(ImageSourceFile(folder.file("small.tif")));
+  addSelected("cells", square);
+  addSelected("cells", {{200, 200}, {300, 200}, {300, 250}});
+  addSelected("spots", {{20, 20}, {200, 200}, {99, 79}});
+  key(Qt::Key_C, Qt::ControlModifier);
+  show(1);
+  QStringList messages;
+  QObject::connect(&mediator(), &NYXSliceEditWidgetMediator::messageShown, [&](const QString& m) { messages << m; });
+  key(Qt::Key_V, Qt::ControlModifier);
+  ASSERT_EQ(slice(1).getNumItems(), 2);
+  EXPECT_EQ(pointsOf(slice(1).getItem(0)->getVertices()), (Points{{50, 50}, {99, 50}, {99, 79}, {50, 79}}));
+  EXPECT_EQ(pointsOf(slice(1).getItem(1)->getVertices()), (Points{{20, 20}, {99, 79}})); // none where nothing is
+  EXPECT_EQ(messages.size(), 1);
+}
+
+TEST_F(Selection, IsPastedWholeWhenTheSizeOfTheImageIsNotKnown)
+{
+  slice(1).setImageSource(ImageSourceFile(folder.file("missing.tif")));
+  addSelected("cells", square);
+  key(Qt::Key_C, Qt::ControlModifier);
+  show(1);
+  key(Qt::Key_V, Qt::ControlModifier);
+  ASSERT_EQ(slice(1).getNumItems(), 1);
+  EXPECT_EQ(pointsOf(slice(1).getItem(0)->getVertices()), square);
+}
+
 TEST_F(Selection, IsConverted)
 {
   addOneOfEach();

@@ -1,4 +1,5 @@
 // The strip of tools, the model in use, and what lights up below the cursor.
+#include "app/core/actions/nyxmodelpropertiesaction.h"
 #include "edit_test_support.h"
 
 #include "slice/nyxmodetoolbar.h"
@@ -88,6 +89,38 @@ TEST_F(Tools, NumberKeysChooseTheModelInUse)
   widget.setSlice(nullptr);
   EXPECT_EQ(mediator().modelInUse(), "");
   EXPECT_FALSE(action("draw").isEnabled());
+}
+
+TEST_F(Tools, TheModelInUseMayGetAnotherName)
+{
+  const auto rename = [this](const char* from, const char* to)
+  {
+    NYXModelProperties properties(model(from));
+    properties.name = to;
+    stack.history().pushStep(std::make_unique<NYXModelPropertiesAction>(model(from), properties));
+  };
+  key(Qt::Key_2);
+  rename("fibres", "axons");
+  EXPECT_EQ(mediator().modelInUse(), "axons");
+  key(Qt::Key_D);
+  click(10, 10);
+  stack.history().undo();
+  EXPECT_TRUE(mediator().hint().startsWith("fibres: ")) << mediator().hint().toStdString();
+  mediator().cancel();
+  EXPECT_EQ(mediator().modelInUse(), "fibres");
+  choose(mediator().automaticMenu(), "cells");
+  rename("cells", "nuclei");
+  expectStep([this] { answering({0, 0}, [this] { drag({{140, 90}, {200, 100}, {260, 210}}); }); });
+  EXPECT_EQ(item().getModel()->getName(), "nuclei");
+}
+
+TEST_F(Tools, EndWhenTheGeometryOfAModelChanges)
+{
+  choose(mediator().automaticMenu(), "cells");
+  NYXModelProperties properties(model("cells"));
+  properties.properties.setGeometry(MPrimitive::Region);
+  stack.history().pushStep(std::make_unique<NYXModelPropertiesAction>(model("cells"), properties));
+  expectIdle();
 }
 
 TEST_F(Tools, BracketsChangeTheBrush)

@@ -52,6 +52,11 @@ bool NYXRegistrationAction::changes(const StackSlice& slice) const
   return std::ranges::find(_alignments, &slice, &Alignment::slice) != _alignments.end();
 }
 
+bool NYXRegistrationAction::isNull() const
+{
+  return _alignments == _oldAlignments && getStack().getLastRegisteredSlice() == _otherLastRegisteredSlice;
+}
+
 QString NYXRegistrationAction::description(bool) const
 {
   return _alignments.size() == 1 ? tr("Slice registration") : tr("Stack registration");

@@ -28,7 +28,7 @@ public:
   void apply() override;
   void revert() override;
   QString description(bool isDetailed) const override;
-  bool isNull() const override { return _alignments == _oldAlignments; }
+  bool isNull() const override;
 
 private:
   bool changes(const StackSlice& slice) const override;
