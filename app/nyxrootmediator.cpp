@@ -28,6 +28,7 @@
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 #include "slice/nyxsliceeditwidgetstatusbar.h"
+#include "viewer/nyxrenderingwindow.h"
 
 #include <QAction>
 #include <QDir>
@@ -209,6 +210,7 @@ void NYXRootMediator::showSlice(int slice)
   else
     _sliceEditWidget->showSlice(*stack->getSlice(slice));
   updateActions();
+  if (NYXRenderingWindow* const window = NYXRenderingWindow::find(*stack)) window->setCurrentSlice(slice);
   if (slice < 0) return _statusBar->setSliceText(tr("no slice"));
   const QString name = QString::fromStdString(stack->getSlice(slice)->getName());
   const QString place = QString("%1 / %2").arg(slice + 1).arg(stack->getNumSlices());

@@ -13,6 +13,7 @@
 #include "app/nyxstackio.h"
 #include "app/nyxstackpropertiesdialog.h"
 #include "app/nyxtransfermodelsdialog.h"
+#include "viewer/nyxrenderingwindow.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -186,7 +187,8 @@ void NYXRootMediator::createProcessActions()
 {
   _process = {
       createStackAction(tr("Register"), tr("Align each slice on the one before"), {}, [this] { openRegistration(); }),
-      createLaterAction(tr("Reconstruct"), tr("Show the models in 3D")),
+      createStackAction(tr("Reconstruct"), tr("Show the models in 3D"), QKeySequence("Ctrl+3"),
+                        [this] { NYXRenderingWindow::showFor(*currentStack(), _sliceList->currentSlice()); }),
       createLaterAction(tr("Image processing"), tr("Filter the images of the slices")),
       createLaterAction(tr("Find spots"), tr("Detect spot-like objects")),
       createLaterAction(tr("Normalize"), tr("Even out the grey levels of the slices")),

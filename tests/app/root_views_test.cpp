@@ -1,4 +1,5 @@
 // What the right side of the root window shows: the slice, the panorama, the overview, and the fields that tell of it.
+#include "app/nyxrootmediator.h"
 #include "app/nyxrootsliceeditwidget.h"
 #include "app/nyxrootstatusbar.h"
 #include "app/nyxrootwindow.h"
@@ -9,14 +10,17 @@
 #include "slice/image/nyxpanorama.h"
 #include "slice/image/nyxslicewidget.h"
 #include "slice/image/nyxslicewidgetstatusbar.h"
+#include "viewer/nyxrenderingwindow.h"
 #include "window_test_support.h"
 
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSettings>
+#include <QSpinBox>
 #include <QStatusTipEvent>
 #include <QTest>
 #include <QToolBar>
@@ -206,5 +210,24 @@ TEST_F(RootViews, FieldsOfTheStatusBarStayInTheirPlaces)
   EXPECT_EQ(places().back(), before.back());
   test.window().resize(700, 500);
   EXPECT_EQ(test.window().width(), 700); // the fields give way
+}
+
+TEST_F(RootViews, ReconstructShowsTheModelsInAWindowThatFollowsTheSlice)
+{
+  QAction& reconstruct = *test.action("Reconstruct");
+  EXPECT_FALSE(reconstruct.isEnabled());
+  openExample();
+  NYXStack& stack = *test.window().mediator().currentStack();
+  EXPECT_EQ(NYXRenderingWindow::find(stack), nullptr);
+  reconstruct.trigger();
+  NYXRenderingWindow* const window = NYXRenderingWindow::find(stack);
+  ASSERT_NE(window, nullptr);
+  EXPECT_TRUE(window->isVisible());
+  test.action("Select next slice")->trigger();
+  EXPECT_EQ(window->findChild<QSpinBox*>("sliceNumber")->value(), part<NYXSliceListWidget>().currentSlice() + 1);
+  reconstruct.trigger();
+  EXPECT_EQ(NYXRenderingWindow::find(stack), window);
+  test.action("Close stack")->trigger();
+  for (QWidget* widget : QApplication::topLevelWidgets()) EXPECT_NE(widget->objectName(), "renderingWindow");
 }
 } // namespace

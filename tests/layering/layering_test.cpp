@@ -27,6 +27,8 @@ const std::vector<Room> house = {
     {"geometry/reconstruction", 5, false},
     {"analysis/spatial", 5, false},
     {"app/core", 6, true},
+    {"viewer/painters", 5, false},
+    {"viewer/scene", 6, false},
     {"slice/image", 7, true},
     {"slice", 8, true},
     {"registration", 8, true},

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+class Exception;
+
+/// What went wrong, with the name of the file if there is one and the text does not name it.
+QString errorText(const Exception& error);

@@ -1,0 +1,354 @@
+// The parts of the window of the 3D view: tool bar, panel, status bar, and where they are.
+#include "app/core/nyxeventserver.h"
+#include "app/core/nyxstack.h"
+#include "numeric/progresssubject.h"
+#include "slice/image/nyxprogressrun.h"
+#include "viewer/errortext.h"
+#include "viewer/landmarksdelegate.h"
+#include "viewer/nyxposelist.h"
+#include "viewer/nyxrenderingvideo.h"
+#include "viewer/nyxrenderingwindow.h"
+#include "viewer/nyxsceneimages.h"
+#include "viewer/nyxscenemodels.h"
+#include "viewer/nyxshownmodelstree.h"
+#include "viewer/nyxsurfaceexportdialog.h"
+#include "viewer/viewercanvasgl.h"
+#include "viewer/viewermediator.h"
+#include "viewer/viewerposepanel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTableWidget>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+NYXRenderingWindow::NYXRenderingWindow(NYXStack& stack, int slice)
+  : _stack(stack),
+    _canvas(new ViewerCanvasGL(this)),
+    _posePanel(new ViewerPosePanel(this)),
+    _mediator(new ViewerMediator(*_canvas, *_posePanel, this)),
+    _models(new NYXSceneModels(stack, *_canvas, nullptr)),
+    _images(new NYXSceneImages(stack, *_canvas, nullptr)),
+    _video(new NYXRenderingVideo(*_canvas, _mediator->spinningMotion(), nullptr)),
+    _toolBar(new QToolBar(this)),
+    _panel(new QTabWidget(this)),
+    _statusBar(new QStatusBar(this)),
+    _emptyNote(new QLabel(_canvas))
+{
+  setObjectName("renderingWindow");
+  _canvas->setUnit(QString::fromStdString(stack.getLengthUnit().symbol()));
+  _emptyNote->setObjectName("emptyNote");
+  _emptyNote->setTextFormat(Qt::PlainText);
+  _emptyNote->setAttribute(Qt::WA_TransparentForMouseEvents);
+  _emptyNote->setStyleSheet("color: white; background: rgba(0, 0, 0, 120); padding: 8px");
+  _emptyNote->hide();
+  createStatusBar();
+  createToolBar();
+  createPanel();
+  layOut();
+  followModels();
+  connect(_mediator, &ViewerMediator::messageShown, this, &NYXRenderingWindow::showMessage);
+  connect(_images, &NYXSceneImages::messageShown, this, &NYXRenderingWindow::showMessage);
+  setCurrentSlice(slice);
+  showTitle();
+  restoreGeometryFromSettings();
+  NYXEventServer::attach(*this);
+  _canvas->setFocus();
+}
+
+QAction* NYXRenderingWindow::addToolAction(const QString& text, const QString& toolTip, const char* icon,
+                                           void (NYXRenderingWindow::*slot)())
+{
+  auto* const action = new QAction(QIcon(QString(":/icons/%1.svg").arg(icon)), text, this);
+  action->setObjectName(text);
+  action->setToolTip(toolTip);
+  action->setStatusTip(toolTip);
+  connect(action, &QAction::triggered, this, slot);
+  _toolBar->addAction(action);
+  return action;
+}
+
+void NYXRenderingWindow::createToolBar()
+{
+  _toolBar->setObjectName("renderingToolBar");
+  const int side = _toolBar->fontMetrics().height() * 5 / 4;
+  _toolBar->setIconSize({side, side});
+  addToolAction(tr("Rebuild"), tr("Reconstruct all models anew"), "rebuild", &NYXRenderingWindow::rebuild);
+  addToolAction(tr("Snapshot..."), tr("Save the picture to a PNG file"), "snapshot", &NYXRenderingWindow::takeSnapshot);
+  _record = addToolAction(tr("Record video..."), tr("Record what is shown as a video; once more to stop"), "video",
+                          &NYXRenderingWindow::recordVideo);
+  _record->setCheckable(true);
+  addToolAction(tr("Export surfaces..."), tr("Write the surfaces that are shown to STL, PLY or OBJ files"),
+                "exportsurface", &NYXRenderingWindow::exportSurfaces);
+  _toolBar->addSeparator();
+  auto* const views = new QToolButton(this);
+  views->setObjectName("viewsButton");
+  views->setIcon(QIcon(":/icons/views.svg"));
+  views->setToolTip(tr("Standard views (1 to 6)"));
+  views->setPopupMode(QToolButton::InstantPopup);
+  auto* const menu = new QMenu(views);
+  menu->addActions(_mediator->poseActions());
+  menu->addSeparator();
+  menu->addAction(&_mediator->centerAction());
+  views->setMenu(menu);
+  _toolBar->addWidget(views);
+  _toolBar->addAction(_mediator->poseActions().last());
+  _toolBar->addSeparator();
+  _toolBar->addActions(_mediator->displayActions());
+  _toolBar->addSeparator();
+  _toolBar->addActions(_mediator->motionActions().mid(0, 2));
+  auto* const motion = new QToolButton(this);
+  motion->setText(tr("Motion"));
+  motion->setToolTip(tr("How fast motions turn the scene"));
+  motion->setPopupMode(QToolButton::InstantPopup);
+  motion->setMenu(new QMenu(motion));
+  motion->menu()->addActions(_mediator->motionActions().mid(2));
+  _toolBar->addWidget(motion);
+  _toolBar->addSeparator();
+  _toolBar->addAction(&_mediator->landmarksAction());
+  QWidget::addActions(_mediator->poseActions());
+  QWidget::addAction(&_mediator->centerAction());
+  connect(_video, &NYXRenderingVideo::recordingChanged, _record, &QAction::setChecked);
+  connect(_video, &NYXRenderingVideo::frameRecorded, this,
+          [this](int numFrames)
+          { _statusBar->showMessage(tr("Recording: %n frames; click the button again to stop", nullptr, numFrames)); });
+  connect(_video, &NYXRenderingVideo::videoMade, this,
+          [this](const QString& output) { showMessage(tr("Saved %1").arg(output)); });
+}
+
+void NYXRenderingWindow::createStatusBar()
+{
+  _progress = new QProgressBar(this);
+  _progress->setObjectName("reconstructionProgress");
+  _progress->setRange(0, 1000);
+  _progress->setMaximumWidth(fontMetrics().averageCharWidth() * 30);
+  _cancel = new QPushButton(tr("Cancel"), this);
+  _cancel->setObjectName("cancelReconstruction");
+  _cancel->setToolTip(tr("Stop the reconstruction; the models stay as they are shown"));
+  _statusBar->setSizeGripEnabled(false);
+  _statusBar->addPermanentWidget(_progress);
+  _statusBar->addPermanentWidget(_cancel);
+  _progress->hide();
+  _cancel->hide();
+}
+
+void NYXRenderingWindow::createPanel()
+{
+  _panel->setObjectName("renderingPanel");
+  _tree = new NYXShownModelsTree(*_models, this);
+  _poses = new NYXPoseList(_stack, *_canvas, this);
+  connect(_poses, &NYXPoseList::messageShown, this, &NYXRenderingWindow::showMessage);
+  const auto scrolled = [this](QWidget* page)
+  {
+    auto* const area = new QScrollArea(this);
+    area->setWidget(page);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setMinimumWidth(page->minimumSizeHint().width() + area->verticalScrollBar()->sizeHint().width());
+    return area;
+  };
+  _panel->addTab(_tree, tr("Models"));
+  _panel->addTab(scrolled(_posePanel), tr("View"));
+  _panel->addTab(_poses, tr("Poses"));
+  _panel->addTab(scrolled(createImagesPage()), tr("Images"));
+  _panel->addTab(createLandmarksPage(), tr("Landmarks"));
+  _panel->setMinimumWidth(_panel->tabBar()->sizeHint().width()); // no tab is cut off
+}
+
+QWidget* NYXRenderingWindow::createImagesPage()
+{
+  auto* const page = new QWidget(this);
+  auto* const plane = new QGroupBox(tr("Slice"), page);
+  auto* const planeForm = new QFormLayout(plane);
+  auto* const isShown = new QCheckBox(tr("Show the image of a slice"), plane);
+  isShown->setObjectName("showSliceImage");
+  _slice = new QSpinBox(plane);
+  _slice->setObjectName("sliceNumber");
+  _slice->setRange(1, qMax(1, _stack.getNumSlices()));
+  _slice->setToolTip(tr("Number of the slice; follows the main window"));
+  const auto createOpacity = [this](QWidget* parent, const char* name, int value)
+  {
+    auto* const slider = new QSlider(Qt::Horizontal, parent);
+    slider->setObjectName(name);
+    slider->setRange(0, 100);
+    slider->setValue(value);
+    slider->setToolTip(tr("Opacity"));
+    return slider;
+  };
+  QSlider* const planeOpacity = createOpacity(plane, "sliceOpacity", 100);
+  planeForm->addRow(isShown);
+  planeForm->addRow(tr("Slice"), _slice);
+  planeForm->addRow(tr("Opacity"), planeOpacity);
+  auto* const volume = new QGroupBox(tr("All images"), page);
+  auto* const volumeForm = new QFormLayout(volume);
+  auto* const kind = new QComboBox(volume);
+  kind->setObjectName("volumeKind");
+  kind->addItems({tr("Hidden"), tr("Three slices"), tr("Cloud")});
+  kind->setToolTip(tr("Show all images as a volume"));
+  QSlider* const cloudOpacity = createOpacity(volume, "cloudOpacity", 25);
+  volumeForm->addRow(tr("Volume"), kind);
+  volumeForm->addRow(tr("Density"), cloudOpacity);
+  auto* const layout = new QVBoxLayout(page);
+  layout->addWidget(plane);
+  layout->addWidget(volume);
+  layout->addStretch();
+  connect(isShown, &QCheckBox::toggled, _images, &NYXSceneImages::showPlane);
+  connect(_slice, qOverload<int>(&QSpinBox::valueChanged), _images,
+          [this](int number) { _images->setSlice(number - 1); });
+  connect(planeOpacity, &QSlider::valueChanged, _images, &NYXSceneImages::setPlaneOpacity);
+  connect(cloudOpacity, &QSlider::valueChanged, _images, &NYXSceneImages::setCloudOpacity);
+  connect(kind, qOverload<int>(&QComboBox::activated), _images,
+          [this, kind](int index)
+          {
+            _images->setVolume(static_cast<NYXSceneImages::Volume>(index));
+            kind->setCurrentIndex(_images->getVolume());
+          });
+  connect(_images, &NYXSceneImages::messageShown, kind, [this, kind] { kind->setCurrentIndex(_images->getVolume()); });
+  return page;
+}
+
+QWidget* NYXRenderingWindow::createLandmarksPage()
+{
+  auto* const page = new QWidget(this);
+  LandmarksDelegate& delegate = _mediator->landmarks();
+  _landmarks = new QTableWidget(0, 3, page);
+  _landmarks->setObjectName("landmarks");
+  _landmarks->setHorizontalHeaderLabels({"X", "Y", "Z"});
+  _landmarks->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  _landmarks->setSelectionBehavior(QAbstractItemView::SelectRows);
+  _landmarks->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  auto* const hint = new QLabel(tr("Switch \"Landmarks\" on in the tool bar, then click on surfaces."), page);
+  hint->setWordWrap(true);
+  const auto addButton = [page](const QString& text, const QString& toolTip)
+  {
+    auto* const button = new QPushButton(text, page);
+    button->setToolTip(toolTip);
+    return button;
+  };
+  QPushButton* const copy = addButton(tr("Copy"), tr("Copy the table with the distances between landmarks"));
+  QPushButton* const remove = addButton(tr("Delete"), tr("Delete the selected landmark"));
+  QPushButton* const clear = addButton(tr("Clear"), tr("Delete all landmarks"));
+  auto* const buttons = new QHBoxLayout;
+  for (QPushButton* button : {copy, remove, clear}) buttons->addWidget(button);
+  auto* const layout = new QVBoxLayout(page);
+  layout->addWidget(hint);
+  layout->addWidget(_landmarks, 1);
+  layout->addLayout(buttons);
+  connect(copy, &QPushButton::clicked, this, [&delegate] { QApplication::clipboard()->setText(delegate.toText()); });
+  connect(remove, &QPushButton::clicked, this,
+          [this, &delegate]
+          {
+            if (_landmarks->currentRow() >= 0) delegate.remove(_landmarks->currentRow());
+          });
+  connect(clear, &QPushButton::clicked, &delegate, &LandmarksDelegate::clear);
+  connect(&delegate, &LandmarksDelegate::landmarksChanged, this, &NYXRenderingWindow::showLandmarks);
+  return page;
+}
+
+void NYXRenderingWindow::showLandmarks()
+{
+  const auto& points = _mediator->landmarks().getLandmarks();
+  _landmarks->setRowCount(static_cast<int>(points.size()));
+  for (int i = 0; i < _landmarks->rowCount(); ++i)
+    for (int axis = 0; axis < 3; ++axis)
+    {
+      const double coordinate = points[static_cast<std::size_t>(i)][static_cast<std::size_t>(axis)];
+      auto* const cell = new QTableWidgetItem(QString::number(coordinate, 'g', 6));
+      cell->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+      _landmarks->setItem(i, axis, cell);
+    }
+}
+
+void NYXRenderingWindow::layOut()
+{
+  auto* const splitter = new QSplitter(this);
+  splitter->setObjectName("renderingSplitter");
+  splitter->addWidget(_canvas);
+  splitter->addWidget(_panel);
+  splitter->setStretchFactor(0, 1);
+  splitter->setChildrenCollapsible(false);
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(_toolBar);
+  layout->addWidget(splitter, 1);
+  layout->addWidget(_statusBar);
+  splitter->restoreState(QSettings().value("renderingWindow/splitter").toByteArray());
+  connect(splitter, &QSplitter::splitterMoved, this,
+          [splitter] { QSettings().setValue("renderingWindow/splitter", splitter->saveState()); });
+}
+
+/// At first two thirds of the screen.
+void NYXRenderingWindow::restoreGeometryFromSettings()
+{
+  const QSettings store;
+  const QRect available = screen()->availableGeometry();
+  resize(store.value("renderingWindow/size", available.size() * 2 / 3).toSize());
+  const QPoint position = store.value("renderingWindow/pos").toPoint();
+  if (store.contains("renderingWindow/pos") && available.intersects({position, size()})) move(position);
+  _isPlaced = true;
+}
+
+void NYXRenderingWindow::exportSurfaces()
+{
+  NYXSurfaceExportDialog dialog(this);
+  if (dialog.exec() != QDialog::Accepted) return;
+  SurfaceExport target = dialog.target();
+  target.prefix = _stack.getName();
+  if (exportTo(target)) return;
+  target.overwrite = true;
+  exportTo(target);
+}
+
+/// \return false when files exist that the user wants to replace
+bool NYXRenderingWindow::exportTo(const SurfaceExport& target)
+{
+  ProgressSubject subject;
+  ExportedSurfaces exported;
+  const ShownStack shown =
+      copyShown(_stack, _models->shownModels(), [this](const ModelItem& item) { return _models->isShown(item); });
+  try
+  {
+    if (!runWithProgress(this, tr("Export surfaces"), subject, nullptr,
+                         [&] { exported = ::exportSurfaces(shown, target, subject); }))
+      return true;
+  }
+  catch (const Exception& error)
+  {
+    const QString reason = errorText(error);
+    if (!target.overwrite && reason.endsWith("file exists")) return !confirmOverwrite(reason);
+    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), reason, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+    return true;
+  }
+  const auto numFiles = static_cast<int>(exported.filenames.size());
+  const auto numLeftOut = static_cast<int>(exported.warnings.size());
+  QString text = tr("%n files written", nullptr, numFiles);
+  if (numLeftOut > 0)
+    text += "; " + tr("%n models left out: ", nullptr, numLeftOut) + QString::fromStdString(exported.warnings.front());
+  showMessage(text);
+  return true;
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "viewer/scene/sliceimages.h"
+
+#include <QObject>
+#include <QString>
+
+#include <future>
+#include <memory>
+
+class NYXStack;
+class ViewerCanvasGL;
+
+/// The images of a stack in its 3D view: that of one slice as a plane, and all of them as a volume.
+class NYXSceneImages : public QObject
+{
+  Q_OBJECT
+
+public:
+  enum Volume
+  {
+    NoVolume,
+    OrthogonalSlices,
+    Cloud
+  };
+
+  /// Stack and canvas are borrowed.
+  NYXSceneImages(NYXStack& stack, ViewerCanvasGL& canvas, QObject* parent);
+  ~NYXSceneImages() override;
+
+  int getSlice() const { return _slice; }
+  bool isPlaneShown() const { return _isPlaneShown; }
+  Volume getVolume() const { return _volumeKind; }
+  /// Puts what is shown behind or after other painters were put into the canvas.
+  void addPainters();
+
+public slots:
+  /// The slice whose image the plane shows; it is read in a thread of its own.
+  void setSlice(int slice);
+  void showPlane(bool isShown);
+  /// In percent.
+  void setPlaneOpacity(int percent);
+  void setCloudOpacity(int percent);
+  /// Reads all images, with a dialog that can cancel it. \return whether the volume is shown as it was asked for
+  bool setVolume(Volume kind);
+  /// The slices moved: what is shown is made anew.
+  void refresh();
+
+signals:
+  void messageShown(const QString& text);
+
+private:
+  void readPlane();
+  void takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem, int number);
+  void dropPlane();
+  void dropVolume();
+
+  NYXStack& _stack;
+  ViewerCanvasGL& _canvas;
+  int _slice = 0;
+  bool _isPlaneShown = false;
+  int _planeOpacity = 100;
+  int _cloudOpacity = 25;
+  int _numReadings = 0; // only the last one counts
+  Volume _volumeKind = NoVolume;
+  std::unique_ptr<ImagePlanePainterGL> _plane;
+  std::unique_ptr<VoxelMatrixPainterGL> _volume;
+  std::vector<std::future<void>> _readers;
+};

@@ -1,0 +1,271 @@
+#include "viewer/nyxscenemodels.h"
+
+#include "app/core/actions/nyxsliceaction.h"
+#include "app/core/nyxeventserver.h"
+#include "app/core/nyxstack.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+#include "viewer/scene/modelpainters.h"
+#include "viewer/viewercanvasgl.h"
+
+namespace
+{
+constexpr int delay = 60; // milliseconds, so that many changes are one
+}
+
+NYXSceneModels::NYXSceneModels(NYXStack& stack, ViewerCanvasGL& canvas, QObject* parent)
+  : QObject(parent), _stack(stack), _canvas(canvas)
+{
+  _delay.setSingleShot(true);
+  _delay.setInterval(delay);
+  connect(&_delay, &QTimer::timeout, this, &NYXSceneModels::start);
+  connect(&_run, &NYXReconstructionRun::ended, this, &NYXSceneModels::takeResults);
+  connect(&_run, &NYXReconstructionRun::progressChanged, this, &NYXSceneModels::progressChanged);
+  NYXEventServer::attach(*this);
+  rebuild();
+}
+
+NYXSceneModels::~NYXSceneModels()
+{
+  NYXEventServer::detach(*this);
+  _canvas.removePainters();
+  _canvas.makeCurrent();
+  _painted.clear();
+  _canvas.doneCurrent();
+}
+
+void NYXSceneModels::rebuild()
+{
+  markAll();
+}
+
+void NYXSceneModels::cancel()
+{
+  _delay.stop();
+  _run.cancel();
+}
+
+void NYXSceneModels::showModel(const Model& model, bool isShown)
+{
+  if (isShown == this->isShown(model)) return;
+  isShown ? static_cast<void>(_hiddenModels.erase(&model)) : static_cast<void>(_hiddenModels.insert(&model));
+  if (const auto painted = _painted.find(&model); painted != _painted.end() && painted->second.painter)
+    painted->second.painter->setVisible(isShown);
+  _canvas.update();
+  emit modelsChanged();
+}
+
+bool NYXSceneModels::isShown(const ModelItem& item) const
+{
+  const auto visibility = _itemVisibilities.find(&item);
+  return visibility != _itemVisibilities.end() ? visibility->second : isShown3D(item);
+}
+
+void NYXSceneModels::showItem(const ModelItem& item, bool isShown)
+{
+  if (isShown == this->isShown(item)) return;
+  _itemVisibilities[&item] = isShown;
+  markModel(item.getModel());
+  emit modelsChanged();
+}
+
+std::vector<const Model*> NYXSceneModels::shownModels() const
+{
+  std::vector<const Model*> models;
+  for (int i = 0; i < _stack.getNumModels(); ++i)
+    if (isShown(*_stack.getModel(i))) models.push_back(_stack.getModel(i));
+  return models;
+}
+
+QString NYXSceneModels::problemOf(const Model& model) const
+{
+  const auto painted = _painted.find(&model);
+  return painted == _painted.end() ? QString() : QString::fromStdString(painted->second.problem);
+}
+
+void NYXSceneModels::markModel(const Model* model)
+{
+  if (model == nullptr || model->getStack() != &_stack) return;
+  _staleModels.insert(model);
+  schedule();
+}
+
+void NYXSceneModels::markAll()
+{
+  for (int i = 0; i < _stack.getNumModels(); ++i) _staleModels.insert(_stack.getModel(i));
+  schedule();
+}
+
+/// With the end of the batch when one is open: until then the stack may be in the middle of a change.
+void NYXSceneModels::schedule()
+{
+  if (!eventBatchEnabled() && !_run.isRunning()) _delay.start();
+}
+
+void NYXSceneModels::atEventBatchEnd()
+{
+  if (isStale() && !_run.isRunning()) _delay.start();
+}
+
+void NYXSceneModels::start()
+{
+  if (_run.isRunning() || eventBatchEnabled() || !isStale()) return;
+  const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
+  _staleModels.clear();
+  emit runningChanged(true);
+  _run.start(copyShown(_stack, models, [this](const ModelItem& item) { return isShown(item); }));
+}
+
+/// Models that were deleted meanwhile are no concern any more; those that changed meanwhile are stale again.
+void NYXSceneModels::takeResults(bool isDone)
+{
+  const std::vector<const Model*>& models = _run.shown().models;
+  _canvas.makeCurrent();
+  for (std::size_t i = 0; isDone && i < models.size(); ++i)
+    if (_stack.findModel(models[i]) >= 0) _painted[models[i]] = std::move(_run.painted()[i]);
+  _canvas.doneCurrent();
+  const bool isChangedMeanwhile = isStale();
+  if (!isDone)
+    for (const Model* model : models)
+      if (_stack.findModel(model) >= 0) _staleModels.insert(model);
+  _canvas.removePainters();
+  for (int i = 0; i < _stack.getNumModels(); ++i)
+  {
+    const auto painted = _painted.find(_stack.getModel(i));
+    if (painted == _painted.end() || !painted->second.painter) continue;
+    painted->second.painter->setVisible(isShown(*painted->first));
+    _canvas.addPainter(painted->second.painter.get());
+  }
+  _canvas.updateBoundingBox();
+  emit runningChanged(false);
+  emit modelsChanged();
+  emit updated(_run.error());
+  if (isDone && isChangedMeanwhile) schedule();
+}
+
+void NYXSceneModels::drop(const Model* model)
+{
+  const auto painted = _painted.find(model);
+  if (painted == _painted.end()) return;
+  if (painted->second.painter) _canvas.removePainter(painted->second.painter.get());
+  _canvas.makeCurrent();
+  _painted.erase(painted);
+  _canvas.doneCurrent();
+  _canvas.updateBoundingBox();
+}
+
+void NYXSceneModels::markMovedSlices(const Stack* stack)
+{
+  if (stack == &_stack) markAll();
+}
+
+void NYXSceneModels::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
+{
+  markMovedSlices(&event.getStack());
+}
+
+void NYXSceneModels::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
+{
+  markMovedSlices(&event.getStack());
+}
+
+void NYXSceneModels::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
+{
+  if (&event.getStack() != &_stack) return;
+  _canvas.setUnit(QString::fromStdString(_stack.getLengthUnit().symbol()));
+  markAll();
+}
+
+void NYXSceneModels::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
+{
+  markMovedSlices(event.getSlice().getStack());
+}
+
+void NYXSceneModels::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
+{
+  markMovedSlices(event.getSlice().getStack());
+}
+
+void NYXSceneModels::processSliceAction(NYXSliceAction& action)
+{
+  if (&action.getStack() == &_stack) markAll();
+}
+
+void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)
+{
+  if (event.getStack() != &_stack) return;
+  markModel(&event.getModel());
+  emit modelsChanged();
+}
+
+void NYXSceneModels::modelDeleteEvent(const NYXModelDeleteEvent& event)
+{
+  if (event.getStack() != &_stack) return;
+  _staleModels.erase(&event.getModel());
+  _hiddenModels.erase(&event.getModel());
+  drop(&event.getModel());
+  emit modelsChanged();
+}
+
+/// Colour and opacity need no other geometry.
+void NYXSceneModels::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
+{
+  const Model& model = event.getModel();
+  if (event.getStack() != &_stack) return;
+  const auto painted = _painted.find(&model);
+  const bool hasPainter = painted != _painted.end() && painted->second.painter;
+  const bool isVisibilityKept =
+      event.getOldItemProperties().getRenderingVisibility() == model.getItemProperties().getRenderingVisibility();
+  if (hasPainter && isVisibilityKept && !needsOtherGeometry(event.getOldProperties(), model.getProperties()) &&
+      changeMaterial(*painted->second.painter, model.getProperties(), model.getItemProperties()))
+  {
+    painted->second.painter->setName(model.getName());
+    _canvas.update();
+  }
+  else
+    markModel(&model);
+  emit modelsChanged();
+}
+
+void NYXSceneModels::markItemChange(const NYXModelItemEvent& event, bool isListChanged)
+{
+  const ModelItem& item = event.getItem();
+  const Model* const model = item.getModel();
+  if (model == nullptr || model->getStack() != &_stack) return;
+  markModel(model);
+  if (isListChanged) emit modelsChanged();
+}
+
+void NYXSceneModels::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
+{
+  markItemChange(event, true);
+}
+
+void NYXSceneModels::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
+{
+  _itemVisibilities.erase(&event.getItem());
+  markItemChange(event, true);
+}
+
+void NYXSceneModels::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  markItemChange(event, false);
+}
+
+void NYXSceneModels::modelItemAttributeEvent(const NYXModelItemAttributeEvent& event)
+{
+  markItemChange(event, true);
+}
+
+void NYXSceneModels::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
+{
+  markItemChange(event, false);
+}
+
+void NYXSceneModels::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  markModel(&event.getSourceModel());
+  markModel(&event.getDestinationModel());
+  emit modelsChanged();
+}

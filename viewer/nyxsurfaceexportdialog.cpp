@@ -1,0 +1,64 @@
+#include "viewer/nyxsurfaceexportdialog.h"
+
+#include "app/core/nyxsettings.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+NYXSurfaceExportDialog::NYXSurfaceExportDialog(QWidget* parent)
+  : QDialog(parent),
+    _folder(new QLineEdit(NYXSettings::settings().getOutputDirectory(), this)),
+    _format(new QComboBox(this)),
+    _isClosed(new QCheckBox(tr("Close surfaces (caps)"), this))
+{
+  setObjectName("surfaceExportDialog");
+  setWindowTitle(tr("Export surfaces"));
+  _folder->setObjectName("folder");
+  _folder->setMinimumWidth(fontMetrics().averageCharWidth() * 45);
+  _format->setObjectName("format");
+  _format->addItem(tr("STL (text)"), static_cast<int>(SurfaceFormat::AsciiStl));
+  _format->addItem(tr("STL (binary)"), static_cast<int>(SurfaceFormat::BinaryStl));
+  _format->addItem(tr("PLY"), static_cast<int>(SurfaceFormat::Ply));
+  _format->addItem(tr("OBJ"), static_cast<int>(SurfaceFormat::Obj));
+  _isClosed->setObjectName("closeSurfaces");
+  _isClosed->setToolTip(tr("Fills the first and the last contours of each surface"));
+  auto* const browse = new QPushButton(tr("Browse..."), this);
+  auto* const folder = new QHBoxLayout;
+  folder->addWidget(_folder, 1);
+  folder->addWidget(browse);
+  auto* const form = new QFormLayout(this);
+  form->addRow(tr("Folder"), folder);
+  form->addRow(tr("Format"), _format);
+  form->addRow(QString(), _isClosed);
+  auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  buttons->button(QDialogButtonBox::Ok)->setText(tr("Export"));
+  buttons->button(QDialogButtonBox::Cancel)->setText(tr("Cancel"));
+  form->addRow(buttons);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(browse, &QPushButton::clicked, this, &NYXSurfaceExportDialog::chooseFolder);
+}
+
+void NYXSurfaceExportDialog::chooseFolder()
+{
+  const QString folder = QFileDialog::getExistingDirectory(
+      this, tr("Folder"), _folder->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
+  if (folder.isEmpty()) return;
+  _folder->setText(folder);
+  NYXSettings::settings().setOutputDirectory(folder);
+}
+
+SurfaceExport NYXSurfaceExportDialog::target() const
+{
+  SurfaceExport target;
+  target.directory = QFile::encodeName(_folder->text()).toStdString();
+  target.format = static_cast<SurfaceFormat>(_format->currentData().toInt());
+  target.isClosed = _isClosed->isChecked();
+  return target;
+}

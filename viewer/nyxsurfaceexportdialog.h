@@ -1,0 +1,28 @@
+#pragma once
+
+#include "viewer/scene/sceneexport.h"
+
+#include <QDialog>
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+
+/// Asks where and how the surfaces that are shown are written.
+class NYXSurfaceExportDialog : public QDialog
+{
+  Q_OBJECT
+
+public:
+  explicit NYXSurfaceExportDialog(QWidget* parent);
+
+  /// Without the prefix of the files' names.
+  SurfaceExport target() const;
+
+private:
+  void chooseFolder();
+
+  QLineEdit* _folder;
+  QComboBox* _format;
+  QCheckBox* _isClosed;
+};

@@ -1,0 +1,81 @@
+#include "viewer/painters/scalebarpaintergl.h"
+
+#include "viewer/painters/materialgl.h"
+#include "viewer/painters/stategl.h"
+#include "viewer/painters/strokefont.h"
+
+#include <cmath>
+#include <locale>
+#include <sstream>
+
+namespace
+{
+constexpr float margin = 16; // in pixels of the screen, as the following
+constexpr float tick = 4;    // half the height of the bar's ends
+constexpr float letter = 9;  // height
+
+void drawText(const std::string& text, float x, float y, float height)
+{
+  const std::vector<float> ends = StrokeFont::strokes(text);
+  glBegin(GL_LINES);
+  for (std::size_t i = 0; i + 1 < ends.size(); i += 2) glVertex2f(x + height * ends[i], y + height * ends[i + 1]);
+  glEnd();
+}
+} // namespace
+
+double roundLength(double longest)
+{
+  if (!(longest > 0) || !std::isfinite(longest)) return 0;
+  const double power = std::pow(10, std::floor(std::log10(longest)));
+  for (const double factor : {5.0, 2.0})
+    if (factor * power <= longest) return factor * power;
+  return power;
+}
+
+std::string lengthText(double length, const std::string& unit)
+{
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << length << ' ' << unit;
+  return text.str();
+}
+
+void ScaleBarPainterGL::setView(int width, int height, double lengthPerPixel, float pixelRatio)
+{
+  _width = width;
+  _height = height;
+  _lengthPerPixel = lengthPerPixel;
+  _pixelRatio = pixelRatio;
+}
+
+void ScaleBarPainterGL::paint(PaintPass pass)
+{
+  const auto length = static_cast<float>(getNumPixels());
+  if (!(length > 0)) return;
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LINE_BIT | GL_VIEWPORT_BIT | GL_TRANSFORM_BIT |
+                      GL_DEPTH_BUFFER_BIT);
+  const MatricesGL matrices;
+  glViewport(0, 0, _width, _height);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(0, _width, 0, _height, -1, 1);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  glDisable(GL_LIGHTING);
+  glDepthFunc(GL_ALWAYS); // nothing that comes later covers it
+  glDepthRange(0, 0);
+  MaterialGL{_color}.applyColor(pass);
+  glLineWidth(1.5F * _pixelRatio);
+  const float x = margin * _pixelRatio, y = x, half = tick * _pixelRatio;
+  glBegin(GL_LINES);
+  for (const auto& [x1, y1, x2, y2] : {std::array{x, y, x + length, y}, std::array{x, y - half, x, y + half},
+                                       std::array{x + length, y - half, x + length, y + half}})
+  {
+    glVertex2f(x1, y1);
+    glVertex2f(x2, y2);
+  }
+  glEnd();
+  const std::string text = lengthText(getLength(), _unit);
+  const float height = letter * _pixelRatio;
+  drawText(text, x + std::max((length - height * StrokeFont::width(text)) / 2, 0.F), y + 2 * half, height);
+}

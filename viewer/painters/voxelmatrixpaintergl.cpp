@@ -1,0 +1,169 @@
+#include "viewer/painters/voxelmatrixpaintergl.h"
+
+#include "viewer/painters/materialgl.h"
+#include "viewer/painters/stategl.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr int largestSide = 256;
+
+/// The mean of a block of voxels, those of it that are in the volume.
+std::uint8_t mean(const VoxelMatrix<unsigned char>& volume, const std::array<int, 3>& first, int step)
+{
+  unsigned int sum = 0, count = 0;
+  for (int k = first[2]; k < std::min(first[2] + step, volume.getSize3()); ++k)
+    for (int i = first[0]; i < std::min(first[0] + step, volume.getSize1()); ++i)
+      for (int j = first[1]; j < std::min(first[1] + step, volume.getSize2()); ++j, ++count) sum += volume(i, j, k);
+  return static_cast<std::uint8_t>((sum + count / 2) / std::max(count, 1U));
+}
+} // namespace
+
+VolumePlacement::Point VolumePlacement::at(float row, float column, float plane) const
+{
+  Point p = origin;
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    p[axis] += row * rowStep[axis] + column * columnStep[axis] + plane * planeStep[axis];
+  return p;
+}
+
+VoxelMatrixPainterGL::VoxelMatrixPainterGL(const VoxelMatrix<unsigned char>& volume, const VolumePlacement& placement,
+                                           Mode mode)
+  : _mode(mode), _sizes{volume.getSize1(), volume.getSize2(), volume.getSize3()}, _texels{}, _placement(placement)
+{
+  for (std::size_t axis = 0; axis < 3; ++axis) _slices[axis] = _sizes[axis] / 2;
+  reduce(volume);
+}
+
+void VoxelMatrixPainterGL::reduce(const VoxelMatrix<unsigned char>& volume)
+{
+  const int step = (std::max({_sizes[0], _sizes[1], _sizes[2], 1}) - 1) / largestSide + 1;
+  for (std::size_t axis = 0; axis < 3; ++axis) _texels[axis] = (_sizes[axis] + step - 1) / step;
+  _voxels.reserve(static_cast<std::size_t>(_texels[0]) * static_cast<std::size_t>(_texels[1]) *
+                  static_cast<std::size_t>(_texels[2]));
+  for (int k = 0; k < _sizes[2]; k += step)
+    for (int i = 0; i < _sizes[0]; i += step)
+      for (int j = 0; j < _sizes[1]; j += step) _voxels.push_back(mean(volume, {i, j, k}, step));
+}
+
+void VoxelMatrixPainterGL::setSlices(int row, int column, int plane)
+{
+  const std::array<int, 3> wanted = {row, column, plane};
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    _slices[axis] = std::clamp(wanted[axis], 0, std::max(_sizes[axis] - 1, 0));
+}
+
+BoundingBox<float> VoxelMatrixPainterGL::boundingBox() const
+{
+  BoundingBox<float> box(3);
+  if (_sizes[0] == 0 || _sizes[1] == 0 || _sizes[2] == 0) return box;
+  const auto end = [this](unsigned int k, std::size_t axis)
+  { return (k >> axis & 1) != 0 ? static_cast<float>(_sizes[axis]) - 0.5F : -0.5F; };
+  for (unsigned int k = 0; k < 8; ++k)
+  {
+    const Point corner = _placement.at(end(k, 0), end(k, 1), end(k, 2));
+    box.add(corner.data());
+  }
+  return box;
+}
+
+/// The cloud is as opaque as it is bright; slices are opaque but where there is nothing.
+void VoxelMatrixPainterGL::upload()
+{
+  const auto fill = [this](GLint internalFormat, GLenum format, const std::vector<std::uint8_t>& data)
+  { _texture.fill3D(internalFormat, format, _texels[1], _texels[0], _texels[2], data.data()); };
+  if (_mode == Cloud)
+    fill(GL_INTENSITY8, GL_LUMINANCE, _voxels);
+  else
+  {
+    std::vector<std::uint8_t> withAlpha;
+    withAlpha.reserve(2 * _voxels.size());
+    for (const std::uint8_t voxel : _voxels)
+      withAlpha.insert(withAlpha.end(), {voxel, voxel > 0 ? std::uint8_t{255} : std::uint8_t{0}});
+    fill(GL_LUMINANCE8_ALPHA8, GL_LUMINANCE_ALPHA, withAlpha);
+  }
+  _voxels = {};
+}
+
+void VoxelMatrixPainterGL::drawSlice(int axis, float share) const
+{
+  for (const auto& [a, b] : {std::array{0.F, 0.F}, std::array{1.F, 0.F}, std::array{1.F, 1.F}, std::array{0.F, 1.F}})
+  {
+    std::array<float, 3> s = {a, b, share}; // rows, columns, planes
+    if (axis == 0) s = {share, a, b};
+    if (axis == 1) s = {b, share, a};
+    const auto place = [&](std::size_t k) { return s[k] * static_cast<float>(_sizes[k]) - 0.5F; };
+    const Point corner = _placement.at(place(0), place(1), place(2));
+    glTexCoord3f(s[1], s[0], s[2]);
+    glVertex3fv(corner.data());
+  }
+}
+
+void VoxelMatrixPainterGL::paintSlices() const
+{
+  glEnable(GL_ALPHA_TEST);
+  glAlphaFunc(GL_GREATER, 0.5F);
+  glBegin(GL_QUADS);
+  for (int axis = 0; axis < 3; ++axis)
+  {
+    const auto k = static_cast<std::size_t>(axis);
+    drawSlice(axis, (static_cast<float>(_slices[k]) + 0.5F) / static_cast<float>(_sizes[k]));
+  }
+  glEnd();
+}
+
+/// The axis of the volume that comes closest to the direction of view.
+int VoxelMatrixPainterGL::layersAxis() const
+{
+  std::array<float, 16> view;
+  glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
+  const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
+  int best = 2;
+  float largest = -1;
+  for (std::size_t axis = 0; axis < 3; ++axis)
+  {
+    const Point& s = steps[axis];
+    const float length = std::hypot(s[0], s[1], s[2]);
+    const float depth = length > 0 ? std::abs(view[2] * s[0] + view[6] * s[1] + view[10] * s[2]) / length : 0;
+    if (depth <= largest) continue;
+    largest = depth;
+    best = static_cast<int>(axis);
+  }
+  return best;
+}
+
+/// Whether the last layer along an axis is nearer to the viewer than the first one.
+bool VoxelMatrixPainterGL::isSeenFromEnd(int axis) const
+{
+  std::array<float, 16> view;
+  glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
+  const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
+  const Point& s = steps[static_cast<std::size_t>(axis)];
+  return view[2] * s[0] + view[6] * s[1] + view[10] * s[2] >= 0;
+}
+
+/// Layers across the axis that points to the viewer, the farthest first.
+void VoxelMatrixPainterGL::paintCloud() const
+{
+  const int axis = layersAxis();
+  const int count = _texels[static_cast<std::size_t>(axis)];
+  const bool isAscending = isSeenFromEnd(axis);
+  glBegin(GL_QUADS);
+  for (int n = 0; n < count; ++n)
+    drawSlice(axis, (static_cast<float>(isAscending ? n : count - 1 - n) + 0.5F) / static_cast<float>(count));
+  glEnd();
+}
+
+void VoxelMatrixPainterGL::paint(PaintPass pass)
+{
+  if (boundingBox().isEmpty() || (pass == PaintPass::Picking && _mode == Cloud)) return; // a cloud has no surface
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_TEXTURE_BIT | GL_COLOR_BUFFER_BIT);
+  if (!_texture.isFilled()) upload();
+  glDisable(GL_LIGHTING);
+  glDisable(GL_CULL_FACE);
+  if (pass != PaintPass::Picking) _texture.enable();
+  MaterialGL{{255, 255, 255}, _mode == Cloud ? _opacity : 255}.applyColor(pass);
+  _mode == Cloud ? paintCloud() : paintSlices();
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "image/voxelmatrix.h"
+#include "viewer/painters/paintergl.h"
+#include "viewer/painters/texturegl.h"
+
+#include <array>
+#include <vector>
+
+/// Where a volume lies in space.
+struct VolumePlacement
+{
+  using Point = std::array<float, 3>;
+  Point origin = {0, 0, 0};     ///< the centre of voxel (0, 0, 0)
+  Point columnStep = {1, 0, 0}; ///< from voxel (i, j, k) to (i, j + 1, k)
+  Point rowStep = {0, 1, 0};    ///< to (i + 1, j, k)
+  Point planeStep = {0, 0, 1};  ///< to (i, j, k + 1)
+
+  Point at(float row, float column, float plane) const;
+};
+
+/// Draws a volume of grey levels: three slices across it where they lie, or all of it as a cloud that is as dense as
+/// the voxels are bright.
+class VoxelMatrixPainterGL : public PainterGL<float>
+{
+public:
+  enum Mode
+  {
+    OrthogonalSlices,
+    Cloud
+  };
+
+  /// A volume of more than 256 voxels along an axis is drawn from the means of blocks of voxels.
+  VoxelMatrixPainterGL(const VoxelMatrix<unsigned char>& volume, const VolumePlacement& placement, Mode mode);
+
+  /// The slices that are drawn: a row, a column and a plane of the volume, the middle ones at first.
+  void setSlices(int row, int column, int plane);
+  /// Of the brightest voxels of one layer of the cloud; 255 is opaque.
+  void setOpacity(float opacity) { _opacity = opacity; }
+
+  BoundingBox<float> boundingBox() const override;
+  bool isTransparent() const override { return _mode == Cloud; }
+  void paint(PaintPass pass) override;
+
+private:
+  using Point = VolumePlacement::Point;
+
+  void reduce(const VoxelMatrix<unsigned char>& volume);
+  void upload();
+  void paintSlices() const;
+  void paintCloud() const;
+  int layersAxis() const;
+  bool isSeenFromEnd(int axis) const;
+  /// The slice at a share of the volume along an axis: 0 rows, 1 columns, 2 planes.
+  void drawSlice(int axis, float share) const;
+
+  Mode _mode;
+  std::array<int, 3> _sizes;  // rows, columns and planes of the volume
+  std::array<int, 3> _slices; // of these
+  std::array<int, 3> _texels; // rows, columns and planes that are drawn
+  VolumePlacement _placement;
+  std::vector<std::uint8_t> _voxels; // until they are on the graphics card
+  float _opacity = 64;
+  TextureGL _texture{GL_TEXTURE_3D};
+};
