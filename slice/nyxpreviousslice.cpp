@@ -59,11 +59,12 @@ BoundingBox<int> mappedBox(const BoundingBox<int>& box, const PlaneMap& map)
   return mapped;
 }
 
-RLEItemSet mappedRegion(const RLEItemSet& region, const PlaneMap& map)
+RLEItemSet mappedRegion(const RLEItemSet& region, const PlaneMap& map, const BoundingBox<int>& limits)
 {
   std::vector<RLEItem> runs;
   if (region.isEmpty()) return {};
-  const BoundingBox<int> box = mappedBox(region.boundingBox(), map);
+  const BoundingBox<int> box = mappedBox(region.boundingBox(), map).intersection(limits);
+  if (box.isEmpty()) return {};
   const PlaneMap back = map.inverse();
   const auto isInside = [&](int x, int y)
   {
@@ -95,6 +96,8 @@ void PlaneMap::apply(double x, double y, double& u, double& v) const
 PlaneMap PlaneMap::inverse() const
 {
   const double determinant = m[0] * m[4] - m[1] * m[3];
+  if (!std::isnormal(determinant))
+    throw ValueError("PlaneMap PlaneMap::inverse() const", "A slice without extent: check its calibration");
   PlaneMap map;
   map.m[0] = m[4] / determinant;
   map.m[1] = -m[1] / determinant;
@@ -117,12 +120,12 @@ PlaneMap PlaneMap::after(const PlaneMap& first) const
   return map;
 }
 
-std::unique_ptr<ModelItem> mappedCopy(const ModelItem& item, const PlaneMap& map)
+std::unique_ptr<ModelItem> mappedCopy(const ModelItem& item, const PlaneMap& map, const BoundingBox<int>& limits)
 {
   auto copy = std::make_unique<ModelItem>(item);
   copy->setSlice(nullptr);
   if (item.isRegion())
-    copy->setRLEItemSet(mappedRegion(item.getRLEItemSet(), map));
+    copy->setRLEItemSet(mappedRegion(item.getRLEItemSet(), map, limits));
   else
     copy->setVertices(mappedVertices(item.getVertices(), map));
   copy->removeSelection();
@@ -154,7 +157,7 @@ const StackSlice& NYXPreviousSlice::items()
     const PlaneMap map = mapFromPrevious(stack().getReconstruction(), *_slice);
     for (const ModelItem* item : _slice->prevSlice()->getItems())
     {
-      ModelItem* const copy = mappedCopy(*item, map).release();
+      ModelItem* const copy = mappedCopy(*item, map, imageBoxOf(*_slice)).release();
       copy->setSlice(items.get());
       copy->attachToSlice();
     }

@@ -64,12 +64,13 @@ struct PlaneMap
   double m[6] = {1, 0, 0, 0, 1, 0};
 
   void apply(double x, double y, double& u, double& v) const;
-  /// \pre  the map can be inverted
+  /// \throw ValueError  the map cannot be inverted
   PlaneMap inverse() const;
   /// This map after another one.
   PlaneMap after(const PlaneMap& first) const;
 };
 
 /// A copy of an item with its vertices at the nearest pixels to their mapped places, or with the pixels of its region
-/// whose centres come from pixels of the region. It belongs to no slice and nothing of it is selected.
-std::unique_ptr<ModelItem> mappedCopy(const ModelItem& item, const PlaneMap& map);
+/// whose centres come from pixels of the region, those within the limits. It belongs to no slice and nothing of it is
+/// selected.
+std::unique_ptr<ModelItem> mappedCopy(const ModelItem& item, const PlaneMap& map, const BoundingBox<int>& limits);

@@ -40,7 +40,7 @@ void NYXSliceEditWidgetMediator::createEditActions()
   _selectAll = createAction(tr("Select all"), tr("Select everything on the slice"), "selectAll",
                             QKeySequence::SelectAll, [this] { _selection->selectAllModelItems(); });
   _properties = createAction(tr("Properties..."), tr("Change the colour and lines of what is selected"), "properties",
-                             {}, [this] { emit propertiesRequested(); });
+                             {}, [this] { _selection->editSelectionProperties(); });
 }
 
 QAction* NYXSliceEditWidgetMediator::createTool(const QString& text, const QString& toolTip, const QString& name,

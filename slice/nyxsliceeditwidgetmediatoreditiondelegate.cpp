@@ -257,7 +257,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::erase(const Vector<int>& point)
 
 double NYXSliceEditWidgetMediatorEditionDelegate::eraserRadius() const
 {
-  return pickTolerance(*_item) + 0.5;
+  return (_item->isRegion() ? NYXPreferences::getRegionBrushSize() : pickTolerance(*_item)) + 0.5;
 }
 
 /// The vertex that a press would move or delete, or that is being moved.

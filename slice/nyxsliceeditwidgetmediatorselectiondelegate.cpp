@@ -422,6 +422,11 @@ NYXSliceEditWidgetMediatorSelectionDelegate::conversionsTo(Model& destination) c
   return actions;
 }
 
+void NYXSliceEditWidgetMediatorSelectionDelegate::editSelectionProperties()
+{
+  if (selectedItem() != nullptr) emit editMediator().propertiesRequested();
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString& modelName)
 {
   const int i = stack().findModel(modelName.toStdString());

@@ -45,6 +45,8 @@ public slots:
   void removeSelection();
   /// Leaves out vertices of the selected curves that their shape hardly needs.
   void decimateSelection();
+  /// Asks for the dialog that changes how what is selected is drawn.
+  void editSelectionProperties();
   /// Moves what is selected to the model of this name.
   void convertSelection(const QString& modelName);
   /// The action carries the tag for the first selected item.
@@ -56,6 +58,8 @@ protected:
   QString editMode() const override { return "READY"; }
   QString hint() const override;
   void press(const NYXPointerEvent& event) override;
+  /// What the first click has selected stays so.
+  void doubleClick(const NYXPointerEvent&) override {}
   void move(const NYXPointerEvent& event) override;
   void release() override;
   void keyPressEvent(QKeyEvent& event) override;

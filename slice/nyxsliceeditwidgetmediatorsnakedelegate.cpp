@@ -164,6 +164,9 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::pushResults(const NYXSnakeRun& run
 void NYXSliceEditWidgetMediatorSnakeDelegate::tellResult(const NYXSnakeRun& run)
 {
   if (run.isUnfinished()) editMediator().showMessage(tr("The snake was still moving when its iterations were used up"));
+  if (!run.isAborted() && !run.obstacle().empty())
+    editMediator().showMessage(tr("The snake ended before slice %1, which is locked or has no image")
+                                   .arg(QString::fromStdString(run.obstacle())));
   if (!run.isAborted()) return;
   QString text = "The snake has aborted. Suggestions:\n- change the original contour;\n- change the snake parameters.";
   if (!run.problem().empty()) text = QString::fromStdString(run.problem());

@@ -11,6 +11,7 @@
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
 
+#include <QApplication>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPainter>
@@ -62,6 +63,7 @@ void NYXSliceEditWidgetMediatorThresholdingDelegate::release()
 {
   if (!_isDrawing) return;
   _isDrawing = false;
+  if ((_to - _from).manhattanLength() < QApplication::startDragDistance()) return canvas().update(); // a click
   const QRect rect = QRect(_from, _to).normalized();
   const Vector<int> first = pointOnImage(rect.topLeft());
   const Vector<int> last = pointOnImage(rect.bottomRight());

@@ -33,7 +33,11 @@ NYXSnakeRun::NYXSnakeRun(const SnakeConfig& config, const NYXStack& stack, const
   if (!config.propagates) return;
   for (slice = slice->nextSlice(); slice != nullptr; slice = slice->nextSlice())
   {
-    if (stack.isLocked(*slice) || slice->getImageSource() == nullptr) break;
+    if (stack.isLocked(*slice) || slice->getImageSource() == nullptr)
+    {
+      _obstacle = slice->getName();
+      break;
+    }
     _slices.push_back({slice, slice->getName(), slice->getImageSource()->clone()});
   }
 }

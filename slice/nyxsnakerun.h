@@ -39,6 +39,8 @@ public:
   bool isAborted() const { return _results.size() < _slices.size(); }
   /// Why a slice's image could not be read, which has ended the run; empty otherwise.
   const std::string& problem() const { return _problem; }
+  /// The slice at which the slices that follow end, since it is locked or has no image; empty for none.
+  const std::string& obstacle() const { return _obstacle; }
   /// Whether the snake was still moving on some slice when its iterations were used up.
   bool isUnfinished() const { return _isUnfinished; }
 
@@ -63,5 +65,6 @@ private:
   Observer _observer;
   std::vector<Vertices<int>> _results;
   std::string _problem;
+  std::string _obstacle;
   bool _isUnfinished = false;
 };

@@ -106,6 +106,19 @@ TEST_F(ContourTools, Resample)
   expectIdle();
 }
 
+TEST_F(ContourTools, LeaveTheirContourSelected)
+{
+  addSelected("cells", polygon);
+  for (const char* tool : {"resample", "decimateDouglasPeucker", "smoothFourier"})
+  {
+    press(start(tool), "ok");
+    EXPECT_TRUE(item().getSelection().isComplete()) << tool;
+    EXPECT_TRUE(action("resample").isEnabled()) << tool;
+    history().undo();
+    EXPECT_TRUE(item().getSelection().isComplete()) << tool;
+  }
+}
+
 TEST_F(ContourTools, DecimateByDouglasPeucker)
 {
   addSelected("cells", polygon);

@@ -84,11 +84,11 @@ TEST_F(PreviousSlice, CopiesLieWithinHalfAPixelOfTheOriginalsInSpace)
 
 TEST_F(PreviousSlice, RegionsKeepTheirAreaAndShape)
 {
-  addRegion(rectangle(100, 50, 40, 20));
+  addRegion(rectangle(180, 140, 40, 20));
   align(Registration(0, 0, 90));
   NYXPreviousSlice previous;
   previous.setSlice(&slice(1));
-  EXPECT_EQ(previous.items().getItem(0)->getRLEItemSet(), rectangle(100, 211, 20, 40));
+  EXPECT_EQ(previous.items().getItem(0)->getRLEItemSet(), rectangle(190, 131, 20, 40));
   align(Registration(), 0.5f); // pixels half as large
   previous.setSlice(&slice(1));
   EXPECT_EQ(previous.items().getItem(0)->getRLEItemSet().numVertices(), 4 * 40 * 20);

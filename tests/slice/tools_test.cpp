@@ -123,6 +123,27 @@ TEST_F(Tools, EndWhenTheGeometryOfAModelChanges)
   expectIdle();
 }
 
+TEST_F(Tools, TheEraserIsDrawnAtItsSize)
+{
+  setZoom(0.5F); // a vertex would be searched two pixels farther away
+  NYXPreferences::setRegionBrushSize(20);
+  auto region = std::make_unique<ModelItem>(&model("tissue"), &slice());
+  region->addRLEItemSet(RLEItemSet({RLEItem(10, 10, 5)}));
+  region->getSelection().set(true);
+  region.release()->attach();
+  mediator().updateEditActions();
+  action("editPoints").trigger();
+  move(100, 75); // of the canvas: the middle of the image
+  const QImage picture = canvas().grabFramebuffer();
+  const auto isBlue = [&](double x)
+  {
+    const QColor color = picture.pixelColor(qRound(x), 75);
+    return color.blue() > color.red() + 60;
+  };
+  EXPECT_TRUE(isBlue(100 + 20.5 / 2) || isBlue(100 + 20.5 / 2 - 1));
+  EXPECT_FALSE(isBlue(100 + 22.5 / 2 + 1));
+}
+
 TEST_F(Tools, BracketsChangeTheBrush)
 {
   NYXPreferences::setRegionBrushSize(1);

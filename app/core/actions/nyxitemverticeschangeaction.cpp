@@ -13,6 +13,7 @@ NYXItemVerticesChangeAction::NYXItemVerticesChangeAction(ModelItem& item, const 
 void NYXItemVerticesChangeAction::apply()
 {
   getItem().setVertices(_vertices);
+  if (_oldSelection.isComplete()) getItem().getSelection().set(true); // what works on it next finds it
   NYXItemVertexAction::apply();
 }
 
