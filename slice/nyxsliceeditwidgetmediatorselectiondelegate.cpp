@@ -136,7 +136,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::press(const NYXPointerEvent& e
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::move(const NYXPointerEvent& event)
 {
-  if (!_isDragging) return hover(event.position);
+  if (!_isDragging) return hover(event.buttons == Qt::NoButton ? event.position : outside); // not while panning
   _boxEnd = event.position;
   updateFeedback();
 }
