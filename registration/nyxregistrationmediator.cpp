@@ -347,6 +347,7 @@ void NYXRegistrationMediator::stackFileNameEvent(const NYXStackFileNameEvent&)
 void NYXRegistrationMediator::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
 {
   if (&event.getStack() != _stack) return;
+  _statusBar->clearMessage(); // it told of a registration before
   _automaticPanel->clearCorrelations();
   reset();
 }
