@@ -179,10 +179,13 @@ void NYXRegistrationMediator::runICP(StackSlice& slice)
 {
   if (&slice != _slice) setSlice(&slice);
   if (&slice != _slice) return; // it has none before it
-  changeHistory(
-      [&]
-      {
-        setRegistration(alignContoursOnPreviousSlice(slice, _registration));
-        showMessage(tr("This is how the contours fit; Apply stores it"));
-      });
+  try
+  {
+    setRegistration(alignContoursOnPreviousSlice(slice, _registration));
+    showMessage(tr("This is how the contours fit; Apply stores it"));
+  }
+  catch (const Exception& error)
+  {
+    showMessage(problemText(error));
+  }
 }

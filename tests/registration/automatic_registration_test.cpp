@@ -157,4 +157,8 @@ TEST_F(AutomaticRegistration, ContoursProposeARegistration)
   EXPECT_TRUE(stack->getSlice(1)->getRegistration().isNull());
   EXPECT_FALSE(stack->history().isUndoable());
   EXPECT_TRUE(mediator().apply());
+
+  stack->getSlice(0)->setImageSource(ImageSourceFile("missing.tif"));
+  mediator().runICP(*stack->getSlice(1));
+  EXPECT_TRUE(window->statusBar().currentMessage().contains("missing.tif"));
 }
