@@ -87,6 +87,7 @@ void NYXRegistrationMediator::createActions()
                           _panel->commit();
                           apply();
                         });
+  _apply->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
 
   _toolBar->addGroup({_first, _previous});
   _toolBar->addSliceList();

@@ -165,9 +165,11 @@ void NYXRegistrationMediator::tellResult(const NYXRegistrationRun& run, bool isC
     text = tr("%1 slices registered; Undo takes that back").arg(numDone);
   else
     text = tr("Slice %1 registered; Undo takes that back").arg(QString::fromStdString(run.slices()[0]->getName()));
-  if (numEmpty == 1) text += tr(". One slice is not registered any more: there is no specimen on it or on the one before");
+  if (numEmpty == 1)
+    text += tr(". One slice is not registered any more: there is no specimen on it or on the one before");
   if (numEmpty > 1)
-    text += tr(". %1 slices are not registered any more: there is no specimen on them or on those before").arg(numEmpty);
+    text +=
+        tr(". %1 slices are not registered any more: there is no specimen on them or on those before").arg(numEmpty);
   const auto numWorse =
       static_cast<int>(std::ranges::count_if(run.results(), [](const SliceAlignment& alignment)
                                              { return alignment.correlationAfter < alignment.correlationBefore; }));

@@ -125,7 +125,7 @@ TEST_F(ManualRegistration, UndoInAFieldIsThatOfTheWindowUnlessANumberIsBeingType
   field.setFocus();
   field.selectAll();
   QTest::keyClicks(&field, "44");
-  QTest::keyClick(&field, Qt::Key_Return);
+  QTest::keyClick(&field, Qt::Key_Enter, Qt::KeypadModifier); // as Return
   EXPECT_EQ(stack->getSlice(1)->getRegistration().getVerticalShift(), 44);
   QTest::keyClicks(&field, "5");
   QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
