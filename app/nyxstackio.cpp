@@ -29,6 +29,8 @@
 #include "model/stackcreation.h"
 #include "model/stackslice.h"
 #include "model/storabletext.h"
+#include "registration/nyxregistrationmediator.h"
+#include "registration/nyxregistrationwindow.h"
 #include "slice/image/nyxprogressrun.h"
 
 #include <QApplication>
@@ -40,6 +42,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -133,6 +136,19 @@ void finishTools(const NYXStack& stack)
     const auto* const window = qobject_cast<NYXRootWindow*>(widget);
     if (window != nullptr && window->mediator().currentStack() == &stack) window->mediator().finishTool();
   }
+}
+
+/// Asks in all windows what is to become of a registration that was not applied; later it could not be saved any more.
+/// \return whether the stack may be closed
+bool confirmRegistrations(const NYXStack& stack)
+{
+  return std::ranges::all_of(QApplication::topLevelWidgets(),
+                             [&](QWidget* widget)
+                             {
+                               const auto* const window = qobject_cast<NYXRegistrationWindow*>(widget);
+                               return window == nullptr || window->mediator().getStack() != &stack ||
+                                      window->mediator().confirmLeaving();
+                             });
 }
 } // namespace
 
@@ -531,6 +547,7 @@ bool NYXStackIO::writeBeforeClosing(NYXStack& stack)
 bool NYXStackIO::closeStack(NYXStack& stack)
 {
   finishTools(stack);
+  if (!confirmRegistrations(stack)) return false;
   if (stack.isModified())
   {
     const int answer =

@@ -42,7 +42,8 @@ void alignSlices(Stack& stack, bool isDark)
   {
     StackSlice& slice = *stack.getSlice(i);
     const SliceAlignment alignment = alignOnPreviousSlice(slice, isDark);
-    if (!alignment.hasMass) warn(slice.getName() + ": there is no specimen on it or on the slice before; not moved");
+    if (!alignment.hasMass)
+      warn(slice.getName() + ": there is no specimen on it or on the slice before; its registration is null");
     slice.setRegistration(alignment.registration);
     stack.setLastRegisteredSlice(slice.getName());
     std::cout << lineOf(slice, alignment);

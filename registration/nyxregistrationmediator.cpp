@@ -87,6 +87,7 @@ void NYXRegistrationMediator::createActions()
                           _panel->commit();
                           apply();
                         });
+  _apply->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
 
   _toolBar->addGroup({_first, _previous});
   _toolBar->addSliceList();
@@ -347,6 +348,7 @@ void NYXRegistrationMediator::stackFileNameEvent(const NYXStackFileNameEvent&)
 void NYXRegistrationMediator::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
 {
   if (&event.getStack() != _stack) return;
+  _statusBar->clearMessage(); // it told of a registration before
   _automaticPanel->clearCorrelations();
   reset();
 }

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 class NYXAutomaticRegistrationPanel;
 class NYXRegistrationPanel;
@@ -120,6 +121,7 @@ private:
   void showMessage(const QString& text);
   void changeHistory(const std::function<void()>& change);
 
+  bool isAnyLocked(const std::vector<StackSlice*>& slices);
   bool run(NYXRegistrationRun& run);
   void showStep(StackSlice& slice, const SliceAlignment& alignment);
   bool store(const NYXRegistrationRun& run);

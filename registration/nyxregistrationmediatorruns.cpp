@@ -43,9 +43,18 @@ void NYXRegistrationMediator::runAutomaticRegistration(const NYXAutomaticRegistr
   config.isForAllSlices ? registerAllSlices() : registerCurrentSlice();
 }
 
+/// Says which one of the slices is locked, if one is: what works on it has it for itself.
+bool NYXRegistrationMediator::isAnyLocked(const std::vector<StackSlice*>& slices)
+{
+  const auto locked = std::ranges::find_if(slices, [&](const StackSlice* slice) { return _stack->isLocked(*slice); });
+  if (locked == slices.end()) return false;
+  showMessage(tr("Slice %1 is locked: a computation works on it").arg(QString::fromStdString((*locked)->getName())));
+  return true;
+}
+
 void NYXRegistrationMediator::registerCurrentSlice()
 {
-  if (_slice == nullptr || _isRunning) return;
+  if (_slice == nullptr || _isRunning || isAnyLocked({_slice})) return;
   NYXRegistrationRun single({_slice}, _isSpecimenDark);
   if (!run(single) || single.results().empty()) return;
   const SliceAlignment& alignment = single.results().front();
@@ -58,10 +67,11 @@ void NYXRegistrationMediator::registerCurrentSlice()
 void NYXRegistrationMediator::registerAllSlices()
 {
   if (_stack == nullptr || _stack->getNumSlices() < 2 || _isRunning) return;
-  const InRegistration inRegistration(*_stack);
-  setFirstSlice();
   std::vector<StackSlice*> slices;
   for (int i = 1; i < _stack->getNumSlices(); ++i) slices.push_back(_stack->getSlice(i));
+  if (isAnyLocked(slices)) return;
+  const InRegistration inRegistration(*_stack);
+  setFirstSlice();
   NYXRegistrationRun all(slices, _isSpecimenDark);
   all.setObserver(
       [this](StackSlice& slice, const SliceAlignment& alignment)
@@ -155,9 +165,11 @@ void NYXRegistrationMediator::tellResult(const NYXRegistrationRun& run, bool isC
     text = tr("%1 slices registered; Undo takes that back").arg(numDone);
   else
     text = tr("Slice %1 registered; Undo takes that back").arg(QString::fromStdString(run.slices()[0]->getName()));
-  if (numEmpty == 1) text += tr(". One slice was not moved: there is no specimen on it or on the one before");
+  if (numEmpty == 1)
+    text += tr(". One slice is not registered any more: there is no specimen on it or on the one before");
   if (numEmpty > 1)
-    text += tr(". %1 slices were not moved: there is no specimen on them or on those before").arg(numEmpty);
+    text +=
+        tr(". %1 slices are not registered any more: there is no specimen on them or on those before").arg(numEmpty);
   const auto numWorse =
       static_cast<int>(std::ranges::count_if(run.results(), [](const SliceAlignment& alignment)
                                              { return alignment.correlationAfter < alignment.correlationBefore; }));
@@ -169,10 +181,13 @@ void NYXRegistrationMediator::runICP(StackSlice& slice)
 {
   if (&slice != _slice) setSlice(&slice);
   if (&slice != _slice) return; // it has none before it
-  changeHistory(
-      [&]
-      {
-        setRegistration(alignContoursOnPreviousSlice(slice, _registration));
-        showMessage(tr("This is how the contours fit; Apply stores it"));
-      });
+  try
+  {
+    setRegistration(alignContoursOnPreviousSlice(slice, _registration));
+    showMessage(tr("This is how the contours fit; Apply stores it"));
+  }
+  catch (const Exception& error)
+  {
+    showMessage(problemText(error));
+  }
 }

@@ -5,7 +5,10 @@
 #include <QDoubleSpinBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -22,6 +25,23 @@ QString registrationText(const Registration& registration)
       .arg(registration.getHorizontalShift())
       .arg(registration.getVerticalShift())
       .arg(static_cast<double>(registration.getAngle()), 0, 'f', 2);
+}
+
+/// What was typed until now is not undone in the field any more.
+void forgetTyping(QLineEdit& text)
+{
+  const QSignalBlocker blocker(text);
+  const int position = text.cursorPosition();
+  text.setText(text.text());
+  text.setCursorPosition(position);
+}
+
+/// Whether a number is typed in a field that it has not taken over yet.
+bool isTyping(const QObject& field)
+{
+  bool isNumber = false;
+  const double typed = QLocale().toDouble(field.property("cleanText").toString(), &isNumber);
+  return !isNumber || typed != field.property("value").toDouble();
 }
 } // namespace
 
@@ -71,6 +91,7 @@ QSpinBox* NYXRegistrationPanel::addShift(QFormLayout& form, const QString& label
   field->setAlignment(Qt::AlignRight);
   field->setToolTip(toolTip);
   field->setKeyboardTracking(false);
+  field->installEventFilter(this);
   form.addRow(label, field);
   connect(field, qOverload<int>(&QSpinBox::valueChanged), this,
           [this, set](int shift)
@@ -93,6 +114,7 @@ QDoubleSpinBox* NYXRegistrationPanel::addAngle(QFormLayout& form)
   field->setAlignment(Qt::AlignRight);
   field->setToolTip(tr("Clockwise, about the centre of the slice, in degrees"));
   field->setKeyboardTracking(false);
+  field->installEventFilter(this);
   form.addRow(tr("Rotation"), field);
   connect(field, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
           [this](double angle)
@@ -139,8 +161,19 @@ void NYXRegistrationPanel::layOut()
   layout->addWidget(view);
 }
 
+/// Undo and Redo are those of the window, but for what is just being typed.
+bool NYXRegistrationPanel::eventFilter(QObject* watched, QEvent* event)
+{
+  if (event->type() != QEvent::ShortcutOverride || isTyping(*watched)) return QWidget::eventFilter(watched, event);
+  const auto& key = *static_cast<QKeyEvent*>(event);
+  if (!key.matches(QKeySequence::Undo) && !key.matches(QKeySequence::Redo)) return false;
+  event->ignore();
+  return true;
+}
+
 void NYXRegistrationPanel::takeEdit(const Registration& registration)
 {
+  for (QLineEdit* text : _fields->findChildren<QLineEdit*>()) forgetTyping(*text);
   _registration = registration;
   showChange();
   emit registrationChanged(registration);

@@ -39,6 +39,9 @@ signals:
   void resetClicked();
   void fitContoursClicked();
 
+protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
   QSpinBox* addShift(QFormLayout& form, const QString& label, const QString& toolTip, const QString& name,
                      void (Registration::*set)(int));

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace
@@ -35,19 +36,25 @@ template <class T> T medianOf(std::vector<T> values)
   return *middle;
 }
 
-/// How far noise may rise above the background. The smallest step above it is that between grey levels: each of them
-/// stands for what lies within half a step of it.
+/// The smallest difference between two of the levels; 0 when all are alike.
+template <class T> T stepOf(std::vector<T> levels)
+{
+  std::ranges::sort(levels);
+  T step = 0;
+  for (std::size_t i = 1; i < levels.size(); ++i)
+  {
+    const T difference = levels[i] - levels[i - 1];
+    if (difference > 0 && (step == 0 || difference < step)) step = difference;
+  }
+  return step;
+}
+
+/// How far noise may rise above the background. Each grey level stands for what lies within half a step of it.
 template <class T> T noiseOf(const std::vector<T>& border, T background)
 {
   std::vector<T> deviations(border.size());
-  T step = 0;
-  for (std::size_t i = 0; i < border.size(); ++i)
-  {
-    const T rise = border[i] - background;
-    deviations[i] = std::abs(rise);
-    if (rise > 0 && (step == 0 || rise < step)) step = rise;
-  }
-  return static_cast<T>(noiseGate * deviationOfMedian) * (medianOf(deviations) + step / 2);
+  std::ranges::transform(border, deviations.begin(), [&](T level) { return std::abs(level - background); });
+  return static_cast<T>(noiseGate * deviationOfMedian) * (medianOf(std::move(deviations)) + stepOf(border) / 2);
 }
 
 /// Rises above the background of more than `noise`. \return whether there are any

@@ -5,10 +5,12 @@
 #include "app/core/nyxstackserver.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstacklistwidget.h"
+#include "model/stackslice.h"
 #include "registration/nyxregistrationmediator.h"
 #include "registration/nyxregistrationwindow.h"
 
 #include <QAction>
+#include <QMessageBox>
 
 #include <gtest/gtest.h>
 
@@ -30,4 +32,21 @@ TEST(RegistrationWindow, OpensOnTheCurrentStackAndFollowsIt)
   EXPECT_EQ(window->mediator().getStack(), &second);
   NYXStackServer::server().removeStack(second);
   EXPECT_EQ(window->mediator().getStack(), &first);
+}
+
+TEST(RegistrationWindow, AsksForWhatIsNotAppliedBeforeTheStackCloses)
+{
+  WindowTest test;
+  NYXStack& stack = addStack("stack", "", false);
+  for (int k = 0; k < 2; ++k) stack.addSlice(std::make_unique<StackSlice>());
+  test.window().findChild<NYXStackListWidget*>()->selectStack(stack);
+  test.action("Register")->trigger();
+  test.window().findChild<NYXRegistrationWindow*>()->mediator().setRegistration(Registration(1, 2, 3));
+  // Applied, it is a change that may still be saved.
+  const QStringList texts =
+      answering({QMessageBox::Apply, QMessageBox::Cancel}, [&] { test.action("Close stack")->trigger(); });
+  ASSERT_EQ(texts.size(), 2);
+  EXPECT_TRUE(texts[1].contains("has been modified"));
+  EXPECT_EQ(NYXStackServer::server().getNumStacks(), 1);
+  EXPECT_TRUE(stack.getSlice(1)->getRegistration() == Registration(1, 2, 3));
 }

@@ -151,6 +151,7 @@ TEST(MassAboveBackground, IsWhatExceedsTheMedianOfTheBorderAndItsNoise)
   EXPECT_EQ(massOf(noisy, 18)(0, 1), 1);
   EXPECT_EQ(massOf({7, 7, 7, 7, 7, 8, 8, notANumber}, 30)(2, 1), 0); // steps of 1 are noise
   EXPECT_EQ(massOf({7, 7, 7, 7, 7, 8, 8, notANumber}, 30)(1, 1), 23);
+  EXPECT_EQ(massOf({0, 0, 0, 0, 0, 20, 21, 21}, 200)(2, 1), 20); // a faint part of the specimen at the border, no noise
   EXPECT_EQ(massAboveBackground(PixelMatrix<double>()).getNumElements(), 0);
 }
 

@@ -1,4 +1,5 @@
 // Automatic registration in the window: of one slice, of all, and on contours.
+#include "app/core/nyxslicelocks.h"
 #include "registration_test_support.h"
 
 #include <QCheckBox>
@@ -36,6 +37,7 @@ TEST_F(AutomaticRegistration, AlignsTheCurrentSliceInOneStep)
   EXPECT_LT(before, 0.9);
   EXPECT_GT(after, 0.97);
   action("undo").trigger();
+  EXPECT_TRUE(window->statusBar().currentMessage().isEmpty()); // the slice is not registered any more
   EXPECT_TRUE(mediator().getRegistration().isNull());
   EXPECT_EQ(part<QLabel>("correlationAfter").text(), part<QLabel>("correlationBefore").text()); // of no run any more
 }
@@ -110,6 +112,18 @@ TEST_F(AutomaticRegistration, KeepsWhatWasDoneBeforeAnImageThatCannotBeRead)
   EXPECT_EQ(stack->history().getUndoListSize(), 1);
 }
 
+TEST_F(AutomaticRegistration, LeavesLockedSlicesToWhatWorksOnThem)
+{
+  open(3);
+  const NYXSliceLocks lock(mediator(), {stack->getSlice(2)});
+  mediator().registerAllSlices();
+  mediator().setLastSlice();
+  mediator().registerCurrentSlice();
+  EXPECT_TRUE(window->statusBar().currentMessage().contains("slice 2 is locked"));
+  EXPECT_EQ(stack->history().getUndoListSize(), 0);
+  EXPECT_TRUE(stack->isLocked(*stack->getSlice(2)));
+}
+
 TEST_F(AutomaticRegistration, TellsThatASliceHasNoSpecimen)
 {
   open(2);
@@ -143,4 +157,8 @@ TEST_F(AutomaticRegistration, ContoursProposeARegistration)
   EXPECT_TRUE(stack->getSlice(1)->getRegistration().isNull());
   EXPECT_FALSE(stack->history().isUndoable());
   EXPECT_TRUE(mediator().apply());
+
+  stack->getSlice(0)->setImageSource(ImageSourceFile("missing.tif"));
+  mediator().runICP(*stack->getSlice(1));
+  EXPECT_TRUE(window->statusBar().currentMessage().contains("missing.tif"));
 }

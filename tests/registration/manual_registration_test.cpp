@@ -116,6 +116,27 @@ TEST_F(ManualRegistration, FieldsEditWhatTheyShowAndKeepTheRest)
   EXPECT_EQ(stack->getSlice(1)->getRegistration().getVerticalShift(), 44);
 }
 
+TEST_F(ManualRegistration, UndoInAFieldIsThatOfTheWindowUnlessANumberIsBeingTyped)
+{
+  open(2);
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  auto& field = part<QSpinBox>("verticalShift");
+  field.setFocus();
+  field.selectAll();
+  QTest::keyClicks(&field, "44");
+  QTest::keyClick(&field, Qt::Key_Enter, Qt::KeypadModifier); // as Return
+  EXPECT_EQ(stack->getSlice(1)->getRegistration().getVerticalShift(), 44);
+  QTest::keyClicks(&field, "5");
+  QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(field.cleanText(), "44");
+  QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_TRUE(stack->getSlice(1)->getRegistration().isNull());
+  EXPECT_EQ(field.value(), 0);
+  QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(stack->getSlice(1)->getRegistration().getVerticalShift(), 44);
+}
+
 TEST_F(ManualRegistration, ApplyIsAStepThatCanBeUndone)
 {
   open(3);
