@@ -77,6 +77,7 @@ void NYXRenderingVideo::noteStep()
 
 void NYXRenderingVideo::grabFrame()
 {
+  if (_thread->isFinished()) return stopVideo(); // frames cannot be written
   _thread->addFrame(_canvas.saveImage());
   emit frameRecorded(getNumFrames());
 }

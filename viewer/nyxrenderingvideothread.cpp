@@ -52,6 +52,7 @@ void NYXRenderingVideoThread::addFrame(const QImage& image)
 {
   QMutexLocker lock(&_mutex);
   while (_waiting.size() >= mostWaiting && isRunning() && !_isCancelled) _changed.wait(&_mutex, pollMilliseconds);
+  if (isFinished() || _isCancelled) return;
   _waiting.enqueue(image);
   ++_numFrames;
   _changed.wakeAll();

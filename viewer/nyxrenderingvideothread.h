@@ -19,7 +19,7 @@ public:
   /// Cancels, waits, and removes the temporary folder.
   ~NYXRenderingVideoThread() override;
 
-  /// Hands over the next frame. Waits while many frames are not written yet.
+  /// Hands over the next frame. Waits while many frames are not written yet; does nothing when the thread has ended.
   void addFrame(const QImage& image);
   /// There are no more frames: the thread encodes them when they are written, and ends.
   void finishFrames();

@@ -6,6 +6,7 @@
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
+#include "model/stackslice.h"
 #include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
@@ -16,6 +17,7 @@
 #include "viewer/nyxsurfaceexportdialog.h"
 #include "viewer/viewercanvasgl.h"
 #include "viewer/viewermediator.h"
+#include "viewer/viewerrandommotion.h"
 
 #include <QAction>
 #include <QApplication>
@@ -88,6 +90,7 @@ void NYXRenderingWindow::followModels()
   connect(_models, &NYXSceneModels::updated, this, &NYXRenderingWindow::showProblems);
   connect(_models, &NYXSceneModels::updated, _images, &NYXSceneImages::addPainters);
   connect(_models, &NYXSceneModels::modelsChanged, this, &NYXRenderingWindow::showEmptyNote);
+  connect(_images, &NYXSceneImages::imagesChanged, this, &NYXRenderingWindow::showEmptyNote);
   connect(_cancel, &QPushButton::clicked, _models, &NYXSceneModels::cancel);
 }
 
@@ -141,8 +144,8 @@ bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool i
 {
   try
   {
-    QImage image = _canvas->snapshot(scale, isTransparent);
-    if (isCropped) image = ViewerCanvasGL::cropImage(image);
+    const QImage image =
+        isCropped ? _canvas->croppedSnapshot(scale, isTransparent) : _canvas->snapshot(scale, isTransparent);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG"))
@@ -188,6 +191,7 @@ void NYXRenderingWindow::recordVideo()
   if (dialog.exec() != QDialog::Accepted) return;
   const NYXVideoSettings settings = dialog.settings();
   if (QFileInfo::exists(settings.output) && !confirmOverwrite(tr("%1 exists.").arg(settings.output))) return;
+  if (settings.isCircular) _mediator->randomMotion().setActive(false); // the scene turns in one way only
   _video->startVideo(settings);
 }
 
@@ -234,6 +238,21 @@ void NYXRenderingWindow::stackRegistrationEvent(const NYXStackRegistrationEvent&
 void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
 {
   refreshImages(&event.getStack());
+}
+
+void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
+{
+  refreshImages(&event.getStack());
+}
+
+void NYXRenderingWindow::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
+{
+  refreshImages(event.getSlice().getStack());
+}
+
+void NYXRenderingWindow::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
+{
+  refreshImages(event.getSlice().getStack());
 }
 
 void NYXRenderingWindow::processSliceAction(NYXSliceAction& action)

@@ -43,9 +43,51 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+namespace
+{
+/// A canvas with the projection, the background and the surroundings that were shown last.
+ViewerCanvasGL* createCanvas(QWidget* parent)
+{
+  auto* const canvas = new ViewerCanvasGL(parent);
+  QSettings store;
+  store.beginGroup("renderingWindow");
+  ProjectionGL projection;
+  if (store.value("projection").toInt() == ProjectionGL::Perspective) projection.type = ProjectionGL::Perspective;
+  projection.strength = store.value("perspectiveStrength", projection.strength).toFloat();
+  canvas->setProjection(projection);
+  BackgroundGL background;
+  const int type = store.value("background", background.type).toInt();
+  background.type =
+      static_cast<BackgroundGL::Type>(qBound<int>(BackgroundGL::Uniform, type, BackgroundGL::RadialGradient));
+  if (const QColor color(store.value("backgroundColor").toString()); color.isValid())
+    background.color = {color.red(), color.green(), color.blue()};
+  canvas->setBackground(background);
+  if (store.value("boundingBox", canvas->hasBoundingBox()).toBool() != canvas->hasBoundingBox())
+    canvas->toggleBoundingBox();
+  canvas->setScaleBar(store.value("scaleBar", canvas->hasScaleBar()).toBool());
+  if (store.value("axes", canvas->hasAxes()).toBool() != canvas->hasAxes()) canvas->toggleAxes();
+  return canvas;
+}
+
+void storeView(const ViewerCanvasGL& canvas)
+{
+  QSettings store;
+  store.beginGroup("renderingWindow");
+  const ProjectionGL& projection = canvas.camera().getProjection();
+  store.setValue("projection", static_cast<int>(projection.type));
+  store.setValue("perspectiveStrength", static_cast<double>(projection.strength));
+  const BackgroundGL& background = canvas.getBackground();
+  store.setValue("background", static_cast<int>(background.type));
+  store.setValue("backgroundColor", QColor(background.color[0], background.color[1], background.color[2]).name());
+  store.setValue("boundingBox", canvas.hasBoundingBox());
+  store.setValue("scaleBar", canvas.hasScaleBar());
+  store.setValue("axes", canvas.hasAxes());
+}
+} // namespace
+
 NYXRenderingWindow::NYXRenderingWindow(NYXStack& stack, int slice)
   : _stack(stack),
-    _canvas(new ViewerCanvasGL(this)),
+    _canvas(createCanvas(this)),
     _posePanel(new ViewerPosePanel(this)),
     _mediator(new ViewerMediator(*_canvas, *_posePanel, this)),
     _models(new NYXSceneModels(stack, *_canvas, nullptr)),
@@ -68,6 +110,10 @@ NYXRenderingWindow::NYXRenderingWindow(NYXStack& stack, int slice)
   createPanel();
   layOut();
   followModels();
+  const auto keepView = [this] { storeView(*_canvas); };
+  connect(_posePanel, &ViewerPosePanel::projectionChanged, this, keepView);
+  connect(_posePanel, &ViewerPosePanel::backgroundChanged, this, keepView);
+  for (QAction* action : _mediator->displayActions()) connect(action, &QAction::triggered, this, keepView);
   connect(_mediator, &ViewerMediator::messageShown, this, &NYXRenderingWindow::showMessage);
   connect(_images, &NYXSceneImages::messageShown, this, &NYXRenderingWindow::showMessage);
   setCurrentSlice(slice);
@@ -210,6 +256,18 @@ QWidget* NYXRenderingWindow::createImagesPage()
   QSlider* const cloudOpacity = createOpacity(volume, "cloudOpacity", 25);
   volumeForm->addRow(tr("Volume"), kind);
   volumeForm->addRow(tr("Density"), cloudOpacity);
+  constexpr int steps = 1000;
+  for (int axis = 0; axis < 3; ++axis)
+  {
+    auto* const place = new QSlider(Qt::Horizontal, volume);
+    place->setObjectName(QString("volumeSlice") + "XYZ"[axis]);
+    place->setRange(0, steps);
+    place->setValue(steps / 2);
+    place->setToolTip(tr("Place of one of the three slices"));
+    volumeForm->addRow(tr("Slice at %1").arg("XYZ"[axis]), place);
+    connect(place, &QSlider::valueChanged, _images,
+            [this, axis](int value) { _images->setVolumeSlice(axis, static_cast<double>(value) / steps); });
+  }
   auto* const layout = new QVBoxLayout(page);
   layout->addWidget(plane);
   layout->addWidget(volume);

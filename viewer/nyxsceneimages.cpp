@@ -8,6 +8,8 @@
 #include "viewer/scene/shownstack.h"
 #include "viewer/viewercanvasgl.h"
 
+#include <QSignalBlocker>
+
 #include <chrono>
 
 namespace
@@ -51,6 +53,7 @@ NYXSceneImages::NYXSceneImages(NYXStack& stack, ViewerCanvasGL& canvas, QObject*
 
 NYXSceneImages::~NYXSceneImages()
 {
+  const QSignalBlocker blocker(this);
   dropPlane();
   dropVolume();
 }
@@ -60,6 +63,7 @@ void NYXSceneImages::addPainters()
   if (_plane) _canvas.addPainter(_plane.get());
   if (_volume) _canvas.addPainter(_volume.get());
   _canvas.updateBoundingBox();
+  emit imagesChanged();
 }
 
 void NYXSceneImages::setSlice(int slice)
@@ -90,15 +94,33 @@ void NYXSceneImages::setCloudOpacity(int percent)
   _canvas.update();
 }
 
+void NYXSceneImages::setVolumeSlice(int axis, double share)
+{
+  _sliceShares[static_cast<std::size_t>(axis)] = share;
+  placeSlices();
+  _canvas.update();
+}
+
+/// Columns go along X, rows against Y, planes along Z.
+void NYXSceneImages::placeSlices()
+{
+  if (!_volume) return;
+  const std::array<int, 3>& sizes = _volume->getSizes();
+  const auto place = [](double share, int size) { return qRound(share * (size - 1)); };
+  _volume->setSlices(place(1 - _sliceShares[1], sizes[0]), place(_sliceShares[0], sizes[1]),
+                     place(_sliceShares[2], sizes[2]));
+}
+
 void NYXSceneImages::readPlane()
 {
+  ++_numReadings; // what is being read is not wanted any more
   if (_slice < 0 || _slice >= _stack.getNumSlices()) return dropPlane();
   std::erase_if(_readers, [](const std::future<void>& reader)
                 { return reader.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
   auto reading = std::make_shared<PlaneReading>();
   reading->shown = copyShown(_stack, {});
   reading->slice = _slice;
-  const auto work = [this, reading, number = ++_numReadings]
+  const auto work = [this, reading, number = _numReadings]
   {
     reading->run();
     QMetaObject::invokeMethod(
@@ -128,6 +150,7 @@ void NYXSceneImages::dropPlane()
   _plane.reset();
   _canvas.doneCurrent();
   _canvas.updateBoundingBox();
+  emit imagesChanged();
 }
 
 void NYXSceneImages::dropVolume()
@@ -138,6 +161,7 @@ void NYXSceneImages::dropVolume()
   _volume.reset();
   _canvas.doneCurrent();
   _canvas.updateBoundingBox();
+  emit imagesChanged();
 }
 
 bool NYXSceneImages::setVolume(Volume kind)
@@ -157,6 +181,7 @@ bool NYXSceneImages::setVolume(Volume kind)
     _volume = std::move(volume);
     _volumeKind = kind;
     _volume->setOpacity(opacityOf(_cloudOpacity));
+    placeSlices();
     addPainters();
     return true;
   }

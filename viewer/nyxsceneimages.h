@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 
+#include <array>
 #include <future>
 #include <memory>
 
@@ -41,12 +42,16 @@ public slots:
   /// In percent.
   void setPlaneOpacity(int percent);
   void setCloudOpacity(int percent);
+  /// Where the slice across an axis (0 to 2 for X, Y and Z) is, from 0 to 1 along the volume.
+  void setVolumeSlice(int axis, double share);
   /// Reads all images, with a dialog that can cancel it. \return whether the volume is shown as it was asked for
   bool setVolume(Volume kind);
   /// The slices moved: what is shown is made anew.
   void refresh();
 
 signals:
+  /// Images came into the scene or went.
+  void imagesChanged();
   void messageShown(const QString& text);
 
 private:
@@ -54,6 +59,7 @@ private:
   void takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem, int number);
   void dropPlane();
   void dropVolume();
+  void placeSlices();
 
   NYXStack& _stack;
   ViewerCanvasGL& _canvas;
@@ -62,6 +68,7 @@ private:
   int _planeOpacity = 100;
   int _cloudOpacity = 25;
   int _numReadings = 0; // only the last one counts
+  std::array<double, 3> _sliceShares = {0.5, 0.5, 0.5};
   Volume _volumeKind = NoVolume;
   std::unique_ptr<ImagePlanePainterGL> _plane;
   std::unique_ptr<VoxelMatrixPainterGL> _volume;

@@ -183,11 +183,11 @@ QImage ViewerCanvasGL::cropImage(const QImage& image)
 }
 
 /// What is drawn shows in a picture without background, whatever the background is.
-QImage ViewerCanvasGL::snapshot(bool cropped)
+QImage ViewerCanvasGL::croppedSnapshot(int scale, bool isTransparent)
 {
-  const QImage image = snapshot(1, false);
-  if (!cropped) return image;
-  const QRect box = boxOf(snapshot(1, true), [](QRgb pixel) { return qAlpha(pixel) > 0; });
+  const QImage drawn = snapshot(scale, true);
+  const QImage image = isTransparent ? drawn : snapshot(scale, false);
+  const QRect box = boxOf(drawn, [](QRgb pixel) { return qAlpha(pixel) > 0; });
   return box.isEmpty() ? image : image.copy(box);
 }
 

@@ -60,14 +60,16 @@ public:
   bool hasAxes() const { return _scene.hasAxes(); }
 
   /// The picture as it is on the screen, or cropped to what is drawn in front of the background.
-  QImage snapshot(bool cropped);
-  QImage croppedSnapshot() { return snapshot(true); }
+  QImage snapshot(bool cropped) { return cropped ? croppedSnapshot() : snapshot(1, false); }
+  QImage croppedSnapshot() { return croppedSnapshot(1, false); }
   QImage uncroppedSnapshot() { return snapshot(false); }
   /// The picture at a multiple of the widget's size, with a transparent background on request.
   /// \throw MathError  the graphics system cannot draw so large a picture
   QImage snapshot(int scale, bool isTransparent);
   /// The largest multiple that the graphics system can draw.
   int largestScale();
+  /// That picture cropped to what is drawn in front of the background.
+  QImage croppedSnapshot(int scale, bool isTransparent);
   /// A frame for a video.
   QImage saveImage() { return snapshot(1, false); }
   /// The part of a picture within which pixels differ from its border: from that of the upper left corner, or from what

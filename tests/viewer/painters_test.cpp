@@ -48,6 +48,9 @@ TEST(SymbolMesh, HasTheVolumeOfItsSolid)
     EXPECT_EQ(mesh.getNumTriangles(), c.numFaces);
     EXPECT_NEAR(mesh.volume(), c.volume, 1e-6);
   }
+  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Cube)).size(), 2U * 24); // each edge from both of its faces
+  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Tetrahedron)).size(), 2U * 12);
+  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Sphere, 0)).size(), 2U * 30);
   const TriMesh<float> sphere = symbolMesh(VertexSymbol::Sphere, 3);
   EXPECT_EQ(sphere.getNumTriangles(), 20 * 64);
   EXPECT_EQ(sphere.getSize(), 10 * 64 + 2); // welded

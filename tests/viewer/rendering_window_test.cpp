@@ -26,6 +26,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <QSlider>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolTip>
@@ -223,6 +224,24 @@ TEST_F(RenderingWindow, ClosesWithItsStackAndKeepsItsPlace)
   EXPECT_TRUE(closed.isNull());
 }
 
+TEST_F(RenderingWindow, RemembersProjectionBackgroundAndSurroundings)
+{
+  window->findChild<QComboBox*>("projectionType")->setCurrentIndex(1);
+  window->findChild<QSlider*>("perspectiveStrength")->setValue(45);
+  window->findChild<QComboBox*>("backgroundType")->setCurrentIndex(2);
+  for (QAction* action : window->mediator().displayActions()) action->trigger();
+  window->close();
+  QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  open();
+  const ViewerCanvasGL& canvas = window->canvas();
+  EXPECT_EQ(canvas.camera().getProjection(), (ProjectionGL{ProjectionGL::Perspective, 4.5F}));
+  EXPECT_EQ(canvas.getBackground().type, BackgroundGL::RadialGradient);
+  EXPECT_TRUE(canvas.hasBoundingBox());
+  EXPECT_FALSE(canvas.hasScaleBar() || canvas.hasAxes());
+  EXPECT_EQ(window->findChild<QComboBox*>("projectionType")->currentIndex(), 1);
+  EXPECT_TRUE(window->mediator().displayActions()[0]->isChecked());
+}
+
 TEST_F(RenderingWindow, CanBeCancelledAndRebuilt)
 {
   PainterGL<float>* const left = painterOf("left");
@@ -276,6 +295,11 @@ TEST_F(RenderingWindow, SnapshotsGoToFiles)
   EXPECT_TRUE(window->saveSnapshot(name, 2, true, false));
   EXPECT_EQ(QImage(name).size(), window->canvas().size() * 2);
   EXPECT_EQ(QImage(name).pixelColor(0, 0).alpha(), 0);
+  EXPECT_TRUE(window->saveSnapshot(name, 2, true, true));
+  const QSize cropped = QImage(name).size();
+  EXPECT_LT(cropped.width(), window->canvas().width() * 2);
+  EXPECT_TRUE(window->saveSnapshot(name, 2, false, true)); // whatever the gradient behind
+  EXPECT_EQ(QImage(name).size(), cropped);
   QString text;
   inDialogs(
       [&text](QDialog& box)
@@ -326,6 +350,11 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
   EXPECT_TRUE(other.images().setVolume(NYXSceneImages::Cloud)); // the slices are aligned, each in its way
   EXPECT_EQ(other.canvas().getPainters().size(), numPainters + 1);
   EXPECT_TRUE(other.canvas().getPainters().back()->isTransparent());
+  EXPECT_TRUE(other.images().setVolume(NYXSceneImages::OrthogonalSlices));
+  const auto& volume = dynamic_cast<VoxelMatrixPainterGL&>(*other.canvas().getPainters().back());
+  for (const char axis : {'X', 'Y', 'Z'})
+    other.findChild<QSlider*>(QString("volumeSlice") + axis)->setValue(axis == 'X' ? 1000 : 0);
+  EXPECT_EQ(volume.getSlices(), (std::array{volume.getSizes()[0] - 1, volume.getSizes()[1] - 1, 0})); // rows go down
   EXPECT_FALSE(window->images().setVolume(NYXSceneImages::Cloud)); // there is no image
   EXPECT_EQ(window->images().getVolume(), NYXSceneImages::NoVolume);
 }

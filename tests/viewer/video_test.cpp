@@ -111,6 +111,20 @@ TEST(VideoThread, TellsWhyThereIsNoVideoAndLeavesNothingBehind)
   EXPECT_EQ(empty.getProblem(), "No frame was recorded");
 }
 
+TEST(VideoThread, TakesNoFramesThatItCannotWrite)
+{
+  const QTemporaryDir folder;
+  NYXRenderingVideoThread thread(folder.filePath("a.avi"), 10);
+  QDir(thread.getFolder()).removeRecursively();
+  thread.start();
+  thread.addFrame(QImage(64, 48, QImage::Format_RGB32));
+  ASSERT_TRUE(thread.wait(60000));
+  thread.addFrame(QImage(64, 48, QImage::Format_RGB32)); // nobody would take it out again
+  EXPECT_EQ(thread.getNumFrames(), 1);
+  EXPECT_THAT(thread.getProblem().toStdString(), testing::HasSubstr("Cannot write the frame"));
+  QDir().mkdir(thread.getFolder()); // for the thread to remove
+}
+
 TEST_F(RenderingWindow, RecordsOneTurn)
 {
   const QTemporaryDir folder;

@@ -116,3 +116,17 @@ TriMesh<float> symbolMesh(VertexSymbol symbol, int numDivisions)
     return sphere(numDivisions);
   }
 }
+
+/// The faces of a polyhedron do not share vertices: an edge of one triangle alone is one of its face.
+std::vector<int> symbolEdges(const TriMesh<float>& mesh)
+{
+  std::map<std::pair<int, int>, int> numTriangles;
+  for (int i = 0; i < mesh.getNumTriangles(); ++i)
+    for (int k = 0; k < 3; ++k) ++numTriangles[std::minmax(mesh.corners(i)[k], mesh.corners(i)[(k + 1) % 3])];
+  const bool isWelded =
+      std::all_of(numTriangles.begin(), numTriangles.end(), [](const auto& e) { return e.second > 1; });
+  std::vector<int> ends;
+  for (const auto& [edge, count] : numTriangles)
+    if (isWelded || count == 1) ends.insert(ends.end(), {edge.first, edge.second});
+  return ends;
+}

@@ -3,7 +3,11 @@
 #include "geometry/trimesh.h"
 #include "model/vertexsymbol.h"
 
+#include <vector>
+
 /// The surface of a symbol for vertices, around the origin and within a ball of diameter 1: a cube, a diamond (an
 /// octahedron), a sphere or a tetrahedron; empty for a dot. Flat faces have vertices of their own, with their normals.
 /// \param numDivisions  how often the triangles of a sphere, an icosahedron at first, are divided in four
 TriMesh<float> symbolMesh(VertexSymbol symbol, int numDivisions = 2);
+/// The ends of the edges of such a mesh: those of its flat faces without their diagonals, or all of a sphere's.
+std::vector<int> symbolEdges(const TriMesh<float>& mesh);

@@ -13,14 +13,21 @@ constexpr std::size_t manySymbols = 2000; // are drawn with fewer triangles each
 constexpr float economicDotSize = 5;      // in pixels
 
 void addCopy(const TriMesh<float>& symbol, const float* center, float size, std::vector<float>& coordinates,
-             std::vector<float>& normals, std::vector<std::uint32_t>& corners)
+             std::vector<float>& normals)
 {
-  const auto first = static_cast<std::uint32_t>(coordinates.size() / 3);
   const auto numCoordinates = 3 * static_cast<std::size_t>(symbol.getSize());
   for (std::size_t i = 0; i < numCoordinates; ++i) coordinates.push_back(center[i % 3] + size * symbol.data()[i]);
   normals.insert(normals.end(), symbol.getNormals().data(), symbol.getNormals().data() + numCoordinates);
+}
+
+/// The corners of the symbol's triangles, or the ends of its edges.
+std::vector<int> indexesOf(const TriMesh<float>& symbol, bool isFilled)
+{
+  if (!isFilled) return symbolEdges(symbol);
+  std::vector<int> corners;
   for (int i = 0; i < symbol.getNumTriangles(); ++i)
-    for (int k = 0; k < 3; ++k) corners.push_back(first + static_cast<std::uint32_t>(symbol.corners(i)[k]));
+    corners.insert(corners.end(), symbol.corners(i), symbol.corners(i) + 3);
+  return corners;
 }
 } // namespace
 
@@ -54,10 +61,15 @@ void VerticesPainterGL::buildSymbols()
   for (Run& run : _runs)
   {
     const TriMesh<float> symbol = symbolMesh(run.style.symbol, numDivisions);
+    const std::vector<int> indexes = indexesOf(symbol, run.style.isFilled);
     run.firstIndex = _corners.size();
     for (int i = 0; i < run.numDots; ++i)
+    {
+      const auto first = static_cast<std::uint32_t>(_coordinates.size() / 3);
+      for (const int index : indexes) _corners.push_back(first + static_cast<std::uint32_t>(index));
       addCopy(symbol, _dots.data() + 3 * static_cast<std::size_t>(run.firstDot + i), run.style.size, _coordinates,
-              _normals, _corners);
+              _normals);
+    }
     run.numIndexes = static_cast<GLsizei>(_corners.size() - run.firstIndex);
   }
 }
@@ -98,11 +110,14 @@ void VerticesPainterGL::paintDots(const Run& run, PaintPass pass) const
 
 void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
 {
+  const bool isFilled = run.style.isFilled;
+  if (!isFilled && pass == PaintPass::BackFaces) return; // lines have none
   MaterialGL material = _material;
   material.color = run.style.color;
   material.apply(pass);
   selectFaces(pass, false);
-  glPolygonMode(GL_FRONT_AND_BACK, run.style.isFilled ? GL_FILL : GL_LINE);
+  // Lines are lit from behind, too.
+  isFilled || pass == PaintPass::Picking ? glDisable(GL_LIGHT1) : glEnable(GL_LIGHT1);
   _symbolBuffer.bind();
   glVertexPointer(3, GL_FLOAT, 0, nullptr);
   if (pass != PaintPass::Picking)
@@ -111,7 +126,8 @@ void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
     glNormalPointer(GL_FLOAT, 0, offsetGL(_normalsOffset));
   }
   _indexes.bind();
-  glDrawElements(GL_TRIANGLES, run.numIndexes, GL_UNSIGNED_INT, offsetGL(run.firstIndex * sizeof(std::uint32_t)));
+  glDrawElements(isFilled ? GL_TRIANGLES : GL_LINES, run.numIndexes, GL_UNSIGNED_INT,
+                 offsetGL(run.firstIndex * sizeof(std::uint32_t)));
   glDisableClientState(GL_NORMAL_ARRAY);
 }
 

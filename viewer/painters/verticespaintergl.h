@@ -55,7 +55,7 @@ private:
   std::vector<float> _dots;            // the vertices; until they are on the graphics card
   std::vector<float> _coordinates;     // of the symbols, then their normals; likewise
   std::vector<float> _normals;         // likewise
-  std::vector<std::uint32_t> _corners; // likewise
+  std::vector<std::uint32_t> _corners; // of their triangles, or the ends of their edges; likewise
   std::size_t _normalsOffset = 0;
   std::vector<Run> _runs;
   MaterialGL _material;

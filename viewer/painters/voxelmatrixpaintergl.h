@@ -33,6 +33,10 @@ public:
   /// A volume of more than 256 voxels along an axis is drawn from the means of blocks of voxels.
   VoxelMatrixPainterGL(const VoxelMatrix<unsigned char>& volume, const VolumePlacement& placement, Mode mode);
 
+  /// Numbers of rows, columns and planes.
+  const std::array<int, 3>& getSizes() const { return _sizes; }
+  /// Row, column and plane that are drawn.
+  const std::array<int, 3>& getSlices() const { return _slices; }
   /// The slices that are drawn: a row, a column and a plane of the volume, the middle ones at first.
   void setSlices(int row, int column, int plane);
   /// Of the brightest voxels of one layer of the cloud; 255 is opaque.
