@@ -5,13 +5,18 @@
 #include "viewer/viewercanvasgl.h"
 #include "viewer/viewerspinningmotion.h"
 
-#include <QEventLoop>
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QProcess>
 #include <QProgressDialog>
 #include <QPushButton>
 
 #include <cmath>
+
+namespace
+{
+constexpr unsigned long pollMilliseconds = 20;
+}
 
 NYXRenderingVideo::NYXRenderingVideo(ViewerCanvasGL& canvas, ViewerSpinningMotion& motion, QObject* parent)
   : QObject(parent), _canvas(canvas), _motion(motion)
@@ -104,8 +109,6 @@ void NYXRenderingVideo::waitForVideo()
   dialog.setWindowTitle(tr("Video"));
   dialog.setWindowModality(Qt::ApplicationModal);
   dialog.setAutoReset(false);
-  QEventLoop loop;
-  connect(_thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
   connect(_thread.get(), &NYXRenderingVideoThread::encodingProgressed, &dialog,
           [&dialog](int numFrames, int total)
           {
@@ -114,8 +117,7 @@ void NYXRenderingVideo::waitForVideo()
           });
   connect(&dialog, &QProgressDialog::canceled, this, [this] { _thread->cancel(); });
   dialog.show();
-  if (_thread->isRunning()) loop.exec();
-  _thread->wait();
+  while (!_thread->wait(pollMilliseconds)) QCoreApplication::processEvents();
 }
 
 void NYXRenderingVideo::tellProblem()

@@ -6,7 +6,6 @@
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
-#include "model/stackslice.h"
 #include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
@@ -238,21 +237,6 @@ void NYXRenderingWindow::stackRegistrationEvent(const NYXStackRegistrationEvent&
 void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
 {
   refreshImages(&event.getStack());
-}
-
-void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
-{
-  refreshImages(&event.getStack());
-}
-
-void NYXRenderingWindow::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
-{
-  refreshImages(event.getSlice().getStack());
-}
-
-void NYXRenderingWindow::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
-{
-  refreshImages(event.getSlice().getStack());
 }
 
 void NYXRenderingWindow::processSliceAction(NYXSliceAction& action)

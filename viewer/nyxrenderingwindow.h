@@ -62,9 +62,6 @@ protected:
   void stackFileNameEvent(const NYXStackFileNameEvent& event) override;
   void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
   void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
-  void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
-  void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
-  void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
   void processSliceAction(NYXSliceAction& action) override;
   void closeEvent(QCloseEvent* event) override;
   void moveEvent(QMoveEvent* event) override;

@@ -257,6 +257,7 @@ QWidget* NYXRenderingWindow::createImagesPage()
   volumeForm->addRow(tr("Volume"), kind);
   volumeForm->addRow(tr("Density"), cloudOpacity);
   constexpr int steps = 1000;
+  QList<QSlider*> places;
   for (int axis = 0; axis < 3; ++axis)
   {
     auto* const place = new QSlider(Qt::Horizontal, volume);
@@ -264,6 +265,7 @@ QWidget* NYXRenderingWindow::createImagesPage()
     place->setRange(0, steps);
     place->setValue(steps / 2);
     place->setToolTip(tr("Place of one of the three slices"));
+    places.append(place);
     volumeForm->addRow(tr("Slice at %1").arg("XYZ"[axis]), place);
     connect(place, &QSlider::valueChanged, _images,
             [this, axis](int value) { _images->setVolumeSlice(axis, static_cast<double>(value) / steps); });
@@ -277,13 +279,20 @@ QWidget* NYXRenderingWindow::createImagesPage()
           [this](int number) { _images->setSlice(number - 1); });
   connect(planeOpacity, &QSlider::valueChanged, _images, &NYXSceneImages::setPlaneOpacity);
   connect(cloudOpacity, &QSlider::valueChanged, _images, &NYXSceneImages::setCloudOpacity);
+  const auto showKind = [this, kind, cloudOpacity, places]
+  {
+    kind->setCurrentIndex(_images->getVolume());
+    cloudOpacity->setEnabled(_images->getVolume() == NYXSceneImages::Cloud);
+    for (QSlider* place : places) place->setEnabled(_images->getVolume() == NYXSceneImages::OrthogonalSlices);
+  };
+  showKind();
   connect(kind, qOverload<int>(&QComboBox::activated), _images,
-          [this, kind](int index)
+          [this, showKind](int index)
           {
             _images->setVolume(static_cast<NYXSceneImages::Volume>(index));
-            kind->setCurrentIndex(_images->getVolume());
+            showKind();
           });
-  connect(_images, &NYXSceneImages::messageShown, kind, [this, kind] { kind->setCurrentIndex(_images->getVolume()); });
+  connect(_images, &NYXSceneImages::imagesChanged, kind, showKind);
   return page;
 }
 

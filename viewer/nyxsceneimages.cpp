@@ -155,6 +155,7 @@ void NYXSceneImages::dropPlane()
 
 void NYXSceneImages::dropVolume()
 {
+  _volumeKind = NoVolume;
   if (!_volume) return;
   _canvas.removePainter(_volume.get());
   _canvas.makeCurrent();
@@ -167,7 +168,6 @@ void NYXSceneImages::dropVolume()
 bool NYXSceneImages::setVolume(Volume kind)
 {
   dropVolume();
-  _volumeKind = NoVolume;
   if (kind == NoVolume) return true;
   ProgressSubject subject;
   try
@@ -197,6 +197,5 @@ void NYXSceneImages::refresh()
   if (_isPlaneShown) readPlane();
   if (_volumeKind == NoVolume) return;
   dropVolume();
-  _volumeKind = NoVolume;
   emit messageShown(tr("The slices changed; the volume is not shown any more"));
 }

@@ -12,6 +12,8 @@
 #include <QSlider>
 #include <QVBoxLayout>
 
+#include <cmath>
+
 namespace
 {
 constexpr int strengthSteps = 10; // of the slider for 1
@@ -49,7 +51,7 @@ ViewerPosePanel::ViewerPosePanel(QWidget* parent) : QWidget(parent)
   setBackground({});
 }
 
-QDoubleSpinBox* ViewerPosePanel::addAngle(QFormLayout& form, const QString& label, const char* name)
+QDoubleSpinBox* ViewerPosePanel::addAngle(QFormLayout& form, const QString& label, const char* name, int axis)
 {
   auto* const box = named(new QDoubleSpinBox(this), name, tr("Rotation of the scene in degrees"));
   box->setRange(-180, 180);
@@ -60,10 +62,10 @@ QDoubleSpinBox* ViewerPosePanel::addAngle(QFormLayout& form, const QString& labe
   box->setKeyboardTracking(false);
   form.addRow(label, box);
   connect(box, qOverload<double>(&QDoubleSpinBox::valueChanged), this,
-          [this]
+          [this, axis](double angle)
           {
-            const auto angle = [this](int axis) { return static_cast<float>(_rotation[axis]->value()); };
-            emit rotationChanged(angle(0), angle(1), angle(2));
+            _angles[axis] = static_cast<float>(angle);
+            emit rotationChanged(_angles[0], _angles[1], _angles[2]);
           });
   return box;
 }
@@ -95,9 +97,9 @@ QWidget* ViewerPosePanel::createPoseGroup()
 {
   auto* const group = new QGroupBox(tr("Pose"), this);
   auto* const form = new QFormLayout(group);
-  _rotation[0] = addAngle(*form, tr("Rotation X"), "xRotation");
-  _rotation[1] = addAngle(*form, tr("Rotation Y"), "yRotation");
-  _rotation[2] = addAngle(*form, tr("Rotation Z"), "zRotation");
+  _rotation[0] = addAngle(*form, tr("Rotation X"), "xRotation", 0);
+  _rotation[1] = addAngle(*form, tr("Rotation Y"), "yRotation", 1);
+  _rotation[2] = addAngle(*form, tr("Rotation Z"), "zRotation", 2);
   _translation[0] = addTranslation(*form, tr("Shift X"), "xTranslation");
   _translation[1] = addTranslation(*form, tr("Shift Y"), "yTranslation");
   _zoom = addPercentage(*form, tr("Zoom"), "zoom", qRound(100 * ViewerCamera::minZoom),
@@ -169,7 +171,11 @@ BackgroundGL ViewerPosePanel::getBackground() const
 void ViewerPosePanel::setPose(const Pose& pose)
 {
   const float angles[] = {pose.getXRotation(), pose.getYRotation(), pose.getZRotation()};
-  for (int axis = 0; axis < 3; ++axis) showValue(*_rotation[axis], static_cast<double>(angles[axis]));
+  for (int axis = 0; axis < 3; ++axis)
+  {
+    _angles[axis] = angles[axis];
+    showValue(*_rotation[axis], std::remainder(double{angles[axis]}, 360.0));
+  }
   showValue(*_translation[0], pose.getXTranslation());
   showValue(*_translation[1], pose.getYTranslation());
   showValue(*_zoom, pose.getZoom());

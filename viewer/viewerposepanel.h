@@ -51,7 +51,7 @@ signals:
   void backgroundChanged(const BackgroundGL& background);
 
 private:
-  QDoubleSpinBox* addAngle(QFormLayout& form, const QString& label, const char* name);
+  QDoubleSpinBox* addAngle(QFormLayout& form, const QString& label, const char* name, int axis);
   QSpinBox* addTranslation(QFormLayout& form, const QString& label, const char* name);
   QSpinBox* addPercentage(QFormLayout& form, const QString& label, const char* name, int least, int most);
   QWidget* createPoseGroup();
@@ -60,6 +60,7 @@ private:
   void showBackgroundColor();
 
   QDoubleSpinBox* _rotation[3];
+  float _angles[3] = {0, 0, 0}; // as they are, which the boxes round
   QSpinBox* _translation[2];
   QSpinBox* _zoom;
   QSpinBox* _scaling;

@@ -143,6 +143,10 @@ TEST_F(Canvas, PanelAndCanvasShowTheSame)
   EXPECT_EQ(canvas.camera().getProjection().type, ProjectionGL::Perspective);
   panel.findChild<QComboBox*>("backgroundType")->setCurrentIndex(0);
   EXPECT_EQ(canvas.getBackground().type, BackgroundGL::Uniform);
+  canvas.setRotation(270, 33.333F, 10); // the boxes show -90 and 33.3
+  EXPECT_NEAR(panel.findChild<QDoubleSpinBox*>("xRotation")->value(), -90, 1e-6);
+  panel.findChild<QDoubleSpinBox*>("zRotation")->setValue(20);
+  EXPECT_EQ(canvas.camera().getRotation(), (std::array{270.F, 33.333F, 20.F}));
   Pose dark;
   canvas.setPose(dark); // leaves the lights alone
   EXPECT_EQ(panel.findChild<QSpinBox*>("ambientLight")->value(), 55);

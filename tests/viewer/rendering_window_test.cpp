@@ -355,6 +355,16 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
   for (const char axis : {'X', 'Y', 'Z'})
     other.findChild<QSlider*>(QString("volumeSlice") + axis)->setValue(axis == 'X' ? 1000 : 0);
   EXPECT_EQ(volume.getSlices(), (std::array{volume.getSizes()[0] - 1, volume.getSizes()[1] - 1, 0})); // rows go down
-  EXPECT_FALSE(window->images().setVolume(NYXSceneImages::Cloud)); // there is no image
+  auto* const kind = other.findChild<QComboBox*>("volumeKind");
+  EXPECT_EQ(kind->currentIndex(), NYXSceneImages::OrthogonalSlices);
+  other.images().refresh();
+  EXPECT_EQ(kind->currentIndex(), NYXSceneImages::NoVolume);
+  EXPECT_FALSE(other.findChild<QSlider*>("volumeSliceX")->isEnabled());
+  for (int i = 0; i < specimen.getNumModels(); ++i) other.models().showModel(*specimen.getModel(i), false);
+  auto* const note = other.findChild<QLabel*>("emptyNote");
+  EXPECT_TRUE(note->isVisible());
+  other.images().showPlane(true);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !note->isVisible(); })); // the image is something
+  EXPECT_FALSE(window->images().setVolume(NYXSceneImages::Cloud));  // there is no image
   EXPECT_EQ(window->images().getVolume(), NYXSceneImages::NoVolume);
 }
