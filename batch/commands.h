@@ -24,3 +24,4 @@ void addThresholdCommand(CLI::App& app, Run& run);
 void addLabelCommand(CLI::App& app, Run& run);
 void addFilterCommand(CLI::App& app, Run& run);
 void addIsosurfaceCommand(CLI::App& app, Run& run);
+void addSpatialCommand(CLI::App& app, Run& run);

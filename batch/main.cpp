@@ -50,6 +50,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   addLabelCommand(app, run);
   addFilterCommand(app, run);
   addIsosurfaceCommand(app, run);
+  addSpatialCommand(app, run);
   try
   {
     app.parse(argc, argv);

@@ -159,7 +159,7 @@ std::vector<SpatialEvaluation<T>> SpatialModelEvaluatorBase<T>::compare(const Ve
   if (descriptors.empty()) throw UsageError(where, "There is no descriptor");
   if (!(precision > 0)) throw UsageError(where, "There is no precision");
   if (numPatterns < 1) throw UsageError(where, "There is no simulated pattern");
-  const ProgressStep step(*this, "Simulating", numPatterns);
+  const ProgressStep step(*this, _stepName, numPatterns);
   const std::size_t numDescriptors = descriptors.size();
   std::vector<DistanceCounts<T>> observedCounts;
   std::vector<std::atomic<int>> gridSizes(numDescriptors);

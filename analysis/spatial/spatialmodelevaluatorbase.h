@@ -5,6 +5,7 @@
 #include "numeric/progresssubject.h"
 
 #include <functional>
+#include <string>
 #include <vector>
 
 /// How a pattern compares with simulated ones by one descriptor. The curves are CDFs on the grid 0, p, 2 p, ... of the
@@ -38,11 +39,14 @@ public:
   void setPrecision(T precision);
   T getPrecision() const { return _precision; }
 
+  /// What the step is called that tells its progress; "Simulating" at first.
+  void setStepName(const std::string& name) { _stepName = name; }
+
   /// Descriptors are borrowed. \throw UsageError  at evaluation, when there is none
   void addDescriptor(const SpatialDescriptor<T>& descriptor) { _descriptors.push_back(&descriptor); }
   /// Replaces all descriptors by one.
   void setDescriptor(const SpatialDescriptor<T>& descriptor) { _descriptors = {&descriptor}; }
-  void clearDescriptors() { _descriptors.clear(); }
+  int getNumDescriptors() const { return static_cast<int>(_descriptors.size()); }
 
   /// Compares by one descriptor. Gives the rank, and the p-value and curves where asked for.
   /// \throw UsageError  there is no precision or no simulated pattern, or the precision is too small for that many
@@ -72,6 +76,7 @@ private:
 
   Descriptors _descriptors;
   T _precision = 0;
+  std::string _stepName = "Simulating";
 };
 
 extern template struct SpatialEvaluation<float>;
