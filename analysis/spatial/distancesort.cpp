@@ -81,7 +81,7 @@ template <class T> void sortInto(std::span<const T> values, std::span<T> sorted)
 
 template <class T> void sortByBuckets(std::span<T> values)
 {
-  constexpr std::size_t perBucket = 8192, maxBuckets = 8192;
+  constexpr std::size_t perBucket = 8192, maxBuckets = 1024;
   if (values.size() < smallest) return std::sort(values.begin(), values.end());
   const std::size_t numBuckets = std::clamp<std::size_t>(values.size() / perBucket, 1, maxBuckets);
   const Buckets<T> bucketOf(values, numBuckets);

@@ -1,15 +1,12 @@
 #include "analysis/spatial/spatialdescriptorfunctionf.h"
 
-#include "geometry/kdtree.h"
+#include "analysis/spatial/nearestdistances.h"
 #include "numeric/exception.h"
-
-#include <cmath>
 
 template <class T> void SpatialDescriptorFunctionF<T>::setEvaluationPositions(const Vertices<T>& positions)
 {
   _positions = positions;
-  const T* const points = _positions.data();
-  _coordinates.assign(points, points + std::ptrdiff_t(positions.getSize()) * positions.getSpace());
+  _path = inPathOrder(positions);
 }
 
 template <class T> void SpatialDescriptorFunctionF<T>::distances(const Vertices<T>& pattern, Vector<T>& values) const
@@ -19,10 +16,7 @@ template <class T> void SpatialDescriptorFunctionF<T>::distances(const Vertices<
   if (pattern.getSpace() != _positions.getSpace())
     throw SizeError("void SpatialDescriptorFunctionF<T>::distances(const Vertices<T>&, Vector<T>&) const",
                     "The evaluation positions have another dimension than the pattern");
-  const T* const points = pattern.data();
-  const KdTree<T> tree(pattern.getSpace(), {points, points + std::ptrdiff_t(pattern.getSize()) * pattern.getSpace()});
-  int i = 0;
-  for (const Neighbour<T>& neighbour : tree.nearest(_coordinates)) values[i++] = std::sqrt(neighbour.squaredDistance);
+  NearestDistances<T>(pattern).toNearest(_path.data(), _path.getSize(), values.data());
 }
 
 GEOMETRY_INSTANTIATE_REAL(SpatialDescriptorFunctionF)

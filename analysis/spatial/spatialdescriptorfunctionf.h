@@ -2,8 +2,6 @@
 
 #include "analysis/spatial/spatialdescriptor.h"
 
-#include <vector>
-
 /// Function F: for each evaluation position the distance to the nearest object. Without objects there is none.
 template <class T> class SpatialDescriptorFunctionF : public SpatialDescriptor<T>
 {
@@ -17,7 +15,7 @@ protected:
 
 private:
   Vertices<T> _positions;
-  std::vector<T> _coordinates;
+  Vertices<T> _path; // the same in an order that makes the searches short
 };
 
 GEOMETRY_EXTERN_TEMPLATE_REAL(SpatialDescriptorFunctionF)

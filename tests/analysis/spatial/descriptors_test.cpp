@@ -150,6 +150,47 @@ TEST(DescriptorsAtTheLimits, BoundariesWithoutInsideAreRefused)
   expectError<UsageError>("no volume", [&] { makeBoundary(flat); });
 }
 
+/// Patterns that a grid of cells suits, and others that only a tree does.
+TEST(NearestDistances, AgreeWithTheTreeOfNeighboursForAnyPattern)
+{
+  RandomGenerator generator(6);
+  const auto crowded = [&](double)
+  { return generator.uniformLF() < 0.01 ? 1000.0 : std::pow(generator.uniformLF(), 9); };
+  const struct
+  {
+    const char* name;
+    std::function<double(double)> coordinate; // given that of the axis before
+  } cases[] = {
+      {"spread", [&](double) { return generator.uniformLF(); }},
+      {"on a line", [&](double before) { return before > 0 ? before : generator.uniformLF(); }},
+      {"along an axis", [&](double before) { return before > 0 ? 7.0 : generator.uniformLF(); }},
+      {"on a lattice", [&](double) { return static_cast<double>(generator.uniformL(12)); }},
+      {"crowded", crowded},
+      {"one place", [](double) { return 3.0; }},
+  };
+  for (const int space : {2, 3})
+    for (const int size : {1, 2, 30, 3000})
+      for (const auto& c : cases)
+      {
+        SCOPED_TRACE(c.name);
+        Vertices<double> pattern(space, size), places = randomPattern<double>(space, 500, 20, 7);
+        for (int i = 0; i < size; ++i)
+        {
+          double before = 0;
+          for (int k = 0; k < space; ++k) before = pattern[i][k] = c.coordinate(before);
+        }
+        places *= 0.1;
+        std::vector<double> expected;
+        for (const double squared : pattern.squareNearestNeighborDistances()) expected.push_back(std::sqrt(squared));
+        if (size > 1) expectNear(valuesOf(SpatialDescriptorFunctionG<double>(), pattern), expected, 1e-12);
+        expected.clear();
+        for (const double distance : places.nearestNeighborDistances(pattern)) expected.push_back(distance);
+        SpatialDescriptorFunctionF<double> f;
+        f.setEvaluationPositions(places);
+        expectNear(valuesOf(f, pattern), expected, 1e-12);
+      }
+}
+
 TEST(DistanceSort, SortsAnyDistribution)
 {
   RandomGenerator generator(5);
