@@ -105,7 +105,7 @@ TEST(ClosedForms, PairsOfADisc)
     distances.push_back(valuesOf(SpatialDescriptorFunctionH<double>(), model.drawSample(2)).front());
   std::sort(distances.begin(), distances.end());
   EXPECT_LT(kolmogorovDistance(distances, pairsOfADisc), kolmogorovLimit(distances.size()));
-  EXPECT_LT(kolmogorovDistance(valuesOf(SpatialDescriptorFunctionH<double>(), model.drawSample(1500)), pairsOfADisc),
-            kolmogorovLimit(1500));
+  EXPECT_LT(kolmogorovDistance(valuesOf(SpatialDescriptorFunctionH<double>(), model.drawSample(300)), pairsOfADisc),
+            kolmogorovLimit(300));
 }
 } // namespace
