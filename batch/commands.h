@@ -25,3 +25,4 @@ void addLabelCommand(CLI::App& app, Run& run);
 void addFilterCommand(CLI::App& app, Run& run);
 void addIsosurfaceCommand(CLI::App& app, Run& run);
 void addRenderCommand(CLI::App& app, Run& run);
+void addSpatialCommand(CLI::App& app, Run& run);

@@ -1,17 +1,15 @@
 #include "batch/commands.h"
+#include "batch/outputfolder.h"
 #include "batch/stackfile.h"
 #include "geometry/reconstruction/stackexporter.h"
 #include "model/stack.h"
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <map>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 struct Arguments
 {
   std::string stack;
@@ -40,34 +38,6 @@ const std::map<std::string, SurfaceFormat> formats = {{"stl", SurfaceFormat::Asc
                                                       {"stl-binary", SurfaceFormat::BinaryStl},
                                                       {"ply", SurfaceFormat::Ply},
                                                       {"obj", SurfaceFormat::Obj}};
-
-/// The folder that the surfaces go to, made with those around it when it is missing, and taken away again with them
-/// unless it is kept.
-class OutputFolder
-{
-public:
-  explicit OutputFolder(const std::string& name)
-  {
-    fs::path folder = fs::absolute(name).lexically_normal();
-    if (!folder.has_filename()) folder = folder.parent_path();
-    for (; !fs::exists(folder) && folder.has_relative_path(); folder = folder.parent_path()) _made.push_back(folder);
-    std::error_code error;
-    fs::create_directories(name, error);
-    if (error) throw BatchError(name + ": cannot create the folder: " + error.message());
-  }
-  OutputFolder(const OutputFolder&) = delete;
-  OutputFolder& operator=(const OutputFolder&) = delete;
-  ~OutputFolder()
-  {
-    std::error_code notEmpty; // what was written stays
-    for (const fs::path& folder : _made) fs::remove(folder, notEmpty);
-  }
-
-  void keep() { _made.clear(); }
-
-private:
-  std::vector<fs::path> _made; // innermost first
-};
 
 ExitStatus exportSurfaces(const Arguments& arguments)
 {

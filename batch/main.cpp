@@ -51,6 +51,7 @@ ExitStatus parseAndRun(int argc, char** argv)
   addFilterCommand(app, run);
   addIsosurfaceCommand(app, run);
   addRenderCommand(app, run);
+  addSpatialCommand(app, run);
   try
   {
     app.parse(argc, argv);

@@ -1,6 +1,5 @@
 #include "bench/timedtask.h"
 #include "geometry/curvestacktriangulation2.h"
-#include "geometry/kdtree.h"
 #include "geometry/polygontriangulation.h"
 #include "geometry/trimesh.h"
 #include "image/voxelmatrix.h"
@@ -75,69 +74,6 @@ TimedTask stitchTask(const std::string& input)
   };
   return {"contour_stitch", input, {1}, prepare};
 }
-
-double meanDistance(const std::vector<Neighbour<double>>& neighbours)
-{
-  double sum = 0;
-  for (const Neighbour<double>& neighbour : neighbours) sum += std::sqrt(neighbour.squaredDistance);
-  return sum / static_cast<double>(neighbours.size());
-}
-
-TimedTask nearestOthersTask(const std::string& input)
-{
-  const auto prepare = [](const std::string& folder, const std::string& name)
-  {
-    auto points = std::make_shared<Points>(folder, name);
-    auto mean = std::make_shared<double>();
-    return TimedWork{[=] { *mean = meanDistance(KdTree<double>(points->space, points->coordinates).nearestOthers()); },
-                     static_cast<double>(points->getCount()) / 1e6, "Mpoint",
-                     [=] { return formatted("mean=%.6g", *mean); }};
-  };
-  return {"nn_G", input, {1, 2}, prepare};
-}
-
-TimedTask nearestPointsTask(const std::string& input, const std::string& queries)
-{
-  const auto prepare = [queries](const std::string& folder, const std::string& name)
-  {
-    auto points = std::make_shared<Points>(folder, name), from = std::make_shared<Points>(folder, queries);
-    auto mean = std::make_shared<double>();
-    return TimedWork{
-        [=] { *mean = meanDistance(KdTree<double>(points->space, points->coordinates).nearest(from->coordinates)); },
-        static_cast<double>(from->getCount()) / 1e6, "Mquery", [=] { return formatted("mean=%.6g", *mean); }};
-  };
-  return {"nn_F", input, {1, 2}, prepare};
-}
-/// The distances of points from the surface of a mesh.
-TimedTask surfaceDistancesTask(const std::string& pointsInput, const std::string& meshInput)
-{
-  const auto prepare = [=](const std::string& folder, const std::string&)
-  {
-    auto points = std::make_shared<Points>(folder, pointsInput);
-    const Points vertices(folder, meshInput + "_verts");
-    const VoxelMatrix<int> corners(folder + "/" + meshInput + "_tris.vm");
-    auto mesh = std::make_shared<TriMesh<double>>(3, static_cast<int>(vertices.getCount()), 0);
-    std::copy(vertices.coordinates.begin(), vertices.coordinates.end(), mesh->data());
-    for (int i = 0; i < corners[0].getSize1(); ++i)
-      mesh->addTriangle(corners[0](i, 0), corners[0](i, 1), corners[0](i, 2));
-    auto mean = std::make_shared<double>();
-    const auto run = [=]
-    {
-      mesh->data(); // as if it had changed: the search structure is built anew
-      Vector<double> point(3), closest;
-      double sum = 0;
-      for (std::size_t i = 0; i < points->getCount(); ++i)
-      {
-        std::copy_n(points->coordinates.data() + 3 * i, 3, point.data());
-        sum += mesh->closestPoint(point, closest);
-      }
-      *mean = sum / static_cast<double>(points->getCount());
-    };
-    return TimedWork{run, static_cast<double>(points->getCount()) / 1e6, "Mpoint",
-                     [=] { return formatted("mean=%.6g", *mean); }};
-  };
-  return {"border_B3", pointsInput + " x " + meshInput, {1}, prepare};
-}
 } // namespace
 
 std::vector<TimedTask> geometryTasks()
@@ -146,9 +82,5 @@ std::vector<TimedTask> geometryTasks()
   for (const char* input : {"poly_star_500", "poly_star_5000", "poly_spiral_5000", "poly_comb_5000"})
     tasks.push_back(polygonTask(input));
   tasks.push_back(stitchTask("contours_200x1000"));
-  for (const char* input : {"points2d_10000", "points3d_10000"}) tasks.push_back(nearestOthersTask(input));
-  tasks.push_back(nearestPointsTask("points2d_10000", "eval2d_100000"));
-  tasks.push_back(nearestPointsTask("points3d_10000", "eval3d_100000"));
-  tasks.push_back(surfaceDistancesTask("points3d_10000", "mesh3d"));
   return tasks;
 }

@@ -14,8 +14,8 @@ int main(int argc, char** argv)
   else
   {
     std::vector<TimedTask> tasks = imageTasks();
-    const std::vector<TimedTask> others = geometryTasks();
-    tasks.insert(tasks.end(), others.begin(), others.end());
+    for (const std::vector<TimedTask>& others : {geometryTasks(), spatialTasks()})
+      tasks.insert(tasks.end(), others.begin(), others.end());
     return runTimedTasks(arguments, tasks);
   }
   return 0;

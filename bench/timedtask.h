@@ -28,8 +28,10 @@ inline constexpr const char* timedTasksUsage =
 
 /// Image files, segmentation, filters and surfaces.
 std::vector<TimedTask> imageTasks();
-/// Polygons and points.
+/// Polygons and contours.
 std::vector<TimedTask> geometryTasks();
+/// Distances of points, random patterns.
+std::vector<TimedTask> spatialTasks();
 
 /// Answers `--list`, one line per task, input and number of threads, and `--one TASK INPUT PEER THREADS --data DIR
 /// --runs N --budget SECONDS`: a warm-up and up to N timed runs within the budget, as one line of JSON. Gives the exit

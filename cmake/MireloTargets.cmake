@@ -46,12 +46,20 @@ function(mirelo_add_program name)
   install(TARGETS ${name} EXPORT MireloTargets RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
-# mirelo_add_test(numeric SOURCES ... LIBRARIES ...): one GoogleTest program per folder, each case a ctest test.
+# mirelo_add_test(numeric SOURCES ... LIBRARIES ...): one GoogleTest program per folder, each case a ctest test. With
+# LONG_TESTS, cases whose names begin with Long carry the label of tests that take many minutes.
 function(mirelo_add_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
+  cmake_parse_arguments(ARG "LONG_TESTS" "" "SOURCES;LIBRARIES;PROPERTIES" ${ARGN})
   add_executable(mirelo_${name}_tests ${ARG_SOURCES})
   target_link_libraries(mirelo_${name}_tests PRIVATE mirelo::options ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(mirelo_${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${ARG_PROPERTIES})
+  set(filter "")
+  if(ARG_LONG_TESTS)
+    set(filter TEST_FILTER "-*.Long*")
+    gtest_discover_tests(mirelo_${name}_tests DISCOVERY_MODE PRE_TEST TEST_FILTER "*.Long*"
+      PROPERTIES LABELS long TIMEOUT 3600 ${ARG_PROPERTIES})
+  endif()
+  gtest_discover_tests(mirelo_${name}_tests DISCOVERY_MODE PRE_TEST ${filter}
+    PROPERTIES TIMEOUT 300 ${ARG_PROPERTIES})
 endfunction()
 
 # mirelo_add_benchmark(numeric_bench SOURCES ... LIBRARIES ...): one Google Benchmark program.

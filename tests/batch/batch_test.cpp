@@ -21,7 +21,7 @@ const std::string example = MIRELO_EXAMPLE;
 TEST_F(Batch, AnswersHelpAndVersion)
 {
   EXPECT_THAT(run("--version").output, StartsWith("mirelo-batch "));
-  for (const std::string command : {"", "info", "check", "convert", "export", "measure"})
+  for (const std::string command : {"", "info", "check", "convert", "export", "measure", "spatial"})
   {
     const Result result = run(command + " --help");
     EXPECT_EQ(result.status, 0) << command;
