@@ -315,6 +315,7 @@ void NYXRootMediator::enableActions(bool flag)
   const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
   const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : toolReason;
   for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
+  enable(*_runSpatialAnalysis, flag, flag ? reason : tr("Open a stack first"));
   const StackSlice* const slice = currentSlice();
   enable(*_deleteSlice, slice != nullptr, reason);
   enable(*_moveSliceUp, slice != nullptr && slice->getIndex() > 0, reason);

@@ -10,6 +10,7 @@
 #include "app/nyxrootwindow.h"
 #include "app/nyxslicelistwidget.h"
 #include "app/nyxslicepropertiesdialog.h"
+#include "app/nyxspatialanalysisplugin.h"
 #include "app/nyxstackio.h"
 #include "app/nyxstackpropertiesdialog.h"
 #include "app/nyxtransfermodelsdialog.h"
@@ -201,7 +202,8 @@ void NYXRootMediator::createProcessActions()
 
 void NYXRootMediator::createAnalyzeActions()
 {
-  _runSpatialAnalysis = createLaterAction(tr("Run"), tr("Test whether objects are placed at random"));
+  _runSpatialAnalysis = createAction(tr("Run"), tr("Test whether objects are placed at random"), {},
+                                     [this] { NYXSpatialAnalysisPlugin(*currentStack()).run(_window); });
 }
 
 void NYXRootMediator::createPluginsActions()

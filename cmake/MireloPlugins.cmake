@@ -1,9 +1,9 @@
 # Plug-ins link against nothing but the program that loads them, and so share its event bus, stacks and settings.
 
 # The libraries that a plug-in may use; the program carries the whole of them, not only what it calls itself.
-set(MIRELO_PLUGIN_LIBRARIES numeric geometry image model reconstruction appcore)
+set(MIRELO_PLUGIN_LIBRARIES numeric geometry image model reconstruction spatial appcore)
 # Folders of their headers.
-set(MIRELO_PLUGIN_HEADER_FOLDERS numeric geometry image model app/core)
+set(MIRELO_PLUGIN_HEADER_FOLDERS numeric geometry image model analysis/spatial app/core)
 
 # Where plug-ins are installed, and where the program looks for them: the same place, seen from the program's folder.
 set(MIRELO_INSTALLED_PLUGIN_DIR "${CMAKE_INSTALL_LIBDIR}/mirelo/plugins")
