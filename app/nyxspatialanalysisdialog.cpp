@@ -112,10 +112,10 @@ QWidget* NYXSpatialAnalysisDialog::createFunctionsGroup()
   _functionB = addFunction(*form, 'B', tr("distances to the boundary"), tr("objects near the boundary"));
   _functionF =
       addFunction(*form, 'F', tr("distances from any position to the nearest object"), tr("objects spread out evenly"));
-  _functionG = addFunction(*form, 'G', tr("distances to the nearest other object"), tr("objects in clusters"));
-  _functionH = addFunction(*form, 'H', tr("distances between all objects"), tr("objects in clusters"));
   _density = addNumber(*form, "evaluationDensity", tr("Evaluation density"),
                        tr("How many positions per unit of area the F function is evaluated at"), 0, greatestAmount);
+  _functionG = addFunction(*form, 'G', tr("distances to the nearest other object"), tr("objects in clusters"));
+  _functionH = addFunction(*form, 'H', tr("distances between all objects"), tr("objects in clusters"));
   return group;
 }
 
@@ -226,7 +226,7 @@ void NYXSpatialAnalysisDialog::refresh()
   listModels(*_objects, _first.objects, false);
   const QString unit = QString::fromStdString(stack().getLengthUnit().symbol());
   for (NYXNumberBox* const box : {_diameter, _precision}) box->setUnit(unit);
-  _density->setUnit(tr("/ %1²").arg(unit));
+  _density->setUnit("/ " + unit + "²");
   _density->setEnabled(_functionF->isChecked());
   const QString reason = obstacle();
   const int numSlices = reason.isEmpty() ? countSlices() : 0;

@@ -30,7 +30,7 @@ QString describe(const NYXSpatialAnalysisPluginConfig& config, const QString& un
                             .arg(QString::number(config.hardcoreDistance), unit)
                             .arg(config.seed);
   if (config.hasFunctionF)
-    description += text(", evaluation density %1 / %2²").arg(QString::number(config.evaluationDensity), unit);
+    description += text(", evaluation density %1 / %2").arg(QString::number(config.evaluationDensity), unit + "²");
   if (config.precision) description += text(", precision %1 %2").arg(QString::number(*config.precision), unit);
   return description;
 }

@@ -69,7 +69,8 @@ template <class T> SpatialEvaluation<T> evaluation(const DistanceCounts<T>& obse
   result.lower = envelope[0];
   result.upper = envelope[1];
   result.rank = CDFTools<T>::rank(result.observed, result.average, simulated);
-  result.pValue = 1 - result.rank / static_cast<T>(simulated.getSize1() + 1);
+  const T numPatterns = static_cast<T>(simulated.getSize1() + 1); // with the observed one
+  result.pValue = (numPatterns - result.rank) / numPatterns;
   return result;
 }
 

@@ -3,7 +3,6 @@
 #include "model/stackslice.h"
 
 #include <QLocale>
-#include <QRegularExpression>
 
 namespace
 {
@@ -11,13 +10,6 @@ namespace
 QString number(double value)
 {
   return QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
-
-/// A name as a field of a text table.
-QString field(const QString& name)
-{
-  static const QRegularExpression separators("[\\t\\r\\n]");
-  return QString(name).replace(separators, " ");
 }
 
 QString line(const QStringList& fields)
@@ -49,7 +41,7 @@ QString NYXSpatialResult::tableText() const
   QString text = line(names);
   for (const Slice& slice : slices)
   {
-    QStringList fields(field(slice.name));
+    QStringList fields(slice.name);
     for (const StackSpatialAnalysis::FunctionResult& result : slice.functions)
       fields.append(result.evaluation ? number(result.evaluation->pValue) : "NA");
     text += line(fields);
@@ -63,7 +55,7 @@ QString NYXSpatialResult::curvesText(std::size_t function) const
   for (const Slice& slice : slices)
     if (const auto& curves = slice.functions[function].evaluation)
       for (int j = 0; j < curves->grid.getSize(); ++j)
-        text += line({field(slice.name), number(curves->grid[j]), number(curves->observed[j]),
+        text += line({slice.name, number(curves->grid[j]), number(curves->observed[j]),
                       number(curves->average[j]), number(curves->lower[j]), number(curves->upper[j])});
   return text;
 }

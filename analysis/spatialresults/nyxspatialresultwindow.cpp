@@ -187,6 +187,9 @@ void NYXSpatialResultWindow::fillTable()
   _table->setSelectionBehavior(QAbstractItemView::SelectRows);
   _table->setSelectionMode(QAbstractItemView::SingleSelection);
   _table->verticalHeader()->hide();
+  _table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
+  _table->setMinimumHeight(fontMetrics().height() * 3 / 2 * 7);
+  _table->resizeColumnsToContents();
   _table->horizontalHeader()->setSectionsMovable(false);
   _table->sortByColumn(0, Qt::AscendingOrder);
   _table->setSortingEnabled(true);
@@ -228,7 +231,7 @@ QWidget* NYXSpatialResultWindow::createMessages()
   auto* const messages = new QPlainTextEdit(_result.messages.join('\n'), group);
   messages->setObjectName("messages");
   messages->setReadOnly(true);
-  const int numLines = std::min(_result.messages.size() + 1, 6);
+  const int numLines = std::min(_result.messages.size() + 1, 5);
   messages->setFixedHeight(numLines * fontMetrics().lineSpacing() + 2 * messages->frameWidth());
   auto* const layout = new QVBoxLayout(group);
   layout->addWidget(messages);
@@ -287,7 +290,7 @@ void NYXSpatialResultWindow::restorePlace()
 {
   const QSettings store;
   const QRect available = screen()->availableGeometry();
-  const QSize size = store.value("spatialResultWindow/size", available.size() * 2 / 3).toSize();
+  const QSize size = store.value("spatialResultWindow/size", available.size() * 4 / 5).toSize();
   resize(size.boundedTo(available.size()));
   const int shift = __numWindows * fontMetrics().height() * 2;
   const QPoint position = store.value("spatialResultWindow/pos").toPoint() + QPoint(shift, shift);

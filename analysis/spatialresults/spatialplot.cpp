@@ -67,7 +67,7 @@ private:
 
   void paintAxes()
   {
-    for (const double tick : axisTicks(_last, static_cast<int>(_frame.width() / (5 * _em))))
+    for (const double tick : axisTicks(_last, static_cast<int>(_frame.width() / (3.5 * _em))))
       paintTick({x(tick), _frame.bottom()}, {x(tick), _frame.top()}, tick);
     for (const double tick : axisTicks(1, std::min(10, static_cast<int>(_frame.height() / (2 * _em)))))
       paintTick({_frame.left(), y(tick)}, {_frame.right(), y(tick)}, tick);
@@ -210,7 +210,7 @@ QByteArray plotDrawing(const SpatialPlot& plot)
   drawing.setResolution(72);
   drawing.setSize(printSize.toSize());
   drawing.setViewBox(QRectF(QPointF(), printSize));
-  drawing.setTitle(plot.title);
+  drawing.setTitle(plot.title.toHtmlEscaped()); // which it does not do itself
   QPainter painter(&drawing);
   painter.setFont(printFont());
   paintPlot(painter, QRectF(QPointF(), printSize), plot, SpatialPlotColors::forPrint());
