@@ -12,6 +12,7 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -242,6 +243,8 @@ void NYXSpatialAnalysisDialog::change()
   if (!reason.isEmpty()) throw UsageError("void NYXSpatialAnalysisDialog::change()", reason.toStdString());
   const NYXSpatialAnalysisPluginConfig config = getConfig();
   config.save(stack());
+  setEnabled(false); // no second one before this has ended, which takes a moment after Cancel
+  const auto enable = qScopeGuard([this] { setEnabled(true); });
   try
   {
     _result = NYXSpatialAnalysisPlugin(stack()).analyse(config, this);

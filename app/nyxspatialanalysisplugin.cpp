@@ -50,10 +50,12 @@ NYXSpatialResultWindow* NYXSpatialAnalysisPlugin::run(QWidget* parent)
 
 NYXSpatialResult NYXSpatialAnalysisPlugin::analyse(const NYXSpatialAnalysisPluginConfig& config, QWidget* parent) const
 {
-  const ShownStack copy = copyShown(_stack, {config.boundary, config.objects}, [](const ModelItem&) { return true; });
+  std::vector<const Model*> models = {config.boundary};
+  if (config.objects != config.boundary) models.push_back(config.objects);
+  const ShownStack copy = copyShown(_stack, models, [](const ModelItem&) { return true; });
   StackSpatialAnalysisConfig copiedConfig = config;
   copiedConfig.boundary = copy.stack->getModel(0);
-  copiedConfig.objects = copy.stack->getModel(copy.stack->getNumModels() - 1);
+  copiedConfig.objects = copy.stack->getModel(static_cast<int>(models.size()) - 1);
 
   const QString title = text("Statistical spatial analysis");
   ProgressSubject subject;
