@@ -102,6 +102,7 @@ void StackSpatialAnalysis::run(const Stack& stack, const Config& config)
   _config = config;
   _results.clear();
   _messages.clear();
+  const ProgressStep whole(*this, "Spatial analysis", 1);
   const std::vector<SliceInput> inputs = readSlices(stack);
   if (inputs.empty())
     throw UsageError(where, "No slice has an item of the boundary model " + config.boundary->getName() +
@@ -122,6 +123,7 @@ std::vector<StackSpatialAnalysis::SliceInput> StackSpatialAnalysis::readSlices(c
   std::vector<SliceInput> inputs;
   for (int i = 0; i < stack.getNumSlices(); ++i)
   {
+    throwIfCancelled("std::vector<StackSpatialAnalysis::SliceInput> StackSpatialAnalysis::readSlices(const Stack&)");
     const unsigned long positionsSeed = drawSeed(seeds), simulationSeed = drawSeed(seeds);
     std::optional<SliceInput> input = readSlice(reconstruction, *stack.getSlice(i));
     if (!input) continue;
@@ -187,10 +189,12 @@ void StackSpatialAnalysis::keepInside(SliceInput& input)
 class StackSpatialAnalysis::SliceFunctions
 {
 public:
-  explicit SliceFunctions(const SliceInput& input)
+  /// \throw Cancelled  the analysis was
+  SliceFunctions(const SliceInput& input, ProgressSubject& analysis)
   {
     RandomGenerator generator(input.positionsSeed);
     SpatialModelCompleteRandomness<double, PixelType> randomness;
+    randomness.setOuter(&analysis);
     randomness.setBoundary(input.boundary, input.index);
     _f.setEvaluationPositions(randomness.drawSample(input.numPositions, generator));
     _b.setBoundary(input.index);
@@ -214,7 +218,7 @@ private:
 
 StackSpatialAnalysis::SliceResult StackSpatialAnalysis::analyse(const SliceInput& input)
 {
-  const SliceFunctions functions(input);
+  const SliceFunctions functions(input, *this);
   SpatialModelEvaluator<double, PixelType> evaluator;
   for (const char function : functionsOf(_config))
     if (const auto* descriptor = functions.get(function)) evaluator.addDescriptor(*descriptor);

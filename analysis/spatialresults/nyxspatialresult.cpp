@@ -55,8 +55,8 @@ QString NYXSpatialResult::curvesText(std::size_t function) const
   for (const Slice& slice : slices)
     if (const auto& curves = slice.functions[function].evaluation)
       for (int j = 0; j < curves->grid.getSize(); ++j)
-        text += line({slice.name, number(curves->grid[j]), number(curves->observed[j]),
-                      number(curves->average[j]), number(curves->lower[j]), number(curves->upper[j])});
+        text += line({slice.name, number(curves->grid[j]), number(curves->observed[j]), number(curves->average[j]),
+                      number(curves->lower[j]), number(curves->upper[j])});
   return text;
 }
 

@@ -150,6 +150,8 @@ void NYXSpatialResultWindow::createActions()
   auto* const close = new QAction(tr("Close"), this);
   close->setObjectName("Close");
   close->setShortcut(QKeySequence("Ctrl+W"));
+  close->setToolTip(tr("Close this window (Ctrl+W)"));
+  close->setStatusTip(tr("Close this window"));
   connect(close, &QAction::triggered, this, &QWidget::close);
   addAction(close);
 }
@@ -189,10 +191,10 @@ void NYXSpatialResultWindow::fillTable()
   _table->verticalHeader()->hide();
   _table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
   _table->setMinimumHeight(fontMetrics().height() * 3 / 2 * 7);
-  _table->resizeColumnsToContents();
   _table->horizontalHeader()->setSectionsMovable(false);
   _table->sortByColumn(0, Qt::AscendingOrder);
   _table->setSortingEnabled(true);
+  _table->resizeColumnsToContents();
 }
 
 /// Not a part of the table: what it combines are its rows.
