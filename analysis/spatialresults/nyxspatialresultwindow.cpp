@@ -99,7 +99,7 @@ NYXSpatialResultWindow::NYXSpatialResultWindow(NYXSpatialResult result)
   setAttribute(Qt::WA_DeleteOnClose);
   connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
   createActions();
-  fillTable();
+  createTable();
   createPlots();
   layOut();
   restorePlace();
@@ -156,12 +156,18 @@ void NYXSpatialResultWindow::createActions()
   addAction(close);
 }
 
-void NYXSpatialResultWindow::fillTable()
+void NYXSpatialResultWindow::createTable()
 {
   const std::string functions = _result.functions();
+  const int rowHeight = fontMetrics().height() * 3 / 2;
   _table->setObjectName("spatialResults");
+  _table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  _table->setSelectionBehavior(QAbstractItemView::SelectRows);
+  _table->setSelectionMode(QAbstractItemView::SingleSelection);
+  _table->verticalHeader()->hide();
+  _table->verticalHeader()->setDefaultSectionSize(rowHeight);
+  _table->setMinimumHeight(7 * rowHeight);
   _table->setColumnCount(1 + static_cast<int>(functions.size()));
-  _table->setRowCount(static_cast<int>(_result.slices.size()));
   _table->setHorizontalHeaderItem(0, new QTableWidgetItem(tr("Slice")));
   for (std::size_t k = 0; k < functions.size(); ++k)
   {
@@ -169,32 +175,28 @@ void NYXSpatialResultWindow::fillTable()
     header->setToolTip(pValueTip(functions[k]));
     _table->setHorizontalHeaderItem(static_cast<int>(k) + 1, header);
   }
-  for (int row = 0; row < _table->rowCount(); ++row)
-  {
-    const NYXSpatialResult::Slice& slice = _result.slices[static_cast<std::size_t>(row)];
-    auto* const name = new NumberCell(slice.name, row);
-    name->setData(sliceRole, row);
-    name->setToolTip(objectsText(slice.numObjects));
-    _table->setItem(row, 0, name);
-    for (std::size_t k = 0; k < functions.size(); ++k)
-    {
-      const auto& evaluation = slice.functions[k].evaluation;
-      const double pValue = evaluation ? evaluation->pValue : std::nan("");
-      auto* const cell = new NumberCell(numberText(pValue, 6), pValue);
-      cell->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-      _table->setItem(row, static_cast<int>(k) + 1, cell);
-    }
-  }
-  _table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  _table->setSelectionBehavior(QAbstractItemView::SelectRows);
-  _table->setSelectionMode(QAbstractItemView::SingleSelection);
-  _table->verticalHeader()->hide();
-  _table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-  _table->setMinimumHeight(fontMetrics().height() * 3 / 2 * 7);
-  _table->horizontalHeader()->setSectionsMovable(false);
-  _table->sortByColumn(0, Qt::AscendingOrder);
+  _table->setRowCount(static_cast<int>(_result.slices.size()));
+  for (int row = 0; row < _table->rowCount(); ++row) fillRow(row);
+  _table->sortByColumn(0, Qt::AscendingOrder); // the order of the stack
   _table->setSortingEnabled(true);
   _table->resizeColumnsToContents();
+}
+
+void NYXSpatialResultWindow::fillRow(int row)
+{
+  const NYXSpatialResult::Slice& slice = _result.slices[static_cast<std::size_t>(row)];
+  auto* const name = new NumberCell(slice.name, row);
+  name->setData(sliceRole, row);
+  name->setToolTip(objectsText(slice.numObjects));
+  _table->setItem(row, 0, name);
+  for (std::size_t k = 0; k < slice.functions.size(); ++k)
+  {
+    const auto& evaluation = slice.functions[k].evaluation;
+    const double pValue = evaluation ? evaluation->pValue : std::nan("");
+    auto* const cell = new NumberCell(numberText(pValue, 6), pValue);
+    cell->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    _table->setItem(row, static_cast<int>(k) + 1, cell);
+  }
 }
 
 /// Not a part of the table: what it combines are its rows.

@@ -52,7 +52,8 @@ private:
   QAction* addToolAction(const QString& text, const QString& toolTip, const QKeySequence& shortcut, const char* icon,
                          void (NYXSpatialResultWindow::*slot)());
   QWidget* createNumbers();
-  void fillTable();
+  void createTable();
+  void fillRow(int row);
   QWidget* createCombinations();
   QWidget* createMessages();
   void createPlots();
