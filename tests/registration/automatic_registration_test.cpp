@@ -36,6 +36,10 @@ TEST_F(AutomaticRegistration, AlignsTheCurrentSliceInOneStep)
   const double after = part<QLabel>("correlationAfter").text().toDouble();
   EXPECT_LT(before, 0.9);
   EXPECT_GT(after, 0.97);
+  EXPECT_TRUE(window->statusBar().currentMessage().contains("Undo"));
+  part<QPushButton>("runButton").click(); // finds the same again
+  EXPECT_EQ(stack->history().getUndoListSize(), 1);
+  EXPECT_FALSE(window->statusBar().currentMessage().contains("Undo")); // it would take the run before back
   action("undo").trigger();
   EXPECT_TRUE(window->statusBar().currentMessage().isEmpty()); // the slice is not registered any more
   EXPECT_TRUE(mediator().getRegistration().isNull());
