@@ -44,7 +44,6 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
 void NYXRegistrationWindow::layOut()
 {
   _view->toolBar().hide();
-  _statusBar->setImageFields(_view->statusBar());
   auto* panels = new QWidget;
   auto* panelLayout = new QVBoxLayout(panels);
   panelLayout->addWidget(_panel);
@@ -66,6 +65,7 @@ void NYXRegistrationWindow::layOut()
   layout->addWidget(_toolBar);
   layout->addLayout(content, 1);
   layout->addWidget(_statusBar);
+  layout->addWidget(&_view->statusBar(), 0, Qt::AlignRight); // beneath, so that narrow windows have place for hints
 }
 
 void NYXRegistrationWindow::setStack(NYXStack* stack)
