@@ -86,7 +86,7 @@ void NYXRegistrationWindow::restoreGeometryFromSettings()
   const QSettings store;
   const QSize screen = QGuiApplication::primaryScreen()->size();
   const QSize stored = store.value("registrationWindow/size").toSize();
-  const QSize size = stored.isEmpty() ? screen * 3 / 4 : stored;
+  const QSize size = stored.isEmpty() ? screen * 9 / 10 : stored;
   const QPoint position = store.value("registrationWindow/pos").toPoint();
   const QScreen* at = QGuiApplication::screenAt(QRect(position, size).center());
   if (store.contains("registrationWindow/pos") && at != nullptr) move(position);
