@@ -113,6 +113,7 @@ private:
   void createActions();
   void connectParts();
   void go(void (NYXRegistrationMediator::*navigate)());
+  void showImages();
   void showSlice();
   void showSliceNames();
   void updateActions();
