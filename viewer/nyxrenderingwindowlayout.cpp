@@ -384,38 +384,34 @@ void NYXRenderingWindow::exportSurfaces()
   if (dialog.exec() != QDialog::Accepted) return;
   SurfaceExport target = dialog.target();
   target.prefix = _stack.getName();
-  if (exportTo(target)) return;
-  target.overwrite = true;
-  exportTo(target);
-}
-
-/// \return false when files exist that the user wants to replace
-bool NYXRenderingWindow::exportTo(const SurfaceExport& target)
-{
-  ProgressSubject subject;
-  ExportedSurfaces exported;
   const ShownStack shown =
       copyShown(_stack, _models->shownModels(), [this](const ModelItem& item) { return _models->isShown(item); });
   try
   {
-    if (!runWithProgress(this, tr("Export surfaces"), subject, nullptr,
-                         [&] { exported = ::exportSurfaces(shown, target, subject); }))
-      return true;
+    const std::vector<std::string> existing = existingTargets(shown, target);
+    target.overwrite = !existing.empty();
+    if (target.overwrite && !confirmOverwrite(existing)) return;
+    exportTo(target, shown);
   }
   catch (const Exception& error)
   {
-    const QString reason = errorText(error);
-    if (!target.overwrite && reason.endsWith("file exists")) return !confirmOverwrite(reason);
-    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), reason, QMessageBox::Ok, this);
+    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), errorText(error), QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
     box.exec();
-    return true;
   }
+}
+
+void NYXRenderingWindow::exportTo(const SurfaceExport& target, const ShownStack& shown)
+{
+  ProgressSubject subject;
+  ExportedSurfaces exported;
+  if (!runWithProgress(this, tr("Export surfaces"), subject, nullptr,
+                       [&] { exported = ::exportSurfaces(shown, target, subject); }))
+    return;
   const auto numFiles = static_cast<int>(exported.filenames.size());
   const auto numLeftOut = static_cast<int>(exported.warnings.size());
   QString text = tr("%n files written", nullptr, numFiles);
   if (numLeftOut > 0)
     text += "; " + tr("%n models left out: ", nullptr, numLeftOut) + QString::fromStdString(exported.warnings.front());
   showMessage(text);
-  return true;
 }
