@@ -187,9 +187,15 @@ void NYXSceneModels::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEv
   markMovedSlices(event.getSlice().getStack());
 }
 
+void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  if (event.getSlice().getStack() == &_stack) emit modelsChanged(); // items are listed by their slices
+}
+
+/// Other changes of slices have events of their own.
 void NYXSceneModels::processSliceAction(NYXSliceAction& action)
 {
-  if (&action.getStack() == &_stack) markAll();
+  if (&action.getStack() == &_stack && action.changesPlaces()) markAll();
 }
 
 void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)

@@ -62,6 +62,7 @@ protected:
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
   void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
   void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
+  void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;

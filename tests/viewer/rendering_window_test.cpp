@@ -4,6 +4,7 @@
 #include "app/core/actions/nyxitemverticeschangeaction.h"
 #include "app/core/actions/nyxmodeldeletionaction.h"
 #include "app/core/actions/nyxmodelpropertiesaction.h"
+#include "app/core/actions/nyxslicepropertiesaction.h"
 #include "model/io/stackreader.h"
 #include "model/pose.h"
 #include "viewer/landmarksdelegate.h"
@@ -357,7 +358,7 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
   EXPECT_EQ(volume.getSlices(), (std::array{volume.getSizes()[0] - 1, volume.getSizes()[1] - 1, 0})); // rows go down
   auto* const kind = other.findChild<QComboBox*>("volumeKind");
   EXPECT_EQ(kind->currentIndex(), NYXSceneImages::OrthogonalSlices);
-  other.images().refresh();
+  other.images().setVolume(NYXSceneImages::NoVolume);
   EXPECT_EQ(kind->currentIndex(), NYXSceneImages::NoVolume);
   EXPECT_FALSE(other.findChild<QSlider*>("volumeSliceX")->isEnabled());
   for (int i = 0; i < specimen.getNumModels(); ++i) other.models().showModel(*specimen.getModel(i), false);
@@ -367,4 +368,38 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
   EXPECT_TRUE(QTest::qWaitFor([&] { return !note->isVisible(); })); // the image is something
   EXPECT_FALSE(window->images().setVolume(NYXSceneImages::Cloud));  // there is no image
   EXPECT_EQ(window->images().getVolume(), NYXSceneImages::NoVolume);
+}
+
+TEST_F(RenderingWindow, ChangesOfSlicesRebuildWhatTheyMove)
+{
+  auto example = std::make_unique<NYXStack>();
+  StackReader().read(*example, MIRELO_EXAMPLE);
+  NYXStack& specimen = NYXStackServer::server().addStack(std::move(example));
+  NYXRenderingWindow& other = NYXRenderingWindow::showFor(specimen, 2);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !other.models().isStale() && !other.models().isRunning(); }));
+  ASSERT_TRUE(other.images().setVolume(NYXSceneImages::OrthogonalSlices));
+  PainterGL<float>* const volume = other.canvas().getPainters().back();
+  StackSlice& slice = *specimen.getSlice(2);
+  const auto change = [&](const std::function<void(NYXSliceProperties&)>& edit)
+  {
+    NYXSliceProperties properties(slice);
+    edit(properties);
+    specimen.history().pushStep(std::make_unique<NYXSlicePropertiesAction>(slice, properties));
+  };
+  change([](NYXSliceProperties& properties) { properties.name = "another name"; });
+  EXPECT_FALSE(other.models().isStale());
+  QTest::qWait(150);
+  EXPECT_EQ(other.canvas().getPainters().back(), volume);
+  const float top = volume->boundingBox().getMaximum()[2];
+  change(
+      [](NYXSliceProperties& properties)
+      {
+        properties.position = NYXSliceProperties::Relative;
+        properties.depth = 500;
+      });
+  EXPECT_TRUE(other.models().isStale());
+  const auto isHigher = [&](const PainterGL<float>& painter)
+  { return painter.boundingBox().getMaximum()[2] > top + 100; };
+  EXPECT_TRUE(QTest::qWaitFor([&] { return isHigher(*other.canvas().getPainters().back()); }));
+  EXPECT_EQ(other.images().getVolume(), NYXSceneImages::OrthogonalSlices); // still shown
 }
