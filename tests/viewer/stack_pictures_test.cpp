@@ -178,6 +178,23 @@ TEST_F(ScenePictures, VolumesLieWhereTheSlicesLie)
   scene.removePainters();
 }
 
+TEST_F(ScenePictures, VolumesOfLargeImagesHaveTheExtentOfTheImages)
+{
+  auto voxels = std::make_shared<VoxelMatrix<unsigned char>>(301, 700, 3);
+  voxels->setZeros();
+  Stack stack;
+  stack.setDefaultRelativePosition(5);
+  for (int k = 0; k < 3; ++k)
+    stack.addSlice(std::make_unique<StackSlice>())
+        .setImageSource(ImageSourceVoxelMatrixPlane(std::shared_ptr<const VoxelMatrix<unsigned char>>(voxels), k));
+  ProgressSubject subject;
+  const auto painter = createStackVolume(stack, VoxelMatrixPainterGL::OrthogonalSlices, subject);
+  const Vector<float> size = painter->boundingBox().getMaximum() - painter->boundingBox().getMinimum();
+  EXPECT_NEAR(size[0], 700, 1e-2);
+  EXPECT_NEAR(size[1], 301, 1e-2);
+  EXPECT_NEAR(size[2], 15, 1e-4);
+}
+
 TEST_F(StackPictures, ReconstructionStopsWhenItIsCancelled)
 {
   struct Canceller : ProgressObserver
