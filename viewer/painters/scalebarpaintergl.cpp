@@ -1,7 +1,7 @@
 #include "viewer/painters/scalebarpaintergl.h"
 
 #include "viewer/painters/materialgl.h"
-#include "viewer/painters/stategl.h"
+#include "viewer/painters/pixelviewgl.h"
 #include "viewer/painters/strokefont.h"
 
 #include <cmath>
@@ -52,18 +52,7 @@ void ScaleBarPainterGL::paint(PaintPass pass)
 {
   const auto length = static_cast<float>(getNumPixels());
   if (!(length > 0)) return;
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LINE_BIT | GL_VIEWPORT_BIT | GL_TRANSFORM_BIT |
-                      GL_DEPTH_BUFFER_BIT);
-  const MatricesGL matrices;
-  glViewport(0, 0, _width, _height);
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glOrtho(0, _width, 0, _height, -1, 1);
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  glDisable(GL_LIGHTING);
-  glDepthFunc(GL_ALWAYS); // nothing that comes later covers it
-  glDepthRange(0, 0);
+  const PixelViewGL view(_width, _height);
   MaterialGL{_color}.applyColor(pass);
   glLineWidth(1.5F * _pixelRatio);
   const float x = margin * _pixelRatio, y = x, half = tick * _pixelRatio;
