@@ -48,9 +48,17 @@ TEST(SymbolMesh, HasTheVolumeOfItsSolid)
     EXPECT_EQ(mesh.getNumTriangles(), c.numFaces);
     EXPECT_NEAR(mesh.volume(), c.volume, 1e-6);
   }
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Cube)).size(), 2U * 24); // each edge from both of its faces
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Tetrahedron)).size(), 2U * 12);
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Sphere, 0)).size(), 2U * 30);
+  EXPECT_EQ(symbolLines(VertexSymbol::Cube).ends.size(), 2U * 24); // each edge from both of its faces
+  EXPECT_EQ(symbolLines(VertexSymbol::Tetrahedron).ends.size(), 2U * 12);
+  EXPECT_TRUE(symbolLines(VertexSymbol::Dot).ends.empty());
+  const SymbolLines circles = symbolLines(VertexSymbol::Sphere);
+  double length = 0; // of three circles of diameter 1
+  for (std::size_t i = 0; i < circles.ends.size(); i += 2)
+  {
+    const float *p = circles.vertices.data(circles.ends[i]), *q = circles.vertices.data(circles.ends[i + 1]);
+    length += std::hypot(p[0] - q[0], p[1] - q[1], p[2] - q[2]);
+  }
+  EXPECT_NEAR(length, 3 * std::numbers::pi, 0.05);
   const TriMesh<float> sphere = symbolMesh(VertexSymbol::Sphere, 3);
   EXPECT_EQ(sphere.getNumTriangles(), 20 * 64);
   EXPECT_EQ(sphere.getSize(), 10 * 64 + 2); // welded
@@ -206,6 +214,7 @@ TEST_F(ScenePictures, SymbolsAreFilledOrNotAndDotsKeepTheirSize)
     return count;
   };
   EXPECT_GT(numColored(VertexSymbol::Cube, true, 6, 1), 2 * numColored(VertexSymbol::Cube, false, 6, 1));
+  EXPECT_GT(numColored(VertexSymbol::Sphere, true, 6, 1), 2 * numColored(VertexSymbol::Sphere, false, 6, 1));
   const int dots = numColored(VertexSymbol::Dot, true, 9, 0.5F);
   EXPECT_NEAR(dots, 2 * std::numbers::pi / 4 * 81, 16);
   EXPECT_NEAR(numColored(VertexSymbol::Dot, true, 9, 0.25F), dots, 2);
