@@ -272,18 +272,6 @@ TEST_F(ScenePictures, CloudsShowEachVoxelInPlace)
   }
 }
 
-TEST_F(ScenePictures, SlicesOfAVolumeAreOpaqueWhereItIsBlack)
-{
-  VoxelMatrix<unsigned char> volume(4, 4, 4);
-  volume.setZeros();
-  VoxelMatrixPainterGL painter(volume, {}, VoxelMatrixPainterGL::OrthogonalSlices);
-  scene.setBackground({BackgroundGL::None, {0, 0, 0}});
-  scene.addPainter(painter);
-  scene.updateBoundingBox();
-  EXPECT_EQ(draw(100, 100).alphaAt(50, 50), 255);
-  scene.removePainters();
-}
-
 /// The last blocks of voxels that are drawn as one are not whole: what is in the others stays in its place.
 TEST_F(ScenePictures, LargeVolumesKeepTheirExtent)
 {

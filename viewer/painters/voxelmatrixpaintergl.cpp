@@ -70,11 +70,21 @@ BoundingBox<float> VoxelMatrixPainterGL::boundingBox() const
   return box;
 }
 
-/// The cloud is as opaque as it is bright.
+/// The cloud is as opaque as it is bright, slices wherever there is an image.
 void VoxelMatrixPainterGL::upload()
 {
-  _texture.fill3D(_mode == Cloud ? GL_INTENSITY8 : GL_LUMINANCE8, GL_LUMINANCE, _texels[1], _texels[0], _texels[2],
-                  _voxels.data());
+  const auto fill = [this](GLint internalFormat, GLenum format, const std::vector<std::uint8_t>& data)
+  { _texture.fill3D(internalFormat, format, _texels[1], _texels[0], _texels[2], data.data()); };
+  if (_mode == Cloud)
+    fill(GL_INTENSITY8, GL_LUMINANCE, _voxels);
+  else
+  {
+    std::vector<std::uint8_t> withAlpha;
+    withAlpha.reserve(2 * _voxels.size());
+    for (const std::uint8_t voxel : _voxels)
+      withAlpha.insert(withAlpha.end(), {voxel, voxel > 0 ? std::uint8_t{255} : std::uint8_t{0}});
+    fill(GL_LUMINANCE8_ALPHA8, GL_LUMINANCE_ALPHA, withAlpha);
+  }
   _voxels = {};
 }
 
@@ -97,6 +107,8 @@ void VoxelMatrixPainterGL::drawSlice(std::size_t axis, float place) const
 
 void VoxelMatrixPainterGL::paintSlices() const
 {
+  glEnable(GL_ALPHA_TEST);
+  glAlphaFunc(GL_GREATER, 0.5F);
   glBegin(GL_QUADS);
   for (std::size_t axis = 0; axis < 3; ++axis) drawSlice(axis, static_cast<float>(_slices[axis]) + 0.5F);
   glEnd();

@@ -20,7 +20,7 @@ struct VolumePlacement
 };
 
 /// Draws a volume of grey levels: three slices across it where they lie, as opaque images, or all of it as a cloud that
-/// is as dense as the voxels are bright.
+/// is as dense as the voxels are bright. Voxels of no image are 0 and not drawn, black ones are 1.
 class VoxelMatrixPainterGL : public PainterGL<float>
 {
 public:

@@ -73,7 +73,7 @@ ExportedSurfaces exportSurfaces(const ShownStack& shown, const SurfaceExport& ta
   for (const Target& t : targets)
   {
     subject.throwIfCancelled(signature);
-    const ModelGeometry geometry = modelGeometry(*t.model, reconstruction, target.isClosed);
+    const ModelGeometry geometry = modelGeometry(*t.model, reconstruction, subject, target.isClosed);
     subject.progress(&t - targets.data() + 1);
     if (!geometry.surface)
     {

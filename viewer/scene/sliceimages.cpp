@@ -138,7 +138,7 @@ std::vector<int> nearestSlices(const Grid& grid, const Vector<float>& heights)
   return nearest;
 }
 
-/// Fills a plane with what a slice's image has at the places of its pixels, 0 where it has nothing.
+/// Fills a plane with what a slice's image has at the places of its pixels: at least 1, and 0 where it has nothing.
 void fillPlane(PixelMatrix<unsigned char>& plane, const Grid& grid, const PixelMatrix<unsigned char>& image, int step,
                const Vector<float>& m)
 {
@@ -153,7 +153,7 @@ void fillPlane(PixelMatrix<unsigned char>& plane, const Grid& grid, const PixelM
       const int column = static_cast<int>(std::floor(u / static_cast<float>(step)));
       const int row = static_cast<int>(std::floor(v / static_cast<float>(step)));
       const bool isInside = row >= 0 && row < image.getSize1() && column >= 0 && column < image.getSize2();
-      plane(i, j) = isInside ? image(row, column) : 0;
+      plane(i, j) = isInside ? std::max<unsigned char>(image(row, column), 1) : 0;
     }
 }
 } // namespace
