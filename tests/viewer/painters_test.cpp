@@ -171,10 +171,10 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
   Colormap map(2);
   map.setColor(1, {0, 0, 255});
   map.setColor(0, {255, 0, 0});
-  const auto middle = [&](const QuadMesh<float>& m, MeshStyle style)
+  const auto middle = [&](const QuadMesh<float>& m, MeshStyle style, float opacity = 255)
   {
     QuadMeshPainterGL painter(m, style);
-    painter.setMaterial({{0, 255, 0}, 255, 0});
+    painter.setMaterial({{0, 255, 0}, opacity, 0});
     scene.removePainters();
     scene.addPainter(painter);
     scene.updateBoundingBox();
@@ -189,6 +189,10 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
   EXPECT_NE(middle(mesh, MeshStyle::Lines), (Rgb{0, 0, 0})); // the edge between the two triangles of a cap
   mesh.buildVertexColors(values.toType<float>(), map);
   EXPECT_EQ(middle(mesh, MeshStyle::Surface), (Rgb{0, 0, 255})); // the upper row's colour
+  const Rgb blended = middle(mesh, MeshStyle::Surface, 127.5F);  // half of it over a quarter of the lower one's
+  EXPECT_NEAR(blended[0], 64, 2);
+  EXPECT_NEAR(blended[1], 0, 2);
+  EXPECT_NEAR(blended[2], 128, 2);
 }
 
 TEST_F(ScenePictures, SymbolsAreFilledOrNotAndDotsKeepTheirSize)
