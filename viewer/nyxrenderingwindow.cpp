@@ -246,6 +246,7 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
 
 void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
+  showLandmarks(); // the unit may be another one
   refreshImages(&event.getStack());
 }
 

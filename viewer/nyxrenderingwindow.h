@@ -92,6 +92,8 @@ private:
   void showTitle();
   void showEmptyNote();
   void showProblems(const QString& error);
+  /// The symbol of the unit of length.
+  QString unit() const;
   void showLandmarks();
   void showMessage(const QString& text);
   void refreshImages(const Stack* stack);

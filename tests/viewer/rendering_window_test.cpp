@@ -28,6 +28,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QSlider>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolTip>
@@ -183,7 +184,10 @@ TEST_F(RenderingWindow, NamesTheModelUnderTheCursorAndMarksLandmarks)
   QTest::mouseClick(&canvas, Qt::LeftButton, {}, {1, 1}); // beside the models
   ASSERT_EQ(landmarks.getLandmarks().size(), 1u);
   for (std::size_t axis = 0; axis < 3; ++axis) EXPECT_NEAR(landmarks.getLandmarks()[0][axis], hit->point[axis], 1e-6);
-  EXPECT_EQ(landmarks.toText().count('\n'), 2);
+  EXPECT_THAT(landmarks.toText("nm").toStdString(),
+              testing::StartsWith("Landmark\tX (nm)\tY (nm)\tZ (nm)\tDistance (nm)\n1\t"));
+  auto* const table = window->findChild<QTableWidget*>("landmarks");
+  EXPECT_EQ(table->horizontalHeaderItem(2)->text(), QString::fromUtf8("Z (µm)"));
 }
 
 TEST_F(RenderingWindow, SavesAppliesAndDeletesPoses)

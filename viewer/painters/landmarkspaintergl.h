@@ -22,6 +22,7 @@ public:
 
 private:
   void paintDots(float size) const;
+  void paintNumbers(const std::vector<std::array<float, 2>>& places, float lineWidth) const;
 
   std::vector<Point> _points;
   float _pixelRatio = 1;
