@@ -195,6 +195,26 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
   EXPECT_NEAR(blended[2], 128, 2);
 }
 
+/// On screens of twice the density, and in snapshots of a multiple of the window's size.
+TEST_F(ScenePictures, LinesAndDotsGrowWithThePicture)
+{
+  CurveStack<float> square;
+  square.append(squareCurve(10, 0));
+  VertexStack<float> points;
+  points.append(squareCurve(10, 0));
+  CurveStackPainterGL lines(square, {{{0, 0, 255}, 3}});
+  VerticesPainterGL dots(points, {{VertexSymbol::Dot, true, 8, {255, 255, 255}}});
+  VerticesPainterGL edges(points, {{VertexSymbol::Cube, false, 4, {255, 255, 255}}});
+  for (PainterGL<float>* painter : std::initializer_list<PainterGL<float>*>{&lines, &dots, &edges})
+  {
+    scene.addPainter(*painter);
+    scene.updateBoundingBox();
+    const int once = draw(200, 200, 0, 1).numColored(), twice = draw(400, 400, 0, 2).numColored();
+    EXPECT_NEAR(twice, 4 * once, 0.2 * twice);
+    scene.removePainters();
+  }
+}
+
 TEST_F(ScenePictures, SymbolsAreFilledOrNotAndDotsKeepTheirSize)
 {
   VertexStack<float> points;

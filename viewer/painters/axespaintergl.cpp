@@ -24,7 +24,7 @@ void AxesPainterGL::setView(int width, int height, float pixelRatio, const std::
 {
   _width = width;
   _height = height;
-  _pixelRatio = pixelRatio;
+  setPixelRatio(pixelRatio);
   _rotation = rotation;
 }
 
@@ -32,9 +32,9 @@ void AxesPainterGL::setView(int width, int height, float pixelRatio, const std::
 void AxesPainterGL::paint(PaintPass pass)
 {
   const PixelViewGL view(_width, _height);
-  glTranslatef(static_cast<float>(_width) - margin * _pixelRatio, margin * _pixelRatio, 0);
-  glScalef(_pixelRatio, _pixelRatio, 1);
-  glLineWidth(2 * _pixelRatio);
+  glTranslatef(static_cast<float>(_width) - margin * getPixelRatio(), margin * getPixelRatio(), 0);
+  glScalef(getPixelRatio(), getPixelRatio(), 1);
+  glLineWidth(2 * getPixelRatio());
   const auto axis = [this](std::size_t k, const char* name, const std::array<int, 3>& color)
   {
     const auto at = [this, k](std::size_t row) { return static_cast<float>(_rotation[3 * row + k]); };

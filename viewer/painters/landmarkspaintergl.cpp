@@ -38,7 +38,7 @@ void paintNumber(std::size_t number, const std::array<float, 2>& place, float he
 
 void LandmarksPainterGL::paintDots(float size) const
 {
-  glPointSize(size * _pixelRatio);
+  glPointSize(size * getPixelRatio());
   glBegin(GL_POINTS);
   for (const Point& p : _points) glVertex3dv(p.data());
   glEnd();
@@ -46,9 +46,9 @@ void LandmarksPainterGL::paintDots(float size) const
 
 void LandmarksPainterGL::paintNumbers(const std::vector<std::array<float, 2>>& places, float lineWidth) const
 {
-  glLineWidth(lineWidth * _pixelRatio);
+  glLineWidth(lineWidth * getPixelRatio());
   glBegin(GL_LINES);
-  for (std::size_t i = 0; i < places.size(); ++i) paintNumber(i + 1, places[i], letter * _pixelRatio);
+  for (std::size_t i = 0; i < places.size(); ++i) paintNumber(i + 1, places[i], letter * getPixelRatio());
   glEnd();
 }
 

@@ -45,7 +45,7 @@ void ScaleBarPainterGL::setView(int width, int height, double lengthPerPixel, fl
   _width = width;
   _height = height;
   _lengthPerPixel = lengthPerPixel;
-  _pixelRatio = pixelRatio;
+  setPixelRatio(pixelRatio);
 }
 
 void ScaleBarPainterGL::paint(PaintPass pass)
@@ -54,8 +54,8 @@ void ScaleBarPainterGL::paint(PaintPass pass)
   if (!(length > 0)) return;
   const PixelViewGL view(_width, _height);
   MaterialGL{_color}.applyColor(pass);
-  glLineWidth(1.5F * _pixelRatio);
-  const float x = margin * _pixelRatio, y = x, half = tick * _pixelRatio;
+  glLineWidth(1.5F * getPixelRatio());
+  const float x = margin * getPixelRatio(), y = x, half = tick * getPixelRatio();
   glBegin(GL_LINES);
   for (const auto& [x1, y1, x2, y2] : {std::array{x, y, x + length, y}, std::array{x, y - half, x, y + half},
                                        std::array{x + length, y - half, x + length, y + half}})
@@ -65,6 +65,6 @@ void ScaleBarPainterGL::paint(PaintPass pass)
   }
   glEnd();
   const std::string text = lengthText(getLength(), _unit);
-  const float height = letter * _pixelRatio;
+  const float height = letter * getPixelRatio();
   drawText(text, x + std::max((length - height * StrokeFont::width(text)) / 2, 0.F), y + 2 * half, height);
 }

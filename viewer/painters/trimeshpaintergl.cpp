@@ -197,8 +197,8 @@ void TriMeshPainterGL::paint(PaintPass pass)
   const bool isOneSided = isSurface && (_material.isEconomic || (_isSolid && pass == PaintPass::Opaque));
   _material.apply(pass, isOneSided);
   if (isSurface) selectFaces(pass, isOneSided);
-  glLineWidth(1); // wide lines of a fine mesh would look like its surface
-  glPointSize(dotSize);
+  glLineWidth(getPixelRatio()); // wide lines of a fine mesh would look like its surface
+  glPointSize(dotSize * getPixelRatio());
   if (isSeenFromAnySide() && pass != PaintPass::Picking) glEnable(GL_LIGHT1);
   enableArrays(pass);
   draw();

@@ -102,7 +102,8 @@ void VerticesPainterGL::paintDots(const Run& run, PaintPass pass) const
     glEnable(GL_ALPHA_TEST); // the corners of smooth points are transparent
     glAlphaFunc(GL_GREATER, 0);
   }
-  glPointSize(std::max(run.style.symbol == VertexSymbol::Dot ? run.style.size : economicDotSize, 1.F));
+  const float size = run.style.symbol == VertexSymbol::Dot ? run.style.size : economicDotSize;
+  glPointSize(std::max(size, 1.F) * getPixelRatio());
   _dotBuffer.bind();
   glVertexPointer(3, GL_FLOAT, 0, nullptr);
   glDrawArrays(GL_POINTS, run.firstDot, run.numDots);
@@ -116,6 +117,7 @@ void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
   material.color = run.style.color;
   material.apply(pass);
   selectFaces(pass, false);
+  glLineWidth(getPixelRatio());
   if (!isFilled) glDisable(GL_LIGHTING); // lines have no side that faces the light
   _symbolBuffer.bind();
   glVertexPointer(3, GL_FLOAT, 0, nullptr);
@@ -133,7 +135,7 @@ void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
 void VerticesPainterGL::paint(PaintPass pass)
 {
   if (_box.isEmpty()) return;
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_POINT_BIT |
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_POINT_BIT | GL_LINE_BIT |
                       GL_COLOR_BUFFER_BIT | GL_MULTISAMPLE_BIT);
   if (!_dotBuffer.isFilled()) upload();
   glEnableClientState(GL_VERTEX_ARRAY);
