@@ -53,6 +53,13 @@ void inDialogs(const std::function<void(QDialog&)>& act, const std::function<voi
   work();
 }
 
+NYXStack& openExample()
+{
+  auto example = std::make_unique<NYXStack>();
+  StackReader().read(*example, MIRELO_EXAMPLE);
+  return NYXStackServer::server().addStack(std::move(example));
+}
+
 QImage pictureOf(ViewerCanvasGL& canvas)
 {
   return canvas.uncroppedSnapshot();
@@ -149,11 +156,8 @@ TEST_F(RenderingWindow, StandardViewsHaveKeys)
 TEST_F(RenderingWindow, CentresOnTheSurfaceUnderTheCursor)
 {
   ViewerCanvasGL& canvas = window->canvas();
-  const auto place = canvas.camera().project({-30, 0, 40}, canvas.width(), canvas.height()); // inside the left tube
-  window->findChild<QTreeWidget*>("shownModels"); // its wall is hit, the tubes being open at their ends
   canvas.setRotation(0, 60, 0);
   const auto wall = canvas.camera().project({-40, 0, 20}, canvas.width(), canvas.height());
-  static_cast<void>(place);
   const QPoint point(static_cast<int>(wall[0]), canvas.height() - 1 - static_cast<int>(wall[1]));
   const auto before = canvas.pick(point);
   ASSERT_TRUE(before);
@@ -318,9 +322,7 @@ TEST_F(RenderingWindow, SnapshotsGoToFiles)
 
 TEST_F(RenderingWindow, DrawsTheSamePictureAsTheBatchTool)
 {
-  auto example = std::make_unique<NYXStack>();
-  StackReader().read(*example, MIRELO_EXAMPLE);
-  NYXStack& specimen = NYXStackServer::server().addStack(std::move(example));
+  NYXStack& specimen = openExample();
   NYXRenderingWindow& other = NYXRenderingWindow::showFor(specimen, 0);
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
   ASSERT_TRUE(QTest::qWaitFor([&] { return !other.models().isStale() && !other.models().isRunning(); }));
@@ -338,9 +340,7 @@ TEST_F(RenderingWindow, DrawsTheSamePictureAsTheBatchTool)
 
 TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
 {
-  auto example = std::make_unique<NYXStack>();
-  StackReader().read(*example, MIRELO_EXAMPLE);
-  NYXStack& specimen = NYXStackServer::server().addStack(std::move(example));
+  NYXStack& specimen = openExample();
   NYXRenderingWindow& other = NYXRenderingWindow::showFor(specimen, 2);
   ASSERT_TRUE(QTest::qWaitFor([&] { return !other.models().isStale() && !other.models().isRunning(); }));
   const std::size_t numPainters = other.canvas().getPainters().size();
@@ -376,9 +376,7 @@ TEST_F(RenderingWindow, ShowsImagesOfSlicesInTheirPlace)
 
 TEST_F(RenderingWindow, ChangesOfSlicesRebuildWhatTheyMove)
 {
-  auto example = std::make_unique<NYXStack>();
-  StackReader().read(*example, MIRELO_EXAMPLE);
-  NYXStack& specimen = NYXStackServer::server().addStack(std::move(example));
+  NYXStack& specimen = openExample();
   NYXRenderingWindow& other = NYXRenderingWindow::showFor(specimen, 2);
   ASSERT_TRUE(QTest::qWaitFor([&] { return !other.models().isStale() && !other.models().isRunning(); }));
   ASSERT_TRUE(other.images().setVolume(NYXSceneImages::OrthogonalSlices));
