@@ -167,6 +167,7 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
   for (int i = 0; i < 2; ++i) rows.level(i).reverse(); // clockwise, so that it is seen from outside
   QuadMesh<float> mesh(rows);
   Matrix<double> values(2, 4);
+  values.setZeros();
   for (int j = 0; j < 4; ++j) values(1, j) = 1;
   Colormap map(2);
   map.setColor(1, {0, 0, 255});
