@@ -259,9 +259,32 @@ TEST_F(RenderingWindow, CanBeCancelledAndRebuilt)
   EXPECT_TRUE(window->models().isStale());
   QTest::qWait(150);
   EXPECT_EQ(painterOf("left"), left); // as it was
+  PainterGL<float>* const right = painterOf("right");
+  NYXModelProperties curves(model(1));
+  curves.properties.setRenderingMode(RenderingMode::Curve);
+  stack.history().pushStep(std::make_unique<NYXModelPropertiesAction>(model(1), curves));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return painterOf("right") != right; }));
+  EXPECT_EQ(painterOf("left"), left); // what was cancelled does not start again with another model's change
   window->models().rebuild();
   waitUntilBuilt();
   EXPECT_NE(painterOf("left"), nullptr);
+}
+
+TEST_F(RenderingWindow, ShowsPropertiesThatChangeDuringTheReconstruction)
+{
+  NYXModelProperties transparent(model(0));
+  transparent.properties.setSurfaceOpacity(100);
+  bool isChanged = false;
+  QObject::connect(&window->models(), &NYXSceneModels::progressChanged, window,
+                   [&]
+                   {
+                     if (std::exchange(isChanged, true)) return;
+                     stack.history().pushStep(std::make_unique<NYXModelPropertiesAction>(model(0), transparent));
+                   });
+  window->models().rebuild();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return isChanged; }));
+  waitUntilBuilt();
+  EXPECT_TRUE(painterOf("left")->isTransparent());
 }
 
 TEST_F(RenderingWindow, WritesTheSurfacesThatAreShown)
