@@ -1,5 +1,7 @@
 #include "app/nyxrootmediator.h"
 
+#include "analysis/nyxanalysiswindow.h"
+#include "analysis/nyxanalysiswindowmediator.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/actions/nyxsliceorderaction.h"
 #include "app/core/nyxeventserver.h"
@@ -27,6 +29,7 @@
 #include "slice/nyxnavigationtoolbar.h"
 #include "slice/nyxsliceeditwidget.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
+#include "slice/nyxsliceeditwidgetmediatorselectiondelegate.h"
 #include "slice/nyxsliceeditwidgetstatusbar.h"
 #include "viewer/nyxrenderingwindow.h"
 
@@ -183,12 +186,49 @@ void NYXRootMediator::openRegistration()
   _registrationWindow->activateWindow();
 }
 
+void NYXRootMediator::openMeasures()
+{
+  if (_analysisWindow == nullptr)
+  {
+    _analysisWindow = new NYXAnalysisWindow(_window);
+    nameParts(*_analysisWindow);
+    connect(&_analysisWindow->mediator(), &NYXAnalysisWindowMediator::itemOpened, this, &NYXRootMediator::showItem);
+    connect(&_analysisWindow->mediator(), &NYXAnalysisWindowMediator::sliceOpened, this, &NYXRootMediator::revealSlice);
+  }
+  _analysisWindow->setStack(currentStack());
+  _analysisWindow->show();
+  _analysisWindow->raise();
+  _analysisWindow->activateWindow();
+}
+
+/// Selects an item on its slice, and shows it.
+void NYXRootMediator::showItem(ModelItem& item)
+{
+  if (item.getSlice() == nullptr) return;
+  revealSlice(item.getSlice()->getIndex());
+  NYXSliceEditWidget& editor = _sliceEditWidget->sliceWidget();
+  editor.editMediator().selection().selectItem(item);
+  const BoundingBox<int> box = item.boundingBox();
+  if (box.isEmpty()) return;
+  editor.mediator().reveal(
+      QRect(QPoint(box.getMinimum()[0], box.getMinimum()[1]), QPoint(box.getMaximum()[0], box.getMaximum()[1])));
+}
+
+void NYXRootMediator::revealSlice(int slice)
+{
+  finishTool();
+  _displaySingleSlice->trigger();
+  _sliceList->revealSlice(*currentStack()->getSlice(slice));
+  _window->activateWindow();
+}
+
 void NYXRootMediator::showCurrentStack()
 {
   NYXStack* stack = currentStack();
   _panorama->setStack(stack);
   _sliceList->setStack(stack);
   if (_registrationWindow != nullptr && _registrationWindow->isVisible()) _registrationWindow->setStack(stack);
+  if (_analysisWindow != nullptr) _analysisWindow->setStack(_analysisWindow->isVisible() ? stack : nullptr);
   followHistories();
   showStackState();
 }

@@ -9,6 +9,8 @@
 #include <functional>
 #include <string>
 
+class ModelItem;
+class NYXAnalysisWindow;
 class NYXOverview;
 class NYXPanorama;
 class NYXRegistrationWindow;
@@ -127,6 +129,9 @@ private:
   void refreshSlice(const StackSlice* slice);
   void editPreferences();
   void openRegistration();
+  void openMeasures();
+  void showItem(ModelItem& item);
+  void revealSlice(int slice);
   void selectView(bool isPanorama);
   void openSlice();
   void showView();
@@ -150,6 +155,7 @@ private:
   NYXRootStatusBar* _statusBar = nullptr;
   QToolBar* _toolBar = nullptr;
   NYXRegistrationWindow* _registrationWindow = nullptr; // made on first use
+  NYXAnalysisWindow* _analysisWindow = nullptr;         // made on first use
 
   QAction* _newWindow;
   QAction* _closeWindow;
@@ -181,6 +187,7 @@ private:
   QAction* _preferences;
 
   QList<QAction*> _process;
+  QAction* _measures;
   QAction* _runSpatialAnalysis;
   QAction* _refreshPlugins;
   QMenu* _pluginsMenu = nullptr;

@@ -202,6 +202,8 @@ void NYXRootMediator::createProcessActions()
 
 void NYXRootMediator::createAnalyzeActions()
 {
+  _measures = createStackAction(tr("Measures"), tr("Measure the models, the slices and the items of the stack"),
+                                QKeySequence("Ctrl+4"), [this] { openMeasures(); });
   _runSpatialAnalysis = createAction(tr("Run"), tr("Test whether objects are placed at random"), {},
                                      [this] { NYXSpatialAnalysisPlugin(*currentStack()).run(_window); });
 }
@@ -246,6 +248,7 @@ void NYXRootMediator::initProcessMenu(QMenu& menu)
 
 void NYXRootMediator::initAnalyzeMenu(QMenu& menu)
 {
+  menu.addAction(_measures);
   addMenu(menu, tr("Spatial analysis"), tr("How objects lie in space")).addAction(_runSpatialAnalysis);
 }
 

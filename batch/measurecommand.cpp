@@ -1,13 +1,15 @@
+#include "analysis/measures/stackmeasures.h"
 #include "batch/commands.h"
 #include "batch/json.h"
-#include "batch/measuretable.h"
 #include "batch/stackfile.h"
-#include "geometry/reconstruction/modelmorphometry.h"
+#include "batch/terminalprogress.h"
 #include "model/stack.h"
 #include "numeric/atomicfile.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <iostream>
 
@@ -23,45 +25,80 @@ struct Arguments
   bool overwrite = false;
 };
 
-/// A measure in the table: null where it cannot be computed, which the morphometry says by NaN or a negative value.
-Json measure(double value)
+std::vector<ModelMeasures> measureModels(const std::vector<const Model*>& models)
 {
-  return value >= 0 ? Json(value) : Json(nullptr);
-}
-
-Json modelRow(const Model& model)
-{
-  ModelMorphometry morphometry;
-  morphometry.setModel(model);
-  morphometry.run();
-  if (!morphometry.getWarning().empty()) warn(morphometry.getWarning());
-  Json average = nullptr;
-  if (const Vector<double>& center = morphometry.getIsobarycenter(); center.getSize() == 3 && std::isfinite(center[0]))
-    average = {center[0], center[1], center[2]};
-  const bool hasContours = model.getGeometry() != MPrimitive::Polypoint;
-  return {
-      {"model", model.getName()},
-      {"primitive", ModelProperties::toString(model.getGeometry())},
-      {"vertices", morphometry.getNumVertices()},
-      {"average", average},
-      {"contours", hasContours ? Json(morphometry.getNumContours()) : Json(nullptr)},
-      {"area", measure(morphometry.getArea())},
-      {"volume", measure(morphometry.getVolume())},
-  };
-}
-
-std::string modelsTable(const Json& rows, const std::string& unit)
-{
-  MeasureTable table({"Model", "Primitive", "Vertices", "AverageX [" + unit + "]", "AverageY [" + unit + "]",
-                      "AverageZ [" + unit + "]", "Contours", "Area [" + unit + "^2]", "Volume [" + unit + "^3]"});
-  for (const Json& row : rows)
+  std::vector<ModelMeasures> measures;
+  for (const Model* model : models)
   {
-    const Json& average = row["average"];
-    const auto coordinate = [&](std::size_t i) { return average.is_null() ? Json(nullptr) : average[i]; };
-    table.addRow({row["model"], row["primitive"], row["vertices"], coordinate(0), coordinate(1), coordinate(2),
-                  row["contours"], row["area"], row["volume"]});
+    measures.push_back(measureModel(*model));
+    if (!measures.back().remark.empty()) warn(measures.back().remark);
   }
-  return table.text();
+  return measures;
+}
+
+MeasureTable measureItems(const Stack& stack, const std::vector<const Model*>& models)
+{
+  if (models.size() != 1) throw BatchError("--sheet items measures one model; name it by --model");
+  TerminalProgress progress;
+  ProgressSubject subject;
+  subject.addObserver(progress);
+  return itemTable(stack, *models[0], subject);
+}
+
+MeasureTable measureTable(const StackFile& file, const Arguments& arguments)
+{
+  const std::vector<const Model*> models = selectModels(file, arguments.models);
+  if (arguments.sheet == "items") return measureItems(*file.stack, models);
+  if (arguments.sheet == "slices") return sliceTable(*file.stack, models);
+  return modelTable(measureModels(models), file.stack->getLengthUnit().symbol());
+}
+
+Json cell(const MeasureTable& table, int row, int column)
+{
+  const double value = table.getValue(row, column);
+  switch (table.getColumn(column).kind)
+  {
+  case MeasureColumn::Text:
+    return table.getText(row, column);
+  case MeasureColumn::Count:
+    return std::isnan(value) ? Json(nullptr) : Json(static_cast<long>(value));
+  default:
+    return std::isfinite(value) ? Json(value) : Json(nullptr);
+  }
+}
+
+/// Keys are the names of the columns in lower case; the coordinates of an average are one array, null when there is
+/// none.
+Json measuresRow(const MeasureTable& table, int row)
+{
+  Json result = Json::object();
+  for (int column = 0; column < table.getNumColumns(); ++column)
+  {
+    std::string key = table.getColumn(column).name;
+    std::transform(key.begin(), key.end(), key.begin(), [](unsigned char c) { return std::tolower(c); });
+    const Json value = cell(table, row, column);
+    if (!key.starts_with("average"))
+      result[key] = value;
+    else if (Json& average = result["average"]; !value.is_null())
+      average.push_back(value);
+  }
+  return result;
+}
+
+Json countsRow(const MeasureTable& table, int row)
+{
+  Json counts = Json::object();
+  for (int column = 1; column < table.getNumColumns(); ++column)
+    counts[table.getColumn(column).name] = cell(table, row, column);
+  return {{"slice", table.getText(row, 0)}, {"counts", counts}};
+}
+
+Json toJson(const MeasureTable& table, const std::string& sheet)
+{
+  Json rows = Json::array();
+  for (int row = 0; row < table.getNumRows(); ++row)
+    rows.push_back(sheet == "slices" ? countsRow(table, row) : measuresRow(table, row));
+  return rows;
 }
 
 void output(const Arguments& arguments, const std::string& text)
@@ -80,9 +117,8 @@ ExitStatus measure(const Arguments& arguments)
 {
   if (!arguments.out.empty()) requireWritable(arguments.out, arguments.overwrite);
   const StackFile file = requireStackFile(arguments.stack);
-  Json rows = Json::array();
-  for (const Model* model : selectModels(file, arguments.models)) rows.push_back(modelRow(*model));
-  output(arguments, arguments.json ? toText(rows) : modelsTable(rows, file.stack->getLengthUnit().symbol()));
+  const MeasureTable table = measureTable(file, arguments);
+  output(arguments, arguments.json ? toText(toJson(table, arguments.sheet)) : table.toCsv());
   return Done;
 }
 } // namespace
@@ -93,8 +129,10 @@ void addMeasureCommand(CLI::App& app, Run& run)
   CLI::App* command =
       app.add_subcommand("measure", "Print measures of a stack as comma-separated text, NA where there is no value");
   command->add_option("stack", arguments->stack, "stack file")->required();
-  command->add_option("--sheet", arguments->sheet, "what is measured")->required()->check(CLI::IsMember({"models"}));
-  command->add_option("--model", arguments->models, "a model to measure, repeatable; by default all")
+  command->add_option("--sheet", arguments->sheet, "what is measured")
+      ->required()
+      ->check(CLI::IsMember({"models", "slices", "items"}));
+  command->add_option("--model", arguments->models, "a model to measure, repeatable; by default all. Of items, one")
       ->allow_extra_args(false);
   command->add_flag("--json", arguments->json, "print JSON, null where there is no value");
   command->add_option("--out", arguments->out, "file to write instead of standard output");

@@ -1,7 +1,7 @@
+#include "analysis/measures/measuretable.h"
 #include "analysis/spatial/stackspatialanalysis.h"
 #include "batch/commands.h"
 #include "batch/json.h"
-#include "batch/measuretable.h"
 #include "batch/outputfolder.h"
 #include "batch/stackfile.h"
 #include "batch/terminalprogress.h"
@@ -76,30 +76,31 @@ std::string resultsTable(const StackSpatialAnalysis& analysis)
 {
   const DataSet results = analysis.resultTable();
   const std::vector<std::string> names = results.getNames();
-  MeasureTable table(names);
+  std::vector<MeasureColumn> columns = {{names[0], MeasureColumn::Text}};
+  for (std::size_t k = 1; k < names.size(); ++k) columns.push_back({names[k]});
+  MeasureTable table(std::move(columns));
   for (int i = 0; i < results.getNumRows(); ++i)
   {
-    std::vector<Json> row = {results.getValue<std::string>(names[0], i)};
-    for (std::size_t k = 1; k < names.size(); ++k)
-    {
-      const double pValue = results.getValue<double>(names[k], i);
-      row.push_back(std::isnan(pValue) ? Json(nullptr) : Json(pValue));
-    }
-    table.addRow(row);
+    std::vector<double> row = {table.addText(results.getValue<std::string>(names[0], i))};
+    for (std::size_t k = 1; k < names.size(); ++k) row.push_back(results.getValue<double>(names[k], i));
+    table.addRow(i, row);
   }
-  return table.text();
+  return table.toCsv();
 }
 
 /// The curves of one function on all slices, one below the other.
 std::string curvesTable(const StackSpatialAnalysis& analysis, std::size_t function)
 {
-  MeasureTable table({"slice", "grid", "observed", "average", "lower", "upper"});
+  MeasureTable table({{"slice", MeasureColumn::Text}, {"grid"}, {"observed"}, {"average"}, {"lower"}, {"upper"}});
   for (const auto& slice : analysis.getResults())
     if (const auto& curves = slice.functions[function].evaluation)
+    {
+      const double name = table.addText(slice.slice->getName());
       for (int j = 0; j < curves->grid.getSize(); ++j)
-        table.addRow({slice.slice->getName(), curves->grid[j], curves->observed[j], curves->average[j],
-                      curves->lower[j], curves->upper[j]});
-  return table.text();
+        table.addRow(
+            j, {name, curves->grid[j], curves->observed[j], curves->average[j], curves->lower[j], curves->upper[j]});
+    }
+  return table.toCsv();
 }
 
 void writeFile(const std::string& name, const std::string& text)

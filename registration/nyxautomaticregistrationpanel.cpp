@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -29,8 +30,10 @@ NYXAutomaticRegistrationPanel::NYXAutomaticRegistrationPanel(QWidget* parent)
                            "correlationBefore");
   _after = addCorrelation(tr("Of the grey levels of the two images, with the registration found"), "correlationAfter");
   auto* form = new QFormLayout(this);
-  form->addRow(_current);
-  form->addRow(_all);
+  auto* slices = new QHBoxLayout;
+  slices->addWidget(_current);
+  slices->addWidget(_all);
+  form->addRow(slices);
   form->addRow(_dark);
   form->addRow(_run);
   form->addRow(tr("Correlation before"), _before);

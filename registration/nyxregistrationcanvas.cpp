@@ -63,6 +63,7 @@ void NYXRegistrationCanvas::setPreviousSlice(StackSlice* slice)
 
 void NYXRegistrationCanvas::setRegistration(const Registration& registration)
 {
+  if (registration != _registration) _isDragged = false; // what the drag began with is gone
   _registration = registration;
   update();
 }
@@ -194,6 +195,19 @@ void NYXRegistrationCanvas::paintForeground(QPainter& painter)
     if (_shownSlices != NYXShownSlices::Background) drawForegroundItems(painter);
   }
   if (_shownSlices == NYXShownSlices::Both) drawOutline(painter);
+  if (isImageShown()) drawPreviousProblem(painter);
+}
+
+/// At the top: the middle is where a problem of the current slice stands.
+void NYXRegistrationCanvas::drawPreviousProblem(QPainter& painter) const
+{
+  if (_previousProxy.problem().isEmpty()) return;
+  const QString text = tr("The image of the previous slice cannot be shown.") + "\n" + _previousProxy.problem();
+  constexpr int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
+  const QRect place = painter.boundingRect(rect().adjusted(20, 20, -20, -20), flags, text);
+  painter.fillRect(place.adjusted(-6, -4, 6, 4), palette().window());
+  painter.setPen(palette().color(QPalette::WindowText));
+  painter.drawText(place, flags, text);
 }
 
 void NYXRegistrationCanvas::drawItems(QPainter& painter, const StackSlice& slice, const QTransform& toCanvas) const
@@ -243,14 +257,14 @@ void NYXRegistrationCanvas::mousePressEvent(QMouseEvent* event)
 
 void NYXRegistrationCanvas::mouseMoveEvent(QMouseEvent* event)
 {
+  _isDragged = _isDragged && event->buttons().testFlag(draggingButton()); // a dialog may have taken the release
   if (!_isDragged) return;
   _mouseMode == Translation ? translate(event->localPos()) : rotate(event->localPos());
 }
 
 void NYXRegistrationCanvas::mouseReleaseEvent(QMouseEvent* event)
 {
-  const Qt::MouseButton button = _mouseMode == Translation ? Qt::LeftButton : Qt::RightButton;
-  if (!_isDragged || event->button() != button) return;
+  if (!_isDragged || event->button() != draggingButton()) return;
   _isDragged = false;
   update();
 }
@@ -281,6 +295,7 @@ void NYXRegistrationCanvas::rotate(const QPointF& position)
 void NYXRegistrationCanvas::edit(const Registration& registration)
 {
   if (registration == _registration) return;
-  setRegistration(registration);
+  _registration = registration;
+  update();
   emit registrationChanged(registration);
 }

@@ -96,6 +96,8 @@ private:
   void drawBackgroundItems(QPainter& painter) const;
   void drawForegroundItems(QPainter& painter) const;
   void drawOutline(QPainter& painter) const;
+  void drawPreviousProblem(QPainter& painter) const;
+  Qt::MouseButton draggingButton() const { return _mouseMode == Translation ? Qt::LeftButton : Qt::RightButton; }
   void translate(const QPointF& position);
   void rotate(const QPointF& position);
   void edit(const Registration& registration);

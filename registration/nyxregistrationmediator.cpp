@@ -189,10 +189,16 @@ bool NYXRegistrationMediator::confirmLeaving()
   return answer == QMessageBox::Discard || (answer == QMessageBox::Apply && apply());
 }
 
-void NYXRegistrationMediator::showSlice()
+/// What correlated were other images, or they had pixels of another size.
+void NYXRegistrationMediator::showImages()
 {
   _view->showSlice(_slice);
   _automaticPanel->clearCorrelations();
+}
+
+void NYXRegistrationMediator::showSlice()
+{
+  showImages();
   showSliceNames();
   reset();
   emit stateChanged();
@@ -355,13 +361,12 @@ void NYXRegistrationMediator::stackRegistrationEvent(const NYXStackRegistrationE
 
 void NYXRegistrationMediator::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  if (&event.getStack() == _stack) _view->showSlice(_slice);
+  if (&event.getStack() == _stack) showImages();
 }
 
 void NYXRegistrationMediator::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
 {
-  if (_slice != nullptr && (&event.getSlice() == _slice || &event.getSlice() == _slice->prevSlice()))
-    _view->showSlice(_slice);
+  if (_slice != nullptr && (&event.getSlice() == _slice || &event.getSlice() == _slice->prevSlice())) showImages();
 }
 
 void NYXRegistrationMediator::sliceNameEvent(const NYXSliceNameEvent& event)

@@ -113,6 +113,7 @@ private:
   void createActions();
   void connectParts();
   void go(void (NYXRegistrationMediator::*navigate)());
+  void showImages();
   void showSlice();
   void showSliceNames();
   void updateActions();
@@ -125,7 +126,7 @@ private:
   bool run(NYXRegistrationRun& run);
   void showStep(StackSlice& slice, const SliceAlignment& alignment);
   bool store(const NYXRegistrationRun& run);
-  void tellResult(const NYXRegistrationRun& run, bool isComplete);
+  void tellResult(const NYXRegistrationRun& run, bool isComplete, bool isStep);
   void setFlicker(bool isOn);
   void flicker();
 

@@ -59,9 +59,10 @@ void NYXRegistrationMediator::registerCurrentSlice()
   if (!run(single) || single.results().empty()) return;
   const SliceAlignment& alignment = single.results().front();
   showStep(*_slice, alignment);
-  apply();
+  const int numSteps = _stack->history().getUndoListSize();
+  if (!apply()) return;
   _automaticPanel->setCorrelations(alignment.correlationBefore, alignment.correlationAfter);
-  tellResult(single, true);
+  tellResult(single, true, _stack->history().getUndoListSize() > numSteps);
 }
 
 void NYXRegistrationMediator::registerAllSlices()
@@ -87,7 +88,8 @@ void NYXRegistrationMediator::registerAllSlices()
             Qt::QueuedConnection);
       });
   const bool isComplete = run(all);
-  if (!all.results().empty() && store(all)) tellResult(all, isComplete);
+  const int numSteps = _stack->history().getUndoListSize();
+  if (!all.results().empty() && store(all)) tellResult(all, isComplete, _stack->history().getUndoListSize() > numSteps);
 }
 
 /// Runs it in a thread of its own, with its slices locked. \return whether it came to its end
@@ -151,20 +153,20 @@ bool NYXRegistrationMediator::store(const NYXRegistrationRun& run)
   return isStored;
 }
 
-void NYXRegistrationMediator::tellResult(const NYXRegistrationRun& run, bool isComplete)
+/// Results that the slices had before make no step.
+void NYXRegistrationMediator::tellResult(const NYXRegistrationRun& run, bool isComplete, bool isStep)
 {
   const auto numDone = static_cast<int>(run.results().size());
   const auto numEmpty = static_cast<int>(
       std::ranges::count_if(run.results(), [](const SliceAlignment& alignment) { return !alignment.hasMass; }));
   QString text;
   if (!isComplete)
-    text = tr("Ended after %1 of %2 slices; these are registered, and Undo takes that back")
-               .arg(numDone)
-               .arg(run.slices().size());
+    text = tr("Ended after %1 of %2 slices, which are registered").arg(numDone).arg(run.slices().size());
   else if (numDone > 1)
-    text = tr("%1 slices registered; Undo takes that back").arg(numDone);
+    text = tr("%1 slices registered").arg(numDone);
   else
-    text = tr("Slice %1 registered; Undo takes that back").arg(QString::fromStdString(run.slices()[0]->getName()));
+    text = tr("Slice %1 registered").arg(QString::fromStdString(run.slices()[0]->getName()));
+  text += isStep ? tr("; Undo takes that back") : tr(" as before; nothing has changed");
   if (numEmpty == 1)
     text += tr(". One slice is not registered any more: there is no specimen on it or on the one before");
   if (numEmpty > 1)

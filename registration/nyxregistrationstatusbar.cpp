@@ -1,15 +1,18 @@
 #include "registration/nyxregistrationstatusbar.h"
 
-#include <QLabel>
+#include "slice/image/nyxstatusfield.h"
+
 #include <QProgressBar>
 
 NYXRegistrationStatusBar::NYXRegistrationStatusBar(QWidget* parent)
-  : QStatusBar(parent), _hint(new QLabel(this)), _count(new QLabel(this)), _progress(new QProgressBar(this))
+  : QStatusBar(parent),
+    _hint(new NYXStatusField("hint", tr("What can be done next"), QString(), this)),
+    _count(new QLabel(this)),
+    _progress(new QProgressBar(this))
 {
   setObjectName("registrationStatusBar");
-  _hint->setObjectName("hint");
-  _hint->setTextFormat(Qt::PlainText);
-  _hint->setMinimumWidth(1); // rather cut off than in the way of a narrow window
+  setSizeGripEnabled(false); // it is not the lowest line of its window
+  _hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   _count->setObjectName("progressCount");
   _progress->setObjectName("progress");
   _progress->setTextVisible(false);
@@ -17,18 +20,13 @@ NYXRegistrationStatusBar::NYXRegistrationStatusBar(QWidget* parent)
   addWidget(_hint, 1);
   addPermanentWidget(_count);
   addPermanentWidget(_progress);
+  connect(this, &QStatusBar::messageChanged, this, &QWidget::setToolTip); // whole, where the window is narrow
   subjectFinished();
-}
-
-void NYXRegistrationStatusBar::setImageFields(QWidget& fields)
-{
-  insertPermanentWidget(3, &fields);
 }
 
 void NYXRegistrationStatusBar::setHint(const QString& text)
 {
   _hint->setText(text);
-  _hint->setToolTip(text);
 }
 
 QString NYXRegistrationStatusBar::hint() const

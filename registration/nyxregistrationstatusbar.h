@@ -5,7 +5,7 @@
 class QLabel;
 class QProgressBar;
 
-/// What can be done next, messages, the progress of automatic registration, and what is known of the image.
+/// What can be done next, messages, and the progress of automatic registration.
 class NYXRegistrationStatusBar : public QStatusBar
 {
   Q_OBJECT
@@ -13,8 +13,6 @@ class NYXRegistrationStatusBar : public QStatusBar
 public:
   explicit NYXRegistrationStatusBar(QWidget* parent = nullptr);
 
-  /// Takes over the fields that tell of the image.
-  void setImageFields(QWidget& fields);
   /// Stands where there is no message.
   void setHint(const QString& text);
   QString hint() const;

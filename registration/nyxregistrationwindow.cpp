@@ -44,7 +44,6 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
 void NYXRegistrationWindow::layOut()
 {
   _view->toolBar().hide();
-  _statusBar->setImageFields(_view->statusBar());
   auto* panels = new QWidget;
   auto* panelLayout = new QVBoxLayout(panels);
   panelLayout->addWidget(_panel);
@@ -66,6 +65,7 @@ void NYXRegistrationWindow::layOut()
   layout->addWidget(_toolBar);
   layout->addLayout(content, 1);
   layout->addWidget(_statusBar);
+  layout->addWidget(&_view->statusBar(), 0, Qt::AlignRight); // beneath, so that narrow windows have place for hints
 }
 
 void NYXRegistrationWindow::setStack(NYXStack* stack)
@@ -86,7 +86,7 @@ void NYXRegistrationWindow::restoreGeometryFromSettings()
   const QSettings store;
   const QSize screen = QGuiApplication::primaryScreen()->size();
   const QSize stored = store.value("registrationWindow/size").toSize();
-  const QSize size = stored.isEmpty() ? screen * 3 / 4 : stored;
+  const QSize size = stored.isEmpty() ? screen * 9 / 10 : stored;
   const QPoint position = store.value("registrationWindow/pos").toPoint();
   const QScreen* at = QGuiApplication::screenAt(QRect(position, size).center());
   if (store.contains("registrationWindow/pos") && at != nullptr) move(position);

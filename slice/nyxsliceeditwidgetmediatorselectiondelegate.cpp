@@ -307,6 +307,11 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::selectAllModelItems()
   selectItems([](const ModelItem&) { return true; });
 }
 
+void NYXSliceEditWidgetMediatorSelectionDelegate::selectItem(const ModelItem& item)
+{
+  selectItems([&item](const ModelItem& other) { return &other == &item; });
+}
+
 void NYXSliceEditWidgetMediatorSelectionDelegate::selectModelItems(const QString& modelName)
 {
   selectItems([name = modelName.toStdString()](const ModelItem& item) { return item.getModel()->getName() == name; });

@@ -35,6 +35,9 @@ public:
   /// The only selected closed or open curve of the slice, or nullptr.
   ModelItem* selectedCurve() const;
 
+  /// Selects an item of the slice that is shown, and no others.
+  void selectItem(const ModelItem& item);
+
 public slots:
   void cancelSelection();
   void selectAllModelItems();

@@ -15,15 +15,18 @@ constexpr double alike = 1e-9;               // difference of correlations that 
 constexpr double noiseGate = 5;              // standard deviations
 constexpr double deviationOfMedian = 1.4826; // standard deviation of normal noise by its median absolute deviation
 
-/// The elements at the border, each once, without NaN.
+/// The elements at the border, each once, in a walk around it, without NaN.
 template <class T> std::vector<T> borderOf(const PixelMatrix<T>& matrix)
 {
+  std::vector<T> border;
+  if (matrix.getNumElements() == 0) return border;
   const int lastRow = matrix.getSize1() - 1;
   const int lastCol = matrix.getSize2() - 1;
-  std::vector<T> border;
-  for (int i = 0; i <= lastRow; ++i)
-    for (int j = 0; j <= lastCol; j += i == 0 || i == lastRow ? 1 : std::max(1, lastCol))
-      if (!std::isnan(matrix(i, j))) border.push_back(matrix(i, j));
+  for (int j = 0; j <= lastCol; ++j) border.push_back(matrix(0, j));
+  for (int i = 1; i <= lastRow; ++i) border.push_back(matrix(i, lastCol));
+  for (int j = lastCol - 1; j >= 0 && lastRow > 0; --j) border.push_back(matrix(lastRow, j));
+  for (int i = lastRow - 1; i > 0 && lastCol > 0; --i) border.push_back(matrix(i, 0));
+  std::erase_if(border, [](T level) { return std::isnan(level); });
   return border;
 }
 
@@ -49,12 +52,25 @@ template <class T> T stepOf(std::vector<T> levels)
   return step;
 }
 
+/// Whether each element that is not background has a neighbour of its level: the specimen may reach the border in
+/// flat parts, while noise changes from one element to the next.
+template <class T> bool isFlat(const std::vector<T>& border, T background)
+{
+  const std::size_t size = border.size();
+  for (std::size_t i = 0; i < size; ++i)
+    if (border[i] != background && border[i] != border[(i + 1) % size] && border[i] != border[(i + size - 1) % size])
+      return false;
+  return true;
+}
+
 /// How far noise may rise above the background. Each grey level stands for what lies within half a step of it.
 template <class T> T noiseOf(const std::vector<T>& border, T background)
 {
   std::vector<T> deviations(border.size());
   std::ranges::transform(border, deviations.begin(), [&](T level) { return std::abs(level - background); });
-  return static_cast<T>(noiseGate * deviationOfMedian) * (medianOf(std::move(deviations)) + stepOf(border) / 2);
+  const T deviation = medianOf(std::move(deviations));
+  if (deviation == 0 && isFlat(border, background)) return 0;
+  return static_cast<T>(noiseGate * deviationOfMedian) * (deviation + stepOf(border) / 2);
 }
 
 /// Rises above the background of more than `noise`. \return whether there are any

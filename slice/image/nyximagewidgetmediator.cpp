@@ -304,6 +304,14 @@ void NYXImageWidgetMediator::centerView()
   updateView();
 }
 
+void NYXImageWidgetMediator::reveal(const QRect& box)
+{
+  if (canvas().viewport().currentView().contains(box)) return;
+  canvas().setViewCenter(box.center());
+  canvas().rectifyViewOrigin();
+  updateView();
+}
+
 void NYXImageWidgetMediator::scrollBarChange()
 {
   moveView(QPoint(_widget.horizontalScrollBar().value(), _widget.verticalScrollBar().value()));

@@ -78,6 +78,8 @@ public slots:
   void pageScrollRight();
   void pageScrollLeft();
   void centerView();
+  /// Moves the view onto a box in image pixels unless all of it is seen.
+  void reveal(const QRect& box);
   /// The user moved a scroll bar.
   void scrollBarChange();
   /// The proxy has got another level, or lost its image.

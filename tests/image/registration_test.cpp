@@ -149,9 +149,11 @@ TEST(MassAboveBackground, IsWhatExceedsTheMedianOfTheBorderAndItsNoise)
   EXPECT_EQ(massOf(noisy, 19)(0, 1), 0);
   EXPECT_EQ(massOf(noisy, 18)(1, 1), 11); // or nothing would be left
   EXPECT_EQ(massOf(noisy, 18)(0, 1), 1);
-  EXPECT_EQ(massOf({7, 7, 7, 7, 7, 8, 8, notANumber}, 30)(2, 1), 0); // steps of 1 are noise
-  EXPECT_EQ(massOf({7, 7, 7, 7, 7, 8, 8, notANumber}, 30)(1, 1), 23);
+  EXPECT_EQ(massOf({7, 7, 7, 8, 7, 8, 7, notANumber}, 30)(2, 1), 0); // steps of 1 are noise
+  EXPECT_EQ(massOf({7, 7, 7, 8, 7, 8, 7, notANumber}, 30)(1, 1), 23);
   EXPECT_EQ(massOf({0, 0, 0, 0, 0, 20, 21, 21}, 200)(2, 1), 20); // a faint part of the specimen at the border, no noise
+  EXPECT_EQ(massOf({0, 0, 0, 0, 0, 20, 20, 20}, 200)(2, 1), 20); // and of a single grey level
+  EXPECT_EQ(massOf({20, 0, 0, 0, 0, 0, 0, 20}, 200)(0, 0), 20);  // around the corner where the walk begins
   EXPECT_EQ(massAboveBackground(PixelMatrix<double>()).getNumElements(), 0);
 }
 

@@ -25,6 +25,7 @@ const std::vector<Room> house = {
     {"image", 3, false},
     {"model", 4, false},
     {"geometry/reconstruction", 5, false},
+    {"analysis/measures", 6, false},
     {"analysis/spatial", 6, false},
     {"viewer/painters", 5, false},
     {"viewer/scene", 6, false},

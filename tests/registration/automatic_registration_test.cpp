@@ -36,6 +36,12 @@ TEST_F(AutomaticRegistration, AlignsTheCurrentSliceInOneStep)
   const double after = part<QLabel>("correlationAfter").text().toDouble();
   EXPECT_LT(before, 0.9);
   EXPECT_GT(after, 0.97);
+  EXPECT_TRUE(window->statusBar().currentMessage().contains("Undo"));
+  mediator().notifyEvent(NYXSliceImageCalibrationEvent(*stack->getSlice(1)));
+  EXPECT_EQ(part<QLabel>("correlationAfter").text(), QString("–")); // they were of other pixels
+  part<QPushButton>("runButton").click();                           // finds the same again
+  EXPECT_EQ(stack->history().getUndoListSize(), 1);
+  EXPECT_FALSE(window->statusBar().currentMessage().contains("Undo")); // it would take the run before back
   action("undo").trigger();
   EXPECT_TRUE(window->statusBar().currentMessage().isEmpty()); // the slice is not registered any more
   EXPECT_TRUE(mediator().getRegistration().isNull());

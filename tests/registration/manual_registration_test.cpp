@@ -75,6 +75,28 @@ TEST_F(ManualRegistration, LeftButtonMovesByImagePixels)
   EXPECT_FALSE(stack->isModified());
 }
 
+TEST_F(ManualRegistration, ADragEndsWithItsButtonAndWhenItIsReset)
+{
+  open(2);
+  mediator().setScale(1);
+  const auto moveTo = [&](const QPoint& position, Qt::MouseButtons buttons)
+  {
+    QMouseEvent move(QEvent::MouseMove, position, Qt::NoButton, buttons, {});
+    QApplication::sendEvent(&canvas(), &move);
+  };
+  QTest::mousePress(&canvas(), Qt::LeftButton, {}, {100, 100});
+  moveTo({110, 100}, Qt::LeftButton);
+  moveTo({150, 100}, Qt::NoButton); // let go where a dialog stood
+  moveTo({150, 150}, Qt::LeftButton);
+  EXPECT_TRUE(mediator().getRegistration() == Registration(10, 0, 0));
+  QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, {150, 150});
+  QTest::mousePress(&canvas(), Qt::LeftButton, {}, {100, 100});
+  action("reset").trigger();
+  moveTo({110, 100}, Qt::LeftButton);
+  EXPECT_TRUE(mediator().getRegistration().isNull());
+  QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, {110, 100});
+}
+
 TEST_F(ManualRegistration, RightButtonTurnsAboutTheShiftedCentre)
 {
   open(2);
@@ -257,6 +279,31 @@ TEST_F(ManualRegistration, SuperposesTheSlicesWithTransparencyAndInTurn)
   EXPECT_EQ(canvas().getShownSlices(), NYXShownSlices::Both);
   canvas().setLevels(0.5F, 1);
   EXPECT_NEAR(levelAt(5), 0, 2);
+}
+
+TEST_F(ManualRegistration, TellsThatTheImageOfThePreviousSliceIsMissing)
+{
+  addFlatSlice(*stack, 64, 0);
+  addFlatSlice(*stack, 64, 0);
+  addFlatSlice(*stack, 64, 0);
+  stack->getSlice(1)->setImageSource(ImageSourceFile("missing.tif"));
+  stack->setLastRegisteredSlice("slice 2");
+  window->setStack(stack);
+  window->show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  const auto& previous = canvas().getPreviousProxy();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !previous.problem().isEmpty() && canvas().getImageProxy().hasImage(); }));
+  const QColor band = canvas().palette().color(QPalette::Window);
+  EXPECT_EQ(canvas().grabFramebuffer().pixelColor(canvas().width() / 2, 18), band); // behind the text
+}
+
+TEST_F(ManualRegistration, NarrowWindowsHavePlaceForTheHint)
+{
+  open(2);
+  window->resize(640, 480);
+  QTest::qWait(50);
+  const auto& hint = part<QLabel>("hint");
+  EXPECT_GE(hint.width(), hint.fontMetrics().horizontalAdvance(hint.text()));
 }
 
 TEST_F(ManualRegistration, DrawsTheItemsOfBothSlicesWhereTheyAreSeen)

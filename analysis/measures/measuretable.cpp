@@ -1,0 +1,101 @@
+#include "analysis/measures/measuretable.h"
+
+#include "numeric/exception.h"
+
+#include <charconv>
+#include <cmath>
+#include <numeric>
+
+namespace
+{
+/// The field as it stands in the text: in quotes when it holds a separator, a quote or a line end.
+void appendField(std::string& text, const std::string& field, char separator)
+{
+  if (field.find_first_of(std::string("\"\r\n") + separator) == std::string::npos)
+  {
+    text += field;
+    return;
+  }
+  text += '"';
+  for (const char c : field) text += c == '"' ? "\"\"" : std::string(1, c);
+  text += '"';
+}
+
+std::string toText(double number, int digits)
+{
+  char text[32];
+  const std::to_chars_result result =
+      digits == MeasureTable::allDigits
+          ? std::to_chars(text, text + sizeof text, number)
+          : std::to_chars(text, text + sizeof text, number, std::chars_format::general, digits);
+  return std::string(text, result.ptr);
+}
+
+std::vector<int> upTo(int n)
+{
+  std::vector<int> numbers(static_cast<std::size_t>(n));
+  std::iota(numbers.begin(), numbers.end(), 0);
+  return numbers;
+}
+} // namespace
+
+std::string MeasureColumn::header(const std::string& separator) const
+{
+  return unit.empty() ? name : name + separator + "[" + unit + "]";
+}
+
+double MeasureTable::addText(const std::string& text)
+{
+  _texts.push_back(text);
+  return static_cast<double>(_texts.size() - 1);
+}
+
+void MeasureTable::addRow(int source, const std::vector<double>& values)
+{
+  if (values.size() != _columns.size())
+    throw UsageError("void MeasureTable::addRow(int,const std::vector<double>&)", "A row has one value per column");
+  _values.insert(_values.end(), values.begin(), values.end());
+  _sources.push_back(source);
+}
+
+std::string MeasureTable::getText(int row, int column, int digits) const
+{
+  const double value = getValue(row, column);
+  switch (getColumn(column).kind)
+  {
+  case MeasureColumn::Text:
+    return _texts[static_cast<std::size_t>(value)];
+  case MeasureColumn::Count:
+    return std::isnan(value) ? "NA" : std::to_string(static_cast<long>(value));
+  default:
+    return std::isnan(value) ? "NA" : ::toText(value, digits);
+  }
+}
+
+std::string MeasureTable::toCsv() const
+{
+  return toText(upTo(getNumRows()), upTo(getNumColumns()), ',', "\r\n");
+}
+
+std::string MeasureTable::toTabText(const std::vector<int>& rows, const std::vector<int>& columns) const
+{
+  return toText(rows, columns, '\t', "\n");
+}
+
+std::string MeasureTable::toText(const std::vector<int>& rows, const std::vector<int>& columns, char separator,
+                                 const char* lineEnd) const
+{
+  std::string text;
+  const auto appendRow = [&](const auto& field)
+  {
+    for (std::size_t i = 0; i < columns.size(); ++i)
+    {
+      if (i > 0) text += separator;
+      appendField(text, field(columns[i]), separator);
+    }
+    text += lineEnd;
+  };
+  appendRow([&](int column) { return getColumn(column).header(); });
+  for (const int row : rows) appendRow([&](int column) { return getText(row, column); });
+  return text;
+}

@@ -1,0 +1,189 @@
+#include "analysis/nyxanalysiswindowmediator.h"
+
+#include "analysis/nyxanalysiswindow.h"
+#include "analysis/nyxmeasures.h"
+#include "analysis/nyxmodelanalysiswidget.h"
+#include "analysis/nyxmodelitemanalysistable.h"
+#include "analysis/nyxmodelitemanalysiswidget.h"
+#include "analysis/nyxsliceanalysistable.h"
+#include "app/core/nyxeventserver.h"
+#include "app/core/nyxsettings.h"
+#include "app/core/nyxstack.h"
+#include "model/model.h"
+#include "numeric/atomicfile.h"
+
+#include <QAction>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QTabWidget>
+
+NYXAnalysisWindowMediator::NYXAnalysisWindowMediator(NYXAnalysisWindow& window)
+  : QObject(&window), _window(window), _measures(new NYXMeasures(this))
+{
+  NYXEventServer::attach(*this);
+}
+
+NYXAnalysisWindowMediator::~NYXAnalysisWindowMediator()
+{
+  NYXEventServer::detach(*this);
+}
+
+void NYXAnalysisWindowMediator::initialize()
+{
+  _window.items().setMeasures(*_measures);
+  connect(_measures, &NYXMeasures::modelsChanged, this, &NYXAnalysisWindowMediator::showModels);
+  connect(_measures, &NYXMeasures::itemsChanged, this, &NYXAnalysisWindowMediator::showItems);
+  connect(_measures, &NYXMeasures::outdated, this, &NYXAnalysisWindowMediator::showState);
+  connect(_measures, &NYXMeasures::runningChanged, this, &NYXAnalysisWindowMediator::showState);
+  connect(_measures, &NYXMeasures::progressChanged, &_window, &NYXAnalysisWindow::showProgress);
+  connect(&_window.tabs(), &QTabWidget::currentChanged, this, &NYXAnalysisWindowMediator::showState);
+  connect(&_window.models(), &NYXModelAnalysisWidget::opened, this,
+          [this](int model)
+          {
+            _window.items().chooseModel(model);
+            _window.tabs().setCurrentIndex(Items);
+          });
+  connect(&_window.slices(), &NYXAnalysisTable::opened, this, &NYXAnalysisWindowMediator::sliceOpened);
+  connect(&_window.items(), &NYXModelItemAnalysisWidget::opened, this, &NYXAnalysisWindowMediator::openItem);
+  showModels();
+}
+
+void NYXAnalysisWindowMediator::setStack(NYXStack* stack)
+{
+  _measures->setStack(stack);
+  showName();
+}
+
+NYXAnalysisWindowMediator::Sheet NYXAnalysisWindowMediator::sheet() const
+{
+  return static_cast<Sheet>(_window.tabs().currentIndex());
+}
+
+void NYXAnalysisWindowMediator::showModels()
+{
+  _window.models().setMeasures(*_measures);
+  _window.slices().setStack(_measures->getStack());
+  _window.items().showModels();
+  showState();
+}
+
+void NYXAnalysisWindowMediator::showItems()
+{
+  _window.items().showItems();
+  showState();
+}
+
+bool NYXAnalysisWindowMediator::isSheetStale() const
+{
+  switch (sheet())
+  {
+  case Models:
+    return _measures->areModelsStale();
+  case Items:
+    return _measures->areItemsStale();
+  default:
+    return false;
+  }
+}
+
+/// Numbers that are out of date are not to be taken elsewhere.
+void NYXAnalysisWindowMediator::showState()
+{
+  const bool isUsable = _measures->getStack() != nullptr && !isSheetStale();
+  _window.saveAction().setEnabled(isUsable);
+  _window.copyAction().setEnabled(isUsable);
+  for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->viewport()->update();
+  _window.showRunning(_measures->isRunning(), _measures->areModelsStale() || _measures->areItemsStale());
+}
+
+void NYXAnalysisWindowMediator::showName()
+{
+  const NYXStack* const stack = _measures->getStack();
+  _window.showStackName(stack == nullptr ? tr("No stack") : stack->displayName());
+}
+
+void NYXAnalysisWindowMediator::stackNameEvent(const NYXStackNameEvent&)
+{
+  showName();
+}
+
+void NYXAnalysisWindowMediator::stackFileNameEvent(const NYXStackFileNameEvent&)
+{
+  showName();
+}
+
+void NYXAnalysisWindowMediator::openItem(int source)
+{
+  if (ModelItem* const item = _measures->itemOf(source)) return emit itemOpened(*item);
+  _window.showMessage(tr("This item is not in the stack any more"));
+}
+
+void NYXAnalysisWindowMediator::copySelection()
+{
+  const NYXAnalysisTable* table = nullptr;
+  if (sheet() == Models) table = _window.models().selectedTable();
+  if (sheet() == Slices) table = &_window.slices();
+  if (sheet() == Items) table = &_window.items().table();
+  if (table == nullptr) return _window.showMessage(tr("Select the cells to copy first"));
+  const int numRows = table->copySelection();
+  _window.showMessage(numRows == 1 ? tr("Copied a row") : tr("Copied %1 rows").arg(numRows));
+}
+
+std::string NYXAnalysisWindowMediator::sheetText() const
+{
+  switch (sheet())
+  {
+  case Models:
+    return _window.models().table().toCsv();
+  case Slices:
+    return _window.slices().measures().table().toCsv();
+  default:
+    return _window.items().table().measures().table().toCsv();
+  }
+}
+
+QString NYXAnalysisWindowMediator::proposedName() const
+{
+  QString name = _measures->getStack()->displayName() + "-";
+  name += sheet() == Models ? "models" : sheet() == Slices ? "slices" : "items";
+  if (sheet() == Items && _measures->getItemModel() != nullptr)
+    name += "-" + QString::fromStdString(_measures->getItemModel()->getName());
+  return name.replace('/', '_') + ".csv";
+}
+
+void NYXAnalysisWindowMediator::saveCurrentSheet()
+{
+  NYXSettings& settings = NYXSettings::settings();
+  QFileDialog files(&_window, tr("Save measures"), settings.getOutputDirectory(),
+                    tr("Comma-separated text") + " (*.csv)");
+  files.setOption(QFileDialog::DontUseNativeDialog);
+  files.setAcceptMode(QFileDialog::AcceptSave);
+  files.setDefaultSuffix("csv");
+  files.selectFile(proposedName());
+  if (files.exec() != QDialog::Accepted) return;
+  const QString filename = files.selectedFiles().value(0);
+  settings.setOutputDirectory(QFileInfo(filename).absolutePath());
+  saveTo(filename);
+}
+
+bool NYXAnalysisWindowMediator::saveTo(const QString& filename)
+{
+  if (isSheetStale()) return false; // changed while the dialog was open
+  try
+  {
+    AtomicFile file(QFile::encodeName(filename).toStdString());
+    file.write(sheetText());
+    file.commit();
+  }
+  catch (const Exception& error)
+  {
+    QMessageBox box(QMessageBox::Warning, tr("Save measures"),
+                    filename + ": " + QString::fromStdString(error.getWhat()), QMessageBox::Ok, &_window);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+    return false;
+  }
+  _window.showMessage(tr("Saved %1").arg(filename));
+  return true;
+}

@@ -1,0 +1,311 @@
+#include "analysis/nyxmeasures.h"
+
+#include "app/core/actions/nyxsliceaction.h"
+#include "app/core/nyxeventserver.h"
+#include "app/core/nyxstack.h"
+#include "model/model.h"
+#include "model/modelitem.h"
+#include "model/stackslice.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+constexpr int delay = 100;                // milliseconds, so that many changes are one
+constexpr long verticesPerPiece = 100000; // which a copy takes a few milliseconds for
+} // namespace
+
+NYXMeasures::NYXMeasures(QObject* parent) : QObject(parent)
+{
+  _delay.setSingleShot(true);
+  _delay.setInterval(delay);
+  connect(&_delay, &QTimer::timeout, this, &NYXMeasures::tellAndStart);
+  connect(&_copying, &QTimer::timeout, this, &NYXMeasures::advanceCopy);
+  connect(&_run, &NYXMeasureRun::progressChanged, this, &NYXMeasures::progressChanged);
+  connect(&_run, &NYXMeasureRun::ended, this, &NYXMeasures::takeResults);
+  NYXEventServer::attach(*this);
+}
+
+NYXMeasures::~NYXMeasures()
+{
+  NYXEventServer::detach(*this);
+}
+
+void NYXMeasures::setStack(NYXStack* stack)
+{
+  if (stack == _stack) return;
+  cancel();
+  _isRunObsolete = _run.isRunning();
+  _stack = stack;
+  _measured.clear();
+  _itemModel = nullptr;
+  _items = MeasureTable();
+  _stale = _staleSince = Stale();
+  markAll(stack);
+  tellAndStart();
+  emit itemsChanged();
+}
+
+void NYXMeasures::setItemModel(const Model* model)
+{
+  if (model == _itemModel) return;
+  _itemModel = model;
+  _items = model == nullptr ? MeasureTable()
+                            : emptyItemTable(model->getGeometry(), model->getStack()->getLengthUnit().symbol());
+  _itemsOfSources.clear();
+  for (Stale* stale : {&_stale, &_staleSince})
+  {
+    stale->hasItems = stale->isAllItems = false;
+    stale->items.clear();
+  }
+  if (model != nullptr) markAllItems();
+  emit itemsChanged();
+  noteChange();
+}
+
+std::vector<ModelMeasures> NYXMeasures::models() const
+{
+  std::vector<ModelMeasures> models;
+  for (int i = 0; _stack != nullptr && i < _stack->getNumModels(); ++i)
+  {
+    const Model& model = *_stack->getModel(i);
+    const auto measured = _measured.find(&model);
+    const bool isMeasured = measured != _measured.end() && measured->second.geometry == model.getGeometry();
+    models.push_back(isMeasured ? measured->second : noMeasures(model, {}));
+    models.back().model = model.getName();
+  }
+  return models;
+}
+
+ModelItem* NYXMeasures::itemOf(int source) const
+{
+  if (_itemModel == nullptr || source < 0 || source >= static_cast<int>(_itemsOfSources.size())) return nullptr;
+  const auto& items = _itemModel->getItems();
+  const auto item = std::find(items.begin(), items.end(), _itemsOfSources[static_cast<std::size_t>(source)]);
+  return item == items.end() ? nullptr : *item;
+}
+
+bool NYXMeasures::isItemStale(int source) const
+{
+  if (!_stale.hasItems || _stale.isAllItems) return _stale.hasItems;
+  return _stale.items.contains(_itemsOfSources[static_cast<std::size_t>(source)]);
+}
+
+void NYXMeasures::markAllItems()
+{
+  for (Stale* stale : {&_stale, &_staleSince}) stale->hasItems = stale->isAllItems = true;
+}
+
+void NYXMeasures::markModel(const Model& model, const ModelItem* item)
+{
+  if (_stack == nullptr || model.getStack() != _stack) return;
+  for (Stale* stale : {&_stale, &_staleSince}) stale->models.insert(&model);
+  if (&model == _itemModel && item == nullptr) markAllItems();
+  if (&model == _itemModel && item != nullptr)
+    for (Stale* stale : {&_stale, &_staleSince})
+    {
+      stale->hasItems = true;
+      stale->items.insert(item);
+    }
+  noteChange();
+}
+
+void NYXMeasures::markItem(const NYXModelItemEvent& event)
+{
+  if (const Model* const model = event.getItem().getModel()) markModel(*model, &event.getItem());
+}
+
+void NYXMeasures::markAll(const Stack* stack)
+{
+  if (stack == nullptr || stack != _stack) return;
+  for (int i = 0; i < _stack->getNumModels(); ++i) markModel(*_stack->getModel(i));
+  noteChange();
+}
+
+/// A copy that is being made is of no use any more.
+void NYXMeasures::noteChange()
+{
+  _copy.reset();
+  _copying.stop();
+  if (!eventBatchEnabled()) startDelay();
+}
+
+void NYXMeasures::startDelay()
+{
+  if (!_delay.isActive()) _delay.start();
+  emit outdated();
+}
+
+void NYXMeasures::atEventBatchEnd()
+{
+  if (areModelsStale() || areItemsStale()) startDelay();
+}
+
+void NYXMeasures::tellAndStart()
+{
+  _delay.stop();
+  emit modelsChanged();
+  start();
+}
+
+void NYXMeasures::refresh()
+{
+  start();
+}
+
+void NYXMeasures::cancel()
+{
+  _copy.reset();
+  _copying.stop();
+  _run.cancel();
+  showRunning();
+}
+
+void NYXMeasures::start()
+{
+  const bool isIdle = _copy == nullptr && !_run.isRunning() && !eventBatchEnabled();
+  if (isIdle && _stack != nullptr && (areModelsStale() || areItemsStale()))
+  {
+    std::vector<const Model*> models(_stale.models.begin(), _stale.models.end());
+    _numMeasured = static_cast<int>(models.size());
+    if (areItemsStale() && !_stale.models.contains(_itemModel)) models.push_back(_itemModel);
+    _copy = std::make_unique<StackCopy>(*_stack, models);
+    _staleSince = Stale();
+    _copying.start(0);
+  }
+  showRunning();
+}
+
+void NYXMeasures::advanceCopy()
+{
+  if (eventBatchEnabled() || _copy->advance(verticesPerPiece)) return;
+  _copying.stop();
+  const std::vector<const Model*>& models = _copy->getOriginals();
+  _copiedItemModel = _itemModel;
+  const auto place = std::find(models.begin(), models.end(), _itemModel);
+  const bool hasItems = areItemsStale() && place != models.end();
+  _run.start(std::move(_copy), _numMeasured, hasItems ? static_cast<int>(place - models.begin()) : -1);
+}
+
+/// Models that were deleted meanwhile are no concern any more; those that changed meanwhile are stale again.
+void NYXMeasures::takeResults(bool isDone)
+{
+  const bool isTaken = isDone && !_isRunObsolete;
+  const bool isWanted = isTaken || _isRunObsolete;
+  _isRunObsolete = false;
+  if (isTaken)
+  {
+    for (std::size_t i = 0; i < _run.models().size(); ++i)
+      if (_stack->findModel(_run.originals()[i]) >= 0) _measured[_run.originals()[i]] = std::move(_run.models()[i]);
+    const bool areItemsOfModel = _run.items() && _copiedItemModel == _itemModel && !_staleSince.isAllItems;
+    if (areItemsOfModel)
+    {
+      _items = std::move(*_run.items());
+      _itemsOfSources = std::move(_run.originalItems());
+    }
+    _stale = std::exchange(_staleSince, Stale());
+    emit modelsChanged();
+    if (areItemsOfModel) emit itemsChanged();
+  }
+  if (isWanted && (areModelsStale() || areItemsStale())) startDelay();
+  showRunning();
+}
+
+void NYXMeasures::showRunning()
+{
+  if (isRunning() == _isShownRunning) return;
+  _isShownRunning = isRunning();
+  emit runningChanged(_isShownRunning);
+}
+
+void NYXMeasures::stackCloseEvent(const NYXStackCloseEvent& event)
+{
+  if (&event.getStack() == _stack) setStack(nullptr);
+}
+
+void NYXMeasures::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
+{
+  markAll(&event.getStack());
+}
+
+void NYXMeasures::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
+{
+  markAll(&event.getStack());
+}
+
+void NYXMeasures::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
+{
+  markAll(&event.getStack());
+}
+
+void NYXMeasures::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  if (_stack == nullptr || event.getSlice().getStack() != _stack) return;
+  if (_itemModel != nullptr) markAllItems();
+  noteChange();
+}
+
+void NYXMeasures::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
+{
+  markAll(event.getSlice().getStack());
+}
+
+void NYXMeasures::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
+{
+  markAll(event.getSlice().getStack());
+}
+
+void NYXMeasures::processSliceAction(NYXSliceAction& action)
+{
+  markAll(&action.getStack());
+}
+
+void NYXMeasures::modelCreateEvent(const NYXModelCreateEvent& event)
+{
+  markModel(event.getModel());
+}
+
+void NYXMeasures::modelDeleteEvent(const NYXModelDeleteEvent& event)
+{
+  if (_stack == nullptr || event.getStack() != _stack) return;
+  const Model* const model = &event.getModel();
+  _measured.erase(model);
+  if (model == _itemModel) setItemModel(nullptr);
+  for (Stale* stale : {&_stale, &_staleSince}) stale->models.erase(model);
+  noteChange();
+}
+
+/// Names, colours and the order of the models need no other measures.
+void NYXMeasures::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
+{
+  if (_stack == nullptr || event.getStack() != _stack) return;
+  if (event.getOldProperties().getGeometry() == event.getModel().getGeometry()) return noteChange();
+  markModel(event.getModel());
+}
+
+void NYXMeasures::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
+{
+  markItem(event);
+}
+
+void NYXMeasures::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
+{
+  markItem(event);
+}
+
+void NYXMeasures::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
+{
+  markItem(event);
+}
+
+void NYXMeasures::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
+{
+  markItem(event);
+}
+
+void NYXMeasures::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
+{
+  markModel(event.getSourceModel(), &event.getItem());
+  markModel(event.getDestinationModel(), &event.getItem());
+}

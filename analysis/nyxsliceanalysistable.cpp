@@ -1,0 +1,12 @@
+#include "analysis/nyxsliceanalysistable.h"
+
+#include "analysis/measures/stackmeasures.h"
+#include "app/core/nyxstack.h"
+
+void NYXSliceAnalysisTable::setStack(const NYXStack* stack)
+{
+  if (stack == nullptr) return setTable(MeasureTable());
+  std::vector<const Model*> models;
+  for (int i = 0; i < stack->getNumModels(); ++i) models.push_back(stack->getModel(i));
+  setTable(sliceTable(*stack, models));
+}
