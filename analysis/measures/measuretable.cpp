@@ -54,7 +54,7 @@ void MeasureTable::addRow(int source, const std::vector<double>& values)
 {
   if (values.size() != _columns.size())
     throw UsageError("void MeasureTable::addRow(int,const std::vector<double>&)", "A row has one value per column");
-  _values.insert(_values.end(), values.begin(), values.end());
+  for (const double value : values) _values.push_back(value + 0.); // no zero with a sign
   _sources.push_back(source);
 }
 
