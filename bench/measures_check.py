@@ -5,8 +5,8 @@
 
 Two made stacks are measured after those that are named. Vertices come from the text of the stack file, calibration,
 alignment and depth of the slices from `info`. The area of a surface is that of the triangles that `export` writes in
-single precision. Prints the largest relative difference of each column (of positions relative to the largest coordinate)
-and fails when one is more than rounding or a text, a count or an "NA" differs. Needs numpy.
+single precision. Prints the largest relative difference of each column (of positions relative to the largest
+coordinate) and fails when one is more than rounding or a text, a count or an "NA" differs. Needs numpy.
 """
 import argparse
 import csv
@@ -63,8 +63,10 @@ class Stack:
         """Depths, kept in single precision as the file states them; a first slice that is relative lies at 0."""
         depths, sums = [], []
         for k, s in enumerate(self.slices):
-            step = float(np.float32(s["relativePosition"]))
-            sums.append(float(np.float32(s["absolutePosition"])) if not s["relative"] else sums[-1] + step if k > 0 else 0)
+            if not s["relative"]:
+                sums.append(float(np.float32(s["absolutePosition"])))
+            else:
+                sums.append(sums[-1] + float(np.float32(s["relativePosition"])) if k > 0 else 0)
             depths.append(np.float32(sums[-1]))
         self.relative = [np.float32(s["relativePosition"]) for s in self.slices]
         for k, s in enumerate(self.slices):
