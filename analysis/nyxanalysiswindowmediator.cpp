@@ -34,12 +34,7 @@ void NYXAnalysisWindowMediator::initialize()
   _window.items().setMeasures(*_measures);
   connect(_measures, &NYXMeasures::modelsChanged, this, &NYXAnalysisWindowMediator::showModels);
   connect(_measures, &NYXMeasures::itemsChanged, this, &NYXAnalysisWindowMediator::showItems);
-  connect(_measures, &NYXMeasures::itemsOutdated, this,
-          [this]
-          {
-            _window.items().table().viewport()->update();
-            showState();
-          });
+  connect(_measures, &NYXMeasures::outdated, this, &NYXAnalysisWindowMediator::showState);
   connect(_measures, &NYXMeasures::runningChanged, this, &NYXAnalysisWindowMediator::showState);
   connect(_measures, &NYXMeasures::progressChanged, &_window, &NYXAnalysisWindow::showProgress);
   connect(&_window.tabs(), &QTabWidget::currentChanged, this, &NYXAnalysisWindowMediator::showState);
@@ -98,6 +93,7 @@ void NYXAnalysisWindowMediator::showState()
   const bool isUsable = _measures->getStack() != nullptr && !isSheetStale();
   _window.saveAction().setEnabled(isUsable);
   _window.copyAction().setEnabled(isUsable);
+  for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->viewport()->update();
   _window.showRunning(_measures->isRunning(), _measures->areModelsStale() || _measures->areItemsStale());
 }
 

@@ -128,19 +128,24 @@ void NYXMeasures::noteChange()
 {
   _copy.reset();
   _copying.stop();
-  if (!eventBatchEnabled() && !_delay.isActive()) _delay.start();
+  if (!eventBatchEnabled()) startDelay();
+}
+
+void NYXMeasures::startDelay()
+{
+  if (!_delay.isActive()) _delay.start();
+  emit outdated();
 }
 
 void NYXMeasures::atEventBatchEnd()
 {
-  if ((areModelsStale() || areItemsStale()) && !_delay.isActive()) _delay.start();
+  if (areModelsStale() || areItemsStale()) startDelay();
 }
 
 void NYXMeasures::tellAndStart()
 {
   _delay.stop();
   emit modelsChanged();
-  if (areItemsStale()) emit itemsOutdated();
   start();
 }
 
@@ -203,7 +208,7 @@ void NYXMeasures::takeResults(bool isDone)
     emit modelsChanged();
     if (areItemsOfModel) emit itemsChanged();
   }
-  if (isWanted && (areModelsStale() || areItemsStale()) && !_delay.isActive()) _delay.start();
+  if (isWanted && (areModelsStale() || areItemsStale())) startDelay();
   showRunning();
 }
 

@@ -51,12 +51,12 @@ public slots:
   void refresh();
 
 signals:
-  /// Models came, went, were renamed or measured, or their measures are stale now; so may be what is on the slices.
+  /// Models came, went, were renamed or measured; so may be what is on the slices.
   void modelsChanged();
   /// The items of the model have been measured, or it is another model.
   void itemsChanged();
-  /// Measures of items are stale now.
-  void itemsOutdated();
+  /// Measures are stale now.
+  void outdated();
   void progressChanged(double share);
   void runningChanged(bool isRunning);
 
@@ -94,6 +94,7 @@ private:
   void markItem(const NYXModelItemEvent& event);
   void markAllItems();
   void noteChange();
+  void startDelay();
   void tellAndStart();
   void start();
   void advanceCopy();

@@ -14,7 +14,8 @@ namespace
 /// The place of each text among all of them.
 std::vector<double> ranksOf(const std::vector<std::string>& texts)
 {
-  QCollator collator;
+  const QLocale locale;
+  QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale); // C knows no numbers
   collator.setNumericMode(true);
   collator.setCaseSensitivity(Qt::CaseInsensitive);
   std::vector<QCollatorSortKey> keys;

@@ -41,9 +41,10 @@ void LandmarksDelegate::show()
   emit landmarksChanged();
 }
 
-QString LandmarksDelegate::toText() const
+QString LandmarksDelegate::toText(const QString& unit) const
 {
-  QString text = tr("Landmark") + "\tX\tY\tZ\t" + tr("Distance") + "\n";
+  QString text =
+      tr("Landmark") + QString("\tX (%1)\tY (%1)\tZ (%1)\t").arg(unit) + tr("Distance (%1)").arg(unit) + "\n";
   for (std::size_t i = 0; i < _landmarks.size(); ++i)
   {
     const ViewerCamera::Point& p = _landmarks[i];

@@ -19,8 +19,9 @@ public:
 
   bool isActive() const { return _isActive; }
   const std::vector<ViewerCamera::Point>& getLandmarks() const { return _landmarks; }
-  /// A line for each landmark: its number, its coordinates, and the distance from the one before; separated by tabs.
-  QString toText() const;
+  /// A line for each landmark: its number, its coordinates, and the distance from the one before; separated by tabs,
+  /// under titles with the unit of length.
+  QString toText(const QString& unit) const;
 
 public slots:
   void setActive(bool isActive);

@@ -24,6 +24,7 @@ NYXRenderingVideo::NYXRenderingVideo(ViewerCanvasGL& canvas, ViewerSpinningMotio
   _timer.setTimerType(Qt::PreciseTimer);
   connect(&_timer, &QTimer::timeout, this, &NYXRenderingVideo::grabFrame);
   connect(&motion, &ViewerMotion::rotationChanged, this, &NYXRenderingVideo::noteStep);
+  connect(&motion, &ViewerMotion::activeChanged, this, &NYXRenderingVideo::noteMotion);
 }
 
 NYXRenderingVideo::~NYXRenderingVideo() = default;
@@ -76,8 +77,18 @@ void NYXRenderingVideo::noteStep()
 {
   if (!isRecording() || !_settings.isCircular) return;
   _turned += std::abs(_motion.getMotionAngle());
-  if (_turned >= 360 && !_settings.isRepeated)
-    QMetaObject::invokeMethod(this, &NYXRenderingVideo::stopVideo, Qt::QueuedConnection);
+  if (_turned >= 360 && !_settings.isRepeated) stopSoon();
+}
+
+/// A turn that the user ends is recorded as far as it came.
+void NYXRenderingVideo::noteMotion(bool isActive)
+{
+  if (!isActive && isRecording() && _settings.isCircular && !_settings.isRepeated) stopSoon();
+}
+
+void NYXRenderingVideo::stopSoon()
+{
+  QMetaObject::invokeMethod(this, &NYXRenderingVideo::stopVideo, Qt::QueuedConnection);
 }
 
 void NYXRenderingVideo::grabFrame()

@@ -54,6 +54,9 @@ private:
   void grabFrame();
   void startTurn();
   void noteStep();
+  void noteMotion(bool isActive);
+  /// When what is going on now is done.
+  void stopSoon();
   void waitForVideo();
   void tellProblem();
 

@@ -6,6 +6,7 @@
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
+#include "model/stackslice.h"
 #include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
@@ -189,15 +190,19 @@ void NYXRenderingWindow::recordVideo()
   NYXCreateVideoDialog dialog(this);
   if (dialog.exec() != QDialog::Accepted) return;
   const NYXVideoSettings settings = dialog.settings();
-  if (QFileInfo::exists(settings.output) && !confirmOverwrite(tr("%1 exists.").arg(settings.output))) return;
+  if (QFileInfo::exists(settings.output) && !confirmOverwrite({QFile::encodeName(settings.output).toStdString()}))
+    return;
   if (settings.isCircular) _mediator->randomMotion().setActive(false); // the scene turns in one way only
   _video->startVideo(settings);
 }
 
-bool NYXRenderingWindow::confirmOverwrite(const QString& reason)
+bool NYXRenderingWindow::confirmOverwrite(const std::vector<std::string>& filenames)
 {
-  QMessageBox box(QMessageBox::Question, tr("File exists"), reason + "\n" + tr("Replace it?"), QMessageBox::Cancel,
-                  this);
+  const auto count = static_cast<int>(filenames.size());
+  QString text = tr("%1 exists.").arg(QFile::decodeName(filenames.front().c_str()));
+  if (count > 1) text += " " + tr("So do %n others.", nullptr, count - 1);
+  QMessageBox box(QMessageBox::Question, tr("File exists"),
+                  text + "\n" + (count > 1 ? tr("Replace them?") : tr("Replace it?")), QMessageBox::Cancel, this);
   box.setTextFormat(Qt::PlainText);
   const QPushButton* const replace = box.addButton(tr("Replace"), QMessageBox::AcceptRole);
   box.setDefaultButton(QMessageBox::Cancel);
@@ -239,9 +244,31 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
   refreshImages(&event.getStack());
 }
 
+void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
+{
+  showLandmarks(); // the unit may be another one
+  refreshImages(&event.getStack());
+}
+
+void NYXRenderingWindow::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
+{
+  refreshImages(event.getSlice().getStack());
+}
+
+void NYXRenderingWindow::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
+{
+  refreshImages(event.getSlice().getStack());
+}
+
+void NYXRenderingWindow::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  if (event.getSlice().getStack() == &_stack) _images->renameSlice(event.getSlice());
+}
+
+/// Other changes of slices have events of their own.
 void NYXRenderingWindow::processSliceAction(NYXSliceAction& action)
 {
-  refreshImages(&action.getStack());
+  if (action.changesPlaces()) refreshImages(&action.getStack());
 }
 
 void NYXRenderingWindow::closeEvent(QCloseEvent* event)

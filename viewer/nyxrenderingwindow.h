@@ -4,6 +4,9 @@
 
 #include <QWidget>
 
+#include <string>
+#include <vector>
+
 class LandmarksDelegate;
 class NYXPoseList;
 class NYXRenderingVideo;
@@ -23,6 +26,8 @@ class QToolBar;
 class ViewerCanvasGL;
 class ViewerMediator;
 class ViewerPosePanel;
+struct ShownStack;
+struct SurfaceExport;
 
 /// The 3D view of a stack: its models, images and poses. Follows the event bus; closes with its stack.
 ///
@@ -62,6 +67,10 @@ protected:
   void stackFileNameEvent(const NYXStackFileNameEvent& event) override;
   void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
   void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
+  void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
+  void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
+  void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
+  void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void processSliceAction(NYXSliceAction& action) override;
   void closeEvent(QCloseEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
@@ -83,12 +92,14 @@ private:
   void showTitle();
   void showEmptyNote();
   void showProblems(const QString& error);
+  /// The symbol of the unit of length.
+  QString unit() const;
   void showLandmarks();
   void showMessage(const QString& text);
   void refreshImages(const Stack* stack);
   void rebuild();
-  bool exportTo(const struct SurfaceExport& target);
-  bool confirmOverwrite(const QString& reason);
+  void exportTo(const SurfaceExport& target, const ShownStack& shown);
+  bool confirmOverwrite(const std::vector<std::string>& filenames);
 
   NYXStack& _stack;
   ViewerCanvasGL* _canvas;

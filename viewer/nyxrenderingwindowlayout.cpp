@@ -99,7 +99,7 @@ NYXRenderingWindow::NYXRenderingWindow(NYXStack& stack, int slice)
     _emptyNote(new QLabel(_canvas))
 {
   setObjectName("renderingWindow");
-  _canvas->setUnit(QString::fromStdString(stack.getLengthUnit().symbol()));
+  _canvas->setUnit(unit());
   _emptyNote->setObjectName("emptyNote");
   _emptyNote->setTextFormat(Qt::PlainText);
   _emptyNote->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -302,7 +302,6 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
   LandmarksDelegate& delegate = _mediator->landmarks();
   _landmarks = new QTableWidget(0, 3, page);
   _landmarks->setObjectName("landmarks");
-  _landmarks->setHorizontalHeaderLabels({"X", "Y", "Z"});
   _landmarks->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
   _landmarks->setSelectionBehavior(QAbstractItemView::SelectRows);
   _landmarks->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -323,7 +322,8 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
   layout->addWidget(hint);
   layout->addWidget(_landmarks, 1);
   layout->addLayout(buttons);
-  connect(copy, &QPushButton::clicked, this, [&delegate] { QApplication::clipboard()->setText(delegate.toText()); });
+  connect(copy, &QPushButton::clicked, this,
+          [this, &delegate] { QApplication::clipboard()->setText(delegate.toText(unit())); });
   connect(remove, &QPushButton::clicked, this,
           [this, &delegate]
           {
@@ -331,11 +331,19 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
           });
   connect(clear, &QPushButton::clicked, &delegate, &LandmarksDelegate::clear);
   connect(&delegate, &LandmarksDelegate::landmarksChanged, this, &NYXRenderingWindow::showLandmarks);
+  showLandmarks();
   return page;
+}
+
+QString NYXRenderingWindow::unit() const
+{
+  return QString::fromStdString(_stack.getLengthUnit().symbol());
 }
 
 void NYXRenderingWindow::showLandmarks()
 {
+  const QString title("%1 (" + unit() + ")");
+  _landmarks->setHorizontalHeaderLabels({title.arg("X"), title.arg("Y"), title.arg("Z")});
   const auto& points = _mediator->landmarks().getLandmarks();
   _landmarks->setRowCount(static_cast<int>(points.size()));
   for (int i = 0; i < _landmarks->rowCount(); ++i)
@@ -384,38 +392,34 @@ void NYXRenderingWindow::exportSurfaces()
   if (dialog.exec() != QDialog::Accepted) return;
   SurfaceExport target = dialog.target();
   target.prefix = _stack.getName();
-  if (exportTo(target)) return;
-  target.overwrite = true;
-  exportTo(target);
-}
-
-/// \return false when files exist that the user wants to replace
-bool NYXRenderingWindow::exportTo(const SurfaceExport& target)
-{
-  ProgressSubject subject;
-  ExportedSurfaces exported;
   const ShownStack shown =
       copyShown(_stack, _models->shownModels(), [this](const ModelItem& item) { return _models->isShown(item); });
   try
   {
-    if (!runWithProgress(this, tr("Export surfaces"), subject, nullptr,
-                         [&] { exported = ::exportSurfaces(shown, target, subject); }))
-      return true;
+    const std::vector<std::string> existing = existingTargets(shown, target);
+    target.overwrite = !existing.empty();
+    if (target.overwrite && !confirmOverwrite(existing)) return;
+    exportTo(target, shown);
   }
   catch (const Exception& error)
   {
-    const QString reason = errorText(error);
-    if (!target.overwrite && reason.endsWith("file exists")) return !confirmOverwrite(reason);
-    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), reason, QMessageBox::Ok, this);
+    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), errorText(error), QMessageBox::Ok, this);
     box.setTextFormat(Qt::PlainText);
     box.exec();
-    return true;
   }
+}
+
+void NYXRenderingWindow::exportTo(const SurfaceExport& target, const ShownStack& shown)
+{
+  ProgressSubject subject;
+  ExportedSurfaces exported;
+  if (!runWithProgress(this, tr("Export surfaces"), subject, nullptr,
+                       [&] { exported = ::exportSurfaces(shown, target, subject); }))
+    return;
   const auto numFiles = static_cast<int>(exported.filenames.size());
   const auto numLeftOut = static_cast<int>(exported.warnings.size());
   QString text = tr("%n files written", nullptr, numFiles);
   if (numLeftOut > 0)
     text += "; " + tr("%n models left out: ", nullptr, numLeftOut) + QString::fromStdString(exported.warnings.front());
   showMessage(text);
-  return true;
 }

@@ -14,25 +14,29 @@
 
 namespace
 {
+constexpr int delay = 60; // milliseconds, so that many changes are one
+
 float opacityOf(int percent)
 {
   return static_cast<float>(qBound(0, percent, 100)) * 2.55F;
 }
 
-/// What is read of a slice's image in a thread of its own.
-struct PlaneReading
+/// A painter of images that is made in a thread of its own.
+template <class Painter> struct Reading
 {
   ShownStack shown;
-  int slice = 0;
-  std::unique_ptr<ImagePlanePainterGL> plane;
+  ProgressSubject subject;
+  std::unique_ptr<Painter> painter;
   QString problem;
 
-  void run()
+  template <class Read> void run(const Read& read)
   {
     try
     {
-      ProgressSubject subject;
-      plane = createSlicePlane(*shown.stack, slice, subject);
+      painter = read(*shown.stack, subject);
+    }
+    catch (const Cancelled&)
+    {
     }
     catch (const Exception& error)
     {
@@ -44,11 +48,19 @@ struct PlaneReading
     }
   }
 };
+
+VoxelMatrixPainterGL::Mode modeOf(NYXSceneImages::Volume kind)
+{
+  return kind == NYXSceneImages::Cloud ? VoxelMatrixPainterGL::Cloud : VoxelMatrixPainterGL::OrthogonalSlices;
+}
 } // namespace
 
 NYXSceneImages::NYXSceneImages(NYXStack& stack, ViewerCanvasGL& canvas, QObject* parent)
   : QObject(parent), _stack(stack), _canvas(canvas)
 {
+  _delay.setSingleShot(true);
+  _delay.setInterval(delay);
+  connect(&_delay, &QTimer::timeout, this, &NYXSceneImages::readAnew);
 }
 
 NYXSceneImages::~NYXSceneImages()
@@ -111,34 +123,70 @@ void NYXSceneImages::placeSlices()
                      place(_sliceShares[2], sizes[2]));
 }
 
-void NYXSceneImages::readPlane()
+template <class Painter, class Read, class Take>
+std::shared_ptr<ProgressSubject> NYXSceneImages::startReading(const Read& read, const Take& take)
 {
-  ++_numReadings; // what is being read is not wanted any more
-  if (_slice < 0 || _slice >= _stack.getNumSlices()) return dropPlane();
   std::erase_if(_readers, [](const std::future<void>& reader)
                 { return reader.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
-  auto reading = std::make_shared<PlaneReading>();
+  auto reading = std::make_shared<Reading<Painter>>();
   reading->shown = copyShown(_stack, {});
-  reading->slice = _slice;
-  const auto work = [this, reading, number = _numReadings]
+  const auto work = [this, reading, read, take]
   {
-    reading->run();
+    reading->run(read);
     QMetaObject::invokeMethod(
-        this, [this, reading, number] { takePlane(std::move(reading->plane), reading->problem, number); },
-        Qt::QueuedConnection);
+        this, [reading, take] { take(std::move(reading->painter), reading->problem); }, Qt::QueuedConnection);
   };
   _readers.push_back(std::async(std::launch::async, work));
+  return {reading, &reading->subject};
 }
 
-void NYXSceneImages::takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem, int number)
+void NYXSceneImages::readPlane()
 {
-  if (number != _numReadings || !_isPlaneShown) return;
+  const int number = ++_numPlaneReadings; // what is being read is not wanted any more
+  if (_slice < 0 || _slice >= _stack.getNumSlices()) return dropPlane();
+  startReading<ImagePlanePainterGL>([slice = _slice](const Stack& stack, ProgressSubject& subject)
+                                    { return createSlicePlane(stack, slice, subject); },
+                                    [this, number](std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem)
+                                    {
+                                      if (number == _numPlaneReadings && _isPlaneShown)
+                                        takePlane(std::move(plane), problem);
+                                    });
+}
+
+void NYXSceneImages::takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem)
+{
   dropPlane();
   if (!problem.isEmpty()) emit messageShown(problem);
   if (!plane) return;
   _plane = std::move(plane);
   _plane->setName(_stack.getSlice(_slice)->getName());
   _plane->setOpacity(opacityOf(_planeOpacity));
+  addPainters();
+}
+
+/// The volume that is shown stays until the new one is there.
+void NYXSceneImages::readVolume()
+{
+  cancelVolume();
+  _volumeReading = startReading<VoxelMatrixPainterGL>(
+      [mode = modeOf(_volumeKind)](const Stack& stack, ProgressSubject& subject)
+      { return createStackVolume(stack, mode, subject); },
+      [this, number = _numVolumeReadings](std::unique_ptr<VoxelMatrixPainterGL> volume, const QString& problem)
+      {
+        if (number != _numVolumeReadings) return;
+        if (!problem.isEmpty()) emit messageShown(problem);
+        takeVolume(std::move(volume), _volumeKind);
+      });
+}
+
+void NYXSceneImages::takeVolume(std::unique_ptr<VoxelMatrixPainterGL> volume, Volume kind)
+{
+  dropVolume();
+  if (!volume) return;
+  _volume = std::move(volume);
+  _volumeKind = kind;
+  _volume->setOpacity(opacityOf(_cloudOpacity));
+  placeSlices();
   addPainters();
 }
 
@@ -153,8 +201,17 @@ void NYXSceneImages::dropPlane()
   emit imagesChanged();
 }
 
+/// What is being read is not wanted any more.
+void NYXSceneImages::cancelVolume()
+{
+  ++_numVolumeReadings;
+  if (_volumeReading) _volumeReading->cancel();
+  _volumeReading.reset();
+}
+
 void NYXSceneImages::dropVolume()
 {
+  cancelVolume();
   _volumeKind = NoVolume;
   if (!_volume) return;
   _canvas.removePainter(_volume.get());
@@ -172,17 +229,12 @@ bool NYXSceneImages::setVolume(Volume kind)
   ProgressSubject subject;
   try
   {
-    const auto mode = kind == Cloud ? VoxelMatrixPainterGL::Cloud : VoxelMatrixPainterGL::OrthogonalSlices;
     const ShownStack shown = copyShown(_stack, {});
     std::unique_ptr<VoxelMatrixPainterGL> volume;
     if (!runWithProgress(_canvas.window(), tr("Volume"), subject, nullptr,
-                         [&] { volume = createStackVolume(*shown.stack, mode, subject); }))
+                         [&] { volume = createStackVolume(*shown.stack, modeOf(kind), subject); }))
       return false;
-    _volume = std::move(volume);
-    _volumeKind = kind;
-    _volume->setOpacity(opacityOf(_cloudOpacity));
-    placeSlices();
-    addPainters();
+    takeVolume(std::move(volume), kind);
     return true;
   }
   catch (const Exception& error)
@@ -194,8 +246,16 @@ bool NYXSceneImages::setVolume(Volume kind)
 
 void NYXSceneImages::refresh()
 {
+  _delay.start();
+}
+
+void NYXSceneImages::readAnew()
+{
   if (_isPlaneShown) readPlane();
-  if (_volumeKind == NoVolume) return;
-  dropVolume();
-  emit messageShown(tr("The slices changed; the volume is not shown any more"));
+  if (_volumeKind != NoVolume) readVolume();
+}
+
+void NYXSceneImages::renameSlice(const StackSlice& slice)
+{
+  if (_plane && slice.getIndex() == _slice) _plane->setName(slice.getName());
 }

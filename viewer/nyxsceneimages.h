@@ -4,12 +4,15 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <array>
 #include <future>
 #include <memory>
 
 class NYXStack;
+class ProgressSubject;
+class StackSlice;
 class ViewerCanvasGL;
 
 /// The images of a stack in its 3D view: that of one slice as a plane, and all of them as a volume.
@@ -46,8 +49,9 @@ public slots:
   void setVolumeSlice(int axis, double share);
   /// Reads all images, with a dialog that can cancel it. \return whether the volume is shown as it was asked for
   bool setVolume(Volume kind);
-  /// The slices moved: what is shown is made anew.
+  /// The slices moved or their images changed: what is shown is made anew, and stays until that is there.
   void refresh();
+  void renameSlice(const StackSlice& slice);
 
 signals:
   /// Images came into the scene or went.
@@ -56,7 +60,14 @@ signals:
 
 private:
   void readPlane();
-  void takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem, int number);
+  void takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem);
+  void readVolume();
+  void takeVolume(std::unique_ptr<VoxelMatrixPainterGL> volume, Volume kind);
+  /// Makes a painter in a thread of its own, and takes it in that of the windows.
+  template <class Painter, class Read, class Take>
+  std::shared_ptr<ProgressSubject> startReading(const Read& read, const Take& take);
+  void cancelVolume();
+  void readAnew();
   void dropPlane();
   void dropVolume();
   void placeSlices();
@@ -67,10 +78,13 @@ private:
   bool _isPlaneShown = false;
   int _planeOpacity = 100;
   int _cloudOpacity = 25;
-  int _numReadings = 0; // only the last one counts
+  int _numPlaneReadings = 0; // only the last one counts
+  int _numVolumeReadings = 0;
+  std::shared_ptr<ProgressSubject> _volumeReading; // the one that is at work
   std::array<double, 3> _sliceShares = {0.5, 0.5, 0.5};
   Volume _volumeKind = NoVolume;
   std::unique_ptr<ImagePlanePainterGL> _plane;
   std::unique_ptr<VoxelMatrixPainterGL> _volume;
+  QTimer _delay;
   std::vector<std::future<void>> _readers;
 };

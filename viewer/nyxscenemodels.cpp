@@ -9,6 +9,8 @@
 #include "viewer/scene/modelpainters.h"
 #include "viewer/viewercanvasgl.h"
 
+#include <algorithm>
+
 namespace
 {
 constexpr int delay = 60; // milliseconds, so that many changes are one
@@ -43,6 +45,7 @@ void NYXSceneModels::rebuild()
 void NYXSceneModels::cancel()
 {
   _delay.stop();
+  _cancelledModels.merge(_staleModels);
   _run.cancel();
 }
 
@@ -105,13 +108,14 @@ void NYXSceneModels::schedule()
 
 void NYXSceneModels::atEventBatchEnd()
 {
-  if (isStale() && !_run.isRunning()) _delay.start();
+  if (!_staleModels.empty() && !_run.isRunning()) _delay.start();
 }
 
 void NYXSceneModels::start()
 {
-  if (_run.isRunning() || eventBatchEnabled() || !isStale()) return;
+  if (_run.isRunning() || eventBatchEnabled() || _staleModels.empty()) return;
   const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
+  for (const Model* model : models) _cancelledModels.erase(model);
   _staleModels.clear();
   emit runningChanged(true);
   _run.start(copyShown(_stack, models, [this](const ModelItem& item) { return isShown(item); }));
@@ -125,10 +129,9 @@ void NYXSceneModels::takeResults(bool isDone)
   for (std::size_t i = 0; isDone && i < models.size(); ++i)
     if (_stack.findModel(models[i]) >= 0) _painted[models[i]] = std::move(_run.painted()[i]);
   _canvas.doneCurrent();
-  const bool isChangedMeanwhile = isStale();
   if (!isDone)
     for (const Model* model : models)
-      if (_stack.findModel(model) >= 0) _staleModels.insert(model);
+      if (_stack.findModel(model) >= 0) _cancelledModels.insert(model);
   _canvas.removePainters();
   for (int i = 0; i < _stack.getNumModels(); ++i)
   {
@@ -141,7 +144,7 @@ void NYXSceneModels::takeResults(bool isDone)
   emit runningChanged(false);
   emit modelsChanged();
   emit updated(_run.error());
-  if (isDone && isChangedMeanwhile) schedule();
+  if (!_staleModels.empty()) schedule();
 }
 
 void NYXSceneModels::drop(const Model* model)
@@ -187,9 +190,15 @@ void NYXSceneModels::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEv
   markMovedSlices(event.getSlice().getStack());
 }
 
+void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)
+{
+  if (event.getSlice().getStack() == &_stack) emit modelsChanged(); // items are listed by their slices
+}
+
+/// Other changes of slices have events of their own.
 void NYXSceneModels::processSliceAction(NYXSliceAction& action)
 {
-  if (&action.getStack() == &_stack) markAll();
+  if (&action.getStack() == &_stack && action.changesPlaces()) markAll();
 }
 
 void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)
@@ -203,18 +212,25 @@ void NYXSceneModels::modelDeleteEvent(const NYXModelDeleteEvent& event)
 {
   if (event.getStack() != &_stack) return;
   _staleModels.erase(&event.getModel());
+  _cancelledModels.erase(&event.getModel());
   _hiddenModels.erase(&event.getModel());
   drop(&event.getModel());
   emit modelsChanged();
 }
 
-/// Colour and opacity need no other geometry.
+bool NYXSceneModels::isBeingMade(const Model& model) const
+{
+  const std::vector<const Model*>& models = _run.shown().models;
+  return _run.isRunning() && std::find(models.begin(), models.end(), &model) != models.end();
+}
+
+/// Colour and opacity need no other geometry, unless that is being made with those from before.
 void NYXSceneModels::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
 {
   const Model& model = event.getModel();
   if (event.getStack() != &_stack) return;
   const auto painted = _painted.find(&model);
-  const bool hasPainter = painted != _painted.end() && painted->second.painter;
+  const bool hasPainter = painted != _painted.end() && painted->second.painter && !isBeingMade(model);
   const bool isVisibilityKept =
       event.getOldItemProperties().getRenderingVisibility() == model.getItemProperties().getRenderingVisibility();
   if (hasPainter && isVisibilityKept && !needsOtherGeometry(event.getOldProperties(), model.getProperties()) &&

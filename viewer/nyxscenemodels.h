@@ -39,7 +39,7 @@ public:
 
   bool isRunning() const { return _run.isRunning(); }
   /// Whether there are models whose painters do not show them as they are.
-  bool isStale() const { return !_staleModels.empty(); }
+  bool isStale() const { return !_staleModels.empty() || !_cancelledModels.empty(); }
 
 public slots:
   /// Makes all models anew.
@@ -62,6 +62,7 @@ protected:
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
   void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
   void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
+  void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
@@ -83,11 +84,13 @@ private:
   void start();
   void takeResults(bool isDone);
   void drop(const Model* model);
+  bool isBeingMade(const Model& model) const;
 
   NYXStack& _stack;
   ViewerCanvasGL& _canvas;
   std::map<const Model*, PaintedModel> _painted;
   std::set<const Model*> _staleModels;
+  std::set<const Model*> _cancelledModels; // stale ones that are not made anew by themselves
   std::set<const Model*> _hiddenModels;
   std::map<const ModelItem*, bool> _itemVisibilities; // those that differ from the properties
   NYXReconstructionRun _run;

@@ -95,7 +95,12 @@ void ViewerMediator::createDisplayActions()
   _center = createAction(tr("Center on surface"), tr("Move the surface under the cursor into the middle"), "",
                          QKeySequence("C"), [this] { centerUnderCursor(); });
   _pickLandmarks = createToggle(tr("Landmarks"), tr("Mark points of surfaces by clicks"), "landmarks", false,
-                                [this] { _landmarks->setActive(_pickLandmarks->isChecked()); });
+                                [this]
+                                {
+                                  _landmarks->setActive(_pickLandmarks->isChecked());
+                                  if (_pickLandmarks->isChecked())
+                                    emit messageShown(tr("Click on a surface to mark a point of it"));
+                                });
 }
 
 void ViewerMediator::createMotionActions()

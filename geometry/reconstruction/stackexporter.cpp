@@ -14,34 +14,6 @@ namespace
 constexpr const char* exportSignature = "void StackExporter::export2AsciiSTL(...)";
 constexpr const char* quadMeshSuffix = ".qm";
 
-const char* suffixOf(SurfaceFormat format)
-{
-  switch (format)
-  {
-  case SurfaceFormat::Ply:
-    return ".ply";
-  case SurfaceFormat::Obj:
-    return ".obj";
-  default:
-    return ".stl";
-  }
-}
-
-void write(const TriMesh<float>& mesh, SurfaceFormat format, std::ostream& stream)
-{
-  switch (format)
-  {
-  case SurfaceFormat::AsciiStl:
-    return mesh.export2AsciiSTL(stream);
-  case SurfaceFormat::BinaryStl:
-    return mesh.export2BinarySTL(stream);
-  case SurfaceFormat::Ply:
-    return mesh.export2PLY(stream);
-  case SurfaceFormat::Obj:
-    return mesh.export2OBJ(stream);
-  }
-}
-
 void requireFilename(const std::string& name)
 {
   if (name.find('/') != std::string::npos)
@@ -94,6 +66,34 @@ void requireTarget(const std::string& filename, bool overwrite)
 }
 
 } // namespace
+
+const char* suffixOf(SurfaceFormat format)
+{
+  switch (format)
+  {
+  case SurfaceFormat::Ply:
+    return ".ply";
+  case SurfaceFormat::Obj:
+    return ".obj";
+  default:
+    return ".stl";
+  }
+}
+
+void writeSurface(const TriMesh<float>& mesh, SurfaceFormat format, std::ostream& stream)
+{
+  switch (format)
+  {
+  case SurfaceFormat::AsciiStl:
+    return mesh.export2AsciiSTL(stream);
+  case SurfaceFormat::BinaryStl:
+    return mesh.export2BinarySTL(stream);
+  case SurfaceFormat::Ply:
+    return mesh.export2PLY(stream);
+  case SurfaceFormat::Obj:
+    return mesh.export2OBJ(stream);
+  }
+}
 
 void StackExporter::export2AsciiSTL(const Stack& stack, const std::string& directory, bool overwrite)
 {
@@ -170,7 +170,7 @@ void StackExporter::exportModel(const Target& target, const StackReconstruction<
   }
   const std::string filename = target.basename + suffixOf(format), quadMesh = target.basename + quadMeshSuffix;
   OutputFile file(filename, overwrite, exportSignature);
-  write(surface.getTriMesh(), format, file.stream());
+  writeSurface(surface.getTriMesh(), format, file.stream());
   if (surface.getQuadMesh().isEmpty())
     file.commit();
   else

@@ -2,6 +2,7 @@
 
 #include "geometry/reconstruction/modelsurface.h"
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,10 @@ enum class SurfaceFormat
   Ply,
   Obj
 };
+
+/// How the names of surface files end: ".stl", ".ply" or ".obj".
+const char* suffixOf(SurfaceFormat format);
+void writeSurface(const TriMesh<float>& mesh, SurfaceFormat format, std::ostream& stream);
 
 /// Writes the reconstructed surfaces of a stack's models.
 ///

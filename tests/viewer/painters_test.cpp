@@ -48,9 +48,17 @@ TEST(SymbolMesh, HasTheVolumeOfItsSolid)
     EXPECT_EQ(mesh.getNumTriangles(), c.numFaces);
     EXPECT_NEAR(mesh.volume(), c.volume, 1e-6);
   }
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Cube)).size(), 2U * 24); // each edge from both of its faces
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Tetrahedron)).size(), 2U * 12);
-  EXPECT_EQ(symbolEdges(symbolMesh(VertexSymbol::Sphere, 0)).size(), 2U * 30);
+  EXPECT_EQ(symbolLines(VertexSymbol::Cube).ends.size(), 2U * 24); // each edge from both of its faces
+  EXPECT_EQ(symbolLines(VertexSymbol::Tetrahedron).ends.size(), 2U * 12);
+  EXPECT_TRUE(symbolLines(VertexSymbol::Dot).ends.empty());
+  const SymbolLines circles = symbolLines(VertexSymbol::Sphere);
+  double length = 0; // of three circles of diameter 1
+  for (std::size_t i = 0; i < circles.ends.size(); i += 2)
+  {
+    const float *p = circles.vertices.data(circles.ends[i]), *q = circles.vertices.data(circles.ends[i + 1]);
+    length += std::hypot(p[0] - q[0], p[1] - q[1], p[2] - q[2]);
+  }
+  EXPECT_NEAR(length, 3 * std::numbers::pi, 0.05);
   const TriMesh<float> sphere = symbolMesh(VertexSymbol::Sphere, 3);
   EXPECT_EQ(sphere.getNumTriangles(), 20 * 64);
   EXPECT_EQ(sphere.getSize(), 10 * 64 + 2); // welded
@@ -159,14 +167,15 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
   for (int i = 0; i < 2; ++i) rows.level(i).reverse(); // clockwise, so that it is seen from outside
   QuadMesh<float> mesh(rows);
   Matrix<double> values(2, 4);
+  values.setZeros();
   for (int j = 0; j < 4; ++j) values(1, j) = 1;
   Colormap map(2);
   map.setColor(1, {0, 0, 255});
   map.setColor(0, {255, 0, 0});
-  const auto middle = [&](const QuadMesh<float>& m, MeshStyle style)
+  const auto middle = [&](const QuadMesh<float>& m, MeshStyle style, float opacity = 255)
   {
     QuadMeshPainterGL painter(m, style);
-    painter.setMaterial({{0, 255, 0}, 255, 0});
+    painter.setMaterial({{0, 255, 0}, opacity, 0});
     scene.removePainters();
     scene.addPainter(painter);
     scene.updateBoundingBox();
@@ -175,11 +184,36 @@ TEST_F(ScenePictures, QuadMeshesShowColoursCapsAndTheirGrid)
     return color;
   };
   EXPECT_EQ(middle(mesh, MeshStyle::Surface), (Rgb{0, 0, 0})); // one looks through the tube
+  EXPECT_EQ(middle(mesh, MeshStyle::Lines), (Rgb{0, 0, 0}));   // the grid has no diagonals
   mesh.buildCaps();
   EXPECT_EQ(middle(mesh, MeshStyle::Surface), (Rgb{0, 255, 0}));
-  EXPECT_EQ(middle(mesh, MeshStyle::Lines), (Rgb{0, 0, 0})); // the grid has no diagonals
+  EXPECT_NE(middle(mesh, MeshStyle::Lines), (Rgb{0, 0, 0})); // the edge between the two triangles of a cap
   mesh.buildVertexColors(values.toType<float>(), map);
   EXPECT_EQ(middle(mesh, MeshStyle::Surface), (Rgb{0, 0, 255})); // the upper row's colour
+  const Rgb blended = middle(mesh, MeshStyle::Surface, 127.5F);  // half of it over a quarter of the lower one's
+  EXPECT_NEAR(blended[0], 64, 2);
+  EXPECT_NEAR(blended[1], 0, 2);
+  EXPECT_NEAR(blended[2], 128, 2);
+}
+
+/// On screens of twice the density, and in snapshots of a multiple of the window's size.
+TEST_F(ScenePictures, LinesAndDotsGrowWithThePicture)
+{
+  CurveStack<float> square;
+  square.append(squareCurve(10, 0));
+  VertexStack<float> points;
+  points.append(squareCurve(10, 0));
+  CurveStackPainterGL lines(square, {{{0, 0, 255}, 3}});
+  VerticesPainterGL dots(points, {{VertexSymbol::Dot, true, 8, {255, 255, 255}}});
+  VerticesPainterGL edges(points, {{VertexSymbol::Cube, false, 4, {255, 255, 255}}});
+  for (PainterGL<float>* painter : std::initializer_list<PainterGL<float>*>{&lines, &dots, &edges})
+  {
+    scene.addPainter(*painter);
+    scene.updateBoundingBox();
+    const int once = draw(200, 200, 0, 1).numColored(), twice = draw(400, 400, 0, 2).numColored();
+    EXPECT_NEAR(twice, 4 * once, 0.2 * twice);
+    scene.removePainters();
+  }
 }
 
 TEST_F(ScenePictures, SymbolsAreFilledOrNotAndDotsKeepTheirSize)
@@ -205,6 +239,7 @@ TEST_F(ScenePictures, SymbolsAreFilledOrNotAndDotsKeepTheirSize)
     return count;
   };
   EXPECT_GT(numColored(VertexSymbol::Cube, true, 6, 1), 2 * numColored(VertexSymbol::Cube, false, 6, 1));
+  EXPECT_GT(numColored(VertexSymbol::Sphere, true, 6, 1), 2 * numColored(VertexSymbol::Sphere, false, 6, 1));
   const int dots = numColored(VertexSymbol::Dot, true, 9, 0.5F);
   EXPECT_NEAR(dots, 2 * std::numbers::pi / 4 * 81, 16);
   EXPECT_NEAR(numColored(VertexSymbol::Dot, true, 9, 0.25F), dots, 2);

@@ -271,3 +271,28 @@ TEST_F(ScenePictures, CloudsShowEachVoxelInPlace)
     scene.removePainters();
   }
 }
+
+/// The last blocks of voxels that are drawn as one are not whole: what is in the others stays in its place.
+TEST_F(ScenePictures, LargeVolumesKeepTheirExtent)
+{
+  constexpr int size = 301;
+  VoxelMatrix<unsigned char> volume(1, size, 1);
+  volume.setZeros();
+  volume(0, size - 1, 0) = 255; // the last block alone is bright
+  const VolumePlacement placement{{0, 0, 0}, {1, 0, 0}, {0, -20, 0}, {0, 0, 1}};
+  VoxelMatrixPainterGL painter(volume, placement, VoxelMatrixPainterGL::OrthogonalSlices);
+  EXPECT_EQ(painter.boundingBox().getMaximum()[0], size - 0.5F);
+  scene.addPainter(painter);
+  scene.updateBoundingBox();
+  scene.camera().setZoom(5);
+  scene.camera().centerOn({size - 1.0, 0, 0});
+  const Picture picture = draw(600, 600);
+  const auto brightness = [&](double column)
+  {
+    const auto place = scene.camera().project({column, 0, 0}, 600, 600);
+    return picture.at(static_cast<int>(place[0]), 300)[0];
+  };
+  EXPECT_LT(brightness(298.9), 100); // the block goes from 299.5 to 301.5
+  EXPECT_GT(brightness(300.1), 150);
+  scene.removePainters();
+}

@@ -64,9 +64,9 @@ TriMeshPainterGL& ScenePictures::addBox(const Vector<float>& low, const Vector<f
   return *painters.back();
 }
 
-Picture ScenePictures::draw(int width, int height, int numSamples)
+Picture ScenePictures::draw(int width, int height, int numSamples, float pixelRatio)
 {
   const FramebufferGL picture(width, height, numSamples);
-  scene.paint(width, height, 1);
+  scene.paint(width, height, pixelRatio);
   return {width, height, picture.pixels(scene.getBackground().type == BackgroundGL::None)};
 }

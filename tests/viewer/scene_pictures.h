@@ -35,7 +35,7 @@ protected:
 
   /// Adds an opaque box of a colour.
   TriMeshPainterGL& addBox(const Vector<float>& low, const Vector<float>& high, const Rgb& color, float opacity = 255);
-  Picture draw(int width, int height, int numSamples = 0);
+  Picture draw(int width, int height, int numSamples = 0, float pixelRatio = 1);
 
   OffscreenContext context;
   SceneGL scene;

@@ -30,7 +30,8 @@ protected:
   {
     model.getProperties().setRenderingMode(mode);
     const ShownStack shown = copyShown(stack, {&model});
-    return modelGeometry(*shown.stack->getModel(0), StackReconstruction<float>(*shown.stack));
+    ProgressSubject subject;
+    return modelGeometry(*shown.stack->getModel(0), StackReconstruction<float>(*shown.stack), subject);
   }
 
   Stack stack;
@@ -178,18 +179,67 @@ TEST_F(ScenePictures, VolumesLieWhereTheSlicesLie)
   scene.removePainters();
 }
 
+TEST_F(ScenePictures, VolumesOfLargeImagesHaveTheExtentOfTheImages)
+{
+  auto voxels = std::make_shared<VoxelMatrix<unsigned char>>(301, 700, 3);
+  voxels->setZeros();
+  Stack stack;
+  stack.setDefaultRelativePosition(5);
+  for (int k = 0; k < 3; ++k)
+    stack.addSlice(std::make_unique<StackSlice>())
+        .setImageSource(ImageSourceVoxelMatrixPlane(std::shared_ptr<const VoxelMatrix<unsigned char>>(voxels), k));
+  ProgressSubject subject;
+  const auto painter = createStackVolume(stack, VoxelMatrixPainterGL::OrthogonalSlices, subject);
+  const Vector<float> size = painter->boundingBox().getMaximum() - painter->boundingBox().getMinimum();
+  EXPECT_NEAR(size[0], 700, 1e-2);
+  EXPECT_NEAR(size[1], 301, 1e-2);
+  EXPECT_NEAR(size[2], 15, 1e-4);
+}
+
+TEST_F(ScenePictures, SlicesOfAVolumeAreOpaqueWhereTheImagesAreBlack)
+{
+  auto voxels = std::make_shared<VoxelMatrix<unsigned char>>(40, 40, 1);
+  voxels->setZeros();
+  Stack stack;
+  StackSlice& slice = stack.addSlice(std::make_unique<StackSlice>());
+  slice.setImageSource(ImageSourceVoxelMatrixPlane(std::shared_ptr<const VoxelMatrix<unsigned char>>(voxels), 0));
+  slice.setRegistration(Registration(0, 0, 45)); // leaves the corners of the volume without image
+  ProgressSubject subject;
+  const auto painter = createStackVolume(stack, VoxelMatrixPainterGL::OrthogonalSlices, subject);
+  scene.setBackground({BackgroundGL::None, {0, 0, 0}});
+  scene.addPainter(*painter);
+  scene.updateBoundingBox();
+  const Picture picture = draw(300, 300);
+  const auto alphaAt = [&](double x, double y)
+  {
+    const auto place = scene.camera().project({x, y, 0}, 300, 300);
+    return picture.alphaAt(static_cast<int>(place[0]), 299 - static_cast<int>(place[1]));
+  };
+  for (const double x : {-15., -2., 9., 20.}) EXPECT_EQ(alphaAt(x, 1), 255) << x;
+  EXPECT_EQ(alphaAt(-24, 24), 0);
+  scene.removePainters();
+}
+
 TEST_F(StackPictures, ReconstructionStopsWhenItIsCancelled)
 {
   struct Canceller : ProgressObserver
   {
-    explicit Canceller(ProgressSubject& s) : subject(s) {}
-    void started(const std::string&) override { subject.cancel(); }
+    Canceller(ProgressSubject& s, std::string step) : subject(s), lastStep(std::move(step)) {}
+    void started(const std::string& message) override
+    {
+      if (message == lastStep) subject.cancel();
+    }
     void progressed(double) override {}
     void finished() override {}
     ProgressSubject& subject;
+    std::string lastStep;
   };
-  ProgressSubject subject;
-  Canceller canceller(subject);
-  subject.addObserver(canceller);
-  EXPECT_THROW(paintModels(copyShown(stack, {&model}), subject), Cancelled);
+  model.getProperties().setVertexSmoothing(1000);
+  for (const char* step : {"Reconstructing models...", "Smoothing surfaces..."})
+  {
+    ProgressSubject subject;
+    Canceller canceller(subject, step);
+    subject.addObserver(canceller);
+    EXPECT_THROW(paintModels(copyShown(stack, {&model}), subject), Cancelled) << step;
+  }
 }

@@ -5,9 +5,11 @@
 #include "viewer/nyxrenderingvideo.h"
 #include "viewer/nyxrenderingvideothread.h"
 #include "viewer/videocommand.h"
+#include "viewer/viewermediator.h"
 
 #include <gmock/gmock.h>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QDir>
 #include <QLineEdit>
@@ -145,6 +147,20 @@ TEST_F(RenderingWindow, RecordsOneTurn)
   EXPECT_EQ(words[2], "20/1");
   EXPECT_GE(words[3].toInt(), 3);
   EXPECT_TRUE(temporaryFolders().isEmpty());
+}
+
+TEST_F(RenderingWindow, ATurnThatTheUserEndsIsRecordedSoFar)
+{
+  const QTemporaryDir folder;
+  window->resize(420, 320);
+  NYXRenderingVideo& video = window->video();
+  QSignalSpy made(&video, &NYXRenderingVideo::videoMade);
+  video.startVideo({folder.filePath("part.avi"), 20, true, false, 1, 30});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return video.getNumFrames() >= 3; }));
+  window->mediator().motionActions()[0]->trigger(); // Spin
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !made.isEmpty(); }, 60000));
+  EXPECT_FALSE(video.isRecording());
+  EXPECT_LT(window->canvas().getPose().getYRotation(), 300);
 }
 
 TEST_F(RenderingWindow, AMissingEncoderIsTold)

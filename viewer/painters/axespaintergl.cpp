@@ -1,7 +1,7 @@
 #include "viewer/painters/axespaintergl.h"
 
 #include "viewer/painters/materialgl.h"
-#include "viewer/painters/stategl.h"
+#include "viewer/painters/pixelviewgl.h"
 #include "viewer/painters/strokefont.h"
 
 #include <algorithm>
@@ -24,28 +24,17 @@ void AxesPainterGL::setView(int width, int height, float pixelRatio, const std::
 {
   _width = width;
   _height = height;
-  _pixelRatio = pixelRatio;
+  setPixelRatio(pixelRatio);
   _rotation = rotation;
 }
 
 /// The axis that points away from the viewer most is drawn first.
 void AxesPainterGL::paint(PaintPass pass)
 {
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LINE_BIT | GL_VIEWPORT_BIT | GL_TRANSFORM_BIT |
-                      GL_DEPTH_BUFFER_BIT);
-  const MatricesGL matrices;
-  glViewport(0, 0, _width, _height);
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glOrtho(0, _width, 0, _height, -1, 1);
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  glTranslatef(static_cast<float>(_width) - margin * _pixelRatio, margin * _pixelRatio, 0);
-  glScalef(_pixelRatio, _pixelRatio, 1);
-  glDisable(GL_LIGHTING);
-  glDepthFunc(GL_ALWAYS); // nothing that comes later covers it
-  glDepthRange(0, 0);
-  glLineWidth(2 * _pixelRatio);
+  const PixelViewGL view(_width, _height);
+  glTranslatef(static_cast<float>(_width) - margin * getPixelRatio(), margin * getPixelRatio(), 0);
+  glScalef(getPixelRatio(), getPixelRatio(), 1);
+  glLineWidth(2 * getPixelRatio());
   const auto axis = [this](std::size_t k, const char* name, const std::array<int, 3>& color)
   {
     const auto at = [this, k](std::size_t row) { return static_cast<float>(_rotation[3 * row + k]); };

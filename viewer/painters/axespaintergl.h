@@ -19,6 +19,5 @@ public:
 private:
   int _width = 0;
   int _height = 0;
-  float _pixelRatio = 1;
   std::array<double, 9> _rotation = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 };

@@ -8,7 +8,7 @@ void BoundingBoxPainterGL::paint(PaintPass pass)
   if (_box.isEmpty()) return;
   const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LINE_BIT);
   glDisable(GL_LIGHTING);
-  glLineWidth(1);
+  glLineWidth(getPixelRatio());
   MaterialGL{_color}.applyColor(pass);
   const auto corner = [this](unsigned int k)
   {

@@ -64,7 +64,7 @@ void CurveStackPainterGL::paint(PaintPass pass)
   for (const Run& run : _runs)
   {
     MaterialGL{run.style.color, _opacity}.applyColor(pass);
-    glLineWidth(std::max(run.style.width, 1.F));
+    glLineWidth(std::max(run.style.width, 1.F) * getPixelRatio());
     glDrawElements(GL_LINES, run.count, GL_UNSIGNED_INT, offsetGL(run.first * sizeof(std::uint32_t)));
   }
   _vertices.unbind();

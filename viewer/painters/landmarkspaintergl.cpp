@@ -38,9 +38,17 @@ void paintNumber(std::size_t number, const std::array<float, 2>& place, float he
 
 void LandmarksPainterGL::paintDots(float size) const
 {
-  glPointSize(size * _pixelRatio);
+  glPointSize(size * getPixelRatio());
   glBegin(GL_POINTS);
   for (const Point& p : _points) glVertex3dv(p.data());
+  glEnd();
+}
+
+void LandmarksPainterGL::paintNumbers(const std::vector<std::array<float, 2>>& places, float lineWidth) const
+{
+  glLineWidth(lineWidth * getPixelRatio());
+  glBegin(GL_LINES);
+  for (std::size_t i = 0; i < places.size(); ++i) paintNumber(i + 1, places[i], letter * getPixelRatio());
   glEnd();
 }
 
@@ -64,8 +72,8 @@ void LandmarksPainterGL::paint(PaintPass)
   glOrtho(0, viewport[2], 0, viewport[3], -1, 1);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  glLineWidth(1.5F * _pixelRatio);
-  glBegin(GL_LINES);
-  for (std::size_t i = 0; i < places.size(); ++i) paintNumber(i + 1, places[i], letter * _pixelRatio);
-  glEnd();
+  glColor3ub(0, 0, 0); // around the numbers, too
+  paintNumbers(places, 4.5F);
+  glColor3ub(255, 220, 0);
+  paintNumbers(places, 1.5F);
 }

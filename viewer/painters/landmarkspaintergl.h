@@ -13,8 +13,6 @@ public:
 
   const std::vector<Point>& getPoints() const { return _points; }
   void setPoints(const std::vector<Point>& points) { _points = points; }
-  /// How many pixels make one of the screen's.
-  void setPixelRatio(float ratio) { _pixelRatio = ratio; }
 
   /// Empty: marks do not change the size of the scene.
   BoundingBox<float> boundingBox() const override { return BoundingBox<float>(3); }
@@ -22,7 +20,7 @@ public:
 
 private:
   void paintDots(float size) const;
+  void paintNumbers(const std::vector<std::array<float, 2>>& places, float lineWidth) const;
 
   std::vector<Point> _points;
-  float _pixelRatio = 1;
 };

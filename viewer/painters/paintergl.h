@@ -32,6 +32,10 @@ public:
   bool isVisible() const { return _isVisible; }
   void setVisible(bool isVisible) { _isVisible = isVisible; }
 
+  /// How many pixels of the picture make one of the screen's, in which lines and dots are measured.
+  float getPixelRatio() const { return _pixelRatio; }
+  void setPixelRatio(float ratio) { _pixelRatio = ratio; }
+
   /// The box around the object in 3D, also while it is hidden; empty when there is nothing to draw.
   virtual BoundingBox<T> boundingBox() const = 0;
   /// Whether something behind the object shines through.
@@ -43,4 +47,5 @@ public:
 private:
   std::string _name;
   bool _isVisible = true;
+  float _pixelRatio = 1;
 };

@@ -29,5 +29,26 @@ std::vector<std::uint32_t> QuadMeshPainterGL::lineIndexes() const
       if (j + 1 < _width || !_isOpen) add(i, j, i, (j + 1) % _width);
       if (i + 1 < _height) add(i, j, i + 1, j);
     }
+  addCapLines(indexes);
   return indexes;
+}
+
+/// The edges of the caps' triangles, which follow those of the cells. Two triangles pass an edge inside a cap in two
+/// directions, of which one is drawn; the other edges are those of the rows.
+void QuadMeshPainterGL::addCapLines(std::vector<std::uint32_t>& indexes) const
+{
+  const TriMesh<float>& mesh = getTriMesh();
+  const int numCells = (_isOpen ? _width - 1 : _width) * (_height - 1);
+  for (int i = 2 * numCells; i < mesh.getNumTriangleSlots(); ++i)
+  {
+    if (!mesh.hasTriangle(i)) continue;
+    const int* const c = mesh.corners(i);
+    for (int k = 0; k < 3; ++k)
+    {
+      const int a = c[k], b = c[(k + 1) % 3];
+      if (a > b || b - a == 1 || b - a == _width - 1) continue;
+      indexes.push_back(static_cast<std::uint32_t>(a));
+      indexes.push_back(static_cast<std::uint32_t>(b));
+    }
+  }
 }

@@ -1,7 +1,7 @@
 #include "viewer/painters/scalebarpaintergl.h"
 
 #include "viewer/painters/materialgl.h"
-#include "viewer/painters/stategl.h"
+#include "viewer/painters/pixelviewgl.h"
 #include "viewer/painters/strokefont.h"
 
 #include <cmath>
@@ -45,28 +45,17 @@ void ScaleBarPainterGL::setView(int width, int height, double lengthPerPixel, fl
   _width = width;
   _height = height;
   _lengthPerPixel = lengthPerPixel;
-  _pixelRatio = pixelRatio;
+  setPixelRatio(pixelRatio);
 }
 
 void ScaleBarPainterGL::paint(PaintPass pass)
 {
   const auto length = static_cast<float>(getNumPixels());
   if (!(length > 0)) return;
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LINE_BIT | GL_VIEWPORT_BIT | GL_TRANSFORM_BIT |
-                      GL_DEPTH_BUFFER_BIT);
-  const MatricesGL matrices;
-  glViewport(0, 0, _width, _height);
-  glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
-  glOrtho(0, _width, 0, _height, -1, 1);
-  glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
-  glDisable(GL_LIGHTING);
-  glDepthFunc(GL_ALWAYS); // nothing that comes later covers it
-  glDepthRange(0, 0);
+  const PixelViewGL view(_width, _height);
   MaterialGL{_color}.applyColor(pass);
-  glLineWidth(1.5F * _pixelRatio);
-  const float x = margin * _pixelRatio, y = x, half = tick * _pixelRatio;
+  glLineWidth(1.5F * getPixelRatio());
+  const float x = margin * getPixelRatio(), y = x, half = tick * getPixelRatio();
   glBegin(GL_LINES);
   for (const auto& [x1, y1, x2, y2] : {std::array{x, y, x + length, y}, std::array{x, y - half, x, y + half},
                                        std::array{x + length, y - half, x + length, y + half}})
@@ -76,6 +65,6 @@ void ScaleBarPainterGL::paint(PaintPass pass)
   }
   glEnd();
   const std::string text = lengthText(getLength(), _unit);
-  const float height = letter * _pixelRatio;
+  const float height = letter * getPixelRatio();
   drawText(text, x + std::max((length - height * StrokeFont::width(text)) / 2, 0.F), y + 2 * half, height);
 }

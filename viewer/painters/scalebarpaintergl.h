@@ -36,7 +36,6 @@ private:
   int _width = 0;
   int _height = 0;
   double _lengthPerPixel = 0;
-  float _pixelRatio = 1;
   std::string _unit;
   std::array<int, 3> _color = {255, 255, 255};
 };

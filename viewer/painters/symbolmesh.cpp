@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <numbers>
 #include <utility>
 #include <vector>
 
@@ -117,16 +118,52 @@ TriMesh<float> symbolMesh(VertexSymbol symbol, int numDivisions)
   }
 }
 
+namespace
+{
 /// The faces of a polyhedron do not share vertices: an edge of one triangle alone is one of its face.
-std::vector<int> symbolEdges(const TriMesh<float>& mesh)
+std::vector<int> edgesOfFaces(const TriMesh<float>& mesh)
 {
   std::map<std::pair<int, int>, int> numTriangles;
   for (int i = 0; i < mesh.getNumTriangles(); ++i)
     for (int k = 0; k < 3; ++k) ++numTriangles[std::minmax(mesh.corners(i)[k], mesh.corners(i)[(k + 1) % 3])];
-  const bool isWelded =
-      std::all_of(numTriangles.begin(), numTriangles.end(), [](const auto& e) { return e.second > 1; });
   std::vector<int> ends;
   for (const auto& [edge, count] : numTriangles)
-    if (isWelded || count == 1) ends.insert(ends.end(), {edge.first, edge.second});
+    if (count == 1) ends.insert(ends.end(), {edge.first, edge.second});
   return ends;
+}
+
+/// As which unknown symbols are drawn, too.
+bool isSphere(VertexSymbol symbol)
+{
+  return symbol != VertexSymbol::Cube && symbol != VertexSymbol::Diamond && symbol != VertexSymbol::Tetrahedron &&
+         symbol != VertexSymbol::Dot;
+}
+
+/// In the planes of the coordinates.
+SymbolLines circles()
+{
+  constexpr int size = 24;
+  SymbolLines lines{TriMesh<float>(3), {}};
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    for (int k = 0; k < size; ++k)
+    {
+      const float angle = 2 * std::numbers::pi_v<float> * static_cast<float>(k) / size;
+      Point p = {0, 0, 0};
+      p[(axis + 1) % 3] = radius * std::cos(angle);
+      p[(axis + 2) % 3] = radius * std::sin(angle);
+      const int first = static_cast<int>(axis) * size;
+      addVertex(lines.vertices, p);
+      lines.ends.insert(lines.ends.end(), {first + k, first + (k + 1) % size});
+    }
+  lines.vertices.computeNormals();
+  return lines;
+}
+} // namespace
+
+SymbolLines symbolLines(VertexSymbol symbol)
+{
+  if (isSphere(symbol)) return circles();
+  TriMesh<float> mesh = symbolMesh(symbol);
+  std::vector<int> ends = edgesOfFaces(mesh);
+  return {std::move(mesh), std::move(ends)};
 }

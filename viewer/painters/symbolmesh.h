@@ -9,5 +9,10 @@
 /// octahedron), a sphere or a tetrahedron; empty for a dot. Flat faces have vertices of their own, with their normals.
 /// \param numDivisions  how often the triangles of a sphere, an icosahedron at first, are divided in four
 TriMesh<float> symbolMesh(VertexSymbol symbol, int numDivisions = 2);
-/// The ends of the edges of such a mesh: those of its flat faces without their diagonals, or all of a sphere's.
-std::vector<int> symbolEdges(const TriMesh<float>& mesh);
+/// What is drawn of a symbol by lines: the edges of its flat faces, or three circles around a sphere.
+struct SymbolLines
+{
+  TriMesh<float> vertices; ///< with normals
+  std::vector<int> ends;   ///< of the lines, two for each
+};
+SymbolLines symbolLines(VertexSymbol symbol);

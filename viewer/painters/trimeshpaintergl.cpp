@@ -156,9 +156,17 @@ void TriMeshPainterGL::enableArrays(PaintPass pass) const
   if (pass == PaintPass::Picking) return;
   glEnableClientState(GL_NORMAL_ARRAY);
   glNormalPointer(GL_FLOAT, 0, offsetGL(count * vectorSize));
-  if (!_hasColors || _material.isTransparent()) return; // the colours are opaque
+  if (!_hasColors) return;
   glEnableClientState(GL_COLOR_ARRAY);
   glColorPointer(3, GL_UNSIGNED_BYTE, 0, offsetGL(2 * count * vectorSize));
+  if (_material.isTransparent()) blendColors();
+}
+
+/// The colours of the vertices are opaque: the opacity is that of the material.
+void TriMeshPainterGL::blendColors() const
+{
+  glBlendColor(0, 0, 0, std::max(0.F, _material.opacity) / 255); // NaN counts as 0
+  glBlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA);
 }
 
 void TriMeshPainterGL::draw() const
@@ -182,14 +190,15 @@ bool TriMeshPainterGL::isSeenFromAnySide() const
 void TriMeshPainterGL::paint(PaintPass pass)
 {
   if (_mesh->getSize() == 0) return;
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_LINE_BIT | GL_POINT_BIT);
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_LINE_BIT | GL_POINT_BIT |
+                      GL_COLOR_BUFFER_BIT);
   if (!_vertices.isFilled()) upload();
   const bool isSurface = _style == MeshStyle::Surface;
   const bool isOneSided = isSurface && (_material.isEconomic || (_isSolid && pass == PaintPass::Opaque));
   _material.apply(pass, isOneSided);
   if (isSurface) selectFaces(pass, isOneSided);
-  glLineWidth(1); // wide lines of a fine mesh would look like its surface
-  glPointSize(dotSize);
+  glLineWidth(getPixelRatio()); // wide lines of a fine mesh would look like its surface
+  glPointSize(dotSize * getPixelRatio());
   if (isSeenFromAnySide() && pass != PaintPass::Picking) glEnable(GL_LIGHT1);
   enableArrays(pass);
   draw();

@@ -43,6 +43,7 @@ private:
   void uploadVertices();
   void uploadIndexes();
   void enableArrays(PaintPass pass) const;
+  void blendColors() const;
   void draw() const;
   /// Lines and dots have no back: they are lit from behind, too, by the second light.
   bool isSeenFromAnySide() const;

@@ -20,10 +20,9 @@ void addCopy(const TriMesh<float>& symbol, const float* center, float size, std:
   normals.insert(normals.end(), symbol.getNormals().data(), symbol.getNormals().data() + numCoordinates);
 }
 
-/// The corners of the symbol's triangles, or the ends of its edges.
-std::vector<int> indexesOf(const TriMesh<float>& symbol, bool isFilled)
+/// The corners of the symbol's triangles.
+std::vector<int> cornersOf(const TriMesh<float>& symbol)
 {
-  if (!isFilled) return symbolEdges(symbol);
   std::vector<int> corners;
   for (int i = 0; i < symbol.getNumTriangles(); ++i)
     corners.insert(corners.end(), symbol.corners(i), symbol.corners(i) + 3);
@@ -60,8 +59,9 @@ void VerticesPainterGL::buildSymbols()
   const int numDivisions = _dots.size() / 3 > manySymbols ? 1 : 2;
   for (Run& run : _runs)
   {
-    const TriMesh<float> symbol = symbolMesh(run.style.symbol, numDivisions);
-    const std::vector<int> indexes = indexesOf(symbol, run.style.isFilled);
+    const auto [symbol, lines] = run.style.isFilled ? SymbolLines{symbolMesh(run.style.symbol, numDivisions), {}}
+                                                    : symbolLines(run.style.symbol);
+    const std::vector<int> indexes = run.style.isFilled ? cornersOf(symbol) : lines;
     run.firstIndex = _corners.size();
     for (int i = 0; i < run.numDots; ++i)
     {
@@ -102,7 +102,8 @@ void VerticesPainterGL::paintDots(const Run& run, PaintPass pass) const
     glEnable(GL_ALPHA_TEST); // the corners of smooth points are transparent
     glAlphaFunc(GL_GREATER, 0);
   }
-  glPointSize(std::max(run.style.symbol == VertexSymbol::Dot ? run.style.size : economicDotSize, 1.F));
+  const float size = run.style.symbol == VertexSymbol::Dot ? run.style.size : economicDotSize;
+  glPointSize(std::max(size, 1.F) * getPixelRatio());
   _dotBuffer.bind();
   glVertexPointer(3, GL_FLOAT, 0, nullptr);
   glDrawArrays(GL_POINTS, run.firstDot, run.numDots);
@@ -116,8 +117,8 @@ void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
   material.color = run.style.color;
   material.apply(pass);
   selectFaces(pass, false);
-  // Lines are lit from behind, too.
-  isFilled || pass == PaintPass::Picking ? glDisable(GL_LIGHT1) : glEnable(GL_LIGHT1);
+  glLineWidth(getPixelRatio());
+  if (!isFilled) glDisable(GL_LIGHTING); // lines have no side that faces the light
   _symbolBuffer.bind();
   glVertexPointer(3, GL_FLOAT, 0, nullptr);
   if (pass != PaintPass::Picking)
@@ -134,7 +135,7 @@ void VerticesPainterGL::paintSymbols(const Run& run, PaintPass pass) const
 void VerticesPainterGL::paint(PaintPass pass)
 {
   if (_box.isEmpty()) return;
-  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_POINT_BIT |
+  const StateGL state(GL_CURRENT_BIT | GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_POLYGON_BIT | GL_POINT_BIT | GL_LINE_BIT |
                       GL_COLOR_BUFFER_BIT | GL_MULTISAMPLE_BIT);
   if (!_dotBuffer.isFilled()) upload();
   glEnableClientState(GL_VERTEX_ARRAY);

@@ -40,6 +40,7 @@ VoxelMatrixPainterGL::VoxelMatrixPainterGL(const VoxelMatrix<unsigned char>& vol
 void VoxelMatrixPainterGL::reduce(const VoxelMatrix<unsigned char>& volume)
 {
   const int step = (std::max({_sizes[0], _sizes[1], _sizes[2], 1}) - 1) / largestSide + 1;
+  _blockSize = step;
   for (std::size_t axis = 0; axis < 3; ++axis) _texels[axis] = (_sizes[axis] + step - 1) / step;
   _voxels.reserve(static_cast<std::size_t>(_texels[0]) * static_cast<std::size_t>(_texels[1]) *
                   static_cast<std::size_t>(_texels[2]));
@@ -69,7 +70,7 @@ BoundingBox<float> VoxelMatrixPainterGL::boundingBox() const
   return box;
 }
 
-/// The cloud is as opaque as it is bright; slices are opaque but where there is nothing.
+/// The cloud is as opaque as it is bright, slices wherever there is an image.
 void VoxelMatrixPainterGL::upload()
 {
   const auto fill = [this](GLint internalFormat, GLenum format, const std::vector<std::uint8_t>& data)
@@ -87,16 +88,19 @@ void VoxelMatrixPainterGL::upload()
   _voxels = {};
 }
 
-void VoxelMatrixPainterGL::drawSlice(int axis, float share) const
+/// The last blocks may reach beyond the volume, which is drawn as far as it goes.
+void VoxelMatrixPainterGL::drawSlice(std::size_t axis, float place) const
 {
+  const auto size = [this](std::size_t k) { return static_cast<float>(_sizes[k]); };
   for (const auto& [a, b] : {std::array{0.F, 0.F}, std::array{1.F, 0.F}, std::array{1.F, 1.F}, std::array{0.F, 1.F}})
   {
-    std::array<float, 3> s = {a, b, share}; // rows, columns, planes
-    if (axis == 0) s = {share, a, b};
-    if (axis == 1) s = {b, share, a};
-    const auto place = [&](std::size_t k) { return s[k] * static_cast<float>(_sizes[k]) - 0.5F; };
-    const Point corner = _placement.at(place(0), place(1), place(2));
-    glTexCoord3f(s[1], s[0], s[2]);
+    std::array<float, 3> p; // rows, columns, planes, from the border of the volume
+    p[axis] = place;
+    p[(axis + 1) % 3] = a * size((axis + 1) % 3);
+    p[(axis + 2) % 3] = b * size((axis + 2) % 3);
+    const auto texture = [&](std::size_t k) { return p[k] / static_cast<float>(_texels[k] * _blockSize); };
+    const Point corner = _placement.at(p[0] - 0.5F, p[1] - 0.5F, p[2] - 0.5F);
+    glTexCoord3f(texture(1), texture(0), texture(2));
     glVertex3fv(corner.data());
   }
 }
@@ -106,21 +110,17 @@ void VoxelMatrixPainterGL::paintSlices() const
   glEnable(GL_ALPHA_TEST);
   glAlphaFunc(GL_GREATER, 0.5F);
   glBegin(GL_QUADS);
-  for (int axis = 0; axis < 3; ++axis)
-  {
-    const auto k = static_cast<std::size_t>(axis);
-    drawSlice(axis, (static_cast<float>(_slices[k]) + 0.5F) / static_cast<float>(_sizes[k]));
-  }
+  for (std::size_t axis = 0; axis < 3; ++axis) drawSlice(axis, static_cast<float>(_slices[axis]) + 0.5F);
   glEnd();
 }
 
 /// The axis of the volume that comes closest to the direction of view.
-int VoxelMatrixPainterGL::layersAxis() const
+std::size_t VoxelMatrixPainterGL::layersAxis() const
 {
   std::array<float, 16> view;
   glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
   const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
-  int best = 2;
+  std::size_t best = 2;
   float largest = -1;
   for (std::size_t axis = 0; axis < 3; ++axis)
   {
@@ -129,30 +129,33 @@ int VoxelMatrixPainterGL::layersAxis() const
     const float depth = length > 0 ? std::abs(view[2] * s[0] + view[6] * s[1] + view[10] * s[2]) / length : 0;
     if (depth <= largest) continue;
     largest = depth;
-    best = static_cast<int>(axis);
+    best = axis;
   }
   return best;
 }
 
 /// Whether the last layer along an axis is nearer to the viewer than the first one.
-bool VoxelMatrixPainterGL::isSeenFromEnd(int axis) const
+bool VoxelMatrixPainterGL::isSeenFromEnd(std::size_t axis) const
 {
   std::array<float, 16> view;
   glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
   const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
-  const Point& s = steps[static_cast<std::size_t>(axis)];
+  const Point& s = steps[axis];
   return view[2] * s[0] + view[6] * s[1] + view[10] * s[2] >= 0;
 }
 
-/// Layers across the axis that points to the viewer, the farthest first.
+/// Layers through the middles of the blocks, across the axis that points to the viewer, the farthest first.
 void VoxelMatrixPainterGL::paintCloud() const
 {
-  const int axis = layersAxis();
-  const int count = _texels[static_cast<std::size_t>(axis)];
+  const std::size_t axis = layersAxis();
+  const int count = _texels[axis];
   const bool isAscending = isSeenFromEnd(axis);
   glBegin(GL_QUADS);
   for (int n = 0; n < count; ++n)
-    drawSlice(axis, (static_cast<float>(isAscending ? n : count - 1 - n) + 0.5F) / static_cast<float>(count));
+  {
+    const int first = (isAscending ? n : count - 1 - n) * _blockSize;
+    drawSlice(axis, static_cast<float>(first + std::min(first + _blockSize, _sizes[axis])) / 2);
+  }
   glEnd();
 }
 

@@ -19,8 +19,8 @@ struct VolumePlacement
   Point at(float row, float column, float plane) const;
 };
 
-/// Draws a volume of grey levels: three slices across it where they lie, or all of it as a cloud that is as dense as
-/// the voxels are bright.
+/// Draws a volume of grey levels: three slices across it where they lie, as opaque images, or all of it as a cloud that
+/// is as dense as the voxels are bright. Voxels of no image are 0 and not drawn, black ones are 1.
 class VoxelMatrixPainterGL : public PainterGL<float>
 {
 public:
@@ -53,15 +53,16 @@ private:
   void upload();
   void paintSlices() const;
   void paintCloud() const;
-  int layersAxis() const;
-  bool isSeenFromEnd(int axis) const;
-  /// The slice at a share of the volume along an axis: 0 rows, 1 columns, 2 planes.
-  void drawSlice(int axis, float share) const;
+  std::size_t layersAxis() const;
+  bool isSeenFromEnd(std::size_t axis) const;
+  /// The slice at a place along an axis, 0 rows, 1 columns, 2 planes, in voxels from the border of the volume.
+  void drawSlice(std::size_t axis, float place) const;
 
   Mode _mode;
   std::array<int, 3> _sizes;  // rows, columns and planes of the volume
   std::array<int, 3> _slices; // of these
-  std::array<int, 3> _texels; // rows, columns and planes that are drawn
+  std::array<int, 3> _texels; // blocks of voxels along these
+  int _blockSize = 1;         // voxels along the side of a block
   VolumePlacement _placement;
   std::vector<std::uint8_t> _voxels; // until they are on the graphics card
   float _opacity = 64;

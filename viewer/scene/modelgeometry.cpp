@@ -4,6 +4,7 @@
 #include "geometry/reconstruction/stackreconstruction.h"
 #include "model/model.h"
 #include "model/modelitem.h"
+#include "numeric/progresssubject.h"
 
 namespace
 {
@@ -19,17 +20,33 @@ std::vector<ModelItemProperties> propertiesOfLevels(const Model& model,
   return properties;
 }
 
-void smooth(TriMesh<float>& mesh, const ModelProperties& properties)
+/// Calls a function for parts of a number of iterations that take about a second.
+template <class Smooth>
+void smoothInParts(int numIterations, const TriMesh<float>& mesh, ProgressSubject& subject, const Smooth& smooth)
+{
+  constexpr int fewest = 16, mostVertices = 1 << 24; // each part finds the vertices' neighbours anew
+  const int part = std::max(fewest, mostVertices / std::max(mesh.getSize(), 1));
+  const ProgressStep step(subject, "Smoothing surfaces...", numIterations);
+  for (int done = 0; done < numIterations; done += part)
+  {
+    subject.throwIfCancelled("void smoothInParts(int, const TriMesh<float>&, ProgressSubject&, const Smooth&)");
+    smooth(std::min(part, numIterations - done));
+    subject.progress(std::min(done + part, numIterations));
+  }
+}
+
+void smooth(TriMesh<float>& mesh, const ModelProperties& properties, ProgressSubject& subject)
 {
   const int numSteps = std::min(properties.getVertexSmoothing(), mostIterations);
-  if (numSteps > 0) mesh.smooth(numSteps);
+  if (numSteps > 0) smoothInParts(numSteps, mesh, subject, [&mesh](int count) { mesh.smooth(count); });
   if (numSteps > 0 || !mesh.hasNormals()) mesh.computeNormals();
   const int numNormalSteps = std::min(properties.getNormalSmoothing(), mostIterations);
-  if (numNormalSteps > 0) mesh.smoothNormals(numNormalSteps);
+  if (numNormalSteps > 0)
+    smoothInParts(numNormalSteps, mesh, subject, [&mesh](int count) { mesh.smoothNormals(count); });
 }
 
 void addSurface(ModelGeometry& geometry, const Model& model, const StackReconstruction<float>& reconstruction,
-                bool isClosed)
+                ProgressSubject& subject, bool isClosed)
 {
   ModelSurface<float> builder(reconstruction);
   builder.setCaps({.tagged = true, .first = isClosed, .last = isClosed});
@@ -42,14 +59,15 @@ void addSurface(ModelGeometry& geometry, const Model& model, const StackReconstr
     return;
   }
   auto mesh = std::make_shared<TriMesh<float>>(builder.getTriMesh());
-  smooth(*mesh, geometry.properties);
+  smooth(*mesh, geometry.properties, subject);
   geometry.quadMeshWidth = builder.getQuadMesh().getWidth();
   geometry.quadMeshHeight = builder.getQuadMesh().isEmpty() ? 0 : builder.getQuadMesh().getHeight();
   geometry.surface = mesh;
 }
 } // namespace
 
-ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>& reconstruction, bool isClosed)
+ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>& reconstruction,
+                            ProgressSubject& subject, bool isClosed)
 {
   ModelGeometry geometry;
   geometry.name = model.getName();
@@ -61,7 +79,7 @@ ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>
   if (geometry.levels->getNumVertices() == 0)
     geometry.problem = "there is nothing to show";
   else if (model.getGeometry() != MPrimitive::Polypoint && hasSurface(geometry.properties.getRenderingMode()))
-    addSurface(geometry, model, reconstruction, isClosed);
+    addSurface(geometry, model, reconstruction, subject, isClosed);
   return geometry;
 }
 

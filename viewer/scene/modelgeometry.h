@@ -10,6 +10,7 @@
 #include <vector>
 
 class Model;
+class ProgressSubject;
 template <class T> class StackReconstruction;
 
 /// A model in space, as its rendering mode asks for it.
@@ -43,8 +44,9 @@ constexpr bool isTriangular(RenderingMode mode)
 /// Dots and curves are the contours themselves. A wireframe and a surface come from contours that are resampled onto
 /// the model's quad mesh unless they branch, the triangular ones from the contours as they were drawn. Surfaces get the
 /// caps and the smoothing that the model asks for; with `isClosed` also caps at the first and the last contours.
+/// \throw Cancelled  the subject was, before or during the smoothing
 ModelGeometry modelGeometry(const Model& model, const StackReconstruction<float>& reconstruction,
-                            bool isClosed = false);
+                            ProgressSubject& subject, bool isClosed = false);
 
 /// Whether geometry made with some properties is out of date with others; colours and opacity do not matter.
 bool needsOtherGeometry(const ModelProperties& before, const ModelProperties& after);

@@ -8,6 +8,7 @@
 #include "viewer/scene/modelgeometry.h"
 #include "viewer/scene/shownstack.h"
 
+#include <filesystem>
 #include <set>
 
 namespace
@@ -19,26 +20,6 @@ struct Target
   const Model* model;
   std::string filename;
 };
-
-const char* suffixOf(SurfaceFormat format)
-{
-  return format == SurfaceFormat::Ply ? ".ply" : format == SurfaceFormat::Obj ? ".obj" : ".stl";
-}
-
-void write(const TriMesh<float>& mesh, SurfaceFormat format, std::ostream& stream)
-{
-  switch (format)
-  {
-  case SurfaceFormat::AsciiStl:
-    return mesh.export2AsciiSTL(stream);
-  case SurfaceFormat::BinaryStl:
-    return mesh.export2BinarySTL(stream);
-  case SurfaceFormat::Ply:
-    return mesh.export2PLY(stream);
-  case SurfaceFormat::Obj:
-    return mesh.export2OBJ(stream);
-  }
-}
 
 bool isDrawnAsSurface(const Model& model)
 {
@@ -70,6 +51,15 @@ std::string warningAbout(const Model& model, const std::string& what)
 }
 } // namespace
 
+std::vector<std::string> existingTargets(const ShownStack& shown, const SurfaceExport& target)
+{
+  std::vector<std::string> existing;
+  for (const Target& t : targetsOf(shown, target))
+    if (std::error_code ignored; std::filesystem::exists(std::filesystem::symlink_status(t.filename, ignored)))
+      existing.push_back(t.filename);
+  return existing;
+}
+
 ExportedSurfaces exportSurfaces(const ShownStack& shown, const SurfaceExport& target, ProgressSubject& subject)
 {
   const std::vector<Target> targets = targetsOf(shown, target);
@@ -83,7 +73,7 @@ ExportedSurfaces exportSurfaces(const ShownStack& shown, const SurfaceExport& ta
   for (const Target& t : targets)
   {
     subject.throwIfCancelled(signature);
-    const ModelGeometry geometry = modelGeometry(*t.model, reconstruction, target.isClosed);
+    const ModelGeometry geometry = modelGeometry(*t.model, reconstruction, subject, target.isClosed);
     subject.progress(&t - targets.data() + 1);
     if (!geometry.surface)
     {
@@ -93,7 +83,7 @@ ExportedSurfaces exportSurfaces(const ShownStack& shown, const SurfaceExport& ta
     TriMesh<float> mesh = *geometry.surface;
     mesh.setName(t.model->getName());
     OutputFile file(t.filename, target.overwrite, signature);
-    write(mesh, target.format, file.stream());
+    writeSurface(mesh, target.format, file.stream());
     file.commit();
     result.filenames.push_back(t.filename);
   }

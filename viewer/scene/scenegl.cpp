@@ -95,6 +95,7 @@ void SceneGL::applyModelView() const
 void SceneGL::paintSurroundings(int width, int height, float pixelRatio)
 {
   _boundingBoxPainter.setColor(_background.contrastingColor());
+  _boundingBoxPainter.setPixelRatio(pixelRatio);
   if (_hasBoundingBox) _boundingBoxPainter.paint(PaintPass::Opaque);
   _scaleBarPainter.setColor(_background.contrastingColor());
   _scaleBarPainter.setView(width, height, _camera.lengthPerPixel(width, height), pixelRatio);
@@ -114,6 +115,7 @@ void SceneGL::paint(int width, int height, float pixelRatio)
   if (std::exchange(_isLightDirty, false)) applyLight();
   applyModelView();
   paintSurroundings(width, height, pixelRatio);
+  for (Painter* painter : _painters) painter->setPixelRatio(pixelRatio);
   // The scene size reaches from the near to the far plane.
   const PaintPass pass = _camera.getBoundingBoxScaling() < 1 ? PaintPass::OpaqueCut : PaintPass::Opaque;
   for (Painter* painter : _painters)

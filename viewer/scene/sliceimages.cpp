@@ -63,19 +63,28 @@ PixelMatrix<unsigned char> reduced(Image& image, int step)
 struct Grid
 {
   float left = INFINITY, right = -INFINITY, bottom = INFINITY, top = -INFINITY;
-  float pixelSize = 0;
+  float pixelSize = 0; // at most
   float lowest = 0;
   float planeDistance = 1;
   int numPlanes = 0;
 
-  int numColumns() const { return std::clamp(static_cast<int>((right - left) / pixelSize), 1, 2 * largestSide); }
-  int numRows() const { return std::clamp(static_cast<int>((top - bottom) / pixelSize), 1, 2 * largestSide); }
+  int numColumns() const { return numPixels(right - left); }
+  int numRows() const { return numPixels(top - bottom); }
+  float pixelWidth() const { return (right - left) / static_cast<float>(numColumns()); }
+  float pixelHeight() const { return (top - bottom) / static_cast<float>(numRows()); }
   VolumePlacement placement() const
   {
-    return {{left + pixelSize / 2, top - pixelSize / 2, lowest},
-            {pixelSize, 0, 0},
-            {0, -pixelSize, 0},
+    return {{left + pixelWidth() / 2, top - pixelHeight() / 2, lowest},
+            {pixelWidth(), 0, 0},
+            {0, -pixelHeight(), 0},
             {0, 0, planeDistance}};
+  }
+
+private:
+  /// That fill a length exactly; what rounding adds to it makes no pixel of its own.
+  int numPixels(float length) const
+  {
+    return std::clamp(static_cast<int>(std::ceil(length / pixelSize - 0.01F)), 1, largestSide);
   }
 };
 
@@ -110,6 +119,7 @@ Grid gridAround(const Stack& stack, const StackReconstruction<float>& reconstruc
   const float extent = heights.back() - heights.front();
   if (std::isfinite(distance)) grid.planeDistance = std::max(distance, extent / (largestSide - 1));
   grid.numPlanes = 1 + static_cast<int>(std::lround(extent / grid.planeDistance));
+  if (grid.numPlanes > 1) grid.planeDistance = extent / static_cast<float>(grid.numPlanes - 1);
   return grid;
 }
 
@@ -128,21 +138,22 @@ std::vector<int> nearestSlices(const Grid& grid, const Vector<float>& heights)
   return nearest;
 }
 
-/// Fills a plane with what a slice's image has at the places of its pixels, 0 where it has nothing.
+/// Fills a plane with what a slice's image has at the places of its pixels: at least 1, and 0 where it has nothing.
 void fillPlane(PixelMatrix<unsigned char>& plane, const Grid& grid, const PixelMatrix<unsigned char>& image, int step,
                const Vector<float>& m)
 {
   const float determinant = m[0] * m[4] - m[1] * m[3];
+  const float width = grid.pixelWidth(), height = grid.pixelHeight();
   for (int i = 0; i < plane.getSize1(); ++i)
     for (int j = 0; j < plane.getSize2(); ++j)
     {
-      const float x = grid.left + (static_cast<float>(j) + 0.5F) * grid.pixelSize - m[2];
-      const float y = grid.top - (static_cast<float>(i) + 0.5F) * grid.pixelSize - m[5];
+      const float x = grid.left + (static_cast<float>(j) + 0.5F) * width - m[2];
+      const float y = grid.top - (static_cast<float>(i) + 0.5F) * height - m[5];
       const float u = (m[4] * x - m[1] * y) / determinant + 0.5F, v = (m[0] * y - m[3] * x) / determinant + 0.5F;
       const int column = static_cast<int>(std::floor(u / static_cast<float>(step)));
       const int row = static_cast<int>(std::floor(v / static_cast<float>(step)));
       const bool isInside = row >= 0 && row < image.getSize1() && column >= 0 && column < image.getSize2();
-      plane(i, j) = isInside ? image(row, column) : 0;
+      plane(i, j) = isInside ? std::max<unsigned char>(image(row, column), 1) : 0;
     }
 }
 } // namespace

@@ -10,12 +10,17 @@
 namespace
 {
 /// What goes wrong with a model is its problem alone.
-PaintedModel paintModel(const Model& model, const StackReconstruction<float>& reconstruction, float size)
+PaintedModel paintModel(const Model& model, const StackReconstruction<float>& reconstruction, float size,
+                        ProgressSubject& subject)
 {
   try
   {
-    const ModelGeometry geometry = modelGeometry(model, reconstruction);
+    const ModelGeometry geometry = modelGeometry(model, reconstruction, subject);
     return {createPainter(geometry, size), geometry.problem};
+  }
+  catch (const Cancelled&)
+  {
+    throw;
   }
   catch (const Exception& error)
   {
@@ -34,7 +39,7 @@ std::vector<PaintedModel> paintModels(const ShownStack& shown, ProgressSubject& 
   {
     subject.progress(i + 1);
     subject.throwIfCancelled("std::vector<PaintedModel> paintModels(const ShownStack&, ProgressSubject&)");
-    painted.push_back(paintModel(*shown.stack->getModel(i), reconstruction, size));
+    painted.push_back(paintModel(*shown.stack->getModel(i), reconstruction, size, subject));
   }
   return painted;
 }

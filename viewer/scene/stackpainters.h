@@ -17,5 +17,5 @@ struct PaintedModel
 };
 
 /// Reconstructs the models, in their order, and makes their painters. Needs no OpenGL yet.
-/// \throw Cancelled  the subject was, between two models
+/// \throw Cancelled  the subject was, between two models or while one is smoothed
 std::vector<PaintedModel> paintModels(const ShownStack& shown, ProgressSubject& subject);
