@@ -30,11 +30,12 @@ struct ManyItems
   void draw(int item, int center)
   {
     Vertices<int> vertices(2, 100);
+    int* const pixels = vertices.data();
     for (int k = 0; k < 100; ++k)
     {
       const double angle = 2 * std::numbers::pi * k / 100, radius = 100 + 9 * std::sin(5 * angle + item);
-      vertices[k][0] = center + static_cast<int>(std::lround(radius * std::cos(angle)));
-      vertices[k][1] = static_cast<int>(std::lround(radius * std::sin(angle)));
+      pixels[2 * k] = center + static_cast<int>(std::lround(radius * std::cos(angle)));
+      pixels[2 * k + 1] = static_cast<int>(std::lround(radius * std::sin(angle)));
     }
     ModelItem::create(*model, *stack.getSlice(stack.getNumSlices() - 1)).setVertices(std::move(vertices));
   }
