@@ -3,7 +3,7 @@
 
     bench/measures_check.py path/to/mirelo-batch examples/specimen/specimen.sdf ...
 
-Two made stacks are measured after those that are named. Vertices come from the text of the stack file, calibration,
+Made stacks are measured after those that are named. Vertices come from the text of the stack file, calibration,
 alignment and depth of the slices from `info`. The area of a surface is that of the triangles that `export` writes in
 single precision. Prints the largest relative difference of each column (of positions relative to the largest
 coordinate) and fails when one is more than rounding or a text, a count or an "NA" differs. Needs numpy.
@@ -361,7 +361,7 @@ def made_stack(random, name, header, num_slices, slice_statements):
 
 
 def made_stacks():
-    """Two hundred slices of varying pixels, most at absolute depths, upside down; and a few that are very small."""
+    """Many slices of varying pixels, most at absolute depths, upside down; some very small; some at one height."""
     def varying(k):
         depth = f"POSITION {-5000 + 70.25 * k};\n" if k % 10 < 8 else f"RELPOSITION {33.125 + k};\n"
         return f"PIXWIDTH {64.5 + k % 3};\nPIXASPECT {0.37 + k % 2};\n" + depth
@@ -373,6 +373,7 @@ def made_stacks():
     yield made_stack(random, "varying", "LengthUnitScale -9;\nInvertZAxis true;\n", 200, varying)
     small = "LengthUnitScale -3;\nPIXASPECT 2.5;\nPIXWIDTH 0.00025;\nRELPOSITION 0.0013;\n"
     yield made_stack(random, "small", small, 12, downwards)
+    yield made_stack(random, "level", "InvertZAxis true;\nRELPOSITION 0;\nLengthUnitScale 0;\n", 6, lambda k: "")
 
 
 def main():

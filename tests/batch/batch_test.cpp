@@ -272,6 +272,17 @@ TEST_F(Batch, MeasuresEverySheetInBothForms)
   }
 }
 
+TEST_F(Batch, CountsOfModelsOfOneNameAreAdded)
+{
+  write(folder / "twins.sdf",
+        "STACK \"twins\"; SLICE \"a\" \"gone.tif\"; SliceSize1 20; SliceSize2 40;\n"
+        "MODEL \"m\"; MODELITEM \"m\" \"a\"; MODELITEMDATA 0,0 20,0 20,12;\n"
+        "MODEL \"m\"; PRIMITIVE Polypoint; MODELITEM \"m\" \"a\"; MODELITEMDATA 0,0 20,0 20,12;\n");
+  EXPECT_EQ(run("measure twins.sdf --sheet slices").output, "Slice,m,m\r\na,1,3\r\n");
+  const auto rows = nlohmann::json::parse(run("measure twins.sdf --sheet slices --json").output);
+  EXPECT_EQ(rows, nlohmann::json::parse(R"([{"slice":"a","counts":{"m":4}}])"));
+}
+
 TEST_F(Batch, MeasuresGoToAFileThatIsNew)
 {
   const std::string command = "measure " + example + " --sheet models";
