@@ -85,11 +85,15 @@ Json measuresRow(const MeasureTable& table, int row)
   return result;
 }
 
+/// Keys are the names of the models; the counts of models of one name are added.
 Json countsRow(const MeasureTable& table, int row)
 {
   Json counts = Json::object();
   for (int column = 1; column < table.getNumColumns(); ++column)
-    counts[table.getColumn(column).name] = cell(table, row, column);
+  {
+    Json& count = counts[table.getColumn(column).name];
+    count = (count.is_null() ? 0 : count.get<long>()) + static_cast<long>(table.getValue(row, column));
+  }
   return {{"slice", table.getText(row, 0)}, {"counts", counts}};
 }
 

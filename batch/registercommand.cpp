@@ -30,13 +30,14 @@ std::string lineOf(const StackSlice& slice, const SliceAlignment& alignment)
   return slice.getName() + numbers;
 }
 
-/// Aligns all slices but the first and prints a line for each.
-void alignSlices(Stack& stack, bool isDark)
+/// Aligns all slices but the first and prints a line for each. \return how many correlate less than before
+int alignSlices(Stack& stack, bool isDark)
 {
   TerminalProgress progress;
   ProgressSubject subject;
   subject.addObserver(progress);
   const ProgressStep step(subject, "Registering", stack.getNumSlices());
+  int numWorse = 0;
   std::cout << "slice\thorizontalShift\tverticalShift\tangle\tcorrelationBefore\tcorrelationAfter\n";
   for (int i = 1; i < stack.getNumSlices(); ++i)
   {
@@ -47,8 +48,10 @@ void alignSlices(Stack& stack, bool isDark)
     slice.setRegistration(alignment.registration);
     stack.setLastRegisteredSlice(slice.getName());
     std::cout << lineOf(slice, alignment);
+    numWorse += alignment.correlationAfter < alignment.correlationBefore;
     subject.progress(i + 1);
   }
+  return numWorse;
 }
 
 ExitStatus registerStack(const Arguments& arguments)
@@ -56,10 +59,14 @@ ExitStatus registerStack(const Arguments& arguments)
   if (!arguments.out.ends_with(".sdf")) throw BatchError(arguments.out + ": the name of a stack file ends with .sdf");
   requireWritable(arguments.out, arguments.overwrite);
   const StackFile file = requireStackFile(arguments.in);
-  alignSlices(*file.stack, arguments.isDark);
+  const int numWorse = alignSlices(*file.stack, arguments.isDark);
   StackWriter writer;
   writer.write(*file.stack, arguments.out);
   for (const std::string& line : writer.getWarnings()) warn(arguments.out + ": " + line);
+  std::cout << std::flush; // the table comes first
+  if (numWorse > 0)
+    warn(std::to_string(numWorse) + " of " + std::to_string(file.stack->getNumSlices() - 1) +
+         " slices correlate less than before: look at them");
   return Done;
 }
 } // namespace

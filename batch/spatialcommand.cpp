@@ -119,7 +119,7 @@ void requireNewOutputs(const Arguments& arguments)
 {
   if (!arguments.out.empty()) requireWritable(arguments.out, arguments.overwrite);
   if (arguments.curves.empty()) return;
-  for (const char function : arguments.functions) requireWritable(curvesFile(arguments, function), arguments.overwrite);
+  for (const char function : arguments.functions) requireNew(curvesFile(arguments, function), arguments.overwrite);
 }
 
 void writeCurves(const Arguments& arguments, const StackSpatialAnalysis& analysis)

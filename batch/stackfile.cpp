@@ -51,8 +51,17 @@ std::vector<const Model*> selectModels(const StackFile& file, const std::vector<
   return selected;
 }
 
-void requireWritable(const std::string& filename, bool overwrite)
+void requireNew(const std::string& filename, bool overwrite)
 {
   if (!overwrite && std::filesystem::exists(filename))
     throw BatchError(filename + ": file exists (--overwrite replaces it)");
+}
+
+void requireWritable(const std::string& filename, bool overwrite)
+{
+  const std::filesystem::path folder = std::filesystem::path(filename).parent_path();
+  std::error_code unreadable;
+  if (!folder.empty() && !std::filesystem::is_directory(folder, unreadable))
+    throw BatchError(filename + ": there is no folder " + folder.string());
+  requireNew(filename, overwrite);
 }

@@ -29,4 +29,7 @@ StackFile requireStackFile(const std::string& filename);
 std::vector<const Model*> selectModels(const StackFile& file, const std::vector<std::string>& names);
 
 /// \throw BatchError  the file exists and must not be overwritten
+void requireNew(const std::string& filename, bool overwrite);
+
+/// The same for a file whose folder will not be made. \throw BatchError  the folder is missing, too
 void requireWritable(const std::string& filename, bool overwrite);

@@ -2,8 +2,10 @@
 
 #include "numeric/exception.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 
 namespace
@@ -50,11 +52,18 @@ double MeasureTable::addText(const std::string& text)
   return static_cast<double>(_texts.size() - 1);
 }
 
+void MeasureTable::reserve(std::size_t numRows)
+{
+  _values.reserve(numRows * _columns.size());
+  _sources.reserve(numRows);
+}
+
 void MeasureTable::addRow(int source, const std::vector<double>& values)
 {
   if (values.size() != _columns.size())
     throw UsageError("void MeasureTable::addRow(int,const std::vector<double>&)", "A row has one value per column");
-  _values.insert(_values.end(), values.begin(), values.end());
+  const auto withoutNegativeZero = [](double value) { return value + 0.; };
+  std::transform(values.begin(), values.end(), std::back_inserter(_values), withoutNegativeZero);
   _sources.push_back(source);
 }
 

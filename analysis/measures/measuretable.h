@@ -1,5 +1,7 @@
 #pragma once
 
+#include "geometry/bufferallocator.h"
+
 #include <string>
 #include <vector>
 
@@ -40,6 +42,8 @@ public:
 
   /// Stores a text. \return its number, the value of the cells that hold it
   double addText(const std::string& text);
+  /// Makes place for a number of rows.
+  void reserve(std::size_t numRows);
   /// Adds a row with one value per column; a text column takes the number of a text.
   /// \param source  what the row was measured on, in the caller's numbering
   void addRow(int source, const std::vector<double>& values);
@@ -65,7 +69,7 @@ private:
                      const char* lineEnd) const;
 
   std::vector<MeasureColumn> _columns;
-  std::vector<double> _values; // row by row
+  BufferVector<double> _values; // row by row
   std::vector<int> _sources;
   std::vector<std::string> _texts;
 };

@@ -115,7 +115,8 @@ private:
   void addPoints(int source)
   {
     const Vertices<double>& points = _measures.getVertices();
-    for (int i = 0; i < points.getSize(); ++i) addRow(source, {_sliceText, points[i][0], points[i][1], _z});
+    const double* point = points.data();
+    for (int i = 0; i < points.getSize(); ++i, point += 3) addRow(source, {_sliceText, point[0], point[1], _z});
   }
 
   void addItem(int source)
@@ -143,6 +144,13 @@ private:
   double _z = 0;
   std::vector<double> _values; // of one row, kept for the next one
 };
+std::size_t numRows(const std::vector<const ModelItem*>& items, MPrimitive geometry)
+{
+  if (!isPoints(geometry)) return items.size();
+  std::size_t numPoints = 0;
+  for (const ModelItem* item : items) numPoints += static_cast<std::size_t>(item->getSize());
+  return numPoints;
+}
 } // namespace
 
 ModelMeasures measureModel(const Model& model)
@@ -229,6 +237,7 @@ MeasureTable itemTable(const Stack& stack, const Model& model, ProgressSubject& 
   const StackReconstruction<double> reconstruction(stack);
   const std::vector<const ModelItem*> items = reconstruction.itemsInStackOrder(model);
   MeasureTable table = emptyItemTable(model.getGeometry(), stack.getLengthUnit().symbol());
+  table.reserve(numRows(items, model.getGeometry()));
   ItemRows rows(table, reconstruction, model.getGeometry());
   const ProgressStep step(progress, "Measuring items", static_cast<long>(items.size()));
   for (std::size_t i = 0; i < items.size(); ++i)

@@ -57,6 +57,11 @@ TEST_F(Batch, BadArgumentsAndInputGiveOneLine)
       {"measure " + example + " --sheet moods", "moods"},
       {"convert " + example + " nowhere/new.sdf", "nowhere/new.sdf"},
       {"convert " + example + " new.txt", "new.txt"}, // it could not be read back
+      {"convert missing.sdf nowhere/new.sdf", "nowhere/new.sdf: there is no folder nowhere"}, // before any work
+      {"measure missing.sdf --sheet models --out empty.sdf/new.csv", "there is no folder empty.sdf"},
+      {"register missing.sdf --out nowhere/new.sdf", "there is no folder nowhere"},
+      {"measure " + example + " --sheet items", "--sheet items measures one model"},
+      {"measure " + example + " --sheet items --model nucleus --model stain", "--sheet items measures one model"},
   };
   for (const auto& c : cases)
   {
@@ -205,29 +210,88 @@ TEST_F(Batch, ExportResamplesOntoTheModelsQuadMeshAndWritesEveryFormat)
   EXPECT_EQ(run("export " + example + " --out ply --model nucleus --format vrml").status, 2);
 }
 
-TEST_F(Batch, MeasuresAreTheSameInBothForms)
-{
-  const Result csv = run("measure " + example + " --sheet models");
-  const auto rows = nlohmann::json::parse(run("measure " + example + " --sheet models --json").output);
-  ASSERT_EQ(rows.size(), 5u);
-  std::istringstream lines(csv.output);
-  std::string line;
-  std::getline(lines, line);
-  EXPECT_EQ(line, "Model,Primitive,Vertices,AverageX [\u00b5m],AverageY [\u00b5m],AverageZ [\u00b5m],Contours,Area "
-                  "[\u00b5m^2],Volume [\u00b5m^3]\r");
-  for (const auto& row : rows)
-  {
-    std::getline(lines, line);
-    EXPECT_THAT(line, StartsWith(row["model"].get<std::string>() + "," + row["primitive"].get<std::string>() + ","));
-    EXPECT_THAT(line, HasSubstr("," + (row["volume"].is_null() ? "NA" : row["volume"].dump()) + "\r"));
-  }
-  EXPECT_TRUE(rows[1]["area"].is_null()) << "the vessel branches";
-  EXPECT_GT(rows[1]["volume"], 0);
-  EXPECT_TRUE(rows[3]["contours"].is_null()) << "points have none";
-  EXPECT_EQ(rows[3]["vertices"], 72);
+/// Two slices 2 apart with pixels of 0.5 by 0.25 of 40 by 20, and a model of each kind.
+const std::string smallStack = "STACK \"small\"; LengthUnitScale -9; PIXWIDTH 0.5; PIXASPECT 0.5; RELPOSITION 2;\n"
+                               "SLICE \"a\" \"gone.tif\"; SliceSize1 20; SliceSize2 40;\n"
+                               "SLICE \"b, c\" \"gone.tif\"; SliceSize1 20; SliceSize2 40;\n"
+                               "MODEL \"box\"; PRIMITIVE Polygon;\n"
+                               "MODELITEM \"box\" \"a\"; MODELITEMDATA 0,0 20,0 20,12 0,12;\n"
+                               "MODELITEM \"box\" \"b, c\"; MODELITEMDATA 0,0 20,0 20,12 0,12;\n"
+                               "MODEL \"line\"; PRIMITIVE Polyline;\n"
+                               "MODELITEM \"line\" \"b, c\"; MODELITEMDATA 0,0 20,0;\n"
+                               "MODEL \"dots\"; PRIMITIVE Polypoint;\n"
+                               "MODELITEM \"dots\" \"a\"; MODELITEMDATA 20,10 22,6;\n"
+                               "MODEL \"stain\"; PRIMITIVE Region;\n"
+                               "MODELITEM \"stain\" \"a\"; MODELITEMDATA 20,10,3;\n"
+                               "MODEL \"none\"; PRIMITIVE Polygon;\n";
 
-  ASSERT_EQ(run("measure " + example + " --sheet models --out table.csv").status, 0);
-  EXPECT_EQ(contents(folder / "table.csv"), csv.output);
-  EXPECT_EQ(run("measure " + example + " --sheet models --out table.csv").status, 2);
+TEST_F(Batch, MeasuresEverySheetInBothForms)
+{
+  write(folder / "small.sdf", smallStack);
+  const struct
+  {
+    std::string sheet, csv, json;
+  } cases[] = {
+      {"models",
+       "Model,Primitive,Vertices,AverageX [nm],AverageY [nm],AverageZ [nm],Contours,Area [nm^2],Volume [nm^3]\r\n"
+       "box,Polygon,8,-5,1,1,2,52,120\r\nline,Polyline,2,-5,2.5,2,1,0,NA\r\ndots,Polypoint,2,0.5,0.5,0,NA,NA,NA\r\n"
+       "stain,Region,3,0,-0.25,0,1,0,0.75\r\nnone,Polygon,0,NA,NA,NA,0,0,0\r\n",
+       R"([{"model":"box","primitive":"Polygon","vertices":8,"average":[-5.0,1.0,1.0],"contours":2,"area":52.0,)"
+       R"("volume":120.0},{"model":"line","primitive":"Polyline","vertices":2,"average":[-5.0,2.5,2.0],"contours":1,)"
+       R"("area":0.0,"volume":null},{"model":"dots","primitive":"Polypoint","vertices":2,"average":[0.5,0.5,0.0],)"
+       R"("contours":null,"area":null,"volume":null},{"model":"stain","primitive":"Region","vertices":3,)"
+       R"("average":[0.0,-0.25,0.0],"contours":1,"area":0.0,"volume":0.75},{"model":"none","primitive":"Polygon",)"
+       R"("vertices":0,"average":null,"contours":0,"area":0.0,"volume":0.0}])"},
+      {"slices", "Slice,box,line,dots,stain,none\r\na,1,0,2,1,0\r\n\"b, c\",1,1,0,0,0\r\n",
+       R"([{"slice":"a","counts":{"box":1,"line":0,"dots":2,"stain":1,"none":0}},)"
+       R"({"slice":"b, c","counts":{"box":1,"line":1,"dots":0,"stain":0,"none":0}}])"},
+      {"slices --model line", "Slice,line\r\na,0\r\n\"b, c\",1\r\n",
+       R"([{"slice":"a","counts":{"line":0}},{"slice":"b, c","counts":{"line":1}}])"},
+      {"items --model box",
+       "Slice,Vertices,Length [nm],Area [nm^2],AverageX [nm],AverageY [nm],Z [nm]\r\n"
+       "a,4,26,30,-5,1,0\r\n\"b, c\",4,26,30,-5,1,2\r\n",
+       R"([{"slice":"a","vertices":4,"length":26.0,"area":30.0,"average":[-5.0,1.0],"z":0.0},)"
+       R"({"slice":"b, c","vertices":4,"length":26.0,"area":30.0,"average":[-5.0,1.0],"z":2.0}])"},
+      {"items --model line",
+       "Slice,Vertices,Length [nm],AverageX [nm],AverageY [nm],Z [nm]\r\n\"b, c\",2,10,-5,2.5,2\r\n",
+       R"([{"slice":"b, c","vertices":2,"length":10.0,"average":[-5.0,2.5],"z":2.0}])"},
+      {"items --model dots", "Slice,X [nm],Y [nm],Z [nm]\r\na,0,0,0\r\na,1,1,0\r\n",
+       R"([{"slice":"a","x":0.0,"y":0.0,"z":0.0},{"slice":"a","x":1.0,"y":1.0,"z":0.0}])"},
+      {"items --model stain",
+       "Slice,Vertices,Length [nm],Area [nm^2],AverageX [nm],AverageY [nm],Z [nm]\r\na,3,NA,0.375,0,-0.25,0\r\n",
+       R"([{"slice":"a","vertices":3,"length":null,"area":0.375,"average":[0.0,-0.25],"z":0.0}])"},
+      {"items --model none", "Slice,Vertices,Length [nm],Area [nm^2],AverageX [nm],AverageY [nm],Z [nm]\r\n", "[]"},
+  };
+  for (const auto& c : cases)
+  {
+    SCOPED_TRACE(c.sheet);
+    const std::string command = "measure small.sdf --sheet " + c.sheet;
+    EXPECT_EQ(run(command).output, c.csv);
+    EXPECT_EQ(run(command).errors, "");
+    EXPECT_EQ(nlohmann::json::parse(run(command + " --json").output), nlohmann::json::parse(c.json));
+  }
+}
+
+TEST_F(Batch, CountsOfModelsOfOneNameAreAdded)
+{
+  write(folder / "twins.sdf",
+        "STACK \"twins\"; SLICE \"a\" \"gone.tif\"; SliceSize1 20; SliceSize2 40;\n"
+        "MODEL \"m\"; MODELITEM \"m\" \"a\"; MODELITEMDATA 0,0 20,0 20,12;\n"
+        "MODEL \"m\"; PRIMITIVE Polypoint; MODELITEM \"m\" \"a\"; MODELITEMDATA 0,0 20,0 20,12;\n");
+  EXPECT_EQ(run("measure twins.sdf --sheet slices").output, "Slice,m,m\r\na,1,3\r\n");
+  const auto rows = nlohmann::json::parse(run("measure twins.sdf --sheet slices --json").output);
+  EXPECT_EQ(rows, nlohmann::json::parse(R"([{"slice":"a","counts":{"m":4}}])"));
+}
+
+TEST_F(Batch, MeasuresGoToAFileThatIsNew)
+{
+  const std::string command = "measure " + example + " --sheet models";
+  const Result table = run(command);
+  EXPECT_THAT(table.output, HasSubstr("vessel,Polygon,1216,"));
+  EXPECT_THAT(table.output, HasSubstr(",38,NA,")) << "the vessel branches";
+  ASSERT_EQ(run(command + " --out table.csv").status, 0);
+  EXPECT_EQ(contents(folder / "table.csv"), table.output);
+  EXPECT_EQ(run(command + " --out table.csv").status, 2);
+  EXPECT_EQ(run(command + " --out table.csv --overwrite").status, 0);
 }
 } // namespace

@@ -208,7 +208,8 @@ TEST_F(BatchImages, BadInputGivesOneLine)
       {"label huge.vm --out x.vm", "huge.vm"},
       {"label note.txt --out x.vm", "note.txt: the name of an image file ends with"},
       {"image garbage.vm --out x.png", "x.png"},
-      {"image garbage.vm --out folder/x.vm", "garbage.vm"},
+      {"image garbage.vm --out x.vm", "garbage.vm"},
+      {"image garbage.vm --out nowhere/x.vm", "nowhere/x.vm: there is no folder nowhere"},
       {"isosurface garbage.tif --level 1 --out x.stl", "garbage.tif"},
   };
   for (const auto& c : cases)

@@ -68,6 +68,22 @@ TEST_F(Batch, RegisterAlignsEverySliceButTheFirst)
   EXPECT_EQ(stack.getLastRegisteredSlice(), "slice 2");
 }
 
+// Slices that were aligned well; then debris on the middle one draws the principal axes away from the specimen.
+TEST_F(Batch, RegisterTellsOfSlicesThatCorrelateLess)
+{
+  writeStack(folder, false);
+  ASSERT_EQ(run("register stack.sdf --out aligned.sdf").errors, "");
+  Image image;
+  auto levels = specimenImage({256, 256, 1, 1, 2}, {128, 128, 30}, 4);
+  for (int i = 0; i < 40; ++i)
+    for (int j = 200; j < 256; ++j) (*levels)(i, j, 0) = 255;
+  (*levels)[0].convertToImage(image);
+  ImageWriter::write(image, (folder / "1.tif").string(), true);
+  const Result result = run("register aligned.sdf --out again.sdf");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, "mirelo-batch: 2 of 2 slices correlate less than before: look at them\n") << result.output;
+}
+
 TEST_F(Batch, RegisterRefusesWhatItCannotDo)
 {
   writeStack(folder, false);
