@@ -23,6 +23,11 @@ quietly()
 }
 
 quietly "$cmake" --install "$build" --prefix "$prefix"
+for file in bin/mirelo bin/mirelo-batch share/applications/mirelo.desktop share/mime/packages/mirelo.xml \
+  share/icons/hicolor/scalable/apps/mirelo.svg; do
+  [ -f "$prefix/$file" ] || fail "$file is not installed"
+done
+quietly "$prefix/bin/mirelo-batch" info "$stack"
 quietly "$cmake" -S "$example" -B "$home/build" -D CMAKE_PREFIX_PATH="$prefix" -D CMAKE_INSTALL_PREFIX="$prefix" \
   -D CMAKE_CXX_FLAGS="-Wall -Wextra -Werror" "$@"
 quietly "$cmake" --build "$home/build"
