@@ -4,6 +4,7 @@
 #include "app/core/actions/nyxitemverticeschangeaction.h"
 #include "app/core/actions/nyxmodeldeletionaction.h"
 #include "app/core/actions/nyxmodelpropertiesaction.h"
+#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/actions/nyxslicepropertiesaction.h"
 #include "model/io/stackreader.h"
 #include "model/pose.h"
@@ -27,6 +28,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSlider>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -140,6 +142,39 @@ TEST_F(RenderingWindow, ListsModelsAndItemsAndHidesThem)
   auto* const note = window->findChild<QLabel*>("emptyNote");
   EXPECT_TRUE(QTest::qWaitFor([note] { return note->isVisible(); }));
   EXPECT_THAT(note->text().toStdString(), testing::HasSubstr("left: it is hidden"));
+}
+
+TEST_F(RenderingWindow, TheListStaysWhereItIsWhenTheStackChanges)
+{
+  for (int i = 0; i < 60; ++i) addModel(stack, "more", MPrimitive::Polygon);
+  window->models().rebuild();
+  waitUntilBuilt();
+  auto* const tree = window->findChild<QTreeWidget*>("shownModels");
+  tree->topLevelItem(1)->setExpanded(true);
+  tree->setCurrentItem(tree->topLevelItem(1)->child(3));
+  tree->verticalScrollBar()->setValue(tree->verticalScrollBar()->maximum());
+  const int scrolled = tree->verticalScrollBar()->value();
+  ASSERT_GT(scrolled, 0);
+  window->models().showItem(item(0, 0), false);
+  waitUntilBuilt();
+  EXPECT_EQ(tree->verticalScrollBar()->value(), scrolled);
+  EXPECT_EQ(tree->currentItem(), tree->topLevelItem(1)->child(3));
+}
+
+TEST_F(RenderingWindow, HiddenItemsAreForgottenWithTheirModelsAndSlices)
+{
+  const ModelItem& ofModel = item(1, 0);
+  const ModelItem& ofSlice = item(4, 1);
+  window->models().showItem(ofModel, false);
+  window->models().showItem(ofSlice, false);
+  waitUntilBuilt();
+  stack.history().pushStep(std::make_unique<NYXModelDeletionAction>(model(0)));
+  stack.history().undo();
+  EXPECT_TRUE(window->models().isShown(ofModel)); // as another item at its address would be
+  EXPECT_FALSE(window->models().isShown(ofSlice));
+  stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(*stack.getSlice(4)));
+  stack.history().undo();
+  EXPECT_TRUE(window->models().isShown(ofSlice));
 }
 
 TEST_F(RenderingWindow, StandardViewsHaveKeys)
