@@ -272,6 +272,29 @@ TEST_F(ScenePictures, CloudsShowEachVoxelInPlace)
   }
 }
 
+TEST_F(ScenePictures, CloudsVeilTransparentSurfacesInThemAsOpaqueOnes)
+{
+  VoxelMatrix<unsigned char> volume(16, 16, 16);
+  volume.fill(255);
+  VoxelMatrixPainterGL cloud(volume, {}, VoxelMatrixPainterGL::Cloud);
+  cloud.setOpacity(40);
+  TriMeshPainterGL& surface = addBox({4, 4, 4}, {11, 11, 11}, red);
+  scene.addPainter(cloud);
+  scene.updateBoundingBox();
+  for (const auto& [x, y] : {std::pair{0, 0}, std::pair{5, 8}, std::pair{0, 180}, std::pair{90, 0}})
+  {
+    scene.camera().setRotation(static_cast<float>(x), static_cast<float>(y), 0);
+    scene.setDirty();
+    surface.setMaterial({red, 255});
+    const Rgb opaque = draw(200, 200).at(100, 100);
+    EXPECT_GT(opaque[1], 60); // of the cloud in front
+    EXPECT_LT(opaque[1], 230);
+    surface.setMaterial({red, 254});
+    EXPECT_NEAR(draw(200, 200).at(100, 100)[1], opaque[1], 25) << x << ' ' << y; // one layer is 25
+  }
+  scene.removePainters();
+}
+
 /// The last blocks of voxels that are drawn as one are not whole: what is in the others stays in its place.
 TEST_F(ScenePictures, LargeVolumesKeepTheirExtent)
 {

@@ -134,14 +134,14 @@ std::size_t VoxelMatrixPainterGL::layersAxis() const
   return best;
 }
 
-/// Whether the last layer along an axis is nearer to the viewer than the first one.
-bool VoxelMatrixPainterGL::isSeenFromEnd(std::size_t axis) const
+double VoxelMatrixPainterGL::depthOf(std::size_t axis, float place) const
 {
   std::array<float, 16> view;
   glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
-  const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
-  const Point& s = steps[axis];
-  return view[2] * s[0] + view[6] * s[1] + view[10] * s[2] >= 0;
+  std::array<float, 3> middle; // rows, columns, planes, from the border of the volume
+  for (std::size_t k = 0; k < 3; ++k) middle[k] = k == axis ? place : static_cast<float>(_sizes[k]) / 2;
+  const Point p = _placement.at(middle[0] - 0.5F, middle[1] - 0.5F, middle[2] - 0.5F);
+  return double{view[2]} * double{p[0]} + double{view[6]} * double{p[1]} + double{view[10]} * double{p[2]};
 }
 
 /// Layers through the middles of the blocks, across the axis that points to the viewer, the farthest first.
@@ -149,13 +149,16 @@ void VoxelMatrixPainterGL::paintCloud() const
 {
   const std::size_t axis = layersAxis();
   const int count = _texels[axis];
-  const bool isAscending = isSeenFromEnd(axis);
-  glBegin(GL_QUADS);
+  const bool isAscending = depthOf(axis, 0) <= depthOf(axis, static_cast<float>(_sizes[axis]));
+  std::vector<float> places;
   for (int n = 0; n < count; ++n)
   {
     const int first = (isAscending ? n : count - 1 - n) * _blockSize;
-    drawSlice(axis, static_cast<float>(first + std::min(first + _blockSize, _sizes[axis])) / 2);
+    const float place = static_cast<float>(first + std::min(first + _blockSize, _sizes[axis])) / 2;
+    if (getDepthRange().contains(depthOf(axis, place))) places.push_back(place);
   }
+  glBegin(GL_QUADS);
+  for (const float place : places) drawSlice(axis, place);
   glEnd();
 }
 

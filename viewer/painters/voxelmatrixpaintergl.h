@@ -44,6 +44,7 @@ public:
 
   BoundingBox<float> boundingBox() const override;
   bool isTransparent() const override { return _mode == Cloud; }
+  bool hasLayers() const override { return _mode == Cloud; }
   void paint(PaintPass pass) override;
 
 private:
@@ -54,7 +55,8 @@ private:
   void paintSlices() const;
   void paintCloud() const;
   std::size_t layersAxis() const;
-  bool isSeenFromEnd(std::size_t axis) const;
+  /// The distance towards the viewer of the middle of such a slice.
+  double depthOf(std::size_t axis, float place) const;
   /// The slice at a place along an axis, 0 rows, 1 columns, 2 planes, in voxels from the border of the volume.
   void drawSlice(std::size_t axis, float place) const;
 
