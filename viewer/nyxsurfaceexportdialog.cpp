@@ -37,12 +37,22 @@ NYXSurfaceExportDialog::NYXSurfaceExportDialog(QWidget* parent)
   form->addRow(tr("Format"), _format);
   form->addRow(QString(), _isClosed);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  buttons->button(QDialogButtonBox::Ok)->setText(tr("Export"));
+  _export = buttons->button(QDialogButtonBox::Ok);
+  _export->setText(tr("Export"));
   buttons->button(QDialogButtonBox::Cancel)->setText(tr("Cancel"));
   form->addRow(buttons);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(browse, &QPushButton::clicked, this, &NYXSurfaceExportDialog::chooseFolder);
+  connect(_folder, &QLineEdit::textChanged, this, &NYXSurfaceExportDialog::update);
+  update();
+}
+
+void NYXSurfaceExportDialog::update()
+{
+  const bool hasFolder = !_folder->text().trimmed().isEmpty();
+  _export->setEnabled(hasFolder);
+  _export->setToolTip(hasFolder ? QString() : tr("Choose a folder first"));
 }
 
 void NYXSurfaceExportDialog::chooseFolder()
@@ -57,7 +67,7 @@ void NYXSurfaceExportDialog::chooseFolder()
 SurfaceExport NYXSurfaceExportDialog::target() const
 {
   SurfaceExport target;
-  target.directory = QFile::encodeName(_folder->text()).toStdString();
+  target.directory = QFile::encodeName(QFileInfo(_folder->text()).absoluteFilePath()).toStdString();
   target.format = static_cast<SurfaceFormat>(_format->currentData().toInt());
   target.isClosed = _isClosed->isChecked();
   return target;

@@ -20,6 +20,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -353,6 +354,20 @@ TEST_F(RenderingWindow, WritesTheSurfacesThatAreShown)
   EXPECT_EQ(open, 2 * 100 * 99); // the quad mesh
   EXPECT_EQ(closed, open + 2 * 98);
   EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"tubes-left.stl"});
+}
+
+TEST(SurfaceExportDialog, NeedsAFolderAndMakesItAbsolute)
+{
+  NYXSurfaceExportDialog dialog(nullptr);
+  auto* const folder = dialog.findChild<QLineEdit*>("folder");
+  const auto* const accept = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+  folder->setText(" ");
+  EXPECT_FALSE(accept->isEnabled());
+  EXPECT_FALSE(accept->toolTip().isEmpty());
+  folder->setText("surfaces");
+  EXPECT_TRUE(accept->isEnabled());
+  EXPECT_TRUE(accept->toolTip().isEmpty());
+  EXPECT_EQ(dialog.target().directory, QDir::current().filePath("surfaces").toStdString());
 }
 
 TEST_F(RenderingWindow, SnapshotsGoToFiles)
