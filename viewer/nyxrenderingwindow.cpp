@@ -140,6 +140,13 @@ void NYXRenderingWindow::rebuild()
   _models->rebuild();
 }
 
+void NYXRenderingWindow::warn(const QString& title, const QString& text)
+{
+  QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, this);
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
 bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool isTransparent, bool isCropped)
 {
   try
@@ -154,11 +161,9 @@ bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool i
     file.stream().write(bytes.constData(), bytes.size());
     file.commit();
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    QMessageBox box(QMessageBox::Warning, tr("Snapshot"), errorText(error), QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    warn(tr("Snapshot"), handledErrorText());
     return false;
   }
   showMessage(tr("Saved %1").arg(filename));
