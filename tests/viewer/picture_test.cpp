@@ -272,6 +272,34 @@ TEST_F(ScenePictures, CloudsShowEachVoxelInPlace)
   }
 }
 
+TEST_F(ScenePictures, BordersOfImagesInSlicesKeepTheirGrey)
+{
+  for (const int size : {20, 600}) // also where voxels are drawn as blocks
+  {
+    SCOPED_TRACE(size);
+    VoxelMatrix<unsigned char> volume(size, size, 1);
+    volume.setZeros();
+    for (int i = 0; i < size; ++i)
+      for (int j = 0; j < size; ++j)
+        if (i + j > size) volume(i, j, 0) = 200;
+    VoxelMatrixPainterGL painter(volume, {}, VoxelMatrixPainterGL::OrthogonalSlices);
+    scene.addPainter(painter);
+    scene.updateBoundingBox();
+    const Picture picture = draw(500, 500);
+    int numGrey = 0;
+    for (int y = 0; y < picture.height; ++y)
+      for (int x = 0; x < picture.width; ++x)
+      {
+        const int grey = picture.at(x, y)[0];
+        ASSERT_TRUE(grey == 0 || grey >= 198) << grey << " at " << x << ' ' << y;
+        numGrey += grey > 0;
+      }
+    const auto [left, top, right, bottom] = picture.extent();
+    EXPECT_NEAR(numGrey, (right - left) * (bottom - top) / 2, 0.06 * (right - left) * (bottom - top));
+    scene.removePainters();
+  }
+}
+
 TEST_F(ScenePictures, CloudsVeilTransparentSurfacesInThemAsOpaqueOnes)
 {
   VoxelMatrix<unsigned char> volume(16, 16, 16);
