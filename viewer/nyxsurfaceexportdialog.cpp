@@ -1,11 +1,12 @@
 #include "viewer/nyxsurfaceexportdialog.h"
 
 #include "app/core/nyxsettings.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -57,11 +58,14 @@ void NYXSurfaceExportDialog::update()
 
 void NYXSurfaceExportDialog::chooseFolder()
 {
-  const QString folder = QFileDialog::getExistingDirectory(
-      this, tr("Folder"), _folder->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-  if (folder.isEmpty()) return;
-  _folder->setText(folder);
-  NYXSettings::settings().setOutputDirectory(folder);
+  NYXFileDialog dialog(this, "surfaceFolderDialog", tr("Folder"), NYXFileDialog::Writing);
+  dialog.setAcceptMode(QFileDialog::AcceptOpen); // a folder that is there
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  if (!_folder->text().trimmed().isEmpty()) dialog.setDirectory(_folder->text());
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (!chosen.isEmpty()) _folder->setText(chosen.first());
 }
 
 SurfaceExport NYXSurfaceExportDialog::target() const

@@ -9,6 +9,7 @@
 #include "model/io/stackreader.h"
 #include "model/pose.h"
 #include "viewer/landmarksdelegate.h"
+#include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxsceneimages.h"
 #include "viewer/nyxsurfaceexportdialog.h"
@@ -21,6 +22,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -391,6 +393,47 @@ TEST_F(RenderingWindow, SnapshotsGoToFiles)
       },
       [&] { EXPECT_FALSE(window->saveSnapshot("/nowhere/a.png", 1, false, false)); });
   EXPECT_THAT(text.toStdString(), testing::HasSubstr("/nowhere/a.png"));
+}
+
+TEST_F(RenderingWindow, FileDialogsStartWhereTheLastOneEndedAndKeepTheirSize)
+{
+  const QTemporaryDir folder;
+  const QSize size(733, 411);
+  inDialogs(
+      [&](QDialog& dialog)
+      {
+        if (auto* const files = qobject_cast<QFileDialog*>(&dialog))
+        {
+          files->resize(size);
+          files->setDirectory(folder.path());
+          files->selectFile("a.png");
+        }
+        QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+      },
+      [this] { window->takeSnapshot(); });
+  EXPECT_TRUE(QFileInfo::exists(folder.filePath("a.png")));
+  QString directory;
+  QSize seen;
+  const auto look = [&](QDialog& dialog)
+  {
+    const auto* const files = qobject_cast<QFileDialog*>(&dialog);
+    if (files == nullptr) return dialog.accept();
+    directory = files->directory().absolutePath();
+    seen = files->size();
+    dialog.reject();
+  };
+  inDialogs(look, [this] { window->takeSnapshot(); });
+  EXPECT_EQ(directory, folder.path());
+  EXPECT_EQ(seen, size);
+  NYXCreateVideoDialog video(nullptr);
+  directory.clear();
+  inDialogs(look,
+            [&video]
+            {
+              for (QPushButton* button : video.findChildren<QPushButton*>())
+                if (button->text() == "Browse...") button->click();
+            });
+  EXPECT_EQ(directory, folder.path());
 }
 
 TEST_F(RenderingWindow, DrawsTheSamePictureAsTheBatchTool)
