@@ -7,14 +7,13 @@
 #include "analysis/nyxmodelitemanalysiswidget.h"
 #include "analysis/nyxsliceanalysistable.h"
 #include "app/core/nyxeventserver.h"
-#include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "numeric/atomicfile.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QAction>
 #include <QFile>
-#include <QFileDialog>
 #include <QMessageBox>
 #include <QTabWidget>
 
@@ -154,17 +153,13 @@ QString NYXAnalysisWindowMediator::proposedName() const
 
 void NYXAnalysisWindowMediator::saveCurrentSheet()
 {
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog files(&_window, tr("Save measures"), settings.getOutputDirectory(),
-                    tr("Comma-separated text") + " (*.csv)");
-  files.setOption(QFileDialog::DontUseNativeDialog);
-  files.setAcceptMode(QFileDialog::AcceptSave);
+  NYXFileDialog files(&_window, "measuresFileDialog", tr("Save measures"), NYXFileDialog::Writing);
+  files.setNameFilter(tr("Comma-separated text") + " (*.csv)");
   files.setDefaultSuffix("csv");
   files.selectFile(proposedName());
-  if (files.exec() != QDialog::Accepted) return;
-  const QString filename = files.selectedFiles().value(0);
-  settings.setOutputDirectory(QFileInfo(filename).absolutePath());
-  saveTo(filename);
+  files.rememberSize();
+  const QStringList chosen = files.ask();
+  if (!chosen.isEmpty()) saveTo(chosen.first());
 }
 
 bool NYXAnalysisWindowMediator::saveTo(const QString& filename)

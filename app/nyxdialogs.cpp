@@ -4,11 +4,8 @@
 
 #include <QCoreApplication>
 #include <QDialog>
-#include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
-#include <QSettings>
 
 QDialogButtonBox* createButtonBox(QDialogButtonBox::StandardButtons buttons, QDialog& dialog)
 {
@@ -31,22 +28,6 @@ QDialogButtonBox* createButtonBox(QDialogButtonBox::StandardButtons buttons, QDi
   }
   QObject::connect(box, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
   return box;
-}
-
-QSize textSize(const QWidget& window, int numCharacters, int numLines)
-{
-  const QFontMetrics font = window.fontMetrics();
-  return {font.averageCharWidth() * numCharacters, font.lineSpacing() * numLines};
-}
-
-void rememberSize(QDialog& dialog, int numCharacters, int numLines)
-{
-  const QString key = "dialogs/" + dialog.objectName() + "/size";
-  const QSize first = textSize(dialog, numCharacters, numLines);
-  const QSize last = QSettings().value(key).toSize();
-  const QSize screen = QGuiApplication::primaryScreen()->availableSize();
-  dialog.resize((last.isValid() ? last : first).boundedTo(screen).expandedTo(dialog.minimumSizeHint()));
-  QObject::connect(&dialog, &QDialog::finished, &dialog, [&dialog, key] { QSettings().setValue(key, dialog.size()); });
 }
 
 void showWarning(QWidget* parent, const QString& title, const QString& text)

@@ -1,6 +1,6 @@
 #include "app/nyximagefiles.h"
 
-#include "app/nyxfiledialog.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCollator>
 #include <QCoreApplication>

@@ -4,6 +4,7 @@
 #include "app/nyximagefiles.h"
 #include "app/nyxnames.h"
 #include "app/nyxplaintext.h"
+#include "slice/image/nyxdialogsize.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

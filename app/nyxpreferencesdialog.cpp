@@ -4,6 +4,7 @@
 #include "app/nyxnames.h"
 #include "app/nyxpreferencesdialogmediator.h"
 #include "app/nyxpreferenceseditor.h"
+#include "slice/image/nyxdialogsize.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

@@ -4,7 +4,6 @@
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
-#include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
 #include "image/imagesourcefilemosaic.h"
@@ -13,6 +12,7 @@
 #include "image/imagesourcevoxelmatrixfileplane.h"
 #include "model/storabletext.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>

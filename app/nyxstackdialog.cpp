@@ -6,6 +6,7 @@
 #include "app/nyxdialogs.h"
 #include "app/nyxnames.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxdialogsize.h"
 
 #include <QLabel>
 #include <QPushButton>

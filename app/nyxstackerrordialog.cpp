@@ -2,6 +2,7 @@
 
 #include "app/nyxdialogs.h"
 #include "app/nyxnames.h"
+#include "slice/image/nyxdialogsize.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

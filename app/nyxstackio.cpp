@@ -11,7 +11,6 @@
 #include "app/core/nyxstackserver.h"
 #include "app/nyxbackups.h"
 #include "app/nyxdialogs.h"
-#include "app/nyxfiledialog.h"
 #include "app/nyximagefiles.h"
 #include "app/nyxnames.h"
 #include "app/nyxnewstackdialog.h"
@@ -31,6 +30,7 @@
 #include "model/storabletext.h"
 #include "registration/nyxregistrationmediator.h"
 #include "registration/nyxregistrationwindow.h"
+#include "slice/image/nyxfiledialog.h"
 #include "slice/image/nyxprogressrun.h"
 
 #include <QApplication>

@@ -4,10 +4,10 @@
 #include "app/core/nyxactionstep.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxcalibrationeditor.h"
-#include "app/nyxfiledialog.h"
 #include "app/nyxnameedit.h"
 #include "app/nyxnumberbox.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>

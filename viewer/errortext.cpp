@@ -2,7 +2,10 @@
 
 #include "numeric/exception.h"
 
+#include <QCoreApplication>
 #include <QFile>
+
+#include <new>
 
 QString errorText(const Exception& error)
 {
@@ -10,4 +13,20 @@ QString errorText(const Exception& error)
   const auto* const fileError = dynamic_cast<const FileError*>(&error);
   const QString filename = fileError == nullptr ? QString() : QFile::decodeName(fileError->getFilename().c_str());
   return filename.isEmpty() || text.contains(filename) ? text : filename + ": " + text;
+}
+
+QString handledErrorText()
+{
+  try
+  {
+    throw;
+  }
+  catch (const Exception& error)
+  {
+    return errorText(error);
+  }
+  catch (const std::bad_alloc&)
+  {
+    return QCoreApplication::translate("errorText", "There is not enough memory");
+  }
 }

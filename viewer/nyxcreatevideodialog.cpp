@@ -1,10 +1,9 @@
 #include "viewer/nyxcreatevideodialog.h"
 
-#include "app/core/nyxsettings.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -77,17 +76,14 @@ QSpinBox* NYXCreateVideoDialog::createNumber(const char* name, int least, int mo
 
 void NYXCreateVideoDialog::chooseFile()
 {
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog dialog(this, tr("Video file"), settings.getOutputDirectory());
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  NYXFileDialog dialog(this, "videoFileDialog", tr("Video file"), NYXFileDialog::Writing);
   dialog.setNameFilters({"*.avi", "*.flv", "*.mov", "*.mpg"});
   connect(&dialog, &QFileDialog::filterSelected, &dialog,
           [&dialog](const QString& filter) { dialog.setDefaultSuffix(filter.mid(2)); });
   dialog.setDefaultSuffix("avi");
-  if (dialog.exec() != Accepted) return;
-  _output->setText(dialog.selectedFiles().value(0));
-  settings.setOutputDirectory(QFileInfo(_output->text()).absolutePath());
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (!chosen.isEmpty()) _output->setText(chosen.first());
 }
 
 void NYXCreateVideoDialog::update()

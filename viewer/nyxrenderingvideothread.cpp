@@ -10,6 +10,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <cerrno>
+#include <cstdio>
+
 namespace
 {
 constexpr int pollMilliseconds = 100;
@@ -105,10 +108,19 @@ void NYXRenderingVideoThread::run()
 
 void NYXRenderingVideoThread::makeVideo()
 {
-  const bool isReplaced = QFileInfo::exists(_output);
+  const QFileInfo output(_output);
+  if (output.exists() && !output.isWritable()) return fail(tr("%1 is write-protected").arg(_output));
+  const QTemporaryDir folder(output.absolutePath() + "/.mirelo-XXXXXX");
+  if (!folder.isValid()) return fail(tr("Cannot write into the folder %1").arg(output.absolutePath()));
+  const QString video = folder.filePath("video." + output.suffix()); // which tells the encoder the kind
+  if (encode(video)) replaceOutput(video);
+}
+
+bool NYXRenderingVideoThread::encode(const QString& video)
+{
   QProcess encoder;
   encoder.setStandardInputFile(QProcess::nullDevice());
-  encoder.start("/bin/sh", {"-c", "exec " + VideoCommand::encode(_folder, _frameRate, _output)});
+  encoder.start("/bin/sh", {"-c", "exec " + VideoCommand::encode(_folder, _frameRate, video)});
   QByteArray said;
   static const QRegularExpression frame("frame=\\s*(\\d+)");
   while (encoder.state() != QProcess::NotRunning && !_isCancelled)
@@ -121,8 +133,18 @@ void NYXRenderingVideoThread::makeVideo()
   }
   if (_isCancelled) encoder.kill();
   encoder.waitForFinished(-1);
-  const bool isDone = !_isCancelled && encoder.exitStatus() == QProcess::NormalExit && encoder.exitCode() == 0;
-  if (isDone) return;
-  if (!isReplaced) QFile::remove(_output);
-  if (!_isCancelled) fail(tr("The encoder failed:\n%1").arg(lastLines(said + encoder.readAllStandardError(), 4)));
+  if (_isCancelled) return false;
+  if (encoder.exitStatus() == QProcess::NormalExit && encoder.exitCode() == 0) return true;
+  fail(tr("The encoder failed:\n%1").arg(lastLines(said + encoder.readAllStandardError(), 4)));
+  return false;
+}
+
+/// A link stays, and what it leads to is replaced.
+void NYXRenderingVideoThread::replaceOutput(const QString& video)
+{
+  const QString former = QFileInfo(_output).canonicalFilePath();
+  if (!former.isEmpty()) QFile::setPermissions(video, QFile::permissions(former));
+  const QString target = former.isEmpty() ? _output : former;
+  if (std::rename(QFile::encodeName(video).constData(), QFile::encodeName(target).constData()) != 0)
+    fail(tr("Cannot write %1: %2").arg(target, qt_error_string(errno)));
 }

@@ -46,8 +46,10 @@ private:
 
   bool takeFrame(QImage& image);
   void writeFrame(const QImage& image);
-  /// Runs the encoder, and removes what it has written when it fails.
+  /// Makes the video beside the output, whose place it takes when it is complete.
   void makeVideo();
+  bool encode(const QString& video);
+  void replaceOutput(const QString& video);
   void fail(const QString& problem);
 
   QString _output;

@@ -2,11 +2,11 @@
 
 #include "app/core/actions/nyxsliceaction.h"
 #include "app/core/nyxeventserver.h"
-#include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxfiledialog.h"
 #include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
@@ -23,7 +23,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QCloseEvent>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
@@ -140,6 +140,13 @@ void NYXRenderingWindow::rebuild()
   _models->rebuild();
 }
 
+void NYXRenderingWindow::warn(const QString& title, const QString& text)
+{
+  QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, this);
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
 bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool isTransparent, bool isCropped)
 {
   try
@@ -154,11 +161,9 @@ bool NYXRenderingWindow::saveSnapshot(const QString& filename, int scale, bool i
     file.stream().write(bytes.constData(), bytes.size());
     file.commit();
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    QMessageBox box(QMessageBox::Warning, tr("Snapshot"), errorText(error), QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    warn(tr("Snapshot"), handledErrorText());
     return false;
   }
   showMessage(tr("Saved %1").arg(filename));
@@ -170,16 +175,13 @@ void NYXRenderingWindow::takeSnapshot()
   const QSize size = _canvas->size() * _canvas->devicePixelRatioF();
   NYXSnapshotDialog dialog(size, qMin(_canvas->largestScale(), 16), this);
   if (dialog.exec() != QDialog::Accepted) return;
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog files(this, tr("Save snapshot"), settings.getOutputDirectory(), "*.png");
-  files.setOption(QFileDialog::DontUseNativeDialog);
-  files.setAcceptMode(QFileDialog::AcceptSave);
+  NYXFileDialog files(this, "snapshotFileDialog", tr("Save snapshot"), NYXFileDialog::Writing);
+  files.setNameFilter("*.png");
   files.setDefaultSuffix("png");
   files.selectFile(_stack.displayName() + ".png");
-  if (files.exec() != QDialog::Accepted) return;
-  const QString filename = files.selectedFiles().value(0);
-  settings.setOutputDirectory(QFileInfo(filename).absolutePath());
-  saveSnapshot(filename, dialog.scale(), dialog.isTransparent(), dialog.isCropped());
+  files.rememberSize();
+  const QStringList chosen = files.ask();
+  if (!chosen.isEmpty()) saveSnapshot(chosen.first(), dialog.scale(), dialog.isTransparent(), dialog.isCropped());
 }
 
 void NYXRenderingWindow::recordVideo()

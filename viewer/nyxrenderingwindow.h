@@ -96,6 +96,7 @@ private:
   QString unit() const;
   void showLandmarks();
   void showMessage(const QString& text);
+  void warn(const QString& title, const QString& text);
   void refreshImages(const Stack* stack);
   void rebuild();
   void exportTo(const SurfaceExport& target, const ShownStack& shown);

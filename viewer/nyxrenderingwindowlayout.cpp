@@ -26,7 +26,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
@@ -401,11 +400,9 @@ void NYXRenderingWindow::exportSurfaces()
     if (target.overwrite && !confirmOverwrite(existing)) return;
     exportTo(target, shown);
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    QMessageBox box(QMessageBox::Warning, tr("Export surfaces"), errorText(error), QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    warn(tr("Export surfaces"), handledErrorText());
   }
 }
 

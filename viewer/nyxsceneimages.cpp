@@ -237,9 +237,9 @@ bool NYXSceneImages::setVolume(Volume kind)
     takeVolume(std::move(volume), kind);
     return true;
   }
-  catch (const Exception& error)
+  catch (...)
   {
-    emit messageShown(errorText(error));
+    emit messageShown(handledErrorText());
     return false;
   }
 }

@@ -117,6 +117,7 @@ void NYXSceneModels::start()
   const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
   for (const Model* model : models) _cancelledModels.erase(model);
   _staleModels.clear();
+  forgetDeletedItems();
   emit runningChanged(true);
   _run.start(copyShown(_stack, models, [this](const ModelItem& item) { return isShown(item); }));
 }
@@ -156,6 +157,15 @@ void NYXSceneModels::drop(const Model* model)
   _painted.erase(painted);
   _canvas.doneCurrent();
   _canvas.updateBoundingBox();
+}
+
+/// Items that come later may lie at their addresses.
+void NYXSceneModels::forgetDeletedItems()
+{
+  std::set<const ModelItem*> items;
+  for (int i = 0; i < _stack.getNumModels(); ++i)
+    for (const ModelItem* item : _stack.getModel(i)->getItems()) items.insert(item);
+  std::erase_if(_itemVisibilities, [&items](const auto& visibility) { return !items.contains(visibility.first); });
 }
 
 void NYXSceneModels::markMovedSlices(const Stack* stack)
@@ -198,7 +208,9 @@ void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)
 /// Other changes of slices have events of their own.
 void NYXSceneModels::processSliceAction(NYXSliceAction& action)
 {
-  if (&action.getStack() == &_stack && action.changesPlaces()) markAll();
+  if (&action.getStack() != &_stack || !action.changesPlaces()) return;
+  forgetDeletedItems();
+  markAll();
 }
 
 void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)
@@ -214,6 +226,7 @@ void NYXSceneModels::modelDeleteEvent(const NYXModelDeleteEvent& event)
   _staleModels.erase(&event.getModel());
   _cancelledModels.erase(&event.getModel());
   _hiddenModels.erase(&event.getModel());
+  forgetDeletedItems();
   drop(&event.getModel());
   emit modelsChanged();
 }

@@ -84,6 +84,7 @@ private:
   void start();
   void takeResults(bool isDone);
   void drop(const Model* model);
+  void forgetDeletedItems();
   bool isBeingMade(const Model& model) const;
 
   NYXStack& _stack;

@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QTreeWidget>
@@ -117,12 +118,22 @@ void NYXShownModelsTree::addItemRows(QTreeWidgetItem& row)
   row.addChildren(rows);
 }
 
+/// The row of the item at an address or, when it is not listed, that of its model.
+void NYXShownModelsTree::setCurrentRow(QTreeWidgetItem& modelRow, const void* address)
+{
+  _tree->setCurrentItem(&modelRow);
+  for (int i = 0; i < modelRow.childCount(); ++i)
+    if (addressOf(*modelRow.child(i)) == address) _tree->setCurrentItem(modelRow.child(i));
+}
+
 void NYXShownModelsTree::refresh()
 {
   std::set<const void*> expanded;
   for (int i = 0; i < _tree->topLevelItemCount(); ++i)
     if (_tree->topLevelItem(i)->isExpanded()) expanded.insert(addressOf(*_tree->topLevelItem(i)));
-  const Model* const current = currentModel();
+  const Model* const currentModel = this->currentModel();
+  const void* const current = _tree->currentItem() == nullptr ? nullptr : addressOf(*_tree->currentItem());
+  const int scrolled = _tree->verticalScrollBar()->value();
   const QSignalBlocker blocker(_tree);
   _tree->clear();
   const NYXStack& stack = _models.getStack();
@@ -135,8 +146,10 @@ void NYXShownModelsTree::refresh()
       addItemRows(*row);
       row->setExpanded(true);
     }
-    if (stack.getModel(i) == current) _tree->setCurrentItem(row);
+    if (stack.getModel(i) == currentModel) setCurrentRow(*row, current);
   }
+  _tree->doItemsLayout(); // so that the scroll bar knows how far it goes
+  _tree->verticalScrollBar()->setValue(scrolled);
   showOpacity();
 }
 

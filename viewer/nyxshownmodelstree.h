@@ -25,6 +25,7 @@ public slots:
 private:
   QTreeWidgetItem* createModelRow(const Model& model);
   void addItemRows(QTreeWidgetItem& row);
+  void setCurrentRow(QTreeWidgetItem& modelRow, const void* address);
   void processCheck(QTreeWidgetItem* row);
   void showAll(bool isShown);
   Model* currentModel() const;

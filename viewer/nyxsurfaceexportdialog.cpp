@@ -1,11 +1,12 @@
 #include "viewer/nyxsurfaceexportdialog.h"
 
 #include "app/core/nyxsettings.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -37,27 +38,40 @@ NYXSurfaceExportDialog::NYXSurfaceExportDialog(QWidget* parent)
   form->addRow(tr("Format"), _format);
   form->addRow(QString(), _isClosed);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  buttons->button(QDialogButtonBox::Ok)->setText(tr("Export"));
+  _export = buttons->button(QDialogButtonBox::Ok);
+  _export->setText(tr("Export"));
   buttons->button(QDialogButtonBox::Cancel)->setText(tr("Cancel"));
   form->addRow(buttons);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(browse, &QPushButton::clicked, this, &NYXSurfaceExportDialog::chooseFolder);
+  connect(_folder, &QLineEdit::textChanged, this, &NYXSurfaceExportDialog::update);
+  update();
+}
+
+void NYXSurfaceExportDialog::update()
+{
+  const bool hasFolder = !_folder->text().trimmed().isEmpty();
+  _export->setEnabled(hasFolder);
+  _export->setToolTip(hasFolder ? QString() : tr("Choose a folder first"));
 }
 
 void NYXSurfaceExportDialog::chooseFolder()
 {
-  const QString folder = QFileDialog::getExistingDirectory(
-      this, tr("Folder"), _folder->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-  if (folder.isEmpty()) return;
-  _folder->setText(folder);
-  NYXSettings::settings().setOutputDirectory(folder);
+  NYXFileDialog dialog(this, "surfaceFolderDialog", tr("Folder"), NYXFileDialog::Writing);
+  dialog.setAcceptMode(QFileDialog::AcceptOpen); // a folder that is there
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  if (!_folder->text().trimmed().isEmpty()) dialog.setDirectory(_folder->text());
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (!chosen.isEmpty()) _folder->setText(chosen.first());
 }
 
 SurfaceExport NYXSurfaceExportDialog::target() const
 {
   SurfaceExport target;
-  target.directory = QFile::encodeName(_folder->text()).toStdString();
+  target.directory = QFile::encodeName(QFileInfo(_folder->text()).absoluteFilePath()).toStdString();
   target.format = static_cast<SurfaceFormat>(_format->currentData().toInt());
   target.isClosed = _isClosed->isChecked();
   return target;

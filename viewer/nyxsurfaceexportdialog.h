@@ -7,6 +7,7 @@
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QPushButton;
 
 /// Asks where and how the surfaces that are shown are written.
 class NYXSurfaceExportDialog : public QDialog
@@ -21,8 +22,10 @@ public:
 
 private:
   void chooseFolder();
+  void update();
 
   QLineEdit* _folder;
   QComboBox* _format;
   QCheckBox* _isClosed;
+  QPushButton* _export;
 };

@@ -1,16 +1,16 @@
 #include "analysis/spatialresults/nyxspatialresultwindow.h"
 
 #include "analysis/spatialresults/nyxspatialplotwidget.h"
-#include "app/core/nyxsettings.h"
 #include "numeric/atomicfile.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
 #include <QDir>
-#include <QFileDialog>
+#include <QFile>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QIcon>
@@ -370,20 +370,17 @@ void NYXSpatialResultWindow::writePlot(const QString& filename) const
 void NYXSpatialResultWindow::save(const QString& title, const QString& ending, const QStringList& filters,
                                   void (NYXSpatialResultWindow::*write)(const QString&) const)
 {
-  NYXSettings& settings = NYXSettings::settings();
-  QFileDialog dialog(this, title, settings.getOutputDirectory());
-  dialog.setObjectName("saveDialog");
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  NYXFileDialog dialog(this, "spatialResultFileDialog", title, NYXFileDialog::Writing);
   dialog.setNameFilters(filters);
   const auto followFilter = [&dialog](const QString& filter)
   { dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0)); };
   followFilter(filters.front());
   connect(&dialog, &QFileDialog::filterSelected, &dialog, followFilter);
   dialog.selectFile(QString(_result.stackName).replace('/', '-') + ending);
-  if (dialog.exec() != QDialog::Accepted) return;
-  const QString filename = dialog.selectedFiles().value(0);
-  settings.setOutputDirectory(QFileInfo(filename).absolutePath());
+  dialog.rememberSize();
+  const QStringList chosen = dialog.ask();
+  if (chosen.isEmpty()) return;
+  const QString& filename = chosen.first();
   try
   {
     (this->*write)(filename);

@@ -272,6 +272,57 @@ TEST_F(ScenePictures, CloudsShowEachVoxelInPlace)
   }
 }
 
+TEST_F(ScenePictures, BordersOfImagesInSlicesKeepTheirGrey)
+{
+  for (const int size : {20, 600}) // also where voxels are drawn as blocks
+  {
+    SCOPED_TRACE(size);
+    VoxelMatrix<unsigned char> volume(size, size, 1);
+    volume.setZeros();
+    for (int i = 0; i < size; ++i)
+      for (int j = 0; j < size; ++j)
+        if (i + j > size) volume(i, j, 0) = 200;
+    VoxelMatrixPainterGL painter(volume, {}, VoxelMatrixPainterGL::OrthogonalSlices);
+    scene.addPainter(painter);
+    scene.updateBoundingBox();
+    const Picture picture = draw(500, 500);
+    int numGrey = 0;
+    for (int y = 0; y < picture.height; ++y)
+      for (int x = 0; x < picture.width; ++x)
+      {
+        const int grey = picture.at(x, y)[0];
+        ASSERT_TRUE(grey == 0 || grey >= 198) << grey << " at " << x << ' ' << y;
+        numGrey += grey > 0;
+      }
+    const auto [left, top, right, bottom] = picture.extent();
+    EXPECT_NEAR(numGrey, (right - left) * (bottom - top) / 2, 0.06 * (right - left) * (bottom - top));
+    scene.removePainters();
+  }
+}
+
+TEST_F(ScenePictures, CloudsVeilTransparentSurfacesInThemAsOpaqueOnes)
+{
+  VoxelMatrix<unsigned char> volume(16, 16, 16);
+  volume.fill(255);
+  VoxelMatrixPainterGL cloud(volume, {}, VoxelMatrixPainterGL::Cloud);
+  cloud.setOpacity(40);
+  TriMeshPainterGL& surface = addBox({4, 4, 4}, {11, 11, 11}, red);
+  scene.addPainter(cloud);
+  scene.updateBoundingBox();
+  for (const auto& [x, y] : {std::pair{0, 0}, std::pair{5, 8}, std::pair{0, 180}, std::pair{90, 0}})
+  {
+    scene.camera().setRotation(static_cast<float>(x), static_cast<float>(y), 0);
+    scene.setDirty();
+    surface.setMaterial({red, 255});
+    const Rgb opaque = draw(200, 200).at(100, 100);
+    EXPECT_GT(opaque[1], 60); // of the cloud in front
+    EXPECT_LT(opaque[1], 230);
+    surface.setMaterial({red, 254});
+    EXPECT_NEAR(draw(200, 200).at(100, 100)[1], opaque[1], 25) << x << ' ' << y; // one layer is 25
+  }
+  scene.removePainters();
+}
+
 /// The last blocks of voxels that are drawn as one are not whole: what is in the others stays in its place.
 TEST_F(ScenePictures, LargeVolumesKeepTheirExtent)
 {

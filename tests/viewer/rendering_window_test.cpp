@@ -4,10 +4,12 @@
 #include "app/core/actions/nyxitemverticeschangeaction.h"
 #include "app/core/actions/nyxmodeldeletionaction.h"
 #include "app/core/actions/nyxmodelpropertiesaction.h"
+#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/actions/nyxslicepropertiesaction.h"
 #include "model/io/stackreader.h"
 #include "model/pose.h"
 #include "viewer/landmarksdelegate.h"
+#include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxsceneimages.h"
 #include "viewer/nyxsurfaceexportdialog.h"
@@ -19,6 +21,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -27,6 +31,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSlider>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -140,6 +145,39 @@ TEST_F(RenderingWindow, ListsModelsAndItemsAndHidesThem)
   auto* const note = window->findChild<QLabel*>("emptyNote");
   EXPECT_TRUE(QTest::qWaitFor([note] { return note->isVisible(); }));
   EXPECT_THAT(note->text().toStdString(), testing::HasSubstr("left: it is hidden"));
+}
+
+TEST_F(RenderingWindow, TheListStaysWhereItIsWhenTheStackChanges)
+{
+  for (int i = 0; i < 60; ++i) addModel(stack, "more", MPrimitive::Polygon);
+  window->models().rebuild();
+  waitUntilBuilt();
+  auto* const tree = window->findChild<QTreeWidget*>("shownModels");
+  tree->topLevelItem(1)->setExpanded(true);
+  tree->setCurrentItem(tree->topLevelItem(1)->child(3));
+  tree->verticalScrollBar()->setValue(tree->verticalScrollBar()->maximum());
+  const int scrolled = tree->verticalScrollBar()->value();
+  ASSERT_GT(scrolled, 0);
+  window->models().showItem(item(0, 0), false);
+  waitUntilBuilt();
+  EXPECT_EQ(tree->verticalScrollBar()->value(), scrolled);
+  EXPECT_EQ(tree->currentItem(), tree->topLevelItem(1)->child(3));
+}
+
+TEST_F(RenderingWindow, HiddenItemsAreForgottenWithTheirModelsAndSlices)
+{
+  const ModelItem& ofModel = item(1, 0);
+  const ModelItem& ofSlice = item(4, 1);
+  window->models().showItem(ofModel, false);
+  window->models().showItem(ofSlice, false);
+  waitUntilBuilt();
+  stack.history().pushStep(std::make_unique<NYXModelDeletionAction>(model(0)));
+  stack.history().undo();
+  EXPECT_TRUE(window->models().isShown(ofModel)); // as another item at its address would be
+  EXPECT_FALSE(window->models().isShown(ofSlice));
+  stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(*stack.getSlice(4)));
+  stack.history().undo();
+  EXPECT_TRUE(window->models().isShown(ofSlice));
 }
 
 TEST_F(RenderingWindow, StandardViewsHaveKeys)
@@ -320,6 +358,20 @@ TEST_F(RenderingWindow, WritesTheSurfacesThatAreShown)
   EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"tubes-left.stl"});
 }
 
+TEST(SurfaceExportDialog, NeedsAFolderAndMakesItAbsolute)
+{
+  NYXSurfaceExportDialog dialog(nullptr);
+  auto* const folder = dialog.findChild<QLineEdit*>("folder");
+  const auto* const accept = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+  folder->setText(" ");
+  EXPECT_FALSE(accept->isEnabled());
+  EXPECT_FALSE(accept->toolTip().isEmpty());
+  folder->setText("surfaces");
+  EXPECT_TRUE(accept->isEnabled());
+  EXPECT_TRUE(accept->toolTip().isEmpty());
+  EXPECT_EQ(dialog.target().directory, QDir::current().filePath("surfaces").toStdString());
+}
+
 TEST_F(RenderingWindow, SnapshotsGoToFiles)
 {
   const QTemporaryDir folder;
@@ -341,6 +393,47 @@ TEST_F(RenderingWindow, SnapshotsGoToFiles)
       },
       [&] { EXPECT_FALSE(window->saveSnapshot("/nowhere/a.png", 1, false, false)); });
   EXPECT_THAT(text.toStdString(), testing::HasSubstr("/nowhere/a.png"));
+}
+
+TEST_F(RenderingWindow, FileDialogsStartWhereTheLastOneEndedAndKeepTheirSize)
+{
+  const QTemporaryDir folder;
+  const QSize size(733, 411);
+  inDialogs(
+      [&](QDialog& dialog)
+      {
+        if (auto* const files = qobject_cast<QFileDialog*>(&dialog))
+        {
+          files->resize(size);
+          files->setDirectory(folder.path());
+          files->selectFile("a.png");
+        }
+        QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+      },
+      [this] { window->takeSnapshot(); });
+  EXPECT_TRUE(QFileInfo::exists(folder.filePath("a.png")));
+  QString directory;
+  QSize seen;
+  const auto look = [&](QDialog& dialog)
+  {
+    const auto* const files = qobject_cast<QFileDialog*>(&dialog);
+    if (files == nullptr) return dialog.accept();
+    directory = files->directory().absolutePath();
+    seen = files->size();
+    dialog.reject();
+  };
+  inDialogs(look, [this] { window->takeSnapshot(); });
+  EXPECT_EQ(directory, folder.path());
+  EXPECT_EQ(seen, size);
+  NYXCreateVideoDialog video(nullptr);
+  directory.clear();
+  inDialogs(look,
+            [&video]
+            {
+              for (QPushButton* button : video.findChildren<QPushButton*>())
+                if (button->text() == "Browse...") button->click();
+            });
+  EXPECT_EQ(directory, folder.path());
 }
 
 TEST_F(RenderingWindow, DrawsTheSamePictureAsTheBatchTool)

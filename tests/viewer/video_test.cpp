@@ -90,7 +90,7 @@ TEST(VideoThread, TellsWhyThereIsNoVideoAndLeavesNothingBehind)
     thread.addFrame(QImage(64, 48, QImage::Format_RGB32));
     thread.finishFrames();
     ASSERT_TRUE(thread.wait(60000));
-    EXPECT_THAT(thread.getProblem().toStdString(), testing::HasSubstr("The encoder failed"));
+    EXPECT_THAT(thread.getProblem().toStdString(), testing::HasSubstr("/nowhere"));
     EXPECT_TRUE(QFileInfo::exists(frames + "/0000.png"));
   }
   EXPECT_FALSE(QFileInfo::exists(frames));
@@ -111,6 +111,30 @@ TEST(VideoThread, TellsWhyThereIsNoVideoAndLeavesNothingBehind)
   empty.finishFrames();
   ASSERT_TRUE(empty.wait(60000));
   EXPECT_EQ(empty.getProblem(), "No frame was recorded");
+}
+
+TEST(VideoThread, TakesThePlaceOfAVideoOnlyWhenItIsComplete)
+{
+  const QTemporaryDir folder;
+  const auto record = [&folder](const QString& name)
+  {
+    QFile former(folder.filePath(name));
+    EXPECT_TRUE(former.open(QIODevice::WriteOnly));
+    former.write("former video");
+    former.close();
+    NYXRenderingVideoThread thread(former.fileName(), 10);
+    thread.start();
+    thread.addFrame(QImage(64, 48, QImage::Format_RGB32));
+    thread.finishFrames();
+    EXPECT_TRUE(thread.wait(60000));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{name});
+    EXPECT_TRUE(former.open(QIODevice::ReadOnly));
+    const bool isKept = former.readAll() == "former video";
+    EXPECT_TRUE(former.remove());
+    return std::pair{thread.getProblem().toStdString(), isKept};
+  };
+  EXPECT_THAT(record("a.unknown"), testing::Pair(testing::HasSubstr("The encoder failed"), true));
+  EXPECT_EQ(record("a.avi"), std::pair(std::string(), false));
 }
 
 TEST(VideoThread, TakesNoFramesThatItCannotWrite)

@@ -5,19 +5,35 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
 constexpr int largestSide = 256;
 
-/// The mean of a block of voxels, those of it that are in the volume.
-std::uint8_t mean(const VoxelMatrix<unsigned char>& volume, const std::array<int, 3>& first, int step)
+/// The sum and the number of voxels.
+struct Greys
 {
   unsigned int sum = 0, count = 0;
+
+  void add(unsigned char voxel)
+  {
+    sum += voxel;
+    ++count;
+  }
+  std::uint8_t mean() const { return static_cast<std::uint8_t>((sum + count / 2) / std::max(count, 1U)); }
+};
+
+/// The mean of a block of voxels, those of it that are in the volume. \param isEmptyCounted  also those of no image
+std::uint8_t mean(const VoxelMatrix<unsigned char>& volume, const std::array<int, 3>& first, int step,
+                  bool isEmptyCounted)
+{
+  Greys greys;
   for (int k = first[2]; k < std::min(first[2] + step, volume.getSize3()); ++k)
     for (int i = first[0]; i < std::min(first[0] + step, volume.getSize1()); ++i)
-      for (int j = first[1]; j < std::min(first[1] + step, volume.getSize2()); ++j, ++count) sum += volume(i, j, k);
-  return static_cast<std::uint8_t>((sum + count / 2) / std::max(count, 1U));
+      for (int j = first[1]; j < std::min(first[1] + step, volume.getSize2()); ++j)
+        if (isEmptyCounted || volume(i, j, k) > 0) greys.add(volume(i, j, k));
+  return greys.mean();
 }
 } // namespace
 
@@ -35,6 +51,7 @@ VoxelMatrixPainterGL::VoxelMatrixPainterGL(const VoxelMatrix<unsigned char>& vol
 {
   for (std::size_t axis = 0; axis < 3; ++axis) _slices[axis] = _sizes[axis] / 2;
   reduce(volume);
+  if (mode != Cloud) addAlpha();
 }
 
 void VoxelMatrixPainterGL::reduce(const VoxelMatrix<unsigned char>& volume)
@@ -46,7 +63,35 @@ void VoxelMatrixPainterGL::reduce(const VoxelMatrix<unsigned char>& volume)
                   static_cast<std::size_t>(_texels[2]));
   for (int k = 0; k < _sizes[2]; k += step)
     for (int i = 0; i < _sizes[0]; i += step)
-      for (int j = 0; j < _sizes[1]; j += step) _voxels.push_back(mean(volume, {i, j, k}, step));
+      for (int j = 0; j < _sizes[1]; j += step) _voxels.push_back(mean(volume, {i, j, k}, step, _mode == Cloud));
+}
+
+/// The mean of the voxels of images around one of none, so that the border of an image has the image's grey where the
+/// two are mixed.
+std::uint8_t VoxelMatrixPainterGL::greyAround(int row, int column, int plane) const
+{
+  Greys greys;
+  for (int k = std::max(plane - 1, 0); k <= std::min(plane + 1, _texels[2] - 1); ++k)
+    for (int i = std::max(row - 1, 0); i <= std::min(row + 1, _texels[0] - 1); ++i)
+      for (int j = std::max(column - 1, 0); j <= std::min(column + 1, _texels[1] - 1); ++j)
+        if (const std::uint8_t voxel = voxelAt(i, j, k); voxel > 0) greys.add(voxel);
+  return greys.mean();
+}
+
+/// Puts behind each grey level whether there is an image.
+void VoxelMatrixPainterGL::addAlpha()
+{
+  std::vector<std::uint8_t> withAlpha;
+  withAlpha.reserve(2 * _voxels.size());
+  for (int k = 0; k < _texels[2]; ++k)
+    for (int i = 0; i < _texels[0]; ++i)
+      for (int j = 0; j < _texels[1]; ++j)
+      {
+        const std::uint8_t voxel = voxelAt(i, j, k);
+        withAlpha.push_back(voxel > 0 ? voxel : greyAround(i, j, k));
+        withAlpha.push_back(voxel > 0 ? 255 : 0);
+      }
+  _voxels = std::move(withAlpha);
 }
 
 void VoxelMatrixPainterGL::setSlices(int row, int column, int plane)
@@ -73,18 +118,9 @@ BoundingBox<float> VoxelMatrixPainterGL::boundingBox() const
 /// The cloud is as opaque as it is bright, slices wherever there is an image.
 void VoxelMatrixPainterGL::upload()
 {
-  const auto fill = [this](GLint internalFormat, GLenum format, const std::vector<std::uint8_t>& data)
-  { _texture.fill3D(internalFormat, format, _texels[1], _texels[0], _texels[2], data.data()); };
-  if (_mode == Cloud)
-    fill(GL_INTENSITY8, GL_LUMINANCE, _voxels);
-  else
-  {
-    std::vector<std::uint8_t> withAlpha;
-    withAlpha.reserve(2 * _voxels.size());
-    for (const std::uint8_t voxel : _voxels)
-      withAlpha.insert(withAlpha.end(), {voxel, voxel > 0 ? std::uint8_t{255} : std::uint8_t{0}});
-    fill(GL_LUMINANCE8_ALPHA8, GL_LUMINANCE_ALPHA, withAlpha);
-  }
+  const bool isCloud = _mode == Cloud;
+  _texture.fill3D(isCloud ? GL_INTENSITY8 : GL_LUMINANCE8_ALPHA8, isCloud ? GL_LUMINANCE : GL_LUMINANCE_ALPHA,
+                  _texels[1], _texels[0], _texels[2], _voxels.data());
   _voxels = {};
 }
 
@@ -134,14 +170,14 @@ std::size_t VoxelMatrixPainterGL::layersAxis() const
   return best;
 }
 
-/// Whether the last layer along an axis is nearer to the viewer than the first one.
-bool VoxelMatrixPainterGL::isSeenFromEnd(std::size_t axis) const
+double VoxelMatrixPainterGL::depthOf(std::size_t axis, float place) const
 {
   std::array<float, 16> view;
   glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
-  const std::array<Point, 3> steps = {_placement.rowStep, _placement.columnStep, _placement.planeStep};
-  const Point& s = steps[axis];
-  return view[2] * s[0] + view[6] * s[1] + view[10] * s[2] >= 0;
+  std::array<float, 3> middle; // rows, columns, planes, from the border of the volume
+  for (std::size_t k = 0; k < 3; ++k) middle[k] = k == axis ? place : static_cast<float>(_sizes[k]) / 2;
+  const Point p = _placement.at(middle[0] - 0.5F, middle[1] - 0.5F, middle[2] - 0.5F);
+  return double{view[2]} * double{p[0]} + double{view[6]} * double{p[1]} + double{view[10]} * double{p[2]};
 }
 
 /// Layers through the middles of the blocks, across the axis that points to the viewer, the farthest first.
@@ -149,13 +185,16 @@ void VoxelMatrixPainterGL::paintCloud() const
 {
   const std::size_t axis = layersAxis();
   const int count = _texels[axis];
-  const bool isAscending = isSeenFromEnd(axis);
-  glBegin(GL_QUADS);
+  const bool isAscending = depthOf(axis, 0) <= depthOf(axis, static_cast<float>(_sizes[axis]));
+  std::vector<float> places;
   for (int n = 0; n < count; ++n)
   {
     const int first = (isAscending ? n : count - 1 - n) * _blockSize;
-    drawSlice(axis, static_cast<float>(first + std::min(first + _blockSize, _sizes[axis])) / 2);
+    const float place = static_cast<float>(first + std::min(first + _blockSize, _sizes[axis])) / 2;
+    if (getDepthRange().contains(depthOf(axis, place))) places.push_back(place);
   }
+  glBegin(GL_QUADS);
+  for (const float place : places) drawSlice(axis, place);
   glEnd();
 }
 

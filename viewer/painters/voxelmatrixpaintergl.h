@@ -44,17 +44,28 @@ public:
 
   BoundingBox<float> boundingBox() const override;
   bool isTransparent() const override { return _mode == Cloud; }
+  bool hasLayers() const override { return _mode == Cloud; }
   void paint(PaintPass pass) override;
 
 private:
   using Point = VolumePlacement::Point;
 
   void reduce(const VoxelMatrix<unsigned char>& volume);
+  void addAlpha();
+  std::uint8_t greyAround(int row, int column, int plane) const;
+  std::uint8_t voxelAt(int row, int column, int plane) const
+  {
+    return _voxels[(static_cast<std::size_t>(plane) * static_cast<std::size_t>(_texels[0]) +
+                    static_cast<std::size_t>(row)) *
+                       static_cast<std::size_t>(_texels[1]) +
+                   static_cast<std::size_t>(column)];
+  }
   void upload();
   void paintSlices() const;
   void paintCloud() const;
   std::size_t layersAxis() const;
-  bool isSeenFromEnd(std::size_t axis) const;
+  /// The distance towards the viewer of the middle of such a slice.
+  double depthOf(std::size_t axis, float place) const;
   /// The slice at a place along an axis, 0 rows, 1 columns, 2 planes, in voxels from the border of the volume.
   void drawSlice(std::size_t axis, float place) const;
 
@@ -64,7 +75,7 @@ private:
   std::array<int, 3> _texels; // blocks of voxels along these
   int _blockSize = 1;         // voxels along the side of a block
   VolumePlacement _placement;
-  std::vector<std::uint8_t> _voxels; // until they are on the graphics card
+  std::vector<std::uint8_t> _voxels; // until they are on the graphics card; of slices, each with its alpha
   float _opacity = 64;
   TextureGL _texture{GL_TEXTURE_3D};
 };

@@ -4,6 +4,7 @@
 #include "viewer/painters/stategl.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace
@@ -28,6 +29,41 @@ void merge(BoundingBox<float>& box, const BoundingBox<float>& other)
   if (other.isEmpty()) return;
   box.add(other.getMinimum());
   box.add(other.getMaximum());
+}
+
+/// A turn and the distance towards the viewer that it counts as.
+using DepthTurn = std::pair<double, SceneGL::Turn>;
+
+bool isDrawnTransparent(const SceneGL::Painter& painter)
+{
+  return painter.isVisible() && painter.isTransparent() && !painter.boundingBox().isEmpty();
+}
+
+void addFaceTurns(std::vector<DepthTurn>& turns, SceneGL::Painter& painter, const ViewerCamera& camera)
+{
+  const auto [far, near] = depthRange(painter.boundingBox(), camera);
+  if (painter.hasFaces()) turns.push_back({far, {&painter, PaintPass::BackFaces}});
+  turns.push_back({painter.hasFaces() ? near : (far + near) / 2, {&painter, PaintPass::FrontFaces}});
+}
+
+/// A turn for each part of the painter between two of the depths at which others have their turns.
+void addLayerTurns(std::vector<DepthTurn>& turns, SceneGL::Painter& painter, const ViewerCamera& camera,
+                   const std::vector<double>& depths)
+{
+  const auto [far, near] = depthRange(painter.boundingBox(), camera);
+  std::set<double> cuts;
+  for (const double depth : depths)
+    if (far < depth && depth < near) cuts.insert(depth);
+  double start = far;
+  DepthRange range; // open at both ends of the whole, where rounding counts
+  for (const double cut : cuts)
+  {
+    range.near = cut;
+    turns.push_back({(start + cut) / 2, {&painter, PaintPass::FrontFaces, range}});
+    range.far = start = cut;
+  }
+  range.near = DepthRange().near;
+  turns.push_back({(start + near) / 2, {&painter, PaintPass::FrontFaces, range}});
 }
 } // namespace
 
@@ -124,7 +160,11 @@ void SceneGL::paint(int width, int height, float pixelRatio)
   glEnable(GL_BLEND);
   // The alpha of the picture adds up as the colours do, for pictures without background.
   glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-  for (const Turn& turn : transparentTurns()) turn.painter->paint(turn.pass);
+  for (const Turn& turn : transparentTurns())
+  {
+    turn.painter->setDepthRange(turn.range);
+    turn.painter->paint(turn.pass);
+  }
   glDisable(GL_BLEND);
   glDepthMask(GL_TRUE);
   if (_landmarksPainter == nullptr) return;
@@ -134,16 +174,13 @@ void SceneGL::paint(int width, int height, float pixelRatio)
 
 std::vector<SceneGL::Turn> SceneGL::transparentTurns() const
 {
-  std::vector<std::pair<double, Turn>> turns;
+  std::vector<DepthTurn> turns;
   for (Painter* painter : _painters)
-  {
-    if (!painter->isVisible() || !painter->isTransparent()) continue;
-    const BoundingBox<float> box = painter->boundingBox();
-    if (box.isEmpty()) continue;
-    const auto [far, near] = depthRange(box, _camera);
-    if (painter->hasFaces()) turns.emplace_back(far, Turn{painter, PaintPass::BackFaces});
-    turns.emplace_back(painter->hasFaces() ? near : (far + near) / 2, Turn{painter, PaintPass::FrontFaces});
-  }
+    if (isDrawnTransparent(*painter) && !painter->hasLayers()) addFaceTurns(turns, *painter, _camera);
+  std::vector<double> depths;
+  for (const DepthTurn& turn : turns) depths.push_back(turn.first);
+  for (Painter* painter : _painters)
+    if (isDrawnTransparent(*painter) && painter->hasLayers()) addLayerTurns(turns, *painter, _camera, depths);
   std::stable_sort(turns.begin(), turns.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<Turn> result;
   for (const auto& [depth, turn] : turns) result.push_back(turn);

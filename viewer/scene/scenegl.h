@@ -16,7 +16,7 @@
 ///
 /// Opaque painters are drawn in that order. Transparent ones follow, what is farther from the viewer first: the back of
 /// each counts as far as the farthest corner of its box, its front as the nearest, so that what is inside another one
-/// is drawn between the two.
+/// is drawn between the two. The layers of one that has layers are drawn in parts, between the turns of the others.
 class SceneGL
 {
 public:
@@ -27,6 +27,7 @@ public:
   {
     Painter* painter;
     PaintPass pass;
+    DepthRange range = {}; ///< the layers that are drawn, of painters that have layers
 
     bool operator==(const Turn&) const = default;
   };

@@ -1,7 +1,7 @@
-#include "app/nyxfiledialog.h"
+#include "slice/image/nyxfiledialog.h"
 
 #include "app/core/nyxsettings.h"
-#include "app/nyxdialogs.h"
+#include "slice/image/nyxdialogsize.h"
 
 #include <QHeaderView>
 #include <QTreeView>
