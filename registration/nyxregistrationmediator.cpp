@@ -71,8 +71,7 @@ void NYXRegistrationMediator::createActions()
                        [this] { go(&Mediator::setNextSlice); });
   _last = createAction(tr("Last slice"), tr("Go to the last slice"), "last", Qt::Key_End,
                        [this] { go(&Mediator::setLastSlice); });
-  _undo = createAction(tr("Undo"), tr("Take the last change back"), "undo", QKeySequence::Undo,
-                       [this] { changeHistory([this] { _stack->histories().undo(_slice); }); });
+  _undo = createAction(tr("Undo"), tr("Take the last change back"), "undo", QKeySequence::Undo, [this] { undo(); });
   _redo = createAction(tr("Redo"), tr("Make the change again that was taken back last"), "redo",
                        QKeySequence("Ctrl+Shift+Z"),
                        [this] { changeHistory([this] { _stack->histories().redo(_slice); }); });
@@ -223,7 +222,7 @@ void NYXRegistrationMediator::updateActions()
   const bool isEditable = hasSlice && !isLocked && !_isRunning;
   for (QAction* action : {_first, _previous}) action->setEnabled(hasSlice && _slice->getIndex() > 1);
   for (QAction* action : {_next, _last}) action->setEnabled(hasSlice && !_slice->isLastSlice());
-  _undo->setEnabled(_stack != nullptr && _stack->histories().isUndoable(_slice));
+  _undo->setEnabled(_stack != nullptr && (_stack->histories().isUndoable(_slice) || (isEditable && isEdited())));
   _redo->setEnabled(_stack != nullptr && _stack->histories().isRedoable(_slice));
   _flicker->setEnabled(hasSlice);
   _apply->setEnabled(isEditable);
@@ -263,8 +262,17 @@ bool NYXRegistrationMediator::isEdited() const
 void NYXRegistrationMediator::reset()
 {
   const Registration stored = _slice == nullptr ? Registration() : _slice->getRegistration();
+  _stored = stored;
   _panel->setStoredRegistration(stored);
   setRegistration(stored);
+}
+
+/// An edit comes before the steps, which it is not one of yet.
+void NYXRegistrationMediator::undo()
+{
+  if (!isEdited()) return changeHistory([this] { _stack->histories().undo(_slice); });
+  reset();
+  showMessage(tr("The change that was not applied is taken back"));
 }
 
 void NYXRegistrationMediator::showMessage(const QString& text)
@@ -356,7 +364,8 @@ void NYXRegistrationMediator::stackRegistrationEvent(const NYXStackRegistrationE
   if (&event.getStack() != _stack) return;
   _statusBar->clearMessage(); // it told of a registration before
   _automaticPanel->clearCorrelations();
-  reset();
+  const bool isOtherSlice = _slice != nullptr && _slice->getRegistration() == _stored;
+  isOtherSlice ? updateActions() : reset(); // what is edited on this slice stays
 }
 
 void NYXRegistrationMediator::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)

@@ -127,6 +127,7 @@ private:
   void showStep(StackSlice& slice, const SliceAlignment& alignment);
   bool store(const NYXRegistrationRun& run);
   void tellResult(const NYXRegistrationRun& run, bool isComplete, bool isStep);
+  void undo();
   void setFlicker(bool isOn);
   void flicker();
 
@@ -139,6 +140,7 @@ private:
 
   NYXStack* _stack = nullptr;
   StackSlice* _slice = nullptr;
+  Registration _stored; // of the slice, when it was shown or changed last
   Registration _registration;
   bool _isSpecimenDark = false;
   bool _isRunning = false; // an automatic registration

@@ -97,6 +97,24 @@ TEST_F(ManualRegistration, ADragEndsWithItsButtonAndWhenItIsReset)
   QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, {110, 100});
 }
 
+TEST_F(ManualRegistration, UndoTakesAnEditBackBeforeItUndoesSteps)
+{
+  open(3);
+  mediator().setRegistration(Registration(5, 0, 0));
+  action("apply").trigger();
+  action("next").trigger();
+  mediator().setRegistration(Registration(0, 0, 40));
+  stack->getSlice(1)->setRegistration(Registration(6, 0, 0)); // as another window does
+  stack->notifyEvent(NYXStackRegistrationEvent(*stack));
+  EXPECT_TRUE(mediator().getRegistration() == Registration(0, 0, 40)) << "the slice itself has not changed";
+  stack->getSlice(1)->setRegistration(Registration(5, 0, 0));
+  action("undo").trigger();
+  EXPECT_TRUE(mediator().getRegistration().isNull());
+  EXPECT_TRUE(stack->getSlice(1)->getRegistration() == Registration(5, 0, 0));
+  action("undo").trigger();
+  EXPECT_TRUE(stack->getSlice(1)->getRegistration().isNull());
+}
+
 TEST_F(ManualRegistration, RightButtonTurnsAboutTheShiftedCentre)
 {
   open(2);
