@@ -188,7 +188,7 @@ void addAnalysisOptions(CLI::App& command, Arguments& arguments)
       ->capture_default_str();
   command
       .add_option("--hardcore", config.hardcoreDistance,
-                  "least distance of random objects from the boundary, and half of that between two")
+                  "least distance of random objects from the boundary; two of them keep twice that distance")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   command.add_option("--density", config.evaluationDensity, "evaluation positions of F per unit of area")

@@ -64,7 +64,8 @@ template <class T> void HardcorePlacement<T>::layOutCells()
 
 template <class T> bool HardcorePlacement<T>::cannotFit() const
 {
-  if (!_sampler.getBoundary()) return false;
+  const SpatialBoundary<T>* const boundary = _sampler.getBoundary();
+  if (boundary == nullptr) return false;
   constexpr double tolerance = 1e-9, pi = std::numbers::pi;
   double sum = 0;
   for (const T distance : _distances)
@@ -72,7 +73,11 @@ template <class T> bool HardcorePlacement<T>::cannotFit() const
     const double radius = static_cast<double>(distance);
     sum += _space == 2 ? pi * radius * radius : 4 * pi / 3 * radius * radius * radius;
   }
-  return sum > (1 + tolerance) * static_cast<double>(_sampler.getBoundary()->content());
+  double room = 1; // of the box: a border that crosses itself may hold more than the area that it encloses
+  for (int i = 0; i < _space; ++i)
+    room *=
+        static_cast<double>(boundary->getBoundingBox().getMaximum()[i] - boundary->getBoundingBox().getMinimum()[i]);
+  return sum > (1 + tolerance) * room;
 }
 
 template <class T>

@@ -21,7 +21,7 @@ struct StackSpatialAnalysisConfig
   const Model* boundary = nullptr; ///< closed curves; the first one of a slice bounds its domain
   const Model* objects = nullptr;  ///< each point of point items, the isobarycentre of other items
   int numMonteCarloSamples = 99;
-  double hardcoreDistance = 0;     ///< of each object: from the border, and half of that between two objects
+  double hardcoreDistance = 0;     ///< of each object, from the border; two objects keep twice that distance
   double evaluationDensity = 1;    ///< of the positions for function F, per unit of area
   std::optional<double> precision; ///< of the distances; by default a thousandth of the diagonal of the boundary's box
   unsigned long seed = 1;
