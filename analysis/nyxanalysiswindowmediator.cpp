@@ -7,6 +7,7 @@
 #include "analysis/nyxmodelitemanalysiswidget.h"
 #include "analysis/nyxsliceanalysistable.h"
 #include "app/core/nyxeventserver.h"
+#include "app/core/nyxproposedfilename.h"
 #include "app/core/nyxstack.h"
 #include "model/model.h"
 #include "numeric/atomicfile.h"
@@ -148,14 +149,13 @@ QString NYXAnalysisWindowMediator::proposedName() const
   name += sheet() == Models ? "models" : sheet() == Slices ? "slices" : "items";
   if (sheet() == Items && _measures->getItemModel() != nullptr)
     name += "-" + QString::fromStdString(_measures->getItemModel()->getName());
-  return name.replace('/', '_') + ".csv";
+  return proposedFileName(name) + ".csv";
 }
 
 void NYXAnalysisWindowMediator::saveCurrentSheet()
 {
   NYXFileDialog files(&_window, "measuresFileDialog", tr("Save measures"), NYXFileDialog::Writing);
   files.setNameFilter(tr("Comma-separated text") + " (*.csv)");
-  files.setDefaultSuffix("csv");
   files.selectFile(proposedName());
   files.rememberSize();
   const QStringList chosen = files.ask();

@@ -78,9 +78,6 @@ void NYXCreateVideoDialog::chooseFile()
 {
   NYXFileDialog dialog(this, "videoFileDialog", tr("Video file"), NYXFileDialog::Writing);
   dialog.setNameFilters({"*.avi", "*.flv", "*.mov", "*.mpg"});
-  connect(&dialog, &QFileDialog::filterSelected, &dialog,
-          [&dialog](const QString& filter) { dialog.setDefaultSuffix(filter.mid(2)); });
-  dialog.setDefaultSuffix("avi");
   dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (!chosen.isEmpty()) _output->setText(chosen.first());

@@ -2,6 +2,7 @@
 
 #include "app/core/actions/nyxsliceaction.h"
 #include "app/core/nyxeventserver.h"
+#include "app/core/nyxproposedfilename.h"
 #include "app/core/nyxstack.h"
 #include "geometry/outputfile.h"
 #include "model/model.h"
@@ -177,8 +178,7 @@ void NYXRenderingWindow::takeSnapshot()
   if (dialog.exec() != QDialog::Accepted) return;
   NYXFileDialog files(this, "snapshotFileDialog", tr("Save snapshot"), NYXFileDialog::Writing);
   files.setNameFilter("*.png");
-  files.setDefaultSuffix("png");
-  files.selectFile(_stack.displayName() + ".png");
+  files.selectFile(proposedFileName(_stack.displayName()) + ".png");
   files.rememberSize();
   const QStringList chosen = files.ask();
   if (!chosen.isEmpty()) saveSnapshot(chosen.first(), dialog.scale(), dialog.isTransparent(), dialog.isCropped());

@@ -1,6 +1,7 @@
 #include "analysis/spatialresults/nyxspatialresultwindow.h"
 
 #include "analysis/spatialresults/nyxspatialplotwidget.h"
+#include "app/core/nyxproposedfilename.h"
 #include "numeric/atomicfile.h"
 #include "numeric/exception.h"
 #include "slice/image/nyxfiledialog.h"
@@ -210,7 +211,7 @@ QWidget* NYXSpatialResultWindow::createCombinations()
     auto* const label = new QLabel(text, group);
     label->setObjectName(QString("combination%1%2").arg(row).arg(column));
     label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     label->setToolTip(toolTip);
     grid->addWidget(label, row, column, column == 0 ? Qt::AlignLeft : Qt::AlignRight);
   };
@@ -250,7 +251,7 @@ QWidget* NYXSpatialResultWindow::createNumbers()
   settings->setObjectName("settings");
   settings->setTextFormat(Qt::PlainText);
   settings->setWordWrap(true);
-  settings->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  settings->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   auto* const layout = new QVBoxLayout(numbers);
   layout->addWidget(settings);
   layout->addWidget(_table, 1);
@@ -372,11 +373,7 @@ void NYXSpatialResultWindow::save(const QString& title, const QString& ending, c
 {
   NYXFileDialog dialog(this, "spatialResultFileDialog", title, NYXFileDialog::Writing);
   dialog.setNameFilters(filters);
-  const auto followFilter = [&dialog](const QString& filter)
-  { dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0)); };
-  followFilter(filters.front());
-  connect(&dialog, &QFileDialog::filterSelected, &dialog, followFilter);
-  dialog.selectFile(QString(_result.stackName).replace('/', '-') + ending);
+  dialog.selectFile(proposedFileName(_result.stackName + ending));
   dialog.rememberSize();
   const QStringList chosen = dialog.ask();
   if (chosen.isEmpty()) return;
@@ -412,7 +409,7 @@ void NYXSpatialResultWindow::savePlot()
 {
   const char function = _result.functions()[static_cast<std::size_t>(_plots->currentIndex())];
   const QString& slice = _result.slices[static_cast<std::size_t>(currentSlice())].name;
-  save(tr("Save plot"), QString("-%1-%2").arg(QString(slice).replace('/', '-')).arg(function),
+  save(tr("Save plot"), QString("-%1-%2").arg(slice).arg(function),
        {tr("PNG picture (*.png)"), tr("SVG drawing (*.svg)")}, &NYXSpatialResultWindow::writePlot);
 }
 

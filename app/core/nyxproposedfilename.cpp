@@ -1,4 +1,4 @@
-#include "app/nyxproposedfilename.h"
+#include "app/core/nyxproposedfilename.h"
 
 #include <QRegularExpression>
 

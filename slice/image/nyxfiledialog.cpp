@@ -4,12 +4,25 @@
 #include "slice/image/nyxdialogsize.h"
 
 #include <QHeaderView>
+#include <QLineEdit>
+#include <QRegularExpression>
 #include <QTreeView>
+
+#include <algorithm>
 
 namespace
 {
 constexpr int numCharacters = 100; // of the first size
 constexpr int numLines = 28;
+
+/// The suffixes of "*.png" or "PNG picture (*.png *.PNG)", with their points.
+QStringList suffixesOf(const QString& filters)
+{
+  static const QRegularExpression pattern(R"(\*(\.\w+))");
+  QStringList suffixes;
+  for (auto match = pattern.globalMatch(filters); match.hasNext();) suffixes.append(match.next().captured(1));
+  return suffixes;
+}
 } // namespace
 
 NYXFileDialog::NYXFileDialog(QWidget* parent, const QString& name, const QString& title, Purpose purpose)
@@ -31,6 +44,25 @@ NYXFileDialog::NYXFileDialog(QWidget* parent, const QString& name, const QString
 void NYXFileDialog::rememberSize()
 {
   ::rememberSize(*this, numCharacters, numLines);
+}
+
+void NYXFileDialog::accept()
+{
+  if (_purpose == Writing) completeName();
+  QFileDialog::accept();
+}
+
+/// By ourselves: Qt adds no suffix when there is a point anywhere in the path.
+void NYXFileDialog::completeName()
+{
+  auto& edit = *findChild<QLineEdit*>("fileNameEdit");
+  const QString name = edit.text();
+  const QStringList suffixes = suffixesOf(nameFilters().join(' '));
+  const QStringList chosen = suffixesOf(selectedNameFilter());
+  const auto ends = [&name](const QString& suffix) { return name.endsWith(suffix, Qt::CaseInsensitive); };
+  const bool isFolder = QFileInfo(directory(), name).isDir();
+  if (name.isEmpty() || isFolder || chosen.isEmpty() || std::any_of(suffixes.begin(), suffixes.end(), ends)) return;
+  edit.setText(name + chosen.first());
 }
 
 QStringList NYXFileDialog::ask()

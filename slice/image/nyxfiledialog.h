@@ -2,7 +2,8 @@
 
 #include <QFileDialog>
 
-/// A dialog for files that starts in the folder where the last one ended.
+/// A dialog for files that starts in the folder where the last one ended. The name of a file to write gets a suffix
+/// when it has none of those of the name filters: that of the chosen filter.
 class NYXFileDialog : public QFileDialog
 {
 public:
@@ -19,6 +20,11 @@ public:
   /// Shows the dialog. \return what the user chose; empty when it was cancelled
   QStringList ask();
 
+protected:
+  void accept() override;
+
 private:
+  void completeName();
+
   Purpose _purpose;
 };

@@ -1,8 +1,9 @@
+#include "app/core/nyxproposedfilename.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
-#include "app/nyxproposedfilename.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstackerrordialog.h"
+#include "slice/image/nyxfiledialog.h"
 #include "window_test_support.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -100,6 +102,30 @@ TEST(ProposedFileName, IsOneThatFileSystemsTake)
       {star.repeated(80), star.repeated(50)},
   };
   for (const auto& c : cases) EXPECT_EQ(proposedFileName(c.stack), c.file) << c.stack.toStdString();
+}
+
+TEST(FileDialog, CompletesTheNamesOfFilesToWrite)
+{
+  const QTemporaryDir folder;
+  ASSERT_TRUE(QDir(folder.path()).mkdir("sub.d"));
+  const struct
+  {
+    const char* typed;
+    const char* file;
+  } cases[] = {
+      {"plot", "plot.svg"},     {"exp1.2", "exp1.2.svg"}, {"sub.d/plot", "sub.d/plot.svg"},
+      {"plot.PNG", "plot.PNG"}, {"plot.svg", "plot.svg"}, {"plot.pdf", "plot.pdf.svg"},
+  };
+  for (const auto& c : cases)
+  {
+    NYXSettings::settings().setOutputDirectory(folder.path());
+    NYXFileDialog dialog(nullptr, "test", "Test", NYXFileDialog::Writing);
+    dialog.setNameFilters({"PNG picture (*.png)", "SVG drawing (*.svg)"});
+    dialog.selectNameFilter("SVG drawing (*.svg)");
+    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(c.typed);
+    QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+    EXPECT_EQ(dialog.ask(), QStringList(QDir(folder.path()).filePath(c.file)));
+  }
 }
 
 TEST(SaveStackAs, ProposesAFileInTheOutputFolderForAnyName)
