@@ -128,7 +128,8 @@ void NYXMeasures::noteChange()
 {
   _copy.reset();
   _copying.stop();
-  if (!eventBatchEnabled()) startDelay();
+  _hasChangedInBatch = eventBatchEnabled();
+  if (!_hasChangedInBatch) startDelay();
 }
 
 void NYXMeasures::startDelay()
@@ -139,7 +140,7 @@ void NYXMeasures::startDelay()
 
 void NYXMeasures::atEventBatchEnd()
 {
-  if (areModelsStale() || areItemsStale()) startDelay();
+  if (std::exchange(_hasChangedInBatch, false)) startDelay();
 }
 
 void NYXMeasures::tellAndStart()
@@ -222,6 +223,12 @@ void NYXMeasures::showRunning()
 void NYXMeasures::stackCloseEvent(const NYXStackCloseEvent& event)
 {
   if (&event.getStack() == _stack) setStack(nullptr);
+}
+
+/// The images may be looked for elsewhere.
+void NYXMeasures::stackNameEvent(const NYXStackNameEvent& event)
+{
+  markAll(&event.getStack());
 }
 
 void NYXMeasures::stackRegistrationEvent(const NYXStackRegistrationEvent& event)

@@ -62,6 +62,7 @@ signals:
 
 protected:
   void stackCloseEvent(const NYXStackCloseEvent& event) override;
+  void stackNameEvent(const NYXStackNameEvent& event) override;
   void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
   void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
@@ -108,6 +109,7 @@ private:
   std::vector<const ModelItem*> _itemsOfSources; // addresses that may be stale
   Stale _stale;
   Stale _staleSince; // the copy that is at work was begun
+  bool _hasChangedInBatch = false;
   bool _isShownRunning = false;
   bool _isRunObsolete = false;
   std::unique_ptr<StackCopy> _copy; // while it is being made

@@ -8,6 +8,7 @@
 #include "analysis/nyxmodelitemanalysistable.h"
 #include "analysis/nyxmodelitemanalysiswidget.h"
 #include "analysis/nyxsliceanalysistable.h"
+#include "app/core/nyxeventbatch.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "tests/support/stacks.h"
@@ -30,6 +31,8 @@
 #include <QtTest>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace
 {
@@ -199,6 +202,54 @@ TEST_F(AnalysisWindow, FollowsEdits)
   waitUntilMeasured();
   EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[7], "550");
   EXPECT_EQ(rowTexts(window->items().table(), 3).last(), "8");
+}
+
+TEST_F(AnalysisWindow, FollowsChangesThatLeaveTheMeasuresAsTheyAre)
+{
+  draw();
+  show();
+  const auto doInAStep = [this](const std::function<void()>& change)
+  {
+    {
+      const NYXEventBatch batch;
+      change();
+    }
+    QTest::qWait(150); // longer than changes are collected
+    waitUntilMeasured();
+  };
+  Model& squares = *stack->getModel(0);
+  const auto tellOfSquares = [&]
+  { stack->notifyEvent(NYXModelPropertiesEvent(squares, squares.getProperties(), squares.getItemProperties())); };
+  doInAStep(
+      [&]
+      {
+        squares.setName("boxes");
+        tellOfSquares();
+      });
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[0], "boxes");
+  doInAStep(
+      [&]
+      {
+        stack->moveModel(0, 1);
+        tellOfSquares();
+      });
+  EXPECT_EQ(headers(window->slices()), (QStringList{"Slice", "points", "boxes"}));
+  doInAStep(
+      [&]
+      {
+        stack->getSlice(0)->setName("first");
+        stack->notifyEvent(NYXSliceNameEvent(*stack->getSlice(0)));
+      });
+  EXPECT_EQ(rowTexts(window->slices(), 0)[0], "first");
+  std::unique_ptr<Model> removed;
+  doInAStep(
+      [&]
+      {
+        removed = stack->removeModel(&squares);
+        stack->notifyEvent(NYXModelDeleteEvent(*removed, *stack));
+      });
+  EXPECT_EQ(headers(window->slices()), (QStringList{"Slice", "points"}));
+  EXPECT_EQ(modelTable("Polygon").model()->rowCount(), 0);
 }
 
 TEST_F(AnalysisWindow, KeepsStaleMeasuresToItselfAfterACancel)
