@@ -8,6 +8,7 @@
 #include "model/stackslice.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace
@@ -78,6 +79,14 @@ std::vector<ModelMeasures> NYXMeasures::models() const
   return models;
 }
 
+std::string NYXMeasures::failureOf(const Model& model) const
+{
+  const auto measured = _measured.find(&model);
+  if (measured == _measured.end()) return {};
+  const bool hasPlace = measured->second.vertices == 0 || !std::isnan(measured->second.averageX);
+  return hasPlace ? std::string() : measured->second.remark;
+}
+
 ModelItem* NYXMeasures::itemOf(int source) const
 {
   if (_itemModel == nullptr || source < 0 || source >= static_cast<int>(_itemsOfSources.size())) return nullptr;
@@ -128,6 +137,7 @@ void NYXMeasures::noteChange()
 {
   _copy.reset();
   _copying.stop();
+  _hasChangedSinceCancel = true;
   _hasChangedInBatch = eventBatchEnabled();
   if (!_hasChangedInBatch) startDelay();
 }
@@ -160,6 +170,7 @@ void NYXMeasures::cancel()
   _copy.reset();
   _copying.stop();
   _run.cancel();
+  _hasChangedSinceCancel = false;
   showRunning();
 }
 
@@ -193,7 +204,7 @@ void NYXMeasures::advanceCopy()
 void NYXMeasures::takeResults(bool isDone)
 {
   const bool isTaken = isDone && !_isRunObsolete;
-  const bool isWanted = isTaken || _isRunObsolete;
+  const bool isWanted = isTaken || _isRunObsolete || _hasChangedSinceCancel;
   _isRunObsolete = false;
   if (isTaken)
   {

@@ -30,10 +30,13 @@ public:
   void setItemModel(const Model* model);
   const Model* getItemModel() const { return _itemModel; }
 
-  /// In stack order; those of a model that was not measured yet have no numbers.
+  /// In stack order; those of a model that was not measured yet are only counted.
   std::vector<ModelMeasures> models() const;
   bool isStale(const Model& model) const { return _stale.models.contains(&model); }
   bool areModelsStale() const { return !_stale.models.empty(); }
+
+  /// Why a model cannot be reconstructed; empty when it can, or was not measured yet.
+  std::string failureOf(const Model& model) const;
 
   const MeasureTable& items() const { return _items; }
   /// The item that a row of items() was measured on; nullptr when it is gone.
@@ -112,6 +115,7 @@ private:
   bool _hasChangedInBatch = false;
   bool _isShownRunning = false;
   bool _isRunObsolete = false;
+  bool _hasChangedSinceCancel = false;
   std::unique_ptr<StackCopy> _copy; // while it is being made
   int _numMeasured = 0;             // of the models that are copied
   const Model* _copiedItemModel = nullptr;

@@ -6,10 +6,13 @@
 #include <charconv>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <numeric>
 
 namespace
 {
+constexpr double notAvailable = std::numeric_limits<double>::quiet_NaN();
+
 /// The field as it stands in the text: in quotes when it holds a separator, a quote or a line end.
 void appendField(std::string& text, const std::string& field, char separator)
 {
@@ -62,8 +65,8 @@ void MeasureTable::addRow(int source, const std::vector<double>& values)
 {
   if (values.size() != _columns.size())
     throw UsageError("void MeasureTable::addRow(int,const std::vector<double>&)", "A row has one value per column");
-  const auto withoutNegativeZero = [](double value) { return value + 0.; };
-  std::transform(values.begin(), values.end(), std::back_inserter(_values), withoutNegativeZero);
+  const auto stored = [](double value) { return std::isfinite(value) ? value + 0. : notAvailable; }; // no -0
+  std::transform(values.begin(), values.end(), std::back_inserter(_values), stored);
   _sources.push_back(source);
 }
 

@@ -44,7 +44,7 @@ public:
   double addText(const std::string& text);
   /// Makes place for a number of rows.
   void reserve(std::size_t numRows);
-  /// Adds a row with one value per column; a text column takes the number of a text.
+  /// Adds a row with one value per column; a text column takes the number of a text. What is not finite is "NA".
   /// \param source  what the row was measured on, in the caller's numbering
   void addRow(int source, const std::vector<double>& values);
 

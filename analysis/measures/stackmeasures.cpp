@@ -176,6 +176,9 @@ ModelMeasures noMeasures(const Model& model, const std::string& remark)
   ModelMeasures measures;
   measures.model = model.getName();
   measures.geometry = model.getGeometry();
+  measures.vertices = 0;
+  for (const ModelItem* item : model.getItems()) measures.vertices += item->getSize();
+  if (!isPoints(measures.geometry)) measures.contours = static_cast<double>(model.getItems().size());
   measures.remark = remark;
   return measures;
 }

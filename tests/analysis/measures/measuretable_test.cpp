@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace
 {
@@ -58,6 +59,7 @@ TEST(MeasureTable, SavedNumbersAreTheNumbersThatWereMeasured)
   EXPECT_EQ(table.getText(0, 1, MeasureTable::shownDigits), "0.333333");
   EXPECT_EQ(table.getText(2, 1, MeasureTable::shownDigits), "1.23457e+08");
   EXPECT_EQ(tableOf("a", {-0.}).getText(0, 1), "0");
+  EXPECT_EQ(tableOf("a", {-std::numeric_limits<double>::infinity()}).getText(0, 1), "NA");
 }
 
 TEST(MeasureTable, TabTextHasTheChosenCellsInTheirOrder)

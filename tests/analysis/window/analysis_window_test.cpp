@@ -19,6 +19,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
+#include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -273,6 +274,47 @@ TEST_F(AnalysisWindow, KeepsStaleMeasuresToItselfAfterACancel)
   again->click();
   waitUntilMeasured();
   EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[7], "700");
+}
+
+TEST_F(AnalysisWindow, MeasuresWhatChangesAfterACancel)
+{
+  draw();
+  show();
+  stack->setDefaultRelativePosition(4);
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return measures().isRunning(); }));
+  measures().cancel();
+  stack->setDefaultRelativePosition(6);
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  waitUntilMeasured();
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[7], "1050");
+}
+
+TEST_F(AnalysisWindow, TellsWhyModelsCannotBeMeasured)
+{
+  draw();
+  stack->getSlice(2)->setImageSource(ImageSourceFile("gone.tif"));
+  show();
+  const auto& note = *window->findChild<QLabel*>("measuresNote");
+  EXPECT_TRUE(note.isVisible());
+  EXPECT_TRUE(note.text().startsWith("The model \"squares\" cannot be reconstructed: ")) << note.text().toStdString();
+  EXPECT_TRUE(note.text().contains("gone.tif"));
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0), (QStringList{"squares", "16", "NA", "NA", "NA", "4", "NA", "NA"}))
+      << "what needs no image is counted";
+  EXPECT_EQ(rowTexts(modelTable("Polypoint"), 0)[1], "3");
+  EXPECT_TRUE(window->saveAction().isEnabled());
+  showTab(Slices);
+  EXPECT_FALSE(note.isVisible());
+  showTab(Items);
+  EXPECT_TRUE(note.isVisible());
+  EXPECT_FALSE(window->saveAction().isEnabled()) << "a table without the items";
+
+  ImageSourceFile found("found.tif");
+  found.setFallbackSize(100, 100);
+  stack->getSlice(2)->setImageSource(found);
+  stack->notifyEvent(NYXStackNameEvent(*stack)); // the folder of images is another one
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !note.isVisible(); }));
+  EXPECT_EQ(window->items().table().model()->rowCount(), 4);
 }
 
 TEST_F(AnalysisWindow, SurvivesWhatHappensWhileItMeasures)
