@@ -31,6 +31,7 @@ protected:
 
 private:
   void sortBy(int column, Qt::SortOrder order);
+  void fitColumns();
 
   NYXMeasureTableModel* _measures;
 };

@@ -114,7 +114,8 @@ void NYXAnalysisWindowMediator::showState()
   _window.copyAction().setEnabled(isUsable);
   for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->viewport()->update();
   _window.showNote(reason);
-  _window.showRunning(_measures->isRunning(), _measures->areModelsStale() || _measures->areItemsStale());
+  const bool isStale = _measures->areModelsStale() || _measures->areItemsStale();
+  _window.showRunning(_measures->isRunning(), isStale && !_measures->isWaiting());
 }
 
 void NYXAnalysisWindowMediator::showName()

@@ -45,6 +45,8 @@ public:
   /// Whether the measures of one item are out of date.
   bool isItemStale(int source) const;
 
+  /// Whether stale measures are about to be computed.
+  bool isWaiting() const { return _delay.isActive(); }
   bool isRunning() const { return _copy != nullptr || _run.isRunning(); }
 
 public slots:

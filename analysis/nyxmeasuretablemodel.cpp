@@ -76,7 +76,7 @@ QVariant NYXMeasureTableModel::data(const QModelIndex& index, int role) const
   case Qt::TextAlignmentRole:
     return int(Qt::AlignVCenter | (isText ? Qt::AlignLeft : Qt::AlignRight));
   case Qt::ToolTipRole:
-    return _remark ? _remark(sourceOf(index.row())) : QString();
+    return toolTip(index, isText);
   case Qt::ForegroundRole:
     if (_isStale && _isStale(sourceOf(index.row())))
       return QGuiApplication::palette().color(QPalette::Disabled, QPalette::Text);
@@ -92,6 +92,16 @@ QVariant NYXMeasureTableModel::data(const QModelIndex& index, int role) const
   default:
     return {};
   }
+}
+
+/// A text that is cut off, and the remark on the row.
+QString NYXMeasureTableModel::toolTip(const QModelIndex& index, bool isText) const
+{
+  QStringList lines;
+  if (isText) lines.append(text(_table.getText(tableRow(index.row()), index.column())));
+  if (const QString remark = _remark ? _remark(sourceOf(index.row())) : QString(); !remark.isEmpty())
+    lines.append(remark);
+  return lines.join('\n');
 }
 
 QVariant NYXMeasureTableModel::headerData(int section, Qt::Orientation orientation, int role) const

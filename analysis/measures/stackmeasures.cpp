@@ -213,8 +213,8 @@ MeasureTable sliceTable(const Stack& stack, const std::vector<const Model*>& mod
   for (const Model* model : models)
   {
     columnOf[model] = columns.size();
-    columns.push_back(count(model->getName(), isPoints(model->getGeometry()) ? "Number of points on the slice"
-                                                                             : "Number of items on the slice"));
+    const std::string counted = isPoints(model->getGeometry()) ? "points" : "items";
+    columns.push_back(count(model->getName(), model->getName() + ": number of " + counted + " on the slice"));
   }
   MeasureTable table(std::move(columns));
   std::vector<double> values;

@@ -364,6 +364,19 @@ TEST_F(AnalysisWindow, SortsNumbersAndTextsWithMissingValuesLast)
   EXPECT_EQ(column(1), (QStringList{"11", "2", "1", "NA"}));
 }
 
+TEST_F(AnalysisWindow, KeepsTheNumbersOfLongNamesInView)
+{
+  const std::string name(300, 'n');
+  Model& model = addModel(*stack, name, MPrimitive::Polygon);
+  addItem(model, *stack->getSlice(0), {{10, 10}, {30, 10}, {30, 30}});
+  show();
+  const NYXAnalysisTable& contours = modelTable("Polygon");
+  EXPECT_LT(contours.columnViewportPosition(1), contours.width() / 2);
+  EXPECT_EQ(contours.model()->index(0, 0).data(Qt::ToolTipRole).toString().toStdString(), name);
+  EXPECT_LT(window->slices().columnWidth(1), window->width() / 2);
+  EXPECT_TRUE(window->slices().model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString().contains("nnn"));
+}
+
 TEST_F(AnalysisWindow, CopiesAndSaves)
 {
   draw();
