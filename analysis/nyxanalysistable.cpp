@@ -34,7 +34,6 @@ NYXAnalysisTable::NYXAnalysisTable(QWidget* parent) : QTableView(parent), _measu
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-  horizontalHeader()->setTextElideMode(Qt::ElideRight);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   horizontalHeader()->setSortIndicatorShown(true);
