@@ -62,6 +62,18 @@ TEST(MeasureTable, SavedNumbersAreTheNumbersThatWereMeasured)
   EXPECT_EQ(tableOf("a", {-std::numeric_limits<double>::infinity()}).getText(0, 1), "NA");
 }
 
+TEST(MeasureTable, TextIsUtf8WhateverTheNamesAre)
+{
+  const std::pair<std::string, std::string> names[] = {
+      {"\u00b5\u20ac\U0001F52C", "\u00b5\u20ac\U0001F52C"},
+      {"n\xE9", "n\uFFFD"},                              // Latin-1
+      {"a\xE2\x82", "a\uFFFD\uFFFD"},                    // cut off
+      {"\xC0\xAF", "\uFFFD\uFFFD"},                      // longer than needed
+      {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},            // half of a pair
+      {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}}; // beyond the last character
+  for (const auto& [name, shown] : names) EXPECT_EQ(fieldsOf(tableOf(name, {1}).toCsv())[1][0], shown);
+}
+
 TEST(MeasureTable, TabTextHasTheChosenCellsInTheirOrder)
 {
   MeasureTable table(

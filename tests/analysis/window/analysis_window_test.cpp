@@ -372,7 +372,7 @@ TEST_F(AnalysisWindow, KeepsTheNumbersOfLongNamesInView)
   show();
   const NYXAnalysisTable& contours = modelTable("Polygon");
   EXPECT_LT(contours.columnViewportPosition(1), contours.width() / 2);
-  EXPECT_EQ(contours.model()->index(0, 0).data(Qt::ToolTipRole).toString().toStdString(), name);
+  EXPECT_EQ(contours.model()->index(0, 0).data(Qt::ToolTipRole).toString().toStdString(), "<p>" + name + "</p>");
   EXPECT_LT(window->slices().columnWidth(1), window->width() / 2);
   EXPECT_TRUE(window->slices().model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString().contains("nnn"));
 }
