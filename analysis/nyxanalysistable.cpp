@@ -48,7 +48,15 @@ void NYXAnalysisTable::setTable(MeasureTable table)
   const bool isOtherShape = table.getNumColumns() != _measures->columnCount() || _measures->rowCount() == 0;
   if (table.getNumColumns() != _measures->columnCount()) horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   _measures->setTable(std::move(table));
-  if (isOtherShape) fitColumns();
+  isOtherShape ? fitColumns() : widenColumns();
+}
+
+/// For numbers that have come or grown, which must not be cut off.
+void NYXAnalysisTable::widenColumns()
+{
+  for (int i = 0; i < _measures->columnCount(); ++i)
+    if (_measures->table().getColumn(i).kind == MeasureColumn::Number && columnWidth(i) < sizeHintForColumn(i))
+      setColumnWidth(i, sizeHintForColumn(i));
 }
 
 void NYXAnalysisTable::fitColumns()

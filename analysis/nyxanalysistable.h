@@ -32,6 +32,7 @@ protected:
 private:
   void sortBy(int column, Qt::SortOrder order);
   void fitColumns();
+  void widenColumns();
 
   NYXMeasureTableModel* _measures;
 };

@@ -51,6 +51,8 @@ void NYXAnalysisWindowMediator::initialize()
 
 void NYXAnalysisWindowMediator::setStack(NYXStack* stack)
 {
+  if (stack != _measures->getStack()) // columns fit each stack anew
+    for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->setTable(MeasureTable());
   _measures->setStack(stack);
   showName();
 }

@@ -375,6 +375,17 @@ TEST_F(AnalysisWindow, KeepsTheNumbersOfLongNamesInView)
   EXPECT_EQ(contours.model()->index(0, 0).data(Qt::ToolTipRole).toString().toStdString(), "<p>" + name + "</p>");
   EXPECT_LT(window->slices().columnWidth(1), window->width() / 2);
   EXPECT_TRUE(window->slices().model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString().contains("nnn"));
+  const int wide = contours.columnWidth(0);
+  stack->setDefaultRelativePosition(1.23456e-7F); // a volume of many digits
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  waitUntilMeasured();
+  const QString volume = contours.model()->index(0, 7).data().toString();
+  EXPECT_GT(contours.columnWidth(7), contours.fontMetrics().horizontalAdvance(volume)) << volume.toStdString();
+  NYXStack& other = NYXStackServer::server().addStack(std::make_unique<NYXStack>());
+  addItem(addModel(other, "short", MPrimitive::Polygon), addSlice(other, 9, 9), {{1, 1}, {2, 1}, {2, 2}});
+  window->setStack(&other);
+  waitUntilMeasured();
+  EXPECT_LT(contours.columnWidth(0), wide / 2) << "columns fit the stack that is shown";
 }
 
 TEST_F(AnalysisWindow, CopiesAndSaves)
