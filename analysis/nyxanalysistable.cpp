@@ -11,7 +11,8 @@
 
 namespace
 {
-constexpr int sampledRows = 200; // whose cells decide on the width of their columns
+constexpr int sampledCells = 2000; // whose texts decide on the widths of columns
+constexpr int widestColumn = 36;   // characters, of what is not made wider by hand
 
 std::vector<int> numbersTo(int n)
 {
@@ -33,7 +34,6 @@ NYXAnalysisTable::NYXAnalysisTable(QWidget* parent) : QTableView(parent), _measu
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-  horizontalHeader()->setResizeContentsPrecision(sampledRows);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   horizontalHeader()->setSortIndicatorShown(true);
@@ -48,7 +48,24 @@ void NYXAnalysisTable::setTable(MeasureTable table)
   const bool isOtherShape = table.getNumColumns() != _measures->columnCount() || _measures->rowCount() == 0;
   if (table.getNumColumns() != _measures->columnCount()) horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   _measures->setTable(std::move(table));
-  if (isOtherShape) resizeColumnsToContents();
+  isOtherShape ? fitColumns() : widenColumns();
+}
+
+/// For numbers that have come or grown, which must not be cut off.
+void NYXAnalysisTable::widenColumns()
+{
+  for (int i = 0; i < _measures->columnCount(); ++i)
+    if (_measures->table().getColumn(i).kind == MeasureColumn::Number && columnWidth(i) < sizeHintForColumn(i))
+      setColumnWidth(i, sizeHintForColumn(i));
+}
+
+void NYXAnalysisTable::fitColumns()
+{
+  const int widest = fontMetrics().averageCharWidth() * widestColumn;
+  horizontalHeader()->setResizeContentsPrecision(sampledCells / qMax(1, _measures->columnCount()));
+  resizeColumnsToContents();
+  for (int i = 0; i < _measures->columnCount(); ++i)
+    if (columnWidth(i) > widest) setColumnWidth(i, widest);
 }
 
 void NYXAnalysisTable::showAllRows(int most)

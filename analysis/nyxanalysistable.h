@@ -31,6 +31,8 @@ protected:
 
 private:
   void sortBy(int column, Qt::SortOrder order);
+  void fitColumns();
+  void widenColumns();
 
   NYXMeasureTableModel* _measures;
 };

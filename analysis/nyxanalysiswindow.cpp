@@ -17,8 +17,10 @@
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 namespace
 {
@@ -88,7 +90,17 @@ void NYXAnalysisWindow::createTabs()
   _tabs->setTabToolTip(0, tr("Displays analysis of 3D models"));
   _tabs->setTabToolTip(1, tr("Displays analysis of 2D slices contents"));
   _tabs->setTabToolTip(2, tr("Displays analysis of 2D individual items"));
-  setCentralWidget(_tabs);
+  _note = new QLabel(this);
+  _note->setObjectName("measuresNote");
+  _note->setTextFormat(Qt::PlainText);
+  _note->setWordWrap(true);
+  _note->setMargin(style()->pixelMetric(QStyle::PM_LayoutTopMargin));
+  auto* const content = new QWidget(this);
+  auto* const layout = new QVBoxLayout(content);
+  layout->setContentsMargins({});
+  layout->addWidget(_tabs);
+  layout->addWidget(_note);
+  setCentralWidget(content);
 }
 
 void NYXAnalysisWindow::createStatusBar()
@@ -137,6 +149,12 @@ void NYXAnalysisWindow::showProgress(double share)
 void NYXAnalysisWindow::showMessage(const QString& text)
 {
   statusBar()->showMessage(text, messageMilliseconds);
+}
+
+void NYXAnalysisWindow::showNote(const QString& text)
+{
+  _note->setText(text);
+  _note->setVisible(!text.isEmpty());
 }
 
 void NYXAnalysisWindow::restoreGeometryFromSettings()

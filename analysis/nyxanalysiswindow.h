@@ -32,12 +32,14 @@ public:
   NYXSliceAnalysisTable& slices() const { return *_slices; }
   NYXModelItemAnalysisWidget& items() const { return *_items; }
 
-  /// Shows what is at work: the stack's name, and progress with Cancel.
+  /// Shows what is at work: the stack's name, progress with Cancel, and news.
   /// @{
   void showStackName(const QString& name);
   void showRunning(bool isRunning, bool isStale);
   void showProgress(double share);
   void showMessage(const QString& text);
+  /// What the sheet leaves out, below it; nothing for an empty text.
+  void showNote(const QString& text);
   /// @}
   QAction& saveAction() const { return *_save; }
   QAction& copyAction() const { return *_copy; }
@@ -61,6 +63,7 @@ private:
   NYXModelItemAnalysisWidget* _items;
   QAction* _save = nullptr;
   QAction* _copy = nullptr;
+  QLabel* _note = nullptr;
   QLabel* _stackName = nullptr;
   QProgressBar* _progress = nullptr;
   QPushButton* _cancel = nullptr;

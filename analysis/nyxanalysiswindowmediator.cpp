@@ -51,6 +51,8 @@ void NYXAnalysisWindowMediator::initialize()
 
 void NYXAnalysisWindowMediator::setStack(NYXStack* stack)
 {
+  if (stack != _measures->getStack()) // columns fit each stack anew
+    for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->setTable(MeasureTable());
   _measures->setStack(stack);
   showName();
 }
@@ -87,14 +89,35 @@ bool NYXAnalysisWindowMediator::isSheetStale() const
   }
 }
 
-/// Numbers that are out of date are not to be taken elsewhere.
+/// Why numbers are missing from the sheet, of the first model that misses them; empty when there are all.
+QString NYXAnalysisWindowMediator::failure() const
+{
+  const NYXStack* const stack = _measures->getStack();
+  if (stack == nullptr || sheet() == Slices) return {};
+  for (int i = 0; i < stack->getNumModels(); ++i)
+  {
+    const Model& model = *stack->getModel(i);
+    const bool isShown = sheet() == Models || &model == _measures->getItemModel();
+    const std::string reason = isShown ? _measures->failureOf(model) : std::string();
+    if (!reason.empty())
+      return tr("The model \"%1\" cannot be reconstructed: %2")
+          .arg(QString::fromStdString(model.getName()), QString::fromStdString(reason));
+  }
+  return {};
+}
+
+/// Numbers that are out of date, and a table that misses the items, are not to be taken elsewhere.
 void NYXAnalysisWindowMediator::showState()
 {
-  const bool isUsable = _measures->getStack() != nullptr && !isSheetStale();
+  const QString reason = failure();
+  const bool isComplete = sheet() != Items || reason.isEmpty();
+  const bool isUsable = _measures->getStack() != nullptr && !isSheetStale() && isComplete;
   _window.saveAction().setEnabled(isUsable);
   _window.copyAction().setEnabled(isUsable);
   for (NYXAnalysisTable* table : _window.findChildren<NYXAnalysisTable*>()) table->viewport()->update();
-  _window.showRunning(_measures->isRunning(), _measures->areModelsStale() || _measures->areItemsStale());
+  _window.showNote(reason);
+  const bool isStale = _measures->areModelsStale() || _measures->areItemsStale();
+  _window.showRunning(_measures->isRunning(), isStale && !_measures->isWaiting());
 }
 
 void NYXAnalysisWindowMediator::showName()
@@ -164,7 +187,11 @@ void NYXAnalysisWindowMediator::saveCurrentSheet()
 
 bool NYXAnalysisWindowMediator::saveTo(const QString& filename)
 {
-  if (isSheetStale()) return false; // changed while the dialog was open
+  if (isSheetStale()) // it changed while the dialog was open
+  {
+    _window.showMessage(tr("Not saved: the stack has changed meanwhile"));
+    return false;
+  }
   try
   {
     AtomicFile file(QFile::encodeName(filename).toStdString());

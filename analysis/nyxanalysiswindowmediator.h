@@ -55,6 +55,7 @@ private:
 
   Sheet sheet() const;
   bool isSheetStale() const;
+  QString failure() const;
   std::string sheetText() const;
   QString proposedName() const;
   void showModels();

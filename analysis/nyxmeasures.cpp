@@ -8,6 +8,7 @@
 #include "model/stackslice.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace
@@ -78,6 +79,14 @@ std::vector<ModelMeasures> NYXMeasures::models() const
   return models;
 }
 
+std::string NYXMeasures::failureOf(const Model& model) const
+{
+  const auto measured = _measured.find(&model);
+  if (measured == _measured.end()) return {};
+  const bool hasPlace = measured->second.vertices == 0 || !std::isnan(measured->second.averageX);
+  return hasPlace ? std::string() : measured->second.remark;
+}
+
 ModelItem* NYXMeasures::itemOf(int source) const
 {
   if (_itemModel == nullptr || source < 0 || source >= static_cast<int>(_itemsOfSources.size())) return nullptr;
@@ -128,7 +137,9 @@ void NYXMeasures::noteChange()
 {
   _copy.reset();
   _copying.stop();
-  if (!eventBatchEnabled()) startDelay();
+  _hasChangedSinceCancel = true;
+  _hasChangedInBatch = eventBatchEnabled();
+  if (!_hasChangedInBatch) startDelay();
 }
 
 void NYXMeasures::startDelay()
@@ -139,7 +150,7 @@ void NYXMeasures::startDelay()
 
 void NYXMeasures::atEventBatchEnd()
 {
-  if (areModelsStale() || areItemsStale()) startDelay();
+  if (std::exchange(_hasChangedInBatch, false)) startDelay();
 }
 
 void NYXMeasures::tellAndStart()
@@ -159,6 +170,7 @@ void NYXMeasures::cancel()
   _copy.reset();
   _copying.stop();
   _run.cancel();
+  _hasChangedSinceCancel = false;
   showRunning();
 }
 
@@ -192,7 +204,7 @@ void NYXMeasures::advanceCopy()
 void NYXMeasures::takeResults(bool isDone)
 {
   const bool isTaken = isDone && !_isRunObsolete;
-  const bool isWanted = isTaken || _isRunObsolete;
+  const bool isWanted = isTaken || _isRunObsolete || _hasChangedSinceCancel;
   _isRunObsolete = false;
   if (isTaken)
   {
@@ -222,6 +234,12 @@ void NYXMeasures::showRunning()
 void NYXMeasures::stackCloseEvent(const NYXStackCloseEvent& event)
 {
   if (&event.getStack() == _stack) setStack(nullptr);
+}
+
+/// The images may be looked for elsewhere.
+void NYXMeasures::stackNameEvent(const NYXStackNameEvent& event)
+{
+  markAll(&event.getStack());
 }
 
 void NYXMeasures::stackRegistrationEvent(const NYXStackRegistrationEvent& event)

@@ -30,10 +30,13 @@ public:
   void setItemModel(const Model* model);
   const Model* getItemModel() const { return _itemModel; }
 
-  /// In stack order; those of a model that was not measured yet have no numbers.
+  /// In stack order; those of a model that was not measured yet are only counted.
   std::vector<ModelMeasures> models() const;
   bool isStale(const Model& model) const { return _stale.models.contains(&model); }
   bool areModelsStale() const { return !_stale.models.empty(); }
+
+  /// Why a model cannot be reconstructed; empty when it can, or was not measured yet.
+  std::string failureOf(const Model& model) const;
 
   const MeasureTable& items() const { return _items; }
   /// The item that a row of items() was measured on; nullptr when it is gone.
@@ -42,6 +45,8 @@ public:
   /// Whether the measures of one item are out of date.
   bool isItemStale(int source) const;
 
+  /// Whether stale measures are about to be computed.
+  bool isWaiting() const { return _delay.isActive(); }
   bool isRunning() const { return _copy != nullptr || _run.isRunning(); }
 
 public slots:
@@ -62,6 +67,7 @@ signals:
 
 protected:
   void stackCloseEvent(const NYXStackCloseEvent& event) override;
+  void stackNameEvent(const NYXStackNameEvent& event) override;
   void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
   void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
@@ -108,8 +114,10 @@ private:
   std::vector<const ModelItem*> _itemsOfSources; // addresses that may be stale
   Stale _stale;
   Stale _staleSince; // the copy that is at work was begun
+  bool _hasChangedInBatch = false;
   bool _isShownRunning = false;
   bool _isRunObsolete = false;
+  bool _hasChangedSinceCancel = false;
   std::unique_ptr<StackCopy> _copy; // while it is being made
   int _numMeasured = 0;             // of the models that are copied
   const Model* _copiedItemModel = nullptr;

@@ -36,6 +36,15 @@ QString text(const std::string& text)
 {
   return QString::fromStdString(text);
 }
+
+/// Of a tool tip; what no screen would hold is left out.
+QString paragraph(const QString& text)
+{
+  constexpr int longest = 500;
+  if (text.isEmpty()) return text;
+  const QString shown = text.size() > longest ? text.left(longest) + QChar(0x2026) : text;
+  return "<p>" + shown.toHtmlEscaped() + "</p>";
+}
 } // namespace
 
 void NYXMeasureTableModel::setTable(MeasureTable table)
@@ -76,7 +85,7 @@ QVariant NYXMeasureTableModel::data(const QModelIndex& index, int role) const
   case Qt::TextAlignmentRole:
     return int(Qt::AlignVCenter | (isText ? Qt::AlignLeft : Qt::AlignRight));
   case Qt::ToolTipRole:
-    return _remark ? _remark(sourceOf(index.row())) : QString();
+    return toolTip(index, isText);
   case Qt::ForegroundRole:
     if (_isStale && _isStale(sourceOf(index.row())))
       return QGuiApplication::palette().color(QPalette::Disabled, QPalette::Text);
@@ -94,12 +103,21 @@ QVariant NYXMeasureTableModel::data(const QModelIndex& index, int role) const
   }
 }
 
+/// A text that may be cut off, and the remark on the row; rich text, whose lines are broken.
+QString NYXMeasureTableModel::toolTip(const QModelIndex& index, bool isText) const
+{
+  QString lines;
+  if (isText) lines += paragraph(text(_table.getText(tableRow(index.row()), index.column())));
+  if (_remark) lines += paragraph(_remark(sourceOf(index.row())));
+  return lines;
+}
+
 QVariant NYXMeasureTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
   if (orientation == Qt::Vertical) return QAbstractTableModel::headerData(section, orientation, role);
   const MeasureColumn& column = _table.getColumn(section);
   if (role == Qt::DisplayRole) return text(column.header("\n"));
-  if (role == Qt::ToolTipRole) return text(column.definition);
+  if (role == Qt::ToolTipRole) return paragraph(text(column.definition));
   return {};
 }
 

@@ -33,6 +33,7 @@ public:
   void sort(int column, Qt::SortOrder order) override;
 
 private:
+  QString toolTip(const QModelIndex& index, bool isText) const;
   void order();
   std::vector<double> keys(int column) const;
 

@@ -44,7 +44,7 @@ public:
   double addText(const std::string& text);
   /// Makes place for a number of rows.
   void reserve(std::size_t numRows);
-  /// Adds a row with one value per column; a text column takes the number of a text.
+  /// Adds a row with one value per column; a text column takes the number of a text. What is not finite is "NA".
   /// \param source  what the row was measured on, in the caller's numbering
   void addRow(int source, const std::vector<double>& values);
 
@@ -59,7 +59,7 @@ public:
   /// A cell as text. \param digits  significant digits of numbers; counts have all
   std::string getText(int row, int column, int digits = allDigits) const;
 
-  /// Comma-separated text (RFC 4180) with a line of headers.
+  /// Comma-separated text (RFC 4180) in UTF-8 with a line of headers.
   std::string toCsv() const;
   /// Some cells as tab-separated text with a line of headers, as spreadsheets paste it.
   std::string toTabText(const std::vector<int>& rows, const std::vector<int>& columns) const;

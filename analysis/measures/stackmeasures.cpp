@@ -176,6 +176,9 @@ ModelMeasures noMeasures(const Model& model, const std::string& remark)
   ModelMeasures measures;
   measures.model = model.getName();
   measures.geometry = model.getGeometry();
+  measures.vertices = 0;
+  for (const ModelItem* item : model.getItems()) measures.vertices += item->getSize();
+  if (!isPoints(measures.geometry)) measures.contours = static_cast<double>(model.getItems().size());
   measures.remark = remark;
   return measures;
 }
@@ -210,8 +213,8 @@ MeasureTable sliceTable(const Stack& stack, const std::vector<const Model*>& mod
   for (const Model* model : models)
   {
     columnOf[model] = columns.size();
-    columns.push_back(count(model->getName(), isPoints(model->getGeometry()) ? "Number of points on the slice"
-                                                                             : "Number of items on the slice"));
+    const std::string counted = isPoints(model->getGeometry()) ? "points" : "items";
+    columns.push_back(count(model->getName(), model->getName() + ": number of " + counted + " on the slice"));
   }
   MeasureTable table(std::move(columns));
   std::vector<double> values;

@@ -28,7 +28,7 @@ struct ModelMeasures
 
 /// \throw FileError  the size of an image is not known
 ModelMeasures measureModel(const Model& model);
-/// The same where the measures cannot be computed: none, and why.
+/// The same where the model cannot be reconstructed: the numbers of vertices and contours, and why there are no others.
 ModelMeasures noMeasures(const Model& model, const std::string& remark);
 
 /// The models of one geometry, one row each, whose source is the place in the list. Regions have the columns of closed

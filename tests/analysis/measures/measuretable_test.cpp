@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace
 {
@@ -58,6 +59,19 @@ TEST(MeasureTable, SavedNumbersAreTheNumbersThatWereMeasured)
   EXPECT_EQ(table.getText(0, 1, MeasureTable::shownDigits), "0.333333");
   EXPECT_EQ(table.getText(2, 1, MeasureTable::shownDigits), "1.23457e+08");
   EXPECT_EQ(tableOf("a", {-0.}).getText(0, 1), "0");
+  EXPECT_EQ(tableOf("a", {-std::numeric_limits<double>::infinity()}).getText(0, 1), "NA");
+}
+
+TEST(MeasureTable, TextIsUtf8WhateverTheNamesAre)
+{
+  const std::pair<std::string, std::string> names[] = {
+      {"\u00b5\u20ac\U0001F52C", "\u00b5\u20ac\U0001F52C"},
+      {"n\xE9", "n\uFFFD"},                              // Latin-1
+      {"a\xE2\x82", "a\uFFFD\uFFFD"},                    // cut off
+      {"\xC0\xAF", "\uFFFD\uFFFD"},                      // longer than needed
+      {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},            // half of a pair
+      {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}}; // beyond the last character
+  for (const auto& [name, shown] : names) EXPECT_EQ(fieldsOf(tableOf(name, {1}).toCsv())[1][0], shown);
 }
 
 TEST(MeasureTable, TabTextHasTheChosenCellsInTheirOrder)

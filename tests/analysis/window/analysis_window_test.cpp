@@ -8,6 +8,7 @@
 #include "analysis/nyxmodelitemanalysistable.h"
 #include "analysis/nyxmodelitemanalysiswidget.h"
 #include "analysis/nyxsliceanalysistable.h"
+#include "app/core/nyxeventbatch.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
 #include "tests/support/stacks.h"
@@ -18,6 +19,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
+#include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -30,6 +32,8 @@
 #include <QtTest>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace
 {
@@ -201,6 +205,54 @@ TEST_F(AnalysisWindow, FollowsEdits)
   EXPECT_EQ(rowTexts(window->items().table(), 3).last(), "8");
 }
 
+TEST_F(AnalysisWindow, FollowsChangesThatLeaveTheMeasuresAsTheyAre)
+{
+  draw();
+  show();
+  const auto doInAStep = [this](const std::function<void()>& change)
+  {
+    {
+      const NYXEventBatch batch;
+      change();
+    }
+    QTest::qWait(150); // longer than changes are collected
+    waitUntilMeasured();
+  };
+  Model& squares = *stack->getModel(0);
+  const auto tellOfSquares = [&]
+  { stack->notifyEvent(NYXModelPropertiesEvent(squares, squares.getProperties(), squares.getItemProperties())); };
+  doInAStep(
+      [&]
+      {
+        squares.setName("boxes");
+        tellOfSquares();
+      });
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[0], "boxes");
+  doInAStep(
+      [&]
+      {
+        stack->moveModel(0, 1);
+        tellOfSquares();
+      });
+  EXPECT_EQ(headers(window->slices()), (QStringList{"Slice", "points", "boxes"}));
+  doInAStep(
+      [&]
+      {
+        stack->getSlice(0)->setName("first");
+        stack->notifyEvent(NYXSliceNameEvent(*stack->getSlice(0)));
+      });
+  EXPECT_EQ(rowTexts(window->slices(), 0)[0], "first");
+  std::unique_ptr<Model> removed;
+  doInAStep(
+      [&]
+      {
+        removed = stack->removeModel(&squares);
+        stack->notifyEvent(NYXModelDeleteEvent(*removed, *stack));
+      });
+  EXPECT_EQ(headers(window->slices()), (QStringList{"Slice", "points"}));
+  EXPECT_EQ(modelTable("Polygon").model()->rowCount(), 0);
+}
+
 TEST_F(AnalysisWindow, KeepsStaleMeasuresToItselfAfterACancel)
 {
   draw();
@@ -222,6 +274,47 @@ TEST_F(AnalysisWindow, KeepsStaleMeasuresToItselfAfterACancel)
   again->click();
   waitUntilMeasured();
   EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[7], "700");
+}
+
+TEST_F(AnalysisWindow, MeasuresWhatChangesAfterACancel)
+{
+  draw();
+  show();
+  stack->setDefaultRelativePosition(4);
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return measures().isRunning(); }));
+  measures().cancel();
+  stack->setDefaultRelativePosition(6);
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  waitUntilMeasured();
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0)[7], "1050");
+}
+
+TEST_F(AnalysisWindow, TellsWhyModelsCannotBeMeasured)
+{
+  draw();
+  stack->getSlice(2)->setImageSource(ImageSourceFile("gone.tif"));
+  show();
+  const auto& note = *window->findChild<QLabel*>("measuresNote");
+  EXPECT_TRUE(note.isVisible());
+  EXPECT_TRUE(note.text().startsWith("The model \"squares\" cannot be reconstructed: ")) << note.text().toStdString();
+  EXPECT_TRUE(note.text().contains("gone.tif"));
+  EXPECT_EQ(rowTexts(modelTable("Polygon"), 0), (QStringList{"squares", "16", "NA", "NA", "NA", "4", "NA", "NA"}))
+      << "what needs no image is counted";
+  EXPECT_EQ(rowTexts(modelTable("Polypoint"), 0)[1], "3");
+  EXPECT_TRUE(window->saveAction().isEnabled());
+  showTab(Slices);
+  EXPECT_FALSE(note.isVisible());
+  showTab(Items);
+  EXPECT_TRUE(note.isVisible());
+  EXPECT_FALSE(window->saveAction().isEnabled()) << "a table without the items";
+
+  ImageSourceFile found("found.tif");
+  found.setFallbackSize(100, 100);
+  stack->getSlice(2)->setImageSource(found);
+  stack->notifyEvent(NYXStackNameEvent(*stack)); // the folder of images is another one
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !note.isVisible(); }));
+  EXPECT_EQ(window->items().table().model()->rowCount(), 4);
 }
 
 TEST_F(AnalysisWindow, SurvivesWhatHappensWhileItMeasures)
@@ -269,6 +362,30 @@ TEST_F(AnalysisWindow, SortsNumbersAndTextsWithMissingValuesLast)
   EXPECT_EQ(column(1), (QStringList{"1", "2", "11", "NA"}));
   view.horizontalHeader()->setSortIndicator(1, Qt::DescendingOrder);
   EXPECT_EQ(column(1), (QStringList{"11", "2", "1", "NA"}));
+}
+
+TEST_F(AnalysisWindow, KeepsTheNumbersOfLongNamesInView)
+{
+  const std::string name(300, 'n');
+  Model& model = addModel(*stack, name, MPrimitive::Polygon);
+  addItem(model, *stack->getSlice(0), {{10, 10}, {30, 10}, {30, 30}});
+  show();
+  const NYXAnalysisTable& contours = modelTable("Polygon");
+  EXPECT_LT(contours.columnViewportPosition(1), contours.width() / 2);
+  EXPECT_EQ(contours.model()->index(0, 0).data(Qt::ToolTipRole).toString().toStdString(), "<p>" + name + "</p>");
+  EXPECT_LT(window->slices().columnWidth(1), window->width() / 2);
+  EXPECT_TRUE(window->slices().model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString().contains("nnn"));
+  const int wide = contours.columnWidth(0);
+  stack->setDefaultRelativePosition(1.23456e-7F); // a volume of many digits
+  stack->notifyEvent(NYXStackSliceSpacingEvent(*stack));
+  waitUntilMeasured();
+  const QString volume = contours.model()->index(0, 7).data().toString();
+  EXPECT_GT(contours.columnWidth(7), contours.fontMetrics().horizontalAdvance(volume)) << volume.toStdString();
+  NYXStack& other = NYXStackServer::server().addStack(std::make_unique<NYXStack>());
+  addItem(addModel(other, "short", MPrimitive::Polygon), addSlice(other, 9, 9), {{1, 1}, {2, 1}, {2, 2}});
+  window->setStack(&other);
+  waitUntilMeasured();
+  EXPECT_LT(contours.columnWidth(0), wide / 2) << "columns fit the stack that is shown";
 }
 
 TEST_F(AnalysisWindow, CopiesAndSaves)
