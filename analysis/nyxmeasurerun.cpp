@@ -25,6 +25,10 @@ ModelMeasures measureOrTell(const Model& model)
   {
     return noMeasures(model, "There is not enough memory to measure this model");
   }
+  catch (const std::exception& error)
+  {
+    return noMeasures(model, error.what());
+  }
 }
 
 /// The items' measures; none where they cannot be computed, which the model's measures tell.
@@ -41,7 +45,7 @@ MeasureTable measureItems(const Stack& stack, const Model& model, ProgressSubjec
   catch (const Exception&)
   {
   }
-  catch (const std::bad_alloc&)
+  catch (const std::exception&)
   {
   }
   return emptyItemTable(model.getGeometry(), stack.getLengthUnit().symbol());

@@ -57,11 +57,13 @@ void NYXModelItemAnalysisWidget::showModels()
   const int numModels = stack == nullptr ? 0 : stack->getNumModels();
   const int chosen = _measures->getItemModel() == nullptr ? 0 : stack->findModel(_measures->getItemModel());
   const QSignalBlocker blocker(_models);
-  _models->clear();
+  while (_models->count() > numModels) delete _models->takeItem(numModels);
+  while (_models->count() < numModels) _models->addItem(QString());
   for (int i = 0; i < numModels; ++i)
   {
     const Model& model = *stack->getModel(i);
-    new QListWidgetItem(colorIcon(model, fontMetrics().height()), QString::fromStdString(model.getName()), _models);
+    _models->item(i)->setText(QString::fromStdString(model.getName()));
+    _models->item(i)->setIcon(colorIcon(model, fontMetrics().height()));
   }
   _models->setCurrentRow(qMax(0, chosen));
   followChoice();

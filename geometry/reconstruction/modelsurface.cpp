@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 using Tag = CurveStackTriangulationContourTag;
 
@@ -23,18 +24,19 @@ std::string quoted(const std::string& text)
   return "\"" + text + "\"";
 }
 
+constexpr std::size_t mostNamedSlices = 10; // in a warning
+
 /// A line about items of a model, with the slices on which they lie; empty without items.
 std::string warningAbout(const Model& model, const std::string& what, const std::vector<const ModelItem*>& items)
 {
   if (items.empty()) return "";
-  std::string text = "Model " + quoted(model.getName()) + ": " + what + ", on slice";
+  std::vector<std::string> slices;
   const StackSlice* previous = nullptr;
   for (const ModelItem* const item : items)
-  {
-    if (item->getSlice() == previous) continue;
-    text += (previous ? ", " : " ") + quoted(item->getSlice()->getName());
-    previous = item->getSlice();
-  }
+    if (item->getSlice() != std::exchange(previous, item->getSlice())) slices.push_back(quoted(previous->getName()));
+  std::string text = "Model " + quoted(model.getName()) + ": " + what + ", on slice ";
+  for (std::size_t i = 0; i < std::min(slices.size(), mostNamedSlices); ++i) text += (i > 0 ? ", " : "") + slices[i];
+  if (slices.size() > mostNamedSlices) text += " and " + std::to_string(slices.size() - mostNamedSlices) + " more";
   return text;
 }
 
