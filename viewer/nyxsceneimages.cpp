@@ -66,6 +66,7 @@ NYXSceneImages::NYXSceneImages(NYXStack& stack, ViewerCanvasGL& canvas, QObject*
 NYXSceneImages::~NYXSceneImages()
 {
   const QSignalBlocker blocker(this);
+  if (_planeReading) _planeReading->cancel();
   dropPlane();
   dropVolume();
 }
@@ -89,7 +90,9 @@ void NYXSceneImages::showPlane(bool isShown)
 {
   if (isShown == _isPlaneShown) return;
   _isPlaneShown = isShown;
-  isShown ? readPlane() : dropPlane();
+  if (isShown) return readPlane();
+  if (_planeReading) _planeReading->cancel();
+  dropPlane();
 }
 
 void NYXSceneImages::setPlaneOpacity(int percent)
@@ -144,13 +147,16 @@ void NYXSceneImages::readPlane()
 {
   const int number = ++_numPlaneReadings; // what is being read is not wanted any more
   if (_slice < 0 || _slice >= _stack.getNumSlices()) return dropPlane();
-  startReading<ImagePlanePainterGL>([slice = _slice](const Stack& stack, ProgressSubject& subject)
-                                    { return createSlicePlane(stack, slice, subject); },
-                                    [this, number](std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem)
-                                    {
-                                      if (number == _numPlaneReadings && _isPlaneShown)
-                                        takePlane(std::move(plane), problem);
-                                    });
+  if (_planeReading) return _planeReading->cancel(); // the next one begins when it has ended
+  _planeReading = startReading<ImagePlanePainterGL>(
+      [slice = _slice](const Stack& stack, ProgressSubject& subject)
+      { return createSlicePlane(stack, slice, subject); },
+      [this, number](std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem)
+      {
+        _planeReading.reset();
+        if (!_isPlaneShown) return;
+        number == _numPlaneReadings ? takePlane(std::move(plane), problem) : readPlane();
+      });
 }
 
 void NYXSceneImages::takePlane(std::unique_ptr<ImagePlanePainterGL> plane, const QString& problem)

@@ -80,7 +80,9 @@ private:
   int _cloudOpacity = 25;
   int _numPlaneReadings = 0; // only the last one counts
   int _numVolumeReadings = 0;
-  std::shared_ptr<ProgressSubject> _volumeReading; // the one that is at work
+  // Those that are at work.
+  std::shared_ptr<ProgressSubject> _planeReading;
+  std::shared_ptr<ProgressSubject> _volumeReading;
   std::array<double, 3> _sliceShares = {0.5, 0.5, 0.5};
   Volume _volumeKind = NoVolume;
   std::unique_ptr<ImagePlanePainterGL> _plane;
