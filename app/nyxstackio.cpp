@@ -32,6 +32,8 @@
 #include "registration/nyxregistrationwindow.h"
 #include "slice/image/nyxfiledialog.h"
 #include "slice/image/nyxprogressrun.h"
+#include "viewer/nyxrenderingvideo.h"
+#include "viewer/nyxrenderingwindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -136,6 +138,13 @@ void finishTools(const NYXStack& stack)
     const auto* const window = qobject_cast<NYXRootWindow*>(widget);
     if (window != nullptr && window->mediator().currentStack() == &stack) window->mediator().finishTool();
   }
+}
+
+/// What was recorded until now is encoded.
+void finishVideo(const NYXStack& stack)
+{
+  const NYXRenderingWindow* const window = NYXRenderingWindow::find(stack);
+  if (window != nullptr && window->video().isRecording()) window->video().stopVideo();
 }
 
 /// Asks in all windows what is to become of a registration that was not applied; later it could not be saved any more.
@@ -557,6 +566,7 @@ bool NYXStackIO::closeStack(NYXStack& stack)
     if (answer != QMessageBox::Save && answer != QMessageBox::Ignore) return false;
     if (answer == QMessageBox::Save && !writeBeforeClosing(stack)) return false;
   }
+  finishVideo(stack);
   NYXStackServer::server().removeStack(stack);
   return true;
 }
