@@ -39,6 +39,7 @@ QString problemText(const Exception& error)
 
 void NYXRegistrationMediator::runAutomaticRegistration(const NYXAutomaticRegistrationConfig& config)
 {
+  if (config.isForAllSlices && !confirmLeaving()) return;
   _isSpecimenDark = config.isSpecimenDark;
   config.isForAllSlices ? registerAllSlices() : registerCurrentSlice();
 }
