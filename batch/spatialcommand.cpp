@@ -13,6 +13,7 @@
 #include <cmath>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 namespace
 {
@@ -115,20 +116,39 @@ std::string curvesFile(const Arguments& arguments, char function)
   return (std::filesystem::path(arguments.curves) / (std::string(1, function) + ".csv")).string();
 }
 
-void requireNewOutputs(const Arguments& arguments)
+/// Where the results go; opened before any work, which may take hours.
+struct Outputs
 {
-  if (!arguments.out.empty()) requireWritable(arguments.out, arguments.overwrite);
-  if (arguments.curves.empty()) return;
-  for (const char function : arguments.functions) requireNew(curvesFile(arguments, function), arguments.overwrite);
+  explicit Outputs(const Arguments& arguments)
+  {
+    if (!arguments.out.empty())
+    {
+      requireWritable(arguments.out, arguments.overwrite);
+      table.emplace(arguments.out);
+    }
+    if (arguments.curves.empty()) return;
+    for (const char function : arguments.functions) requireNew(curvesFile(arguments, function), arguments.overwrite);
+    curves.emplace(arguments.curves);
+  }
+
+  std::optional<AtomicFile> table; // none: standard output
+  std::optional<OutputFolder> curves;
+};
+
+void writeTable(Outputs& outputs, const std::string& text)
+{
+  if (!outputs.table) return void(std::cout << text);
+  outputs.table->write(text);
+  outputs.table->commit();
 }
 
-void writeCurves(const Arguments& arguments, const StackSpatialAnalysis& analysis)
+void writeCurves(const Arguments& arguments, Outputs& outputs, const StackSpatialAnalysis& analysis)
 {
-  OutputFolder folder(arguments.curves);
+  if (!outputs.curves) return;
   const auto& functions = analysis.getResults().front().functions;
   for (std::size_t k = 0; k < functions.size(); ++k)
     writeFile(curvesFile(arguments, functions[k].function), curvesTable(analysis, k));
-  folder.keep();
+  outputs.curves->keep();
 }
 
 /// What was left out and, of several slices, how their p-values combine.
@@ -144,9 +164,9 @@ void tellNotes(const StackSpatialAnalysis& analysis)
 
 ExitStatus analyse(const Arguments& arguments)
 {
-  requireNewOutputs(arguments);
   const StackFile file = requireStackFile(arguments.stack);
   const StackSpatialAnalysisConfig config = configure(arguments, file);
+  Outputs outputs(arguments);
   StackSpatialAnalysis analysis;
   TerminalProgress progress;
   analysis.addObserver(progress);
@@ -163,9 +183,8 @@ ExitStatus analyse(const Arguments& arguments)
     throw BatchError(file.filename + ": " + describe(error));
   }
   tellNotes(analysis);
-  if (!arguments.curves.empty()) writeCurves(arguments, analysis);
-  const std::string text = arguments.json ? toText(resultsJson(analysis)) : resultsTable(analysis);
-  arguments.out.empty() ? void(std::cout << text) : writeFile(arguments.out, text);
+  writeTable(outputs, arguments.json ? toText(resultsJson(analysis)) : resultsTable(analysis));
+  writeCurves(arguments, outputs, analysis);
   return Done;
 }
 

@@ -63,5 +63,6 @@ void requireWritable(const std::string& filename, bool overwrite)
   std::error_code unreadable;
   if (!folder.empty() && !std::filesystem::is_directory(folder, unreadable))
     throw BatchError(filename + ": there is no folder " + folder.string());
+  if (std::filesystem::is_directory(filename, unreadable)) throw BatchError(filename + ": is a folder");
   requireNew(filename, overwrite);
 }
