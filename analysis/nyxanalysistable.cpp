@@ -22,6 +22,13 @@ std::vector<int> numbersTo(int n)
 }
 } // namespace
 
+int copyAll(const MeasureTable& table)
+{
+  const std::string text = table.toTabText(numbersTo(table.getNumRows()), numbersTo(table.getNumColumns()));
+  QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+  return table.getNumRows();
+}
+
 NYXAnalysisTable::NYXAnalysisTable(QWidget* parent) : QTableView(parent), _measures(new NYXMeasureTableModel(this))
 {
   setModel(_measures);

@@ -4,6 +4,9 @@
 
 #include <QTableView>
 
+/// Puts all cells of a table on the clipboard, with its headers. \return the number of rows
+int copyAll(const MeasureTable& table);
+
 /// A read-only table of measures: its columns sort, its rows can be opened, its cells be copied.
 class NYXAnalysisTable : public QTableView
 {

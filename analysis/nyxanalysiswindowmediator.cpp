@@ -18,6 +18,8 @@
 #include <QMessageBox>
 #include <QTabWidget>
 
+#include <utility>
+
 NYXAnalysisWindowMediator::NYXAnalysisWindowMediator(NYXAnalysisWindow& window)
   : QObject(&window), _window(window), _measures(new NYXMeasures(this))
 {
@@ -148,8 +150,7 @@ void NYXAnalysisWindowMediator::copySelection()
   if (sheet() == Models) table = _window.models().selectedTable();
   if (sheet() == Slices) table = &_window.slices();
   if (sheet() == Items) table = &_window.items().table();
-  if (table == nullptr) return _window.showMessage(tr("Select the cells to copy first"));
-  const int numRows = table->copySelection();
+  const int numRows = table == nullptr ? copyAll(_window.models().table()) : table->copySelection();
   _window.showMessage(numRows == 1 ? tr("Copied a row") : tr("Copied %1 rows").arg(numRows));
 }
 
@@ -181,8 +182,11 @@ void NYXAnalysisWindowMediator::saveCurrentSheet()
   files.setNameFilter(tr("Comma-separated text") + " (*.csv)");
   files.selectFile(proposedName());
   files.rememberSize();
+  const auto shown = std::make_pair(_measures->getStack(), _measures->getItemModel());
   const QStringList chosen = files.ask();
-  if (!chosen.isEmpty()) saveTo(chosen.first());
+  if (chosen.isEmpty()) return;
+  if (shown == std::make_pair(_measures->getStack(), _measures->getItemModel())) return void(saveTo(chosen.first()));
+  _window.showMessage(tr("Not saved: another stack or model is shown now"));
 }
 
 bool NYXAnalysisWindowMediator::saveTo(const QString& filename)

@@ -5,32 +5,6 @@
 
 namespace
 {
-/// Measures, or why there are none.
-ModelMeasures measureOrTell(const Model& model)
-{
-  try
-  {
-    return measureModel(model);
-  }
-  catch (const FileError& error)
-  {
-    const bool isNamed = error.getWhat().find(error.getFilename()) != std::string::npos;
-    return noMeasures(model, isNamed ? error.getWhat() : error.getFilename() + ": " + error.getWhat());
-  }
-  catch (const Exception& error)
-  {
-    return noMeasures(model, error.getWhat());
-  }
-  catch (const std::bad_alloc&)
-  {
-    return noMeasures(model, "There is not enough memory to measure this model");
-  }
-  catch (const std::exception& error)
-  {
-    return noMeasures(model, error.what());
-  }
-}
-
 /// The items' measures; none where they cannot be computed, which the model's measures tell.
 MeasureTable measureItems(const Stack& stack, const Model& model, ProgressSubject& progress)
 {

@@ -30,7 +30,7 @@ std::vector<ModelMeasures> measureModels(const std::vector<const Model*>& models
   std::vector<ModelMeasures> measures;
   for (const Model* model : models)
   {
-    measures.push_back(measureModel(*model));
+    measures.push_back(measureOrTell(*model));
     if (!measures.back().remark.empty()) warn(measures.back().remark);
   }
   return measures;

@@ -4,9 +4,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace
 {
+
+/// Shares of a length that differ by no more than rounding, so that a tie is one however the curves lie.
+template <class T> constexpr T equalProgress = std::max(T(1e-9), 8 * std::numeric_limits<T>::epsilon());
 
 /// A walk along a curve, measured in shares of the curve's length.
 template <class T> class ContourWalk
@@ -50,7 +54,7 @@ template <class T> bool isStepOnB(const ContourWalk<T>& a, const ContourWalk<T>&
 {
   const T gapIfA = std::abs(a.progressAhead() - b.progress());
   const T gapIfB = std::abs(b.progressAhead() - a.progress());
-  return !(gapIfB > gapIfA);
+  return !(gapIfB > gapIfA + equalProgress<T>);
 }
 
 } // namespace
@@ -71,7 +75,7 @@ template <class T> int findCurvesClosestPoints(const MeasuredCurve<T>& first, co
   for (int i = 1; i < a.getSize(); ++i)
   {
     const T candidate = squaredDistance(points + static_cast<std::ptrdiff_t>(i) * space, start, space);
-    if (!(candidate < shortest)) continue;
+    if (!(candidate < shortest * (1 - equalProgress<T>))) continue;
     nearest = i;
     shortest = candidate;
   }

@@ -183,6 +183,31 @@ ModelMeasures noMeasures(const Model& model, const std::string& remark)
   return measures;
 }
 
+ModelMeasures measureOrTell(const Model& model)
+{
+  try
+  {
+    return measureModel(model);
+  }
+  catch (const FileError& error)
+  {
+    const bool isNamed = error.getWhat().find(error.getFilename()) != std::string::npos;
+    return noMeasures(model, isNamed ? error.getWhat() : error.getFilename() + ": " + error.getWhat());
+  }
+  catch (const Exception& error)
+  {
+    return noMeasures(model, error.getWhat());
+  }
+  catch (const std::bad_alloc&)
+  {
+    return noMeasures(model, "There is not enough memory to measure this model");
+  }
+  catch (const std::exception& error)
+  {
+    return noMeasures(model, error.what());
+  }
+}
+
 MeasureTable modelTable(const std::vector<ModelMeasures>& models, MPrimitive geometry, const std::string& unit)
 {
   MeasureTable table(modelColumns(geometry, unit));

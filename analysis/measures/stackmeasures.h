@@ -31,6 +31,9 @@ ModelMeasures measureModel(const Model& model);
 /// The same where the model cannot be reconstructed: the numbers of vertices and contours, and why there are no others.
 ModelMeasures noMeasures(const Model& model, const std::string& remark);
 
+/// The measures, or none with the reason as the remark.
+ModelMeasures measureOrTell(const Model& model);
+
 /// The models of one geometry, one row each, whose source is the place in the list. Regions have the columns of closed
 /// contours. \param unit  symbol of the length unit
 MeasureTable modelTable(const std::vector<ModelMeasures>& models, MPrimitive geometry, const std::string& unit);

@@ -15,6 +15,20 @@ constexpr double unavailable = std::numeric_limits<double>::quiet_NaN();
 constexpr int space = 3;
 } // namespace
 
+double areaOf(const ModelItem& item, const StackReconstruction<double>& reconstruction)
+{
+  const Vertices<int>& vertices = item.getVertices();
+  double twiceArea = 0;
+  for (int i = 0; i < vertices.getSize(); ++i)
+  {
+    const int *const origin = vertices.data(0), *const a = vertices.data(i),
+                     *const b = vertices.data(i + 1 < vertices.getSize() ? i + 1 : 0);
+    twiceArea += (double{1} * a[0] - origin[0]) * (double{1} * b[1] - origin[1]) -
+                 (double{1} * b[0] - origin[0]) * (double{1} * a[1] - origin[1]);
+  }
+  return std::abs(twiceArea) / 2 * reconstruction.pixelArea(item.getSlice()->getIndex());
+}
+
 void ModelItemGeometry::clear()
 {
   _numVertices = 0;
@@ -40,7 +54,7 @@ void ModelItemGeometry::run()
   if (!item.isClosed() && !isOpen) return;
   const Curve<double> curve(_vertices, isOpen);
   _length = curve.length();
-  if (item.isClosed()) _area = std::abs(curve.twiceArea(0, 1)) / 2;
+  if (item.isClosed()) _area = areaOf(item, _reconstruction);
 }
 
 void ModelItemGeometry::measureRegion(int slice)
@@ -54,7 +68,7 @@ void ModelItemGeometry::measureRegion(int slice)
     u += length * run.getOriginX();
     v += length * (double{1} * run.begin() + run.end()) / 2;
   }
-  _area = static_cast<double>(_numVertices) * std::abs(map[0] * map[4] - map[1] * map[3]);
+  _area = static_cast<double>(_numVertices) * _reconstruction.pixelArea(slice);
   if (_numVertices == 0) return;
   u /= static_cast<double>(_numVertices);
   v /= static_cast<double>(_numVertices);

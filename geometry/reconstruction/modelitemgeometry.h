@@ -3,6 +3,10 @@
 #include "geometry/reconstruction/modelitemanalysis.h"
 #include "geometry/reconstruction/stackreconstruction.h"
 
+/// The area that a closed curve encloses (of one that crosses itself, the absolute signed sum), from its pixels: it is
+/// 0 for vertices on a line however the slice is turned.
+double areaOf(const ModelItem& item, const StackReconstruction<double>& reconstruction);
+
 /// Measures of a reconstructed item, in the stack's length unit and its square. What an item does not have is NaN.
 class ModelItemGeometry : public ModelItemAnalysis
 {

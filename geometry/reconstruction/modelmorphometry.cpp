@@ -1,6 +1,7 @@
 #include "geometry/reconstruction/modelmorphometry.h"
 
 #include "geometry/curvestacktriangulation2.h"
+#include "geometry/reconstruction/modelitemgeometry.h"
 #include "geometry/reconstruction/modelsurface.h"
 #include "model/model.h"
 #include "model/modelitem.h"
@@ -59,11 +60,8 @@ std::vector<double> pixelAreas(const StackReconstruction<double>& reconstruction
 {
   std::vector<double> areas;
   for (const ModelItem* item : items)
-  {
-    const Vector<double>& map = reconstruction.getMap(item->getSlice()->getIndex());
-    const double pixelArea = std::abs(map[0] * map[4] - map[1] * map[3]);
-    areas.push_back(static_cast<double>(item->getRLEItemSet().numVertices()) * pixelArea);
-  }
+    areas.push_back(static_cast<double>(item->getRLEItemSet().numVertices()) *
+                    reconstruction.pixelArea(item->getSlice()->getIndex()));
   return areas;
 }
 
@@ -154,10 +152,11 @@ void ModelMorphometry::run()
 
   const auto* const curves = dynamic_cast<const CurveStack<double>*>(vertices.get());
   if (!curves) return;
-  _area = area(reconstruction, *curves);
+  _area = area(*curves);
   if (curves->isOpen()) return;
   std::vector<double> areas;
-  for (int i = 0; i < curves->getNumCurves(); ++i) areas.push_back(std::abs((*curves)[i].twiceArea(0, 1)) / 2);
+  for (const ModelItem* item : reconstruction.itemsInStackOrder(*_model))
+    areas.push_back(areaOf(*item, reconstruction));
   setVolume(slabVolume(reconstruction, areas));
 }
 
@@ -168,7 +167,7 @@ void ModelMorphometry::measureRegions(const StackReconstruction<double>& reconst
   _numContours = static_cast<int>(items.size());
   _numVertices = static_cast<long>(numPositions(runs));
   const std::unique_ptr<Shape<double>> boundaries(reconstruction.apply(*_model));
-  _area = area(reconstruction, static_cast<const CurveStack<double>&>(*boundaries));
+  _area = area(static_cast<const CurveStack<double>&>(*boundaries));
   setVolume(slabVolume(reconstruction, pixelAreas(reconstruction, items)));
   if (runs.empty()) return;
   const Vector<double> center = cogOf(runs);
@@ -194,10 +193,13 @@ void ModelMorphometry::setMoments(const Vector<double>& center, const SquareMatr
   }
 }
 
-double ModelMorphometry::area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves)
+double ModelMorphometry::area(const CurveStack<double>& curves)
 {
   if (!simpleCurveStack(withoutDegenerateCurves(curves))) return -1;
-  ModelSurface<double> surface(reconstruction);
+  const Stack* const stack = stackOf(*_model);
+  if (stack == nullptr) return 0;
+  const StackReconstruction<double> upright(*stack, StackPlacement::FirstSliceUpright);
+  ModelSurface<double> surface(upright);
   surface.setNormals(false);
   surface.apply(*_model);
   if (!surface.getWarnings().empty()) _warning = surface.getWarnings()[0];

@@ -8,7 +8,8 @@
 
 /// Measures of a reconstructed model, in the stack's length unit, its square and its cube.
 ///
-/// What a model does not have is NaN: area and volume by its geometry, everything but the numbers without vertices.
+/// What a model does not have is NaN: area and volume by its geometry, centre and axes without vertices. Without items
+/// area and volume are 0. Nothing but the positions depends on how the stack as a whole is turned and shifted.
 class ModelMorphometry
 {
 public:
@@ -42,7 +43,7 @@ public:
   /// For each main axis, the coordinate axis (0, 1 or 2) of its largest component.
   const Vector<int>& getMatchingCoordinateAxes() const { return _matchingCoordinateAxes; }
 
-  /// One line about the contours that the last run() left out of the area; empty when there are none.
+  /// One line about contours that the area leaves out, or that it may not be meant to have; empty when there are none.
   const std::string& getWarning() const { return _warning; }
 
   /// True when no two consecutive curves have exactly the same height.
@@ -52,7 +53,7 @@ private:
   void measureRegions(const StackReconstruction<double>& reconstruction);
   void setMoments(const Vector<double>& center, const SquareMatrix<double>& moments);
   void setVolume(double volume);
-  double area(const StackReconstruction<double>& reconstruction, const CurveStack<double>& curves);
+  double area(const CurveStack<double>& curves);
   /// \param areas  of each item, in stack order
   double slabVolume(const StackReconstruction<double>& reconstruction, const std::vector<double>& areas) const;
 

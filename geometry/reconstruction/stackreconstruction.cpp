@@ -114,10 +114,17 @@ template <class T> void StackReconstruction<T>::computeMaps()
     const StackSlice& slice = *_stack->getSlice(i);
     const R pixelWidth = slice.getPixelCalibration().getPixelWidth();
     const R pixelHeight = slice.getPixelCalibration().getPixelHeight();
-    frame.add(slice.getRegistration(), pixelWidth, pixelHeight);
+    const bool isPlaced = i > 0 || _placement == StackPlacement::AsAligned;
+    if (isPlaced) frame.add(slice.getRegistration(), pixelWidth, pixelHeight);
     frame.writeMap(pixelWidth, pixelHeight, R(sizes[i].first) / 2, R(sizes[i].second) / 2, _maps[i]);
     _zMap[i] = static_cast<T>(_stack->getInvertZAxis() ? -depths[i] : depths[i]);
   }
+}
+
+template <class T> T StackReconstruction<T>::pixelArea(int i) const
+{
+  const Vector<T>& map = _maps[i];
+  return std::abs(map[0] * map[4] - map[1] * map[3]);
 }
 
 template <class T> void StackReconstruction<T>::map(Vertices<T>& output, const ModelItem& item) const

@@ -9,6 +9,13 @@ class Model;
 class ModelItem;
 class Stack;
 
+/// How a stack as a whole lies in the 3D frame.
+enum class StackPlacement
+{
+  AsAligned,        ///< as the registration of the first slice says
+  FirstSliceUpright ///< as without it: what is computed does not depend on it, not even by rounding
+};
+
 /// Places the items drawn on the slices of a stack in one common 3D frame, in the stack's length unit.
 ///
 /// Pixel (u, v) of slice k goes to x = m0 u + m1 v + m2, y = m3 u + m4 v + m5, z = zMap[k]: pixels are counted from the
@@ -18,7 +25,11 @@ template <class T> class StackReconstruction
 public:
   StackReconstruction() = default;
   /// As setStack().
-  explicit StackReconstruction(const Stack& stack) { setStack(stack); }
+  explicit StackReconstruction(const Stack& stack, StackPlacement placement = StackPlacement::AsAligned)
+    : _placement(placement)
+  {
+    setStack(stack);
+  }
 
   /// Binds a stack, which must outlive this object, and computes its maps. \throw FileError  as computeMaps()
   void setStack(const Stack& stack);
@@ -28,6 +39,8 @@ public:
 
   /// The six coefficients m0 to m5 of slice i. Unchecked.
   const Vector<T>& getMap(int i) const { return _maps[i]; }
+  /// The area of a pixel of slice i. Unchecked.
+  T pixelArea(int i) const;
   /// The height of each slice.
   const Vector<T>& getZMap() const { return _zMap; }
 
@@ -54,6 +67,7 @@ private:
   void appendBoundaries(VertexStack<T>& stack, const ModelItem& item) const;
 
   const Stack* _stack = nullptr;
+  StackPlacement _placement = StackPlacement::AsAligned;
   std::vector<Vector<T>> _maps;
   Vector<T> _zMap;
 };

@@ -196,6 +196,26 @@ TEST_F(ModelMorphometryTest, TellsOfContoursWithoutExtent)
   EXPECT_NE(measured(model).getWarning().find("slice 0"), std::string::npos);
 }
 
+TEST_F(ModelMorphometryTest, AreaAndVolumeDoNotDependOnHowTheStackLies)
+{
+  Model& boxes = model();
+  addItem(boxes, *_stack.getSlice(0), rectangle());
+  addItem(boxes, *_stack.getSlice(1), {{11, 3}, {18, 7}, {25, 11}}); // on a line: no area to end the slab before
+  addItem(boxes, *_stack.getSlice(2), rectangle());
+  // Steps of equal length on either contour, which the surface may take in any order.
+  Model& tied = model();
+  addItem(tied, *_stack.getSlice(0), {{10, 0}, {30, 0}, {30, 20}, {10, 20}});
+  addItem(tied, *_stack.getSlice(1), {{20, -5}, {35, 10}, {20, 25}, {5, 10}});
+  const double area = measured(tied).getArea(), areaOfBoxes = measured(boxes).getArea();
+  for (const float angle : {0.F, 10.F, 20.F, 37.F, 45.F, 201.3F})
+  {
+    _stack.getSlice(0)->setRegistration(Registration(3, -7, angle));
+    EXPECT_DOUBLE_EQ(measured(boxes).getVolume(), 6 * 25) << angle;
+    EXPECT_EQ(measured(boxes).getArea(), areaOfBoxes) << angle;
+    EXPECT_EQ(measured(tied).getArea(), area) << angle;
+  }
+}
+
 TEST_F(ModelMorphometryTest, VolumeOfAnEllipsoidConverges)
 {
   // Half axes 30, 20 and 25 in space, drawn in pixels of 0.05.
