@@ -91,7 +91,7 @@ TEST(RootWindow, MenusHaveTheirEntries)
       {"Process",
        {"Register (off)", "Reconstruct (off)", "Image processing (off)", "Find spots (off)", "Normalize (off)",
         "Transfer models... (off)", "Filter models... (off)"}},
-      {"Analyze", {"Measures", "Spatial analysis"}},
+      {"Analyze", {"Measures (off)", "Spatial analysis"}},
       {"Plugins", {"Refresh"}},
       {"Show", {"Tool bar", "Browser", "Status bar"}},
       {"Help",
