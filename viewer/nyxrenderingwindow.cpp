@@ -1,6 +1,7 @@
 #include "viewer/nyxrenderingwindow.h"
 
 #include "app/core/actions/nyxsliceaction.h"
+#include "app/core/errortext.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxproposedfilename.h"
 #include "app/core/nyxstack.h"
@@ -8,7 +9,6 @@
 #include "model/model.h"
 #include "model/stackslice.h"
 #include "slice/image/nyxfiledialog.h"
-#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxrenderingvideo.h"

@@ -1,9 +1,9 @@
 // The parts of the window of the 3D view: tool bar, panel, status bar, and where they are.
+#include "app/core/errortext.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxprogressrun.h"
-#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxrenderingvideo.h"

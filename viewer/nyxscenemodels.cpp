@@ -69,7 +69,7 @@ void NYXSceneModels::showItem(const ModelItem& item, bool isShown)
 {
   if (isShown == this->isShown(item)) return;
   _itemVisibilities[&item] = isShown;
-  markModel(item.getModel());
+  markModel(*item.getModel());
   emit modelsChanged();
 }
 
@@ -87,10 +87,10 @@ QString NYXSceneModels::problemOf(const Model& model) const
   return painted == _painted.end() ? QString() : QString::fromStdString(painted->second.problem);
 }
 
-void NYXSceneModels::markModel(const Model* model)
+void NYXSceneModels::markModel(const Model& model)
 {
-  if (model == nullptr || model->getStack() != &_stack) return;
-  _staleModels.insert(model);
+  if (model.getStack() != &_stack) return;
+  _staleModels.insert(&model);
   schedule();
 }
 
@@ -168,36 +168,20 @@ void NYXSceneModels::forgetDeletedItems()
   std::erase_if(_itemVisibilities, [&items](const auto& visibility) { return !items.contains(visibility.first); });
 }
 
-void NYXSceneModels::markMovedSlices(const Stack* stack)
+void NYXSceneModels::noteStackChange(const Stack& stack)
 {
-  if (stack == &_stack) markAll();
+  if (&stack == &_stack) markAll();
 }
 
-void NYXSceneModels::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
+void NYXSceneModels::noteItemChange(const Model& model, const ModelItem&)
 {
-  markMovedSlices(&event.getStack());
-}
-
-void NYXSceneModels::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
-{
-  markMovedSlices(&event.getStack());
+  markModel(model);
 }
 
 void NYXSceneModels::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  if (&event.getStack() != &_stack) return;
-  _canvas.setUnit(QString::fromStdString(_stack.getLengthUnit().symbol()));
-  markAll();
-}
-
-void NYXSceneModels::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
-{
-  markMovedSlices(event.getSlice().getStack());
-}
-
-void NYXSceneModels::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
-{
-  markMovedSlices(event.getSlice().getStack());
+  if (&event.getStack() == &_stack) _canvas.setUnit(QString::fromStdString(_stack.getLengthUnit().symbol()));
+  NYXGeometryClient::stackImageCalibrationEvent(event);
 }
 
 void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)
@@ -216,7 +200,7 @@ void NYXSceneModels::processSliceAction(NYXSliceAction& action)
 void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)
 {
   if (event.getStack() != &_stack) return;
-  markModel(&event.getModel());
+  markModel(event.getModel());
   emit modelsChanged();
 }
 
@@ -253,48 +237,38 @@ void NYXSceneModels::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
     _canvas.update();
   }
   else
-    markModel(&model);
+    markModel(model);
   emit modelsChanged();
-}
-
-void NYXSceneModels::markItemChange(const NYXModelItemEvent& event, bool isListChanged)
-{
-  const ModelItem& item = event.getItem();
-  const Model* const model = item.getModel();
-  if (model == nullptr || model->getStack() != &_stack) return;
-  markModel(model);
-  if (isListChanged) emit modelsChanged();
 }
 
 void NYXSceneModels::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
 {
-  markItemChange(event, true);
+  NYXGeometryClient::modelItemCreateEvent(event);
+  tellOfItems(event);
 }
 
 void NYXSceneModels::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
 {
   _itemVisibilities.erase(&event.getItem());
-  markItemChange(event, true);
+  NYXGeometryClient::modelItemDeleteEvent(event);
+  tellOfItems(event);
 }
 
-void NYXSceneModels::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
-{
-  markItemChange(event, false);
-}
-
+/// An item may be shown in 3D or not.
 void NYXSceneModels::modelItemAttributeEvent(const NYXModelItemAttributeEvent& event)
 {
-  markItemChange(event, true);
-}
-
-void NYXSceneModels::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
-{
-  markItemChange(event, false);
+  if (const Model* const model = event.getItem().getModel()) markModel(*model);
+  tellOfItems(event);
 }
 
 void NYXSceneModels::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
 {
-  markModel(&event.getSourceModel());
-  markModel(&event.getDestinationModel());
-  emit modelsChanged();
+  NYXGeometryClient::modelItemConvertEvent(event);
+  tellOfItems(event);
+}
+
+void NYXSceneModels::tellOfItems(const NYXModelItemEvent& event)
+{
+  const Model* const model = event.getItem().getModel();
+  if (model != nullptr && model->getStack() == &_stack) emit modelsChanged();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/core/nyxeventclient.h"
+#include "app/core/nyxgeometryclient.h"
 #include "viewer/nyxreconstructionrun.h"
 
 #include <QObject>
@@ -10,14 +10,12 @@
 #include <memory>
 #include <set>
 
-class Model;
-class ModelItem;
 class NYXStack;
 class ViewerCanvasGL;
 
 /// Keeps the painters of a stack's models in step with the stack: what the event bus tells of makes a model stale, and
 /// stale models are reconstructed in a thread of their own. The others keep their painters.
-class NYXSceneModels : public QObject, public NYXEventClient
+class NYXSceneModels : public QObject, public NYXGeometryClient
 {
   Q_OBJECT
 
@@ -57,34 +55,29 @@ signals:
   void runningChanged(bool isRunning);
 
 protected:
-  void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
-  void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
+  void noteStackChange(const Stack& stack) override;
+  void noteItemChange(const Model& model, const ModelItem& item) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
-  void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
-  void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
   void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
   void modelItemCreateEvent(const NYXModelItemCreateEvent& event) override;
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
-  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
   void modelItemAttributeEvent(const NYXModelItemAttributeEvent& event) override;
-  void modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event) override;
   void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
   void processSliceAction(NYXSliceAction& action) override;
   void atEventBatchEnd() override;
 
 private:
-  void markItemChange(const NYXModelItemEvent& event, bool isListChanged);
-  void markModel(const Model* model);
+  void markModel(const Model& model);
   void markAll();
-  void markMovedSlices(const Stack* stack);
   void schedule();
   void start();
   void takeResults(bool isDone);
   void drop(const Model* model);
   void forgetDeletedItems();
+  void tellOfItems(const NYXModelItemEvent& event);
   bool isBeingMade(const Model& model) const;
 
   NYXStack& _stack;
