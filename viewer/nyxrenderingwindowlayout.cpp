@@ -3,6 +3,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
+#include "slice/image/nyxintegerbox.h"
 #include "slice/image/nyxprogressrun.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
@@ -229,7 +230,7 @@ QWidget* NYXRenderingWindow::createImagesPage()
   auto* const planeForm = new QFormLayout(plane);
   auto* const isShown = new QCheckBox(tr("Show the image of a slice"), plane);
   isShown->setObjectName("showSliceImage");
-  _slice = new QSpinBox(plane);
+  _slice = new NYXIntegerBox(plane);
   _slice->setObjectName("sliceNumber");
   _slice->setRange(1, qMax(1, _stack.getNumSlices()));
   _slice->setToolTip(tr("Number of the slice; follows the main window"));
