@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """How the times and the memory of a user's steps grow with the number of slices.
 
-    xvfb-run -a bench/loadgrowth.py build/release/bench/load_stack [SLICES SLICES ...]     100 and 1000 unless given
+    xvfb-run -a bench/loadgrowth.py build/release/bench/load_stack [--most GROWTH] [SLICES SLICES ...]
 
-Runs load_stack for each number of slices and prints its figures side by side. "growth" is the ratio of the last figure to
-the first one over the ratio of the numbers of slices: 1 is linear, what does not depend on the number is far below.
+
+Runs load_stack for each number of slices, 100 and 1000 unless given, and prints its figures side by side. "growth" is the ratio of the last figure to
+the first one over the ratio of the numbers of slices: 1 is linear, what does not depend on the number is far below. Fails when a growth is above the most that is allowed.
 """
 
+import argparse
 import re
 import subprocess
 import sys
@@ -25,14 +27,21 @@ def figures(program, slices):
 
 
 def main():
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    numbers = [int(argument) for argument in sys.argv[2:]] or [100, 1000]
-    columns = [figures(sys.argv[1], number) for number in numbers]
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program")
+    parser.add_argument("slices", nargs="*", type=int, default=[100, 1000])
+    parser.add_argument("--most", type=float, default=float("inf"))
+    arguments = parser.parse_args()
+    numbers = arguments.slices
+    columns = [figures(arguments.program, number) for number in numbers]
+    greatest = 0
     print(f"{'':36}" + "".join(f"{number:>10}" for number in numbers) + "    growth")
     for step in columns[0]:
         growth = columns[-1][step] / columns[0][step] / (numbers[-1] / numbers[0])
+        greatest = max(greatest, growth)
         print(f"{step.strip():36}" + "".join(f"{column[step]:10.4g}" for column in columns) + f"{growth:10.2f}")
+    if greatest > arguments.most:
+        sys.exit(f"a growth of {greatest:.2f} is more than {arguments.most}")
 
 
 if __name__ == "__main__":
