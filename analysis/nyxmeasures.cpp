@@ -40,6 +40,7 @@ void NYXMeasures::setStack(NYXStack* stack)
   _isRunObsolete = _run.isRunning();
   _stack = stack;
   _measured.clear();
+  _unit = stack == nullptr ? std::string() : stack->getLengthUnit().symbol();
   _itemModel = nullptr;
   _items = MeasureTable();
   _stale = _staleSince = Stale();
@@ -187,6 +188,7 @@ void NYXMeasures::start()
     _numMeasured = static_cast<int>(models.size());
     if (areItemsStale() && !_stale.models.contains(_itemModel)) models.push_back(_itemModel);
     _copy = std::make_unique<StackCopy>(*_stack, models);
+    _copiedUnit = _stack->getLengthUnit().symbol();
     _staleSince = Stale();
     _copying.start(0);
   }
@@ -212,6 +214,7 @@ void NYXMeasures::takeResults(bool isDone)
   _isRunObsolete = false;
   if (isTaken)
   {
+    _unit = _copiedUnit;
     for (std::size_t i = 0; i < _run.models().size(); ++i)
       if (_stack->findModel(_run.originals()[i]) >= 0) _measured[_run.originals()[i]] = std::move(_run.models()[i]);
     const bool areItemsOfModel = _run.items() && _copiedItemModel == _itemModel && !_staleSince.isAllItems;

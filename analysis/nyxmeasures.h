@@ -32,6 +32,8 @@ public:
 
   /// In stack order; those of a model that was not measured yet are only counted.
   std::vector<ModelMeasures> models() const;
+  /// The unit of length of these, which may be that from before a change.
+  const std::string& unit() const { return _unit; }
   bool isStale(const Model& model) const { return _stale.models.contains(&model); }
   bool areModelsStale() const { return !_stale.models.empty(); }
 
@@ -100,6 +102,8 @@ private:
 
   NYXStack* _stack = nullptr;
   std::map<const Model*, ModelMeasures> _measured;
+  std::string _unit;
+  std::string _copiedUnit;
   const Model* _itemModel = nullptr;
   MeasureTable _items;
   std::vector<const ModelItem*> _itemsOfSources; // addresses that may be stale

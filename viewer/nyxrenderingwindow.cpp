@@ -91,6 +91,7 @@ void NYXRenderingWindow::followModels()
   connect(_models, &NYXSceneModels::updated, this, &NYXRenderingWindow::showProblems);
   connect(_models, &NYXSceneModels::updated, _images, &NYXSceneImages::addPainters);
   connect(_models, &NYXSceneModels::modelsChanged, this, &NYXRenderingWindow::showEmptyNote);
+  connect(_models, &NYXSceneModels::unitChanged, &_mediator->landmarks(), &LandmarksDelegate::scale);
   connect(_images, &NYXSceneImages::imagesChanged, this, &NYXRenderingWindow::showEmptyNote);
   connect(_cancel, &QPushButton::clicked, _models, &NYXSceneModels::cancel);
 }
@@ -248,7 +249,6 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
 
 void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  showLandmarks(); // the unit may be another one
   refreshImages(&event.getStack());
 }
 

@@ -337,7 +337,7 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
 
 QString NYXRenderingWindow::unit() const
 {
-  return QString::fromStdString(_stack.getLengthUnit().symbol());
+  return _models->unit();
 }
 
 void NYXRenderingWindow::showLandmarks()

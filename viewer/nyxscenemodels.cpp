@@ -10,6 +10,8 @@
 #include "viewer/viewercanvasgl.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace
 {
@@ -25,6 +27,7 @@ NYXSceneModels::NYXSceneModels(NYXStack& stack, ViewerCanvasGL& canvas, QObject*
   connect(&_run, &NYXReconstructionRun::ended, this, &NYXSceneModels::takeResults);
   connect(&_run, &NYXReconstructionRun::progressChanged, this, &NYXSceneModels::progressChanged);
   NYXEventServer::attach(*this);
+  _shownScale = lengthScale();
   rebuild();
 }
 
@@ -111,9 +114,29 @@ void NYXSceneModels::atEventBatchEnd()
   if (!_staleModels.empty() && !_run.isRunning()) _delay.start();
 }
 
+NYXSceneModels::LengthScale NYXSceneModels::lengthScale() const
+{
+  return {_stack.getLengthUnit(), _stack.getDefaultPixelCalibration().getPixelWidth()};
+}
+
+void NYXSceneModels::showScale(const LengthScale& scale)
+{
+  constexpr double rounding = 1e-5; // of converted lengths
+  const LengthScale old = std::exchange(_shownScale, scale);
+  if (scale.unit == old.unit) return;
+  const double factor = std::pow(10.0, old.unit.getScale() - scale.unit.getScale());
+  const double width = double{old.pixelWidth} * factor;
+  const bool isConverted = std::abs(double{scale.pixelWidth} - width) <= rounding * std::abs(width);
+  _canvas.setUnit(unit());
+  emit unitChanged(isConverted ? factor : 1);
+}
+
 void NYXSceneModels::start()
 {
   if (_run.isRunning() || eventBatchEnabled() || _staleModels.empty()) return;
+  _runScale = lengthScale();
+  if (_runScale.unit != _shownScale.unit) // also what a cancelled reconstruction has left
+    for (int i = 0; i < _stack.getNumModels(); ++i) _staleModels.insert(_stack.getModel(i));
   const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
   for (const Model* model : models) _cancelledModels.erase(model);
   _staleModels.clear();
@@ -126,6 +149,7 @@ void NYXSceneModels::start()
 void NYXSceneModels::takeResults(bool isDone)
 {
   const std::vector<const Model*>& models = _run.shown().models;
+  if (isDone) showScale(_runScale);
   _canvas.makeCurrent();
   for (std::size_t i = 0; isDone && i < models.size(); ++i)
     if (_stack.findModel(models[i]) >= 0) _painted[models[i]] = std::move(_run.painted()[i]);
@@ -180,8 +204,8 @@ void NYXSceneModels::noteItemChange(const Model& model, const ModelItem&)
 
 void NYXSceneModels::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  if (&event.getStack() == &_stack) _canvas.setUnit(QString::fromStdString(_stack.getLengthUnit().symbol()));
   NYXGeometryClient::stackImageCalibrationEvent(event);
+  if (&event.getStack() == &_stack && _stack.getNumModels() == 0) showScale(lengthScale());
 }
 
 void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)

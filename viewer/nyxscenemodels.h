@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/core/nyxgeometryclient.h"
+#include "numeric/lengthunit.h"
 #include "viewer/nyxreconstructionrun.h"
 
 #include <QObject>
@@ -35,6 +36,9 @@ public:
   /// Why a model is not drawn, or otherwise than it should be; empty otherwise.
   QString problemOf(const Model& model) const;
 
+  /// The unit of length of what is shown, which may be that from before a reconstruction.
+  QString unit() const { return QString::fromStdString(_shownScale.unit.symbol()); }
+
   bool isRunning() const { return _run.isRunning(); }
   /// Whether there are models whose painters do not show them as they are.
   bool isStale() const { return !_staleModels.empty() || !_cancelledModels.empty(); }
@@ -51,6 +55,8 @@ signals:
   void modelsChanged();
   /// The painters are as they should be, or could not be made: a text says why.
   void updated(const QString& error);
+  /// What is shown has another unit now. \param factor  by which its lengths have grown; 1 when they stayed the same
+  void unitChanged(double factor);
   void progressChanged(double share);
   void runningChanged(bool isRunning);
 
@@ -70,6 +76,15 @@ protected:
   void atEventBatchEnd() override;
 
 private:
+  /// The unit, and a length in it that tells whether lengths are converted with it.
+  struct LengthScale
+  {
+    LengthUnit unit;
+    float pixelWidth = 0;
+  };
+
+  LengthScale lengthScale() const;
+  void showScale(const LengthScale& scale);
   void markModel(const Model& model);
   void markAll();
   void schedule();
@@ -87,6 +102,8 @@ private:
   std::set<const Model*> _cancelledModels; // stale ones that are not made anew by themselves
   std::set<const Model*> _hiddenModels;
   std::map<const ModelItem*, bool> _itemVisibilities; // those that differ from the properties
+  LengthScale _shownScale;
+  LengthScale _runScale;
   NYXReconstructionRun _run;
   QTimer _delay;
 };
