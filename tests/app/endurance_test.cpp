@@ -26,7 +26,7 @@
 
 #include <algorithm>
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // GCC installs no header for it
 #else
 #include <malloc.h>
 #endif

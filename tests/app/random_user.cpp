@@ -48,6 +48,7 @@ void RandomUser::chooseFile(QFileDialog& dialog)
 void RandomUser::changeSomething(const QWidget& window)
 {
   const QList<QWidget*> parts = window.findChildren<QWidget*>();
+  if (parts.isEmpty()) return;
   QWidget* const part = parts[below(parts.size())];
   if (!part->isEnabled() || !part->isVisible()) return;
   if (auto* const number = qobject_cast<NYXNumberBox*>(part))
