@@ -121,7 +121,9 @@ void hand::select(QWidget& window, const char* box, const QString& text)
   auto& combo = find<QComboBox>(window, box);
   const int wanted = combo.findText(text);
   ASSERT_GE(wanted, 0) << text.toStdString();
-  while (combo.currentIndex() != wanted) key(combo, combo.currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+  for (int i = 0; i < combo.count() && combo.currentIndex() != wanted; ++i)
+    key(combo, combo.currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+  EXPECT_EQ(combo.currentIndex(), wanted) << text.toStdString();
 }
 
 void hand::nameFiles(QDialog& dialog, const QStringList& files)
@@ -134,24 +136,60 @@ void hand::nameFiles(QDialog& dialog, const QStringList& files)
   QTest::keyClick(&name, Qt::Key_Return);
 }
 
+namespace
+{
+/// What an answer throws does not get through the event loop.
+void answer(const std::function<void(QDialog&)>& act, QDialog& dialog)
+{
+  try
+  {
+    act(dialog);
+  }
+  catch (const std::runtime_error& error)
+  {
+    ADD_FAILURE() << dialog.windowTitle().toStdString() << ": " << error.what();
+    dialog.reject();
+  }
+}
+} // namespace
+
 void hand::answering(Answers answers, const std::function<void()>& work)
 {
   inDialogs(
       [&](QDialog& dialog)
       {
         if (qobject_cast<QProgressDialog*>(&dialog) != nullptr) return;
-        const auto answer = answers.find(dialog.windowTitle());
-        if (answer == answers.end())
+        const auto known = answers.find(dialog.windowTitle());
+        if (known == answers.end())
         {
           const auto* const box = qobject_cast<QMessageBox*>(&dialog);
           ADD_FAILURE() << "unexpected: " << dialog.windowTitle().toStdString() << " "
                         << (box == nullptr ? std::string() : box->text().toStdString());
           return dialog.reject();
         }
-        const auto act = answer->second;
-        answers.erase(answer);
-        QTimer::singleShot(0, &dialog, [act, &dialog] { act(dialog); }); // which may open another dialog
+        const auto act = known->second;
+        answers.erase(known);
+        QTimer::singleShot(0, &dialog, [act, &dialog] { answer(act, dialog); }); // which may open another dialog
       },
       work);
   for (const auto& [title, act] : answers) ADD_FAILURE() << "did not appear: " << title.toStdString();
+}
+
+hand::Watchdog::Watchdog()
+{
+  QObject::connect(&_timer, &QTimer::timeout, [this] { look(); });
+  _timer.start(500);
+}
+
+void hand::Watchdog::look()
+{
+  constexpr qint64 patience = 20000; // milliseconds, on a busy machine
+  QWidget* const popup = QApplication::activePopupWidget();
+  QWidget* const top = popup == nullptr ? QApplication::activeModalWidget() : popup;
+  if (top != _top || top == nullptr) _sinceOnTop.start();
+  _top = top;
+  if (top == nullptr || !_sinceOnTop.hasExpired(patience)) return;
+  ADD_FAILURE() << "stays open: " << top->windowTitle().toStdString() << " (" << top->metaObject()->className() << ")";
+  auto* const dialog = qobject_cast<QDialog*>(top);
+  dialog == nullptr ? static_cast<void>(top->close()) : dialog->reject();
 }
