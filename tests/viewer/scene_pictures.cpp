@@ -1,11 +1,20 @@
 #include "scene_pictures.h"
 
+#include "tests/support/leaks.h"
 #include "viewer/painters/framebuffergl.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace
 {
+class LeakReport : public testing::Environment
+{
+  void TearDown() override { reportLeaks(); }
+};
+[[maybe_unused]] const testing::Environment* const leakReport = // owned by GoogleTest
+    testing::AddGlobalTestEnvironment(new LeakReport);
+
 std::size_t offset(const Picture& picture, int x, int y)
 {
   return 4 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) + static_cast<std::size_t>(x));
