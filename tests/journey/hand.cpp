@@ -20,13 +20,15 @@
 
 namespace
 {
-/// What a window manager does when the user turns to a window.
+constexpr int patience = 20000; // milliseconds, on a busy machine
+
+/// What a window manager does when the user turns to a window. Without it, keys are shortcuts of the window before.
 void activate(const QWidget& widget)
 {
-  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; }));
+  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; }, patience));
   if (QApplication::activeWindow() == widget.window()) return;
   QApplication::setActiveWindow(widget.window());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return widget.isActiveWindow(); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return widget.isActiveWindow(); }, patience));
   QCoreApplication::processEvents();
 }
 
@@ -53,7 +55,7 @@ void hand::choose(QWidget& window, const QStringList& way)
   for (int i = 1; i < way.size(); ++i)
   {
     QMenu& menu = *action->menu();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isVisible(); })) << way[i].toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isVisible(); }, patience)) << way[i].toStdString();
     action = entry(menu, way[i]);
     EXPECT_TRUE(action->isEnabled()) << way[i].toStdString();
     QTest::mouseMove(&menu, menu.actionGeometry(action).center());
@@ -103,6 +105,7 @@ void hand::fill(QWidget& window, const char* field, const QString& text)
   auto& widget = find<QWidget>(window, field);
   auto* const line = widget.findChild<QLineEdit*>();
   QWidget& input = line == nullptr ? widget : *line;
+  activate(input);
   QTest::mouseClick(&input, Qt::LeftButton);
   QTest::keyClick(&input, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(&input, text);
@@ -131,8 +134,10 @@ void hand::nameFiles(QDialog& dialog, const QStringList& files)
   auto& name = find<QLineEdit>(dialog, "fileNameEdit");
   QStringList quoted;
   for (const QString& file : files) quoted.append('"' + file + '"');
+  activate(name);
   QTest::keyClick(&name, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(&name, files.size() == 1 ? files[0] : quoted.join(' '));
+  if (QWidget* const completions = QApplication::activePopupWidget()) completions->close(); // it would take the key
   QTest::keyClick(&name, Qt::Key_Return);
 }
 
@@ -183,7 +188,6 @@ hand::Watchdog::Watchdog()
 
 void hand::Watchdog::look()
 {
-  constexpr qint64 patience = 20000; // milliseconds, on a busy machine
   QWidget* const popup = QApplication::activePopupWidget();
   QWidget* const top = popup == nullptr ? QApplication::activeModalWidget() : popup;
   if (top != _top || top == nullptr) _sinceOnTop.start();
