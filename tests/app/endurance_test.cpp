@@ -194,10 +194,13 @@ protected:
 private:
   int below(int n) { return _user.below(n); }
 
+  /// Of one of the root windows, to which the user turns: keys are shortcuts of the active window.
   QWidget& canvas()
   {
     const QList<NYXRootWindow*> roots = windowsOf<NYXRootWindow>();
-    return *roots[below(roots.size())]->findChild<NYXSliceEditWidgetCanvas*>();
+    NYXRootWindow& root = *roots[below(roots.size())];
+    QApplication::setActiveWindow(&root);
+    return *root.findChild<NYXSliceEditWidgetCanvas*>();
   }
 
   QPoint placeIn(const QWidget& widget) { return {below(qMax(widget.width(), 1)), below(qMax(widget.height(), 1))}; }
@@ -235,6 +238,7 @@ private:
   void draw()
   {
     QWidget& used = canvas();
+    QTest::keyClick(&used, Qt::Key_F7); // leaves the panorama
     QTest::keyClick(&used, static_cast<Qt::Key>(Qt::Key_1 + below(4)));
     QTest::keyClick(&used, Qt::Key_D);
     for (int i = below(6); i >= 0; --i) QTest::mouseClick(&used, Qt::LeftButton, {}, placeIn(used));
