@@ -365,6 +365,6 @@ TEST_F(Endurance, LongWorkTakesNoMemory)
   ASSERT_EQ(sizes.size(), numRounds);
   const double growth = bytesPerRound(sizes) / numActions;
   RecordProperty("bytesPerAction", std::to_string(growth));
-  EXPECT_LT(growth, 60) << "bytes per action; an item takes several times as much";
+  EXPECT_LT(growth, 20) << "bytes per action; an item takes about a thousand";
 }
 } // namespace
