@@ -1,29 +1,13 @@
 // Once it is loaded into the program, this plug-in chooses "Number slices" in the Plugins menu, writes what has become
 // of the first stack after that, after Undo and after Redo, and quits.
-#include "app/core/nyxstackserver.h"
 #include "app/nyxplugin.h"
 #include "geometry/curveprocessing/fourierdescriptors.h"
 #include "geometry/reconstruction/modelmorphometry.h"
 #include "model/stackslice.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QTimer>
-#include <QWidget>
-
-#include <iostream>
+#include "plugin_test_support.h"
 
 namespace
 {
-void trigger(const QString& name)
-{
-  for (const QWidget* window : QApplication::topLevelWidgets())
-  {
-    if (auto* action = window->findChild<QAction*>(name)) return action->trigger();
-  }
-  std::cout << "no action " << name.toStdString() << std::endl;
-}
-
 void tellStack(const std::string& when)
 {
   NYXStack& stack = NYXStackServer::server().getStack(0);
@@ -55,11 +39,7 @@ class DrivingPlugin : public QObject, public NYXPlugin
   Q_INTERFACES(NYXPlugin)
 
 public:
-  DrivingPlugin()
-  {
-    connect(&_timer, &QTimer::timeout, this, &DrivingPlugin::driveOnceOpened);
-    _timer.start(50);
-  }
+  DrivingPlugin() { onceOpened(_timer, drive); }
 
   QString name() const override { return "Drive"; }
 
@@ -72,13 +52,6 @@ public:
   }
 
 private:
-  void driveOnceOpened()
-  {
-    if (NYXStackServer::server().getNumStacks() == 0) return;
-    _timer.stop();
-    drive();
-  }
-
   QTimer _timer;
 };
 

@@ -1,4 +1,6 @@
 // The tests of the windows need an application, and settings of their own that leave the user's alone.
+#include "tests/support/leaks.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -14,5 +16,7 @@ int main(int argc, char** argv)
   QCoreApplication::setOrganizationName("VELK");
   QCoreApplication::setApplicationName("Mirelo");
   QApplication::setQuitOnLastWindowClosed(false);
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  reportLeaks();
+  return result;
 }

@@ -18,9 +18,15 @@ namespace
 std::atomic<std::size_t> greatestBlock = std::numeric_limits<std::size_t>::max();
 } // namespace
 
+/// Checks of addresses bring one of their own otherwise, whose blocks the operators below may not free.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+  return size > greatestBlock ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+
 void* operator new(std::size_t size)
 {
-  void* const block = size > greatestBlock ? nullptr : std::malloc(size > 0 ? size : 1);
+  void* const block = operator new(size, std::nothrow);
   if (!block) throw std::bad_alloc();
   return block;
 }

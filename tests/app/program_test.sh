@@ -5,6 +5,7 @@ program=$1
 example=$2
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
+export ASAN_OPTIONS=detect_leaks=0 # what libraries lose when they are unloaded is not ours
 export HOME=$home XDG_CONFIG_HOME=$home/config XDG_RUNTIME_DIR=$home LC_ALL=C
 
 fail()

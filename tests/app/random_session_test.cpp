@@ -1,11 +1,11 @@
 // A user who clicks at random in windows and dialogs: what is saved follows undo and redo, and all windows show it.
 #include "app/core/actions/nyxitemcreationaction.h"
 #include "app/core/nyxstack.h"
-#include "app/nyxnumberbox.h"
 #include "app/nyxrootwindow.h"
 #include "app/nyxstackio.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "random_user.h"
 #include "tests/support/stackfiles.h"
 #include "window_test_support.h"
 
@@ -13,17 +13,9 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTreeView>
 
-#include <random>
 #include <regex>
 
 namespace
@@ -31,7 +23,7 @@ namespace
 class RandomSession : public testing::TestWithParam<unsigned int>
 {
 protected:
-  RandomSession() : _random(GetParam()), _stack(open()) {}
+  RandomSession() : _user(GetParam(), _folder.getPath()), _stack(open()) {}
 
   ~RandomSession() override
   {
@@ -73,7 +65,7 @@ protected:
     if (name == "draw") return draw(used);
     if (name == "filter slices") return used.findChild<QLineEdit*>("sliceFilter")->setText(below(2) == 0 ? "" : "1");
     if (name == "Close window" && &used == &_test.window()) return; // which would quit
-    inDialogs([this](QDialog& dialog) { useDialog(dialog); }, [&] { used.findChild<QAction*>(name)->trigger(); });
+    inDialogs([this](QDialog& dialog) { _user.useDialog(dialog); }, [&] { used.findChild<QAction*>(name)->trigger(); });
     if (name == "Save stack" && !stack().isModified()) _saved = state();
     QApplication::processEvents();
   }
@@ -115,14 +107,9 @@ protected:
   }
 
 private:
-  NYXStack& open()
-  {
-    std::filesystem::copy(std::filesystem::path(MIRELO_EXAMPLE).parent_path(), _folder.file(""),
-                          std::filesystem::copy_options::overwrite_existing | std::filesystem::copy_options::recursive);
-    return *NYXStackIO(&_test.window()).openStack(QString::fromStdString(_folder.file("specimen.sdf")));
-  }
+  NYXStack& open() { return *NYXStackIO(&_test.window()).openStack(copyExample(_folder)); }
 
-  int below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(_random); }
+  int below(int n) { return _user.below(n); }
 
   static QList<NYXRootWindow*> windows()
   {
@@ -145,55 +132,11 @@ private:
     stack().sliceHistory(slice).pushStep(std::make_unique<NYXItemCreationAction>(std::move(item)));
   }
 
-  void useDialog(QDialog& dialog)
-  {
-    if (auto* const box = qobject_cast<QMessageBox*>(&dialog)) return box->reject();
-    if (auto* const files = qobject_cast<QFileDialog*>(&dialog))
-    {
-      files->setDirectory(QString::fromStdString(_folder.getPath()));
-      files->selectFile(QString("slice-00%1.tif").arg(below(10)));
-      return static_cast<QDialog*>(files)->accept();
-    }
-    for (int i = below(12); i > 0; --i) changeSomething(dialog);
-    for (int i = 0; i < 3 && dialog.isVisible(); ++i) click(dialog, QStringList{"OK", "Apply", "Cancel"}[below(3)]);
-    if (dialog.isVisible()) dialog.reject();
-  }
-
-  /// As far as no other dialog is needed.
-  void changeSomething(const QDialog& dialog)
-  {
-    const QList<QWidget*> parts = dialog.findChildren<QWidget*>();
-    QWidget* const part = parts[below(parts.size())];
-    if (!part->isEnabled() || !part->isVisible()) return;
-    if (auto* const number = qobject_cast<NYXNumberBox*>(part))
-      replaceText(*number, QString::number(below(2000) / 10.));
-    else if (auto* const line = qobject_cast<QLineEdit*>(part); line && !line->isReadOnly())
-      replaceText(*line, QString("n%1").arg(++_numNames));
-    else if (qobject_cast<QPlainTextEdit*>(part))
-      QTest::keyClicks(part, "note");
-    else if (auto* const choice = qobject_cast<QComboBox*>(part))
-      QTest::keyClick(choice, below(2) == 0 ? Qt::Key_Down : Qt::Key_Up);
-    else if (auto* const box = qobject_cast<QCheckBox*>(part))
-      box->click();
-    else if (auto* const list = qobject_cast<QTreeView*>(part); list && list->model()->rowCount() > 0)
-      list->setCurrentIndex(list->model()->index(below(list->model()->rowCount()), 0));
-    else if (auto* const button = qobject_cast<QPushButton*>(part))
-      if (QStringList{"New", "Delete", "Up", "Down"}.contains(button->text())) button->click();
-    QApplication::processEvents();
-  }
-
-  template <class Widget> static void replaceText(Widget& widget, const QString& text)
-  {
-    widget.selectAll();
-    QTest::keyClicks(&widget, text);
-  }
-
   WindowTest _test;
   TemporaryFolder _folder;
-  std::mt19937 _random;
+  RandomUser _user;
   NYXStack& _stack;
   std::string _saved = state();
-  int _numNames = 0;
 };
 
 TEST_P(RandomSession, IsUndoneAndMadeAgain)

@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QPointer>
 #include <QSettings>
 #include <QTimer>
 
@@ -45,7 +46,7 @@ NYXStack& addStack(const QString& name, const QString& filename, bool isModified
 void inDialogs(const std::function<void(QDialog&)>& act, const std::function<void()>& work)
 {
   QTimer timer;
-  QDialog* last = nullptr;
+  QPointer<QDialog> last; // knows a new dialog at the place of an old one
   QObject::connect(&timer, &QTimer::timeout,
                    [&]
                    {

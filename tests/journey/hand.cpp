@@ -20,13 +20,15 @@
 
 namespace
 {
-/// What a window manager does when the user turns to a window.
+constexpr int patience = 20000; // milliseconds, on a busy machine
+
+/// What a window manager does when the user turns to a window. Without it, keys are shortcuts of the window before.
 void activate(const QWidget& widget)
 {
-  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; }));
+  EXPECT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; }, patience));
   if (QApplication::activeWindow() == widget.window()) return;
   QApplication::setActiveWindow(widget.window());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return widget.isActiveWindow(); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return widget.isActiveWindow(); }, patience));
   QCoreApplication::processEvents();
 }
 
@@ -53,7 +55,7 @@ void hand::choose(QWidget& window, const QStringList& way)
   for (int i = 1; i < way.size(); ++i)
   {
     QMenu& menu = *action->menu();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isVisible(); })) << way[i].toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return menu.isVisible(); }, patience)) << way[i].toStdString();
     action = entry(menu, way[i]);
     EXPECT_TRUE(action->isEnabled()) << way[i].toStdString();
     QTest::mouseMove(&menu, menu.actionGeometry(action).center());
@@ -103,6 +105,7 @@ void hand::fill(QWidget& window, const char* field, const QString& text)
   auto& widget = find<QWidget>(window, field);
   auto* const line = widget.findChild<QLineEdit*>();
   QWidget& input = line == nullptr ? widget : *line;
+  activate(input);
   QTest::mouseClick(&input, Qt::LeftButton);
   QTest::keyClick(&input, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(&input, text);
@@ -121,7 +124,9 @@ void hand::select(QWidget& window, const char* box, const QString& text)
   auto& combo = find<QComboBox>(window, box);
   const int wanted = combo.findText(text);
   ASSERT_GE(wanted, 0) << text.toStdString();
-  while (combo.currentIndex() != wanted) key(combo, combo.currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+  for (int i = 0; i < combo.count() && combo.currentIndex() != wanted; ++i)
+    key(combo, combo.currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+  EXPECT_EQ(combo.currentIndex(), wanted) << text.toStdString();
 }
 
 void hand::nameFiles(QDialog& dialog, const QStringList& files)
@@ -129,10 +134,29 @@ void hand::nameFiles(QDialog& dialog, const QStringList& files)
   auto& name = find<QLineEdit>(dialog, "fileNameEdit");
   QStringList quoted;
   for (const QString& file : files) quoted.append('"' + file + '"');
+  activate(name);
   QTest::keyClick(&name, Qt::Key_A, Qt::ControlModifier);
   QTest::keyClicks(&name, files.size() == 1 ? files[0] : quoted.join(' '));
+  if (QWidget* const completions = QApplication::activePopupWidget()) completions->close(); // it would take the key
   QTest::keyClick(&name, Qt::Key_Return);
 }
+
+namespace
+{
+/// What an answer throws does not get through the event loop.
+void answer(const std::function<void(QDialog&)>& act, QDialog& dialog)
+{
+  try
+  {
+    act(dialog);
+  }
+  catch (const std::runtime_error& error)
+  {
+    ADD_FAILURE() << dialog.windowTitle().toStdString() << ": " << error.what();
+    dialog.reject();
+  }
+}
+} // namespace
 
 void hand::answering(Answers answers, const std::function<void()>& work)
 {
@@ -140,18 +164,36 @@ void hand::answering(Answers answers, const std::function<void()>& work)
       [&](QDialog& dialog)
       {
         if (qobject_cast<QProgressDialog*>(&dialog) != nullptr) return;
-        const auto answer = answers.find(dialog.windowTitle());
-        if (answer == answers.end())
+        const auto known = answers.find(dialog.windowTitle());
+        if (known == answers.end())
         {
           const auto* const box = qobject_cast<QMessageBox*>(&dialog);
           ADD_FAILURE() << "unexpected: " << dialog.windowTitle().toStdString() << " "
                         << (box == nullptr ? std::string() : box->text().toStdString());
           return dialog.reject();
         }
-        const auto act = answer->second;
-        answers.erase(answer);
-        QTimer::singleShot(0, &dialog, [act, &dialog] { act(dialog); }); // which may open another dialog
+        const auto act = known->second;
+        answers.erase(known);
+        QTimer::singleShot(0, &dialog, [act, &dialog] { answer(act, dialog); }); // which may open another dialog
       },
       work);
   for (const auto& [title, act] : answers) ADD_FAILURE() << "did not appear: " << title.toStdString();
+}
+
+hand::Watchdog::Watchdog()
+{
+  QObject::connect(&_timer, &QTimer::timeout, [this] { look(); });
+  _timer.start(500);
+}
+
+void hand::Watchdog::look()
+{
+  QWidget* const popup = QApplication::activePopupWidget();
+  QWidget* const top = popup == nullptr ? QApplication::activeModalWidget() : popup;
+  if (top != _top || top == nullptr) _sinceOnTop.start();
+  _top = top;
+  if (top == nullptr || !_sinceOnTop.hasExpired(patience)) return;
+  ADD_FAILURE() << "stays open: " << top->windowTitle().toStdString() << " (" << top->metaObject()->className() << ")";
+  auto* const dialog = qobject_cast<QDialog*>(top);
+  dialog == nullptr ? static_cast<void>(top->close()) : dialog->reject();
 }

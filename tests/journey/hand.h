@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -40,4 +43,19 @@ template <class Widget> Widget& find(QWidget& window, const char* name)
 using Answers = std::multimap<QString, std::function<void(QDialog&)>>;
 /// Does something that opens dialogs. A dialog without an answer is a failure, and is closed.
 void answering(Answers answers, const std::function<void()>& work);
+
+/// Closes a dialog or menu that stays open much longer than anything that is done in it, which would wait for ever: as
+/// a failure that names it.
+class Watchdog
+{
+public:
+  Watchdog();
+
+private:
+  void look();
+
+  QTimer _timer;
+  QPointer<QWidget> _top;
+  QElapsedTimer _sinceOnTop;
+};
 } // namespace hand

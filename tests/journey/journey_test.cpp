@@ -406,6 +406,7 @@ private:
   }
 
   QTemporaryDir _folder;
+  hand::Watchdog _watchdog;
   NYXRootWindow& _window;
 };
 

@@ -255,7 +255,7 @@ TEST(StackSaving, LeavesACompleteFileWhenTheProgramIsKilled)
   }
   std::mt19937 random(5);
   int numHalfWritten = 0;
-  for (int round = 0; round < 40; ++round)
+  for (int round = 0; round < 50; ++round)
   {
     const int numFiles = folder.getNumFiles();
     const pid_t child = fork();

@@ -151,6 +151,7 @@ Image imageOf(int depth, const std::function<int(int x, int y)>& level, int chan
     for (int x = 0; x < 100; ++x)
     {
       unsigned char* const pixel = image.getLine(y) + x * image.bytesPerPixel();
+      std::fill_n(pixel, image.bytesPerPixel(), static_cast<unsigned char>(0));
       if (depth == 16)
         reinterpret_cast<unsigned short*>(image.getLine(y))[x] = static_cast<unsigned short>(level(x, y));
       else if (channel >= 0)

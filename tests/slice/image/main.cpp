@@ -1,4 +1,6 @@
 // Pictures need an application, though no screen.
+#include "tests/support/leaks.h"
+
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
@@ -16,5 +18,7 @@ int main(int argc, char** argv)
   testing::InitGoogleTest(&argc, argv);
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  reportLeaks();
+  return result;
 }

@@ -114,11 +114,12 @@ TEST_F(SliceWidget, FollowsTheItemsOfItsSlice)
 
 TEST_F(SliceWidget, FollowsAModelThatTakesItsItemsAway)
 {
-  addItem(closed, slice, {{10, 10}, {60, 10}, {60, 60}});
-  addItem(points, slice, {{40, 40}});
+  const std::unique_ptr<ModelItem> contour(&addItem(closed, slice, {{10, 10}, {60, 10}, {60, 60}}));
+  const std::unique_ptr<ModelItem> point(&addItem(points, slice, {{40, 40}}));
   NYXEventServer::deliver(NYXModelCreateEvent(closed));
   expectChange();
-  slice.removeAllItems();
+  for (ModelItemOwner* owner : std::initializer_list<ModelItemOwner*>{&slice, &closed, &points})
+    owner->removeAllItems();
   NYXEventServer::deliver(NYXModelDeleteEvent(closed));
   expectChange();
 }
