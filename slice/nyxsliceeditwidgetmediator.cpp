@@ -79,6 +79,7 @@ void NYXSliceEditWidgetMediator::initialize()
           {
             if (isActive) finishTool();
             showTools();
+            showIdleMode();
           });
   updateEditActions();
   showEditMode("READY", {});
@@ -117,7 +118,7 @@ void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
   _previous->setSlice(slice);
   showPreviousItems();
   updateEditActions();
-  if (_activeTool == nullptr) _selection->showMode();
+  showIdleMode();
 }
 
 void NYXSliceEditWidgetMediator::draw(const QString& modelName)
@@ -169,6 +170,14 @@ void NYXSliceEditWidgetMediator::showTools()
   _select->setChecked(_activeTool == nullptr && !ruler().isActive());
 }
 
+/// What can be done while no tool of the editor is at work.
+void NYXSliceEditWidgetMediator::showIdleMode()
+{
+  if (_activeTool != nullptr) return;
+  if (!ruler().isActive()) return _selection->showMode();
+  showEditMode("RULER", tr("Drag to measure a length and an angle, Escape to end"));
+}
+
 void NYXSliceEditWidgetMediator::finishTool()
 {
   if (_activeTool != nullptr) _activeTool->finish();
@@ -181,7 +190,7 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   if (before != nullptr && tool != nullptr) before->cancel();
   _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
   if (_activeTool != nullptr) ruler().deactivate();
-  if (_activeTool == nullptr) _selection->showMode();
+  showIdleMode();
   requestLock(_activeTool != nullptr);
   updateEditActions();
 }
@@ -317,6 +326,17 @@ QStringList NYXSliceEditWidgetMediator::buildPolygonModelList() const
   return namesOf(stack(), [](const Model& model) { return model.getGeometry() == MPrimitive::Polygon; });
 }
 
+/// The models that something selected does not belong to yet.
+QStringList NYXSliceEditWidgetMediator::buildConversionModelList() const
+{
+  const Items items = slice().getSelectedItems();
+  return namesOf(stack(),
+                 [&](const Model& model) {
+                   return std::any_of(items.begin(), items.end(),
+                                      [&](const ModelItem* item) { return item->getModel() != &model; });
+                 });
+}
+
 bool NYXSliceEditWidgetMediator::isEditable() const
 {
   return sliceCanvas().hasSlice() && !stack().isLocked(sliceCanvas().getSlice());
@@ -385,6 +405,7 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   refreshContextMenuActions();
   QMenu menu(&widget());
   menu.setObjectName("contextMenu");
+  menu.setToolTipsVisible(true);
   if (_selection->selectedItem() == nullptr)
   {
     menu.addMenu(_manualMenu);
@@ -422,7 +443,7 @@ void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelectionEvent&)
 {
   updateEditActions();
-  if (_activeTool == nullptr) _selection->showMode();
+  showIdleMode();
 }
 
 /// Of one that another window shows.

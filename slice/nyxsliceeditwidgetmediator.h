@@ -68,6 +68,7 @@ public:
   QStringList buildStackModelList() const;
   QStringList buildSliceModelList() const;
   QStringList buildPolygonModelList() const;
+  QStringList buildConversionModelList() const;
 
   /// The model that new items belong to: the one that was chosen last, else the first; empty without models.
   QString modelInUse() const;
@@ -147,6 +148,7 @@ private:
   void drawAutomatically(const QString& modelName);
   void updateToolActions();
   void showTools();
+  void showIdleMode();
   void showPreviousItems();
   bool isOfOtherStack(const NYXModelEvent& event) const;
   const Model* modelNamed(const std::string& name) const;
