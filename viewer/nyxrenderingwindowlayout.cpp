@@ -174,6 +174,10 @@ void NYXRenderingWindow::createToolBar()
   _toolBar->addAction(&_mediator->landmarksAction());
   QWidget::addActions(_mediator->poseActions());
   QWidget::addAction(&_mediator->centerAction());
+  auto* const close = new QAction(tr("Close"), this);
+  close->setShortcut(QKeySequence("Ctrl+W"));
+  connect(close, &QAction::triggered, this, &QWidget::close);
+  QWidget::addAction(close);
   connect(_video, &NYXRenderingVideo::recordingChanged, _record, &QAction::setChecked);
   connect(_video, &NYXRenderingVideo::frameRecorded, this,
           [this](int numFrames)
@@ -191,7 +195,12 @@ void NYXRenderingWindow::createStatusBar()
   _cancel = new QPushButton(tr("Cancel"), this);
   _cancel->setObjectName("cancelReconstruction");
   _cancel->setToolTip(tr("Stop the reconstruction; the models stay as they are shown"));
+  auto* const hint = new QLabel(tr("Drag to turn, Shift: about the viewing axis, Ctrl or wheel: zoom, Alt: pan"), this);
+  hint->setObjectName("hint");
+  hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // narrow windows cut it off
+  hint->setToolTip(hint->text());
   _statusBar->setSizeGripEnabled(false);
+  _statusBar->addWidget(hint, 1);
   _statusBar->addPermanentWidget(_progress);
   _statusBar->addPermanentWidget(_cancel);
   _progress->hide();
@@ -329,8 +338,18 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
             if (_landmarks->currentRow() >= 0) delegate.remove(_landmarks->currentRow());
           });
   connect(clear, &QPushButton::clicked, &delegate, &LandmarksDelegate::clear);
+  const auto enableButtons = [this, copy, remove, clear]
+  {
+    const bool hasLandmarks = _landmarks->rowCount() > 0;
+    copy->setEnabled(hasLandmarks);
+    clear->setEnabled(hasLandmarks);
+    remove->setEnabled(_landmarks->selectionModel()->hasSelection());
+  };
   connect(&delegate, &LandmarksDelegate::landmarksChanged, this, &NYXRenderingWindow::showLandmarks);
+  connect(&delegate, &LandmarksDelegate::landmarksChanged, page, enableButtons);
+  connect(_landmarks, &QTableWidget::itemSelectionChanged, page, enableButtons);
   showLandmarks();
+  enableButtons();
   return page;
 }
 
