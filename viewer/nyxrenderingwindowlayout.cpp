@@ -3,6 +3,7 @@
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxprogressrun.h"
+#include "slice/image/nyxstatusfield.h"
 #include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
@@ -195,10 +196,9 @@ void NYXRenderingWindow::createStatusBar()
   _cancel = new QPushButton(tr("Cancel"), this);
   _cancel->setObjectName("cancelReconstruction");
   _cancel->setToolTip(tr("Stop the reconstruction; the models stay as they are shown"));
-  auto* const hint = new QLabel(tr("Drag to turn, Shift: about the viewing axis, Ctrl or wheel: zoom, Alt: pan"), this);
-  hint->setObjectName("hint");
-  hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // narrow windows cut it off
-  hint->setToolTip(hint->text());
+  auto* const hint = new NYXStatusField("hint", tr("What a drag does"), {}, this);
+  hint->setText(tr("Drag to turn, Shift: about the viewing axis, Ctrl or wheel: zoom, Alt: pan"));
+  hint->fillLine();
   _statusBar->setSizeGripEnabled(false);
   _statusBar->addWidget(hint, 1);
   _statusBar->addPermanentWidget(_progress);
