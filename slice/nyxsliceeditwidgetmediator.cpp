@@ -118,7 +118,6 @@ void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
   _previous->setSlice(slice);
   showPreviousItems();
   updateEditActions();
-  showIdleMode();
 }
 
 void NYXSliceEditWidgetMediator::draw(const QString& modelName)
@@ -190,7 +189,6 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   if (before != nullptr && tool != nullptr) before->cancel();
   _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
   if (_activeTool != nullptr) ruler().deactivate();
-  showIdleMode();
   requestLock(_activeTool != nullptr);
   updateEditActions();
 }
@@ -326,15 +324,18 @@ QStringList NYXSliceEditWidgetMediator::buildPolygonModelList() const
   return namesOf(stack(), [](const Model& model) { return model.getGeometry() == MPrimitive::Polygon; });
 }
 
-/// The models that something selected does not belong to yet.
-QStringList NYXSliceEditWidgetMediator::buildConversionModelList() const
+/// Only to models that something selected does not belong to yet.
+void NYXSliceEditWidgetMediator::enableConversions()
 {
   const Items items = slice().getSelectedItems();
-  return namesOf(stack(),
-                 [&](const Model& model) {
-                   return std::any_of(items.begin(), items.end(),
-                                      [&](const ModelItem* item) { return item->getModel() != &model; });
-                 });
+  for (QAction* conversion : _convertMenu->actions())
+  {
+    const Model* const model = modelNamed(conversion->objectName().toStdString());
+    const auto isOther = [model](const ModelItem* item) { return item->getModel() != model; };
+    if (model == nullptr || std::ranges::any_of(items, isOther)) continue;
+    conversion->setEnabled(false);
+    conversion->setToolTip(tr("What is selected belongs to this model already"));
+  }
 }
 
 bool NYXSliceEditWidgetMediator::isEditable() const
@@ -360,6 +361,7 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   _automaticMenu->setEnabled(isEditable());
   _selectMenu->setEnabled(isIdle);
   showTools();
+  showIdleMode();
   emit toolsChanged();
 }
 
@@ -443,7 +445,6 @@ void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelectionEvent&)
 {
   updateEditActions();
-  showIdleMode();
 }
 
 /// Of one that another window shows.

@@ -68,7 +68,6 @@ public:
   QStringList buildStackModelList() const;
   QStringList buildSliceModelList() const;
   QStringList buildPolygonModelList() const;
-  QStringList buildConversionModelList() const;
 
   /// The model that new items belong to: the one that was chosen last, else the first; empty without models.
   QString modelInUse() const;
@@ -149,6 +148,7 @@ private:
   void updateToolActions();
   void showTools();
   void showIdleMode();
+  void enableConversions();
   void showPreviousItems();
   bool isOfOtherStack(const NYXModelEvent& event) const;
   const Model* modelNamed(const std::string& name) const;

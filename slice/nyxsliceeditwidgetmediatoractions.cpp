@@ -212,8 +212,9 @@ void NYXSliceEditWidgetMediator::createMenus()
       createModelMenu(tr("Select"), tr("Select the items of a model"), "selectMenu", &Mediator::buildSliceModelList,
                       [this](const QString& model) { _selection->selectModelItems(model); });
   _convertMenu = createModelMenu(tr("Convert"), tr("Move what is selected to another model"), "convertMenu",
-                                 &Mediator::buildConversionModelList,
+                                 &Mediator::buildStackModelList,
                                  [this](const QString& model) { _selection->convertSelection(model); });
+  connect(_convertMenu, &QMenu::aboutToShow, this, &Mediator::enableConversions); // once it is filled
 
   _reconstructionMenu = new QMenu(tr("Reconstruction"), &widget());
   _reconstructionMenu->setObjectName("reconstructionMenu");
