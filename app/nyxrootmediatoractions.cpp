@@ -158,16 +158,18 @@ void NYXRootMediator::createEditActions()
 /// A right click on a list offers what can be done with the stack or slice, which the press makes the current one.
 void NYXRootMediator::createListMenus()
 {
-  const auto separator = [this]
+  const auto separator = [this](const char* name)
   {
     auto* const action = new QAction(this);
+    action->setObjectName(name);
     action->setSeparator(true);
     return action;
   };
   _stackList->setContextMenuPolicy(Qt::ActionsContextMenu);
-  _stackList->addActions({_saveStack, _saveStackAs, _closeStack, separator(), _stackProperties, _annotateStack});
-  _sliceList->setMenuActions(
-      {_insertSlice, _deleteSlice, _moveSliceUp, _moveSliceDown, separator(), _sliceProperties, _annotateSlice});
+  _stackList->addActions(
+      {_saveStack, _saveStackAs, _closeStack, separator("stackMenuSeparator"), _stackProperties, _annotateStack});
+  _sliceList->setMenuActions({_insertSlice, _deleteSlice, _moveSliceUp, _moveSliceDown, separator("sliceMenuSeparator"),
+                              _sliceProperties, _annotateSlice});
 }
 
 /// What the right side of the window shows.

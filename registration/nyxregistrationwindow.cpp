@@ -37,7 +37,10 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
   _mediator->setStatusBar(*_statusBar);
   connect(_mediator, &NYXRegistrationMediator::stateChanged, this, &NYXRegistrationWindow::showTitle);
   auto* const close = new QAction(tr("Close"), this);
+  close->setObjectName("close");
   close->setShortcut(QKeySequence("Ctrl+W"));
+  close->setToolTip(tr("Close this window (Ctrl+W)"));
+  close->setStatusTip(tr("Close this window"));
   connect(close, &QAction::triggered, this, &QWidget::close);
   addAction(close);
   layOut();

@@ -176,7 +176,10 @@ void NYXRenderingWindow::createToolBar()
   QWidget::addActions(_mediator->poseActions());
   QWidget::addAction(&_mediator->centerAction());
   auto* const close = new QAction(tr("Close"), this);
+  close->setObjectName("close");
   close->setShortcut(QKeySequence("Ctrl+W"));
+  close->setToolTip(tr("Close this window (Ctrl+W)"));
+  close->setStatusTip(tr("Close this window"));
   connect(close, &QAction::triggered, this, &QWidget::close);
   QWidget::addAction(close);
   connect(_video, &NYXRenderingVideo::recordingChanged, _record, &QAction::setChecked);
