@@ -327,6 +327,7 @@ QStringList NYXSliceEditWidgetMediator::buildPolygonModelList() const
 /// Only to models that something selected does not belong to yet.
 void NYXSliceEditWidgetMediator::enableConversions()
 {
+  if (!sliceCanvas().hasSlice()) return;
   const Items items = slice().getSelectedItems();
   for (QAction* conversion : _convertMenu->actions())
   {
