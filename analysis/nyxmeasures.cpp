@@ -40,10 +40,11 @@ void NYXMeasures::setStack(NYXStack* stack)
   _isRunObsolete = _run.isRunning();
   _stack = stack;
   _measured.clear();
+  _unit = stack == nullptr ? std::string() : stack->getLengthUnit().symbol();
   _itemModel = nullptr;
   _items = MeasureTable();
   _stale = _staleSince = Stale();
-  markAll(stack);
+  if (stack != nullptr) markAll();
   tellAndStart();
   emit itemsChanged();
 }
@@ -120,16 +121,20 @@ void NYXMeasures::markModel(const Model& model, const ModelItem* item)
   noteChange();
 }
 
-void NYXMeasures::markItem(const NYXModelItemEvent& event)
+void NYXMeasures::markAll()
 {
-  if (const Model* const model = event.getItem().getModel()) markModel(*model, &event.getItem());
-}
-
-void NYXMeasures::markAll(const Stack* stack)
-{
-  if (stack == nullptr || stack != _stack) return;
   for (int i = 0; i < _stack->getNumModels(); ++i) markModel(*_stack->getModel(i));
   noteChange();
+}
+
+void NYXMeasures::noteStackChange(const Stack& stack)
+{
+  if (&stack == _stack) markAll();
+}
+
+void NYXMeasures::noteItemChange(const Model& model, const ModelItem& item)
+{
+  markModel(model, &item);
 }
 
 /// A copy that is being made is of no use any more.
@@ -183,6 +188,7 @@ void NYXMeasures::start()
     _numMeasured = static_cast<int>(models.size());
     if (areItemsStale() && !_stale.models.contains(_itemModel)) models.push_back(_itemModel);
     _copy = std::make_unique<StackCopy>(*_stack, models);
+    _copiedUnit = _stack->getLengthUnit().symbol();
     _staleSince = Stale();
     _copying.start(0);
   }
@@ -208,6 +214,7 @@ void NYXMeasures::takeResults(bool isDone)
   _isRunObsolete = false;
   if (isTaken)
   {
+    _unit = _copiedUnit;
     for (std::size_t i = 0; i < _run.models().size(); ++i)
       if (_stack->findModel(_run.originals()[i]) >= 0) _measured[_run.originals()[i]] = std::move(_run.models()[i]);
     const bool areItemsOfModel = _run.items() && _copiedItemModel == _itemModel && !_staleSince.isAllItems;
@@ -239,22 +246,7 @@ void NYXMeasures::stackCloseEvent(const NYXStackCloseEvent& event)
 /// The images may be looked for elsewhere.
 void NYXMeasures::stackNameEvent(const NYXStackNameEvent& event)
 {
-  markAll(&event.getStack());
-}
-
-void NYXMeasures::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
-{
-  markAll(&event.getStack());
-}
-
-void NYXMeasures::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
-{
-  markAll(&event.getStack());
-}
-
-void NYXMeasures::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
-{
-  markAll(&event.getStack());
+  noteStackChange(event.getStack());
 }
 
 void NYXMeasures::sliceNameEvent(const NYXSliceNameEvent& event)
@@ -264,19 +256,9 @@ void NYXMeasures::sliceNameEvent(const NYXSliceNameEvent& event)
   noteChange();
 }
 
-void NYXMeasures::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
-{
-  markAll(event.getSlice().getStack());
-}
-
-void NYXMeasures::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
-{
-  markAll(event.getSlice().getStack());
-}
-
 void NYXMeasures::processSliceAction(NYXSliceAction& action)
 {
-  markAll(&action.getStack());
+  noteStackChange(action.getStack());
 }
 
 void NYXMeasures::modelCreateEvent(const NYXModelCreateEvent& event)
@@ -300,30 +282,4 @@ void NYXMeasures::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
   if (_stack == nullptr || event.getStack() != _stack) return;
   if (event.getOldProperties().getGeometry() == event.getModel().getGeometry()) return noteChange();
   markModel(event.getModel());
-}
-
-void NYXMeasures::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
-{
-  markItem(event);
-}
-
-void NYXMeasures::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
-{
-  markItem(event);
-}
-
-void NYXMeasures::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
-{
-  markItem(event);
-}
-
-void NYXMeasures::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
-{
-  markItem(event);
-}
-
-void NYXMeasures::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
-{
-  markModel(event.getSourceModel(), &event.getItem());
-  markModel(event.getDestinationModel(), &event.getItem());
 }

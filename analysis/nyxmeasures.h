@@ -1,7 +1,7 @@
 #pragma once
 
 #include "analysis/nyxmeasurerun.h"
-#include "app/core/nyxeventclient.h"
+#include "app/core/nyxgeometryclient.h"
 
 #include <QObject>
 #include <QTimer>
@@ -15,7 +15,7 @@ class NYXStack;
 /// The measures of a stack's models and of the items of one of them, kept in step with the stack: what the event bus
 /// tells of makes measures stale, and stale ones are computed in a thread of their own on a copy, which is made in
 /// small pieces in between the events of the windows.
-class NYXMeasures : public QObject, public NYXEventClient
+class NYXMeasures : public QObject, public NYXGeometryClient
 {
   Q_OBJECT
 
@@ -32,6 +32,8 @@ public:
 
   /// In stack order; those of a model that was not measured yet are only counted.
   std::vector<ModelMeasures> models() const;
+  /// The unit of length of these, which may be that from before a change.
+  const std::string& unit() const { return _unit; }
   bool isStale(const Model& model) const { return _stale.models.contains(&model); }
   bool areModelsStale() const { return !_stale.models.empty(); }
 
@@ -66,22 +68,14 @@ signals:
   void runningChanged(bool isRunning);
 
 protected:
+  void noteStackChange(const Stack& stack) override;
+  void noteItemChange(const Model& model, const ModelItem& item) override;
   void stackCloseEvent(const NYXStackCloseEvent& event) override;
   void stackNameEvent(const NYXStackNameEvent& event) override;
-  void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
-  void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
-  void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
   void sliceNameEvent(const NYXSliceNameEvent& event) override;
-  void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
-  void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
   void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
-  void modelItemCreateEvent(const NYXModelItemCreateEvent& event) override;
-  void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
-  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
-  void modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event) override;
-  void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
   void processSliceAction(NYXSliceAction& action) override;
   void atEventBatchEnd() override;
 
@@ -95,9 +89,8 @@ private:
     std::set<const ModelItem*> items;
   };
 
-  void markAll(const Stack* stack);
+  void markAll();
   void markModel(const Model& model, const ModelItem* item = nullptr);
-  void markItem(const NYXModelItemEvent& event);
   void markAllItems();
   void noteChange();
   void startDelay();
@@ -109,6 +102,8 @@ private:
 
   NYXStack* _stack = nullptr;
   std::map<const Model*, ModelMeasures> _measured;
+  std::string _unit;
+  std::string _copiedUnit;
   const Model* _itemModel = nullptr;
   MeasureTable _items;
   std::vector<const ModelItem*> _itemsOfSources; // addresses that may be stale

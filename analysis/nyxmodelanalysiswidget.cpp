@@ -57,9 +57,8 @@ void NYXModelAnalysisWidget::keepSelectionIn(const NYXModelAnalysisTable* table)
 
 void NYXModelAnalysisWidget::setMeasures(const NYXMeasures& measures)
 {
-  const NYXStack* const stack = measures.getStack();
   _models = measures.models();
-  _unit = stack == nullptr ? std::string() : stack->getLengthUnit().symbol();
+  _unit = measures.unit();
   _emptyNote->setVisible(_models.empty());
   for (const Section& section : _sections)
   {

@@ -2,6 +2,7 @@
 
 #include "app/core/nyxpreferences.h"
 #include "app/nyxcolorbutton.h"
+#include "slice/image/nyxintegerbox.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -55,7 +56,7 @@ QCheckBox* NYXPreferencesEditor::addCheckBox(const char* name, const QString& la
 QSpinBox* NYXPreferencesEditor::addSpinBox(const char* name, const QString& label, const QString& toolTip, int minimum,
                                            int maximum, int value)
 {
-  auto* box = new QSpinBox(this);
+  auto* box = new NYXIntegerBox(this);
   box->setObjectName(name);
   box->setToolTip(toolTip);
   box->setAlignment(Qt::AlignRight);

@@ -22,6 +22,7 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "numeric/exception.h"
+#include "registration/nyxregistrationmediator.h"
 #include "registration/nyxregistrationwindow.h"
 #include "slice/image/nyxoverview.h"
 #include "slice/image/nyxpanorama.h"
@@ -162,6 +163,12 @@ void NYXRootMediator::selectStack(const NYXStack* stack)
 void NYXRootMediator::finishTool()
 {
   _sliceEditWidget->sliceWidget().editMediator().finishTool();
+}
+
+bool NYXRootMediator::confirmLeaving()
+{
+  finishTool();
+  return _registrationWindow == nullptr || _registrationWindow->mediator().confirmLeaving();
 }
 
 void NYXRootMediator::saveCurrentStack()
@@ -425,13 +432,23 @@ QString NYXRootMediator::deletionText(const StackSlice& slice)
   return tr("Deleted slice %1 with %2 items; Undo restores them").arg(nameOf(slice)).arg(numItems);
 }
 
+/// Registration and distance are relative to the slice before, which becomes another one.
+QString NYXRootMediator::neighbourText(const NYXStack& stack, const StackSlice& deleted)
+{
+  const int place = deleted.getIndex();
+  if (place < 1 || place + 1 >= stack.getNumSlices()) return {};
+  const StackSlice& next = *stack.getSlice(place + 1);
+  return tr(". Slice %1 now lies on slice %2: check its alignment and distance")
+      .arg(nameOf(next), nameOf(*stack.getSlice(place - 1)));
+}
+
 void NYXRootMediator::deleteSlice()
 {
   change(
       [this](NYXStack& stack)
       {
         StackSlice& slice = *currentSlice();
-        const QString text = deletionText(slice);
+        const QString text = deletionText(slice) + neighbourText(stack, slice);
         stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
         _statusBar->showMessage(text, messageMilliseconds);
       });

@@ -64,6 +64,9 @@ public:
 
   /// Leaves the tool at work with what is worth keeping of its work.
   void finishTool();
+  /// The same before the window closes; asks what is to become of a registration that was not applied.
+  /// \return whether the window may close
+  bool confirmLeaving();
   /// Shows the stack that is selected in the list, or the start page.
   void showCurrentStack();
   /// Shows the overview if it was shown when the program was used last.
@@ -111,6 +114,7 @@ private:
   static QString lockText(const StackSlice& slice);
   static QString obstacleText(const StackSlice* obstacle, const StackSlice* locked);
   static QString deletionText(const StackSlice& slice);
+  static QString neighbourText(const NYXStack& stack, const StackSlice& deleted);
   void undo();
   void redo();
   void insertSlices();

@@ -296,7 +296,7 @@ void NYXRootWindow::closeEvent(QCloseEvent* event)
     event->ignore();
     return quit();
   }
-  _mediator->finishTool();
+  if (!_mediator->confirmLeaving()) return event->ignore();
   leave();
   event->accept();
 }

@@ -179,7 +179,9 @@ QWidget* NYXSlicePropertiesEditor::createDepthGroup()
   _resultingDepth = new QLabel(group);
   _resultingDepth->setObjectName("resultingDepth");
   form->addRow(tr("Depth in the stack"), _resultingDepth);
-  _thickness = NYXNumberBox::addTo(*form, "thickness", tr("Thickness"), tr("Thickness of the slice"));
+  _thickness =
+      NYXNumberBox::addTo(*form, "thickness", tr("Thickness"),
+                          tr("Thickness of the slice. It lasts while the program runs: stack files do not hold it"));
   _thickness->setRange(0, greatestLength);
   _form.bind(
       *_thickness, [](const Properties& p) { return double{p.thickness}; },

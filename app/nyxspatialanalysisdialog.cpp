@@ -1,11 +1,11 @@
 #include "app/nyxspatialanalysisdialog.h"
 
+#include "app/core/errortext.h"
 #include "app/core/nyxstack.h"
 #include "app/nyxnumberbox.h"
 #include "app/nyxspatialanalysisplugin.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
-#include "viewer/errortext.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -157,7 +157,9 @@ QWidget* NYXStackPropertiesEditor::createDepthGroup()
   _form.bind(
       *_spacing, [](const Properties& p) { return double{p.defaultRelativePosition}; },
       [](Properties& p, double length) { p.defaultRelativePosition = static_cast<float>(length); });
-  _thickness = NYXNumberBox::addTo(*form, "sliceThickness", tr("Slice thickness"), tr("Thickness of new slices"));
+  _thickness =
+      NYXNumberBox::addTo(*form, "sliceThickness", tr("Slice thickness"),
+                          tr("Thickness of new slices. It lasts while the program runs: stack files do not hold it"));
   _thickness->setRange(0, greatestLength);
   _form.bind(
       *_thickness, [](const Properties& p) { return double{p.defaultSliceThickness}; },

@@ -5,6 +5,7 @@
 #include "model/io/stackreader.h"
 #include "model/model.h"
 #include "model/stack.h"
+#include "numeric/atomicfile.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -53,8 +54,7 @@ std::vector<const Model*> selectModels(const StackFile& file, const std::vector<
 
 void requireNew(const std::string& filename, bool overwrite)
 {
-  if (!overwrite && std::filesystem::exists(filename))
-    throw BatchError(filename + ": file exists (--overwrite replaces it)");
+  if (!overwrite && fileExists(filename)) throw BatchError(filename + ": file exists (--overwrite replaces it)");
 }
 
 void requireWritable(const std::string& filename, bool overwrite)

@@ -6,8 +6,6 @@
 #include "image/tiffwriting.h"
 #include "numeric/atomicfile.h"
 
-#include <filesystem>
-
 namespace
 {
 constexpr const char* writeSignature = "void ImageWriter::write(const Image&, const std::string&, bool)";
@@ -23,8 +21,7 @@ void writeTIFF(const Image& image, TiffFile& file)
 
 void ImageWriter::write(const Image& image, const std::string& filename, bool overwrite)
 {
-  if (!overwrite && std::filesystem::exists(filename))
-    throw FileWriteError(writeSignature, "File already exists", filename);
+  if (!overwrite && fileExists(filename)) throw FileWriteError(writeSignature, "File already exists", filename);
   if (image.getSize() == 0) throw FileWriteError(writeSignature, "An image without pixels cannot be written", filename);
   AtomicFile target(filename);
   {

@@ -99,7 +99,7 @@ void VoxelMatrix<T>::save(const std::string& filename, bool overwrite, ProgressS
 {
   const std::string target = std::filesystem::path(filename).extension() == ".vm" ? filename : filename + ".vm";
   if (getNumVoxels() == 0) throw FileWriteError(saveSignature, "There are no voxels to write", target);
-  if (!overwrite && std::filesystem::exists(target)) throw FileWriteError(saveSignature, "File already exists", target);
+  if (!overwrite && fileExists(target)) throw FileWriteError(saveSignature, "File already exists", target);
   const ProgressStep step(subject, "Writing " + target, getSize3());
   AtomicFile file(target);
   const auto header = headerBytes(*this);

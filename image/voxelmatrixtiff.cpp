@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <filesystem>
 #include <new>
 #include <omp.h>
 
@@ -146,7 +145,7 @@ template <class T> void VoxelMatrix<T>::loadTiffStackFile(const std::string& fil
 template <class T> void VoxelMatrix<T>::saveAsTiff(const std::string& filename, bool overwrite) const
 {
   const auto refuse = [&filename](const char* what) { throw FileWriteError(saveSignature, what, filename); };
-  if (!overwrite && std::filesystem::exists(filename)) refuse("File already exists");
+  if (!overwrite && fileExists(filename)) refuse("File already exists");
   if (getNumVoxels() == 0) refuse("A matrix without voxels cannot be written");
   if (!std::all_of(_block, _block + getNumVoxels(), isLevel<T>))
     refuse("Only whole numbers of 0 to 255 can be written as TIFF");

@@ -81,6 +81,12 @@ void flushFolder(const fs::path& folder)
 }
 } // namespace
 
+bool fileExists(const std::string& filename)
+{
+  std::error_code impossible;
+  return std::filesystem::exists(filename, impossible);
+}
+
 AtomicFile::AtomicFile(const std::string& filename) : _filename(filename), _target(followLinks(filename).string())
 {
   checkTarget();

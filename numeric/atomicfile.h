@@ -5,6 +5,9 @@
 #include <string_view>
 #include <sys/types.h>
 
+/// Whether there is something of this name. There is nothing of a name that no file can have.
+bool fileExists(const std::string& filename);
+
 /// A file written beside its target and renamed over it when complete: a crash, a full disk or an error leaves the old
 /// file as it was.
 ///

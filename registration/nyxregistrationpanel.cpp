@@ -1,6 +1,8 @@
 #include "registration/nyxregistrationpanel.h"
 
 #include "registration/nyxregistrationgeometry.h"
+#include "slice/image/nyxdecimalbox.h"
+#include "slice/image/nyxintegerbox.h"
 
 #include <QDoubleSpinBox>
 #include <QFormLayout>
@@ -39,8 +41,10 @@ void forgetTyping(QLineEdit& text)
 /// Whether a number is typed in a field that it has not taken over yet.
 bool isTyping(const QObject& field)
 {
+  const QChar sign = QLocale().decimalPoint();
   bool isNumber = false;
-  const double typed = QLocale().toDouble(field.property("cleanText").toString(), &isNumber);
+  const double typed =
+      QLocale().toDouble(field.property("cleanText").toString().replace('.', sign).replace(',', sign), &isNumber);
   return !isNumber || typed != field.property("value").toDouble();
 }
 } // namespace
@@ -84,7 +88,7 @@ NYXRegistrationPanel::NYXRegistrationPanel(QWidget* parent)
 QSpinBox* NYXRegistrationPanel::addShift(QFormLayout& form, const QString& label, const QString& toolTip,
                                          const QString& name, void (Registration::*set)(int))
 {
-  auto* field = new QSpinBox(this);
+  auto* field = new NYXIntegerBox(this);
   field->setObjectName(name);
   field->setRange(-largestShift, largestShift);
   field->setSuffix(tr(" px"));
@@ -105,7 +109,7 @@ QSpinBox* NYXRegistrationPanel::addShift(QFormLayout& form, const QString& label
 
 QDoubleSpinBox* NYXRegistrationPanel::addAngle(QFormLayout& form)
 {
-  auto* field = new QDoubleSpinBox(this);
+  auto* field = new NYXDecimalBox(this);
   field->setObjectName("angle");
   field->setDecimals(2);
   field->setRange(-360, 360);

@@ -7,7 +7,7 @@ LOG_DIR="$ROOT/build"
 PROGRAM_PACKAGES=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5svg5-dev libgl-dev libglu1-mesa-dev
                   libopengl-dev libegl-dev libgl1-mesa-dri libpng-dev libtiff-dev libfftw3-dev libcli11-dev nlohmann-json3-dev
                   libnanoflann-dev ffmpeg)
-TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool python3)
 
 die()
 {

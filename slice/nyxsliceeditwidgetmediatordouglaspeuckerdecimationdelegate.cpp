@@ -4,6 +4,7 @@
 #include "geometry/curveprocessing/douglaspeuckercurvedecimation.h"
 #include "model/model.h"
 #include "model/modelitem.h"
+#include "slice/image/nyxdecimalbox.h"
 
 #include <QDoubleSpinBox>
 #include <QFormLayout>
@@ -11,9 +12,8 @@
 void NYXSliceEditWidgetMediatorDouglasPeuckerDecimationDelegate::addControls(QFormLayout& form, const ModelItem&)
 {
   _tolerance = 1;
-  auto* tolerance = new QDoubleSpinBox;
+  auto* tolerance = new NYXDecimalBox;
   tolerance->setObjectName("tolerance");
-  tolerance->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   tolerance->setRange(0, 100);
   tolerance->setSingleStep(0.5);
   tolerance->setValue(_tolerance);

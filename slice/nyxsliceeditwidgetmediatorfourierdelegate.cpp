@@ -1,6 +1,8 @@
 #include "slice/nyxsliceeditwidgetmediatorfourierdelegate.h"
 
 #include "model/modelitem.h"
+#include "slice/image/nyxdecimalbox.h"
+#include "slice/image/nyxintegerbox.h"
 #include "slice/nyxcontourvertices.h"
 
 #include <QDoubleSpinBox>
@@ -28,15 +30,14 @@ bool NYXSliceEditWidgetMediatorFourierDelegate::isApplicable(const ModelItem& it
 void NYXSliceEditWidgetMediatorFourierDelegate::addControls(QFormLayout& form, const ModelItem& item)
 {
   _first.compute(realCurve(item), numHarmonicsOf(item));
-  _fidelity = new QDoubleSpinBox;
+  _fidelity = new NYXDecimalBox;
   _fidelity->setObjectName("fidelity");
-  _fidelity->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   _fidelity->setRange(0, 100);
   _fidelity->setDecimals(2);
   _fidelity->setSuffix(" %");
   _fidelity->setSingleStep(0.1);
   _fidelity->setToolTip(tr("Share of the contour's variance that is kept"));
-  _number = new QSpinBox;
+  _number = new NYXIntegerBox;
   _number->setObjectName("numDescriptors");
   _number->setRange(1, _first.getNumHarmonics());
   _number->setToolTip(tr("How many Fourier descriptors are kept"));

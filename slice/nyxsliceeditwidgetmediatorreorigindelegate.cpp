@@ -1,6 +1,7 @@
 #include "slice/nyxsliceeditwidgetmediatorreorigindelegate.h"
 
 #include "model/modelitem.h"
+#include "slice/image/nyxintegerbox.h"
 
 #include <QFormLayout>
 #include <QSpinBox>
@@ -15,7 +16,7 @@ bool NYXSliceEditWidgetMediatorReoriginDelegate::isApplicable(const ModelItem& i
 void NYXSliceEditWidgetMediatorReoriginDelegate::addControls(QFormLayout& form, const ModelItem& item)
 {
   _origin = 0;
-  _number = new QSpinBox;
+  _number = new NYXIntegerBox;
   _number->setObjectName("origin");
   _number->setRange(0, item.getSize() - 1);
   _number->setToolTip(tr("Number of the vertex that becomes the first one"));

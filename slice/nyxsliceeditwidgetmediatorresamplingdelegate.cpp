@@ -2,6 +2,7 @@
 
 #include "geometry/curveprocessing/curveresampling.h"
 #include "model/modelitem.h"
+#include "slice/image/nyxintegerbox.h"
 #include "slice/nyxcontourvertices.h"
 
 #include <QFormLayout>
@@ -18,7 +19,7 @@ constexpr int most = 1000000;
 void NYXSliceEditWidgetMediatorResamplingDelegate::addControls(QFormLayout& form, const ModelItem& item)
 {
   _numVertices = std::max(fewest, item.getSize());
-  auto* number = new QSpinBox;
+  auto* number = new NYXIntegerBox;
   number->setObjectName("numVertices");
   number->setRange(fewest, most);
   number->setValue(_numVertices);

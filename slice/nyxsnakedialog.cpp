@@ -1,5 +1,8 @@
 #include "slice/nyxsnakedialog.h"
 
+#include "slice/image/nyxdecimalbox.h"
+#include "slice/image/nyxintegerbox.h"
+
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
@@ -42,10 +45,9 @@ NYXSnakeDialog::NYXSnakeDialog(const SnakeConfig& config, QWidget* parent)
 QDoubleSpinBox* NYXSnakeDialog::addNumber(const QString& label, const QString& toolTip, const char* name, double least,
                                           double greatest, double value)
 {
-  auto* number = new QDoubleSpinBox;
+  auto* number = new NYXDecimalBox;
   number->setObjectName(name);
   number->setToolTip(toolTip);
-  number->setLocale(QLocale::c()); // a point is a decimal sign, whatever the user's language
   number->setDecimals(3);
   number->setSingleStep(0.1);
   number->setRange(least, greatest);
@@ -57,7 +59,7 @@ QDoubleSpinBox* NYXSnakeDialog::addNumber(const QString& label, const QString& t
 QSpinBox* NYXSnakeDialog::addCount(const QString& label, const QString& toolTip, const char* name, int greatest,
                                    int value)
 {
-  auto* number = new QSpinBox;
+  auto* number = new NYXIntegerBox;
   number->setObjectName(name);
   number->setToolTip(toolTip);
   number->setRange(1, greatest);

@@ -35,6 +35,13 @@ void LandmarksDelegate::clear()
   show();
 }
 
+void LandmarksDelegate::scale(double factor)
+{
+  for (ViewerCamera::Point& landmark : _landmarks)
+    for (auto& coordinate : landmark) coordinate *= factor;
+  show();
+}
+
 void LandmarksDelegate::show()
 {
   _canvas.setLandmarks(_landmarks);

@@ -28,6 +28,8 @@ public slots:
   /// Unchecked.
   void remove(int landmark);
   void clear();
+  /// Follows a scene whose lengths have become others.
+  void scale(double factor);
 
 signals:
   void landmarksChanged();

@@ -1,6 +1,7 @@
 #include "viewer/nyxcreatevideodialog.h"
 
 #include "slice/image/nyxfiledialog.h"
+#include "slice/image/nyxintegerbox.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -66,7 +67,7 @@ NYXCreateVideoDialog::NYXCreateVideoDialog(QWidget* parent)
 
 QSpinBox* NYXCreateVideoDialog::createNumber(const char* name, int least, int most, int value, const QString& suffix)
 {
-  auto* const box = new QSpinBox(this);
+  auto* const box = new NYXIntegerBox(this);
   box->setObjectName(name);
   box->setRange(least, most);
   box->setValue(value);

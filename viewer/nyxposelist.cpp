@@ -1,10 +1,10 @@
 #include "viewer/nyxposelist.h"
 
 #include "app/core/actions/nyxposeinsertiondeletionaction.h"
+#include "app/core/errortext.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "model/pose.h"
-#include "viewer/errortext.h"
 #include "viewer/viewercanvasgl.h"
 
 #include <QHBoxLayout>

@@ -1,6 +1,7 @@
 #include "viewer/nyxrenderingwindow.h"
 
 #include "app/core/actions/nyxsliceaction.h"
+#include "app/core/errortext.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxproposedfilename.h"
 #include "app/core/nyxstack.h"
@@ -8,7 +9,6 @@
 #include "model/model.h"
 #include "model/stackslice.h"
 #include "slice/image/nyxfiledialog.h"
-#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -91,6 +91,7 @@ void NYXRenderingWindow::followModels()
   connect(_models, &NYXSceneModels::updated, this, &NYXRenderingWindow::showProblems);
   connect(_models, &NYXSceneModels::updated, _images, &NYXSceneImages::addPainters);
   connect(_models, &NYXSceneModels::modelsChanged, this, &NYXRenderingWindow::showEmptyNote);
+  connect(_models, &NYXSceneModels::unitChanged, &_mediator->landmarks(), &LandmarksDelegate::scale);
   connect(_images, &NYXSceneImages::imagesChanged, this, &NYXRenderingWindow::showEmptyNote);
   connect(_cancel, &QPushButton::clicked, _models, &NYXSceneModels::cancel);
 }
@@ -247,7 +248,6 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
 
 void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  showLandmarks(); // the unit may be another one
   refreshImages(&event.getStack());
 }
 

@@ -1,10 +1,11 @@
 // The parts of the window of the 3D view: tool bar, panel, status bar, and where they are.
+#include "app/core/errortext.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
+#include "slice/image/nyxintegerbox.h"
 #include "slice/image/nyxprogressrun.h"
 #include "slice/image/nyxstatusfield.h"
-#include "viewer/errortext.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -241,7 +242,7 @@ QWidget* NYXRenderingWindow::createImagesPage()
   auto* const planeForm = new QFormLayout(plane);
   auto* const isShown = new QCheckBox(tr("Show the image of a slice"), plane);
   isShown->setObjectName("showSliceImage");
-  _slice = new QSpinBox(plane);
+  _slice = new NYXIntegerBox(plane);
   _slice->setObjectName("sliceNumber");
   _slice->setRange(1, qMax(1, _stack.getNumSlices()));
   _slice->setToolTip(tr("Number of the slice; follows the main window"));
@@ -358,7 +359,7 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
 
 QString NYXRenderingWindow::unit() const
 {
-  return QString::fromStdString(_stack.getLengthUnit().symbol());
+  return _models->unit();
 }
 
 void NYXRenderingWindow::showLandmarks()

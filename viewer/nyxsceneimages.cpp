@@ -1,10 +1,10 @@
 #include "viewer/nyxsceneimages.h"
 
+#include "app/core/errortext.h"
 #include "app/core/nyxstack.h"
 #include "model/stackslice.h"
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxprogressrun.h"
-#include "viewer/errortext.h"
 #include "viewer/scene/shownstack.h"
 #include "viewer/viewercanvasgl.h"
 

@@ -10,6 +10,8 @@
 #include "viewer/viewercanvasgl.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace
 {
@@ -25,6 +27,7 @@ NYXSceneModels::NYXSceneModels(NYXStack& stack, ViewerCanvasGL& canvas, QObject*
   connect(&_run, &NYXReconstructionRun::ended, this, &NYXSceneModels::takeResults);
   connect(&_run, &NYXReconstructionRun::progressChanged, this, &NYXSceneModels::progressChanged);
   NYXEventServer::attach(*this);
+  _shownScale = lengthScale();
   rebuild();
 }
 
@@ -69,7 +72,7 @@ void NYXSceneModels::showItem(const ModelItem& item, bool isShown)
 {
   if (isShown == this->isShown(item)) return;
   _itemVisibilities[&item] = isShown;
-  markModel(item.getModel());
+  markModel(*item.getModel());
   emit modelsChanged();
 }
 
@@ -87,10 +90,10 @@ QString NYXSceneModels::problemOf(const Model& model) const
   return painted == _painted.end() ? QString() : QString::fromStdString(painted->second.problem);
 }
 
-void NYXSceneModels::markModel(const Model* model)
+void NYXSceneModels::markModel(const Model& model)
 {
-  if (model == nullptr || model->getStack() != &_stack) return;
-  _staleModels.insert(model);
+  if (model.getStack() != &_stack) return;
+  _staleModels.insert(&model);
   schedule();
 }
 
@@ -111,9 +114,29 @@ void NYXSceneModels::atEventBatchEnd()
   if (!_staleModels.empty() && !_run.isRunning()) _delay.start();
 }
 
+NYXSceneModels::LengthScale NYXSceneModels::lengthScale() const
+{
+  return {_stack.getLengthUnit(), _stack.getDefaultPixelCalibration().getPixelWidth()};
+}
+
+void NYXSceneModels::showScale(const LengthScale& scale)
+{
+  constexpr double rounding = 1e-5; // of converted lengths
+  const LengthScale old = std::exchange(_shownScale, scale);
+  if (scale.unit == old.unit) return;
+  const double factor = std::pow(10.0, old.unit.getScale() - scale.unit.getScale());
+  const double width = double{old.pixelWidth} * factor;
+  const bool isConverted = std::abs(double{scale.pixelWidth} - width) <= rounding * std::abs(width);
+  _canvas.setUnit(unit());
+  emit unitChanged(isConverted ? factor : 1);
+}
+
 void NYXSceneModels::start()
 {
   if (_run.isRunning() || eventBatchEnabled() || _staleModels.empty()) return;
+  _runScale = lengthScale();
+  if (_runScale.unit != _shownScale.unit) // also what a cancelled reconstruction has left
+    for (int i = 0; i < _stack.getNumModels(); ++i) _staleModels.insert(_stack.getModel(i));
   const std::vector<const Model*> models(_staleModels.begin(), _staleModels.end());
   for (const Model* model : models) _cancelledModels.erase(model);
   _staleModels.clear();
@@ -126,6 +149,7 @@ void NYXSceneModels::start()
 void NYXSceneModels::takeResults(bool isDone)
 {
   const std::vector<const Model*>& models = _run.shown().models;
+  if (isDone) showScale(_runScale);
   _canvas.makeCurrent();
   for (std::size_t i = 0; isDone && i < models.size(); ++i)
     if (_stack.findModel(models[i]) >= 0) _painted[models[i]] = std::move(_run.painted()[i]);
@@ -168,36 +192,20 @@ void NYXSceneModels::forgetDeletedItems()
   std::erase_if(_itemVisibilities, [&items](const auto& visibility) { return !items.contains(visibility.first); });
 }
 
-void NYXSceneModels::markMovedSlices(const Stack* stack)
+void NYXSceneModels::noteStackChange(const Stack& stack)
 {
-  if (stack == &_stack) markAll();
+  if (&stack == &_stack) markAll();
 }
 
-void NYXSceneModels::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
+void NYXSceneModels::noteItemChange(const Model& model, const ModelItem&)
 {
-  markMovedSlices(&event.getStack());
-}
-
-void NYXSceneModels::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event)
-{
-  markMovedSlices(&event.getStack());
+  markModel(model);
 }
 
 void NYXSceneModels::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  if (&event.getStack() != &_stack) return;
-  _canvas.setUnit(QString::fromStdString(_stack.getLengthUnit().symbol()));
-  markAll();
-}
-
-void NYXSceneModels::sliceSpacingEvent(const NYXSliceSpacingEvent& event)
-{
-  markMovedSlices(event.getSlice().getStack());
-}
-
-void NYXSceneModels::sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event)
-{
-  markMovedSlices(event.getSlice().getStack());
+  NYXGeometryClient::stackImageCalibrationEvent(event);
+  if (&event.getStack() == &_stack && _stack.getNumModels() == 0) showScale(lengthScale());
 }
 
 void NYXSceneModels::sliceNameEvent(const NYXSliceNameEvent& event)
@@ -216,7 +224,7 @@ void NYXSceneModels::processSliceAction(NYXSliceAction& action)
 void NYXSceneModels::modelCreateEvent(const NYXModelCreateEvent& event)
 {
   if (event.getStack() != &_stack) return;
-  markModel(&event.getModel());
+  markModel(event.getModel());
   emit modelsChanged();
 }
 
@@ -253,48 +261,38 @@ void NYXSceneModels::modelPropertiesEvent(const NYXModelPropertiesEvent& event)
     _canvas.update();
   }
   else
-    markModel(&model);
+    markModel(model);
   emit modelsChanged();
-}
-
-void NYXSceneModels::markItemChange(const NYXModelItemEvent& event, bool isListChanged)
-{
-  const ModelItem& item = event.getItem();
-  const Model* const model = item.getModel();
-  if (model == nullptr || model->getStack() != &_stack) return;
-  markModel(model);
-  if (isListChanged) emit modelsChanged();
 }
 
 void NYXSceneModels::modelItemCreateEvent(const NYXModelItemCreateEvent& event)
 {
-  markItemChange(event, true);
+  NYXGeometryClient::modelItemCreateEvent(event);
+  tellOfItems(event);
 }
 
 void NYXSceneModels::modelItemDeleteEvent(const NYXModelItemDeleteEvent& event)
 {
   _itemVisibilities.erase(&event.getItem());
-  markItemChange(event, true);
+  NYXGeometryClient::modelItemDeleteEvent(event);
+  tellOfItems(event);
 }
 
-void NYXSceneModels::modelItemVertexEvent(const NYXModelItemVertexEvent& event)
-{
-  markItemChange(event, false);
-}
-
+/// An item may be shown in 3D or not.
 void NYXSceneModels::modelItemAttributeEvent(const NYXModelItemAttributeEvent& event)
 {
-  markItemChange(event, true);
-}
-
-void NYXSceneModels::modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event)
-{
-  markItemChange(event, false);
+  if (const Model* const model = event.getItem().getModel()) markModel(*model);
+  tellOfItems(event);
 }
 
 void NYXSceneModels::modelItemConvertEvent(const NYXModelItemConvertEvent& event)
 {
-  markModel(&event.getSourceModel());
-  markModel(&event.getDestinationModel());
-  emit modelsChanged();
+  NYXGeometryClient::modelItemConvertEvent(event);
+  tellOfItems(event);
+}
+
+void NYXSceneModels::tellOfItems(const NYXModelItemEvent& event)
+{
+  const Model* const model = event.getItem().getModel();
+  if (model != nullptr && model->getStack() == &_stack) emit modelsChanged();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/core/nyxeventclient.h"
+#include "app/core/nyxgeometryclient.h"
+#include "numeric/lengthunit.h"
 #include "viewer/nyxreconstructionrun.h"
 
 #include <QObject>
@@ -10,14 +11,12 @@
 #include <memory>
 #include <set>
 
-class Model;
-class ModelItem;
 class NYXStack;
 class ViewerCanvasGL;
 
 /// Keeps the painters of a stack's models in step with the stack: what the event bus tells of makes a model stale, and
 /// stale models are reconstructed in a thread of their own. The others keep their painters.
-class NYXSceneModels : public QObject, public NYXEventClient
+class NYXSceneModels : public QObject, public NYXGeometryClient
 {
   Q_OBJECT
 
@@ -37,6 +36,9 @@ public:
   /// Why a model is not drawn, or otherwise than it should be; empty otherwise.
   QString problemOf(const Model& model) const;
 
+  /// The unit of length of what is shown, which may be that from before a reconstruction.
+  QString unit() const { return QString::fromStdString(_shownScale.unit.symbol()); }
+
   bool isRunning() const { return _run.isRunning(); }
   /// Whether there are models whose painters do not show them as they are.
   bool isStale() const { return !_staleModels.empty() || !_cancelledModels.empty(); }
@@ -53,38 +55,44 @@ signals:
   void modelsChanged();
   /// The painters are as they should be, or could not be made: a text says why.
   void updated(const QString& error);
+  /// What is shown has another unit now. \param factor  by which its lengths have grown; 1 when they stayed the same
+  void unitChanged(double factor);
   void progressChanged(double share);
   void runningChanged(bool isRunning);
 
 protected:
-  void stackRegistrationEvent(const NYXStackRegistrationEvent& event) override;
-  void stackSliceSpacingEvent(const NYXStackSliceSpacingEvent& event) override;
+  void noteStackChange(const Stack& stack) override;
+  void noteItemChange(const Model& model, const ModelItem& item) override;
   void stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event) override;
-  void sliceSpacingEvent(const NYXSliceSpacingEvent& event) override;
-  void sliceImageCalibrationEvent(const NYXSliceImageCalibrationEvent& event) override;
   void sliceNameEvent(const NYXSliceNameEvent& event) override;
   void modelCreateEvent(const NYXModelCreateEvent& event) override;
   void modelDeleteEvent(const NYXModelDeleteEvent& event) override;
   void modelPropertiesEvent(const NYXModelPropertiesEvent& event) override;
   void modelItemCreateEvent(const NYXModelItemCreateEvent& event) override;
   void modelItemDeleteEvent(const NYXModelItemDeleteEvent& event) override;
-  void modelItemVertexEvent(const NYXModelItemVertexEvent& event) override;
   void modelItemAttributeEvent(const NYXModelItemAttributeEvent& event) override;
-  void modelItemTriangulationTagEvent(const NYXModelItemTriangulationTagEvent& event) override;
   void modelItemConvertEvent(const NYXModelItemConvertEvent& event) override;
   void processSliceAction(NYXSliceAction& action) override;
   void atEventBatchEnd() override;
 
 private:
-  void markItemChange(const NYXModelItemEvent& event, bool isListChanged);
-  void markModel(const Model* model);
+  /// The unit, and a length in it that tells whether lengths are converted with it.
+  struct LengthScale
+  {
+    LengthUnit unit;
+    float pixelWidth = 0;
+  };
+
+  LengthScale lengthScale() const;
+  void showScale(const LengthScale& scale);
+  void markModel(const Model& model);
   void markAll();
-  void markMovedSlices(const Stack* stack);
   void schedule();
   void start();
   void takeResults(bool isDone);
   void drop(const Model* model);
   void forgetDeletedItems();
+  void tellOfItems(const NYXModelItemEvent& event);
   bool isBeingMade(const Model& model) const;
 
   NYXStack& _stack;
@@ -94,6 +102,8 @@ private:
   std::set<const Model*> _cancelledModels; // stale ones that are not made anew by themselves
   std::set<const Model*> _hiddenModels;
   std::map<const ModelItem*, bool> _itemVisibilities; // those that differ from the properties
+  LengthScale _shownScale;
+  LengthScale _runScale;
   NYXReconstructionRun _run;
   QTimer _delay;
 };

@@ -1,5 +1,7 @@
 #include "viewer/nyxsnapshotdialog.h"
 
+#include "slice/image/nyxintegerbox.h"
+
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -9,7 +11,7 @@
 
 NYXSnapshotDialog::NYXSnapshotDialog(const QSize& size, int largestScale, QWidget* parent)
   : QDialog(parent),
-    _scale(new QSpinBox(this)),
+    _scale(new NYXIntegerBox(this)),
     _isTransparent(new QCheckBox(tr("Transparent background"), this)),
     _isCropped(new QCheckBox(tr("Cropped to what is drawn"), this))
 {

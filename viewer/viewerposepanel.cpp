@@ -1,6 +1,8 @@
 #include "viewer/viewerposepanel.h"
 
 #include "model/pose.h"
+#include "slice/image/nyxdecimalbox.h"
+#include "slice/image/nyxintegerbox.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -53,7 +55,7 @@ ViewerPosePanel::ViewerPosePanel(QWidget* parent) : QWidget(parent)
 
 QDoubleSpinBox* ViewerPosePanel::addAngle(QFormLayout& form, const QString& label, const char* name, int axis)
 {
-  auto* const box = named(new QDoubleSpinBox(this), name, tr("Rotation of the scene in degrees"));
+  auto* const box = named(new NYXDecimalBox(this), name, tr("Rotation of the scene in degrees"));
   box->setRange(-180, 180);
   box->setDecimals(1);
   box->setSingleStep(5);
@@ -72,7 +74,7 @@ QDoubleSpinBox* ViewerPosePanel::addAngle(QFormLayout& form, const QString& labe
 
 QSpinBox* ViewerPosePanel::addTranslation(QFormLayout& form, const QString& label, const char* name)
 {
-  auto* const box = named(new QSpinBox(this), name, tr("Shift of the view in percent of the scene's size"));
+  auto* const box = named(new NYXIntegerBox(this), name, tr("Shift of the view in percent of the scene's size"));
   box->setRange(-10000, 10000);
   box->setSuffix(tr(" %"));
   box->setKeyboardTracking(false);
@@ -84,7 +86,7 @@ QSpinBox* ViewerPosePanel::addTranslation(QFormLayout& form, const QString& labe
 
 QSpinBox* ViewerPosePanel::addPercentage(QFormLayout& form, const QString& label, const char* name, int least, int most)
 {
-  auto* const box = named(new QSpinBox(this), name, {});
+  auto* const box = named(new NYXIntegerBox(this), name, {});
   box->setRange(least, most);
   box->setSingleStep(5);
   box->setSuffix(tr(" %"));

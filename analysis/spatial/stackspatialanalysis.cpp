@@ -71,28 +71,39 @@ std::vector<const ModelItem*> itemsOf(const Model& model, const StackSlice& slic
   return items;
 }
 
-/// The item in reconstructed x and y.
-Vertices<double> planeVertices(const StackReconstruction<double>& reconstruction, const ModelItem& item)
+/// An item's vertices in pixels of its slice's image. What lies inside what is decided there, where it is exact: in
+/// space, rounding would decide on points that lie on the boundary.
+Vertices<double> pixelsOf(const ModelItem& item)
 {
-  Vertices<double> vertices(3);
-  reconstruction.map(vertices, item);
-  Vertices<double> plane(2, vertices.getSize());
-  for (int i = 0; i < vertices.getSize(); ++i) std::copy_n(vertices.data(i), 2, plane.data(i));
-  return plane;
+  const Vertices<int>& vertices = item.getVertices();
+  Vertices<double> pixels(2, vertices.getSize());
+  for (int i = 0; i < vertices.getSize(); ++i) std::copy_n(vertices.data(i), 2, pixels.data(i));
+  return pixels;
 }
 
-/// The positions of the objects that an item stands for; an item without vertices has one that is not finite.
-Vertices<double> objectsOf(const StackReconstruction<double>& reconstruction, const ModelItem& item)
+/// The positions of the objects that an item stands for, in pixels; an item without vertices has one that is not
+/// finite.
+Vertices<double> objectsOf(const ModelItem& item)
 {
-  if (item.getModel()->getGeometry() == MPrimitive::Polypoint) return planeVertices(reconstruction, item);
-  ModelItemGeometry geometry(reconstruction);
-  geometry.setModelItem(item);
-  geometry.run();
+  if (item.getModel()->getGeometry() == MPrimitive::Polypoint) return pixelsOf(item);
+  const std::array<double, 2> mean = meanPixelOf(item);
   Vertices<double> object(2, 1);
-  std::copy_n(geometry.getIsobarycenter().data(), 2, object.data());
+  std::copy_n(mean.data(), 2, object.data());
   return object;
 }
 
+/// Pixels of a slice's image in reconstructed x and y.
+Vertices<double> inSpace(const Vertices<double>& pixels, const Vector<double>& map)
+{
+  Vertices<double> vertices(2, pixels.getSize());
+  for (int i = 0; i < pixels.getSize(); ++i)
+  {
+    const double u = pixels.data(i)[0], v = pixels.data(i)[1];
+    vertices.data(i)[0] = map[0] * u + map[1] * v + map[2];
+    vertices.data(i)[1] = map[3] * u + map[4] * v + map[5];
+  }
+  return vertices;
+}
 } // namespace
 
 void StackSpatialAnalysis::run(const Stack& stack, const Config& config)
@@ -141,8 +152,9 @@ StackSpatialAnalysis::readSlice(const StackReconstruction<double>& reconstructio
   const std::vector<const ModelItem*> items = itemsOf(*_config.objects, slice);
   SliceInput input;
   input.slice = &slice;
-  for (const ModelItem* item : items) input.objects.append(objectsOf(reconstruction, *item));
-  const int numObjects = input.objects.getSize();
+  Vertices<double> objects(2);
+  for (const ModelItem* item : items) objects.append(objectsOf(*item));
+  const int numObjects = objects.getSize();
   if (boundaries.empty() && numObjects > 0)
     note(slice, "no item of the boundary model; " + counted(numObjects, "object") + " left out");
   if (boundaries.empty() || numObjects == 0) return std::nullopt;
@@ -150,9 +162,12 @@ StackSpatialAnalysis::readSlice(const StackReconstruction<double>& reconstructio
     note(slice, counted(static_cast<long>(boundaries.size()) - 1, "further item") + " of the boundary model unused");
   try
   {
-    input.boundary = Curve<double>(planeVertices(reconstruction, *boundaries.front()));
+    const Vector<double>& map = reconstruction.getMap(slice.getIndex());
+    const Vertices<double> boundary = pixelsOf(*boundaries.front());
+    input.objects = inSpace(insideOf(boundary, objects, slice), map);
+    input.boundary = Curve<double>(inSpace(boundary, map));
     input.index = makeBoundary(input.boundary);
-    keepInside(input);
+    countPositions(input);
   }
   catch (Exception& error)
   {
@@ -163,22 +178,27 @@ StackSpatialAnalysis::readSlice(const StackReconstruction<double>& reconstructio
   return input;
 }
 
-void StackSpatialAnalysis::keepInside(SliceInput& input)
+Vertices<double> StackSpatialAnalysis::insideOf(const Vertices<double>& boundary, const Vertices<double>& objects,
+                                                const StackSlice& slice)
 {
+  const auto domain = makeBoundary(Curve<double>(boundary));
   Vertices<double> inside(2);
-  const Vertices<double>& objects = input.objects;
   for (int i = 0; i < objects.getSize(); ++i)
-    if (input.index->contains(objects.data(i))) inside.append(objects[i]);
+    if (domain->contains(objects.data(i))) inside.append(objects[i]);
   if (const int numOutside = objects.getSize() - inside.getSize(); numOutside > 0)
-    note(*input.slice, counted(numOutside, "object") + " outside the boundary left out");
-  input.objects = inside;
-  if (!_config.hasFunctionF || inside.getSize() == 0) return;
+    note(slice, counted(numOutside, "object") + " outside the boundary left out");
+  return inside;
+}
+
+void StackSpatialAnalysis::countPositions(SliceInput& input)
+{
+  if (!_config.hasFunctionF || input.objects.getSize() == 0) return;
   const double numPositions = std::floor(input.index->content() * _config.evaluationDensity);
   if (!(numPositions <= maxNumPositions))
   {
     char number[32];
     std::snprintf(number, sizeof number, "%.0f", numPositions);
-    throw UsageError("void StackSpatialAnalysis::keepInside(SliceInput&)",
+    throw UsageError("void StackSpatialAnalysis::countPositions(SliceInput&)",
                      "The evaluation density asks for " + std::string(number) + " positions, more than 10 million");
   }
   input.numPositions = static_cast<int>(numPositions);

@@ -83,7 +83,8 @@ private:
 
   std::vector<SliceInput> readSlices(const Stack& stack);
   std::optional<SliceInput> readSlice(const StackReconstruction<double>& reconstruction, const StackSlice& slice);
-  void keepInside(SliceInput& input);
+  Vertices<double> insideOf(const Vertices<double>& boundary, const Vertices<double>& objects, const StackSlice& slice);
+  void countPositions(SliceInput& input);
   SliceResult analyse(const SliceInput& input);
   std::vector<SpatialEvaluation<double>> simulate(const SliceInput& input,
                                                   SpatialModelEvaluator<double, PixelType>& evaluator);

@@ -15,6 +15,24 @@ constexpr double unavailable = std::numeric_limits<double>::quiet_NaN();
 constexpr int space = 3;
 } // namespace
 
+std::array<double, 2> meanPixelOf(const ModelItem& item)
+{
+  double count = 0, x = 0, y = 0;
+  const auto add = [&](double number, double u, double v)
+  {
+    count += number;
+    x += number * u;
+    y += number * v;
+  };
+  if (item.isRegion())
+    for (const RLEItem& run : item.getRLEItemSet().getItems())
+      add(run.getLength(), run.getOriginX(), (double{1} * run.begin() + run.end()) / 2);
+  else
+    for (int i = 0; i < item.getVertices().getSize(); ++i)
+      add(1, item.getVertices().data(i)[0], item.getVertices().data(i)[1]);
+  return {x / count, y / count}; // not finite without any
+}
+
 double areaOf(const ModelItem& item, const StackReconstruction<double>& reconstruction)
 {
   const Vertices<int>& vertices = item.getVertices();
@@ -60,18 +78,10 @@ void ModelItemGeometry::run()
 void ModelItemGeometry::measureRegion(int slice)
 {
   const Vector<double>& map = _reconstruction.getMap(slice);
-  double u = 0, v = 0; // sums over all positions
-  for (const RLEItem& run : getModelItem()->getRLEItemSet().getItems())
-  {
-    const double length = run.getLength();
-    _numVertices += run.getLength();
-    u += length * run.getOriginX();
-    v += length * (double{1} * run.begin() + run.end()) / 2;
-  }
+  for (const RLEItem& run : getModelItem()->getRLEItemSet().getItems()) _numVertices += run.getLength();
   _area = static_cast<double>(_numVertices) * _reconstruction.pixelArea(slice);
   if (_numVertices == 0) return;
-  u /= static_cast<double>(_numVertices);
-  v /= static_cast<double>(_numVertices);
+  const auto [u, v] = meanPixelOf(*getModelItem());
   _isobarycenter = {map[0] * u + map[1] * v + map[2], map[3] * u + map[4] * v + map[5],
                     _reconstruction.getZMap()[slice]};
 }

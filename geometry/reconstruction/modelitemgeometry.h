@@ -3,6 +3,11 @@
 #include "geometry/reconstruction/modelitemanalysis.h"
 #include "geometry/reconstruction/stackreconstruction.h"
 
+#include <array>
+
+/// The mean of an item's vertices, of a region of its pixels, in pixels of the slice's image; not finite without any.
+std::array<double, 2> meanPixelOf(const ModelItem& item);
+
 /// The area that a closed curve encloses (of one that crosses itself, the absolute signed sum), from its pixels: it is
 /// 0 for vertices on a line however the slice is turned.
 double areaOf(const ModelItem& item, const StackReconstruction<double>& reconstruction);

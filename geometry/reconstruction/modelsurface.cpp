@@ -40,11 +40,36 @@ std::string warningAbout(const Model& model, const std::string& what, const std:
   return text;
 }
 
+/// The contours in pixels of their slices' images, each at its height: there it is exact whether they touch, whatever
+/// rounding does in space. Unchanged where slices lie at one height, so that contours of several may meet.
+template <class T> CurveStack<T> inPixels(const CurveStack<T>& curves, const std::vector<const ModelItem*>& items)
+{
+  CurveStack<T> drawn(3, curves.isOpen());
+  for (int i = 0; i < curves.getNumCurves(); ++i)
+  {
+    const ModelItem& item = *items[static_cast<std::size_t>(i)];
+    const T height = curves[i].data(0)[2];
+    const bool isOfOtherSlice = i > 0 && items[static_cast<std::size_t>(i) - 1]->getSlice() != item.getSlice();
+    if (isOfOtherSlice && curves[i - 1].data(0)[2] == height) return curves;
+    const Vertices<int>& pixels = item.getVertices();
+    Curve<T> curve(3, pixels.getSize());
+    for (int j = 0; j < pixels.getSize(); ++j)
+    {
+      curve.data(j)[0] = static_cast<T>(pixels.data(j)[0]);
+      curve.data(j)[1] = static_cast<T>(pixels.data(j)[1]);
+      curve.data(j)[2] = height;
+    }
+    curve.setOpen(curves.isOpen());
+    drawn.append(curve);
+  }
+  return drawn;
+}
+
 /// Lines about contours that a surface may not be meant to have.
 template <class T> std::vector<std::string> warningsAbout(const Model& model, const CurveStack<T>& curves,
                                                           const std::vector<const ModelItem*>& items)
 {
-  const std::vector<CurveStackFinding> findings = checkCurveStack(curves);
+  const std::vector<CurveStackFinding> findings = checkCurveStack(inPixels(curves, items));
   const std::pair<CurveStackFinding::Kind, const char*> kinds[] = {
       {CurveStackFinding::OutOfOrder, "the slices do not lie one above the other in their order"},
       {CurveStackFinding::CrossesItself, "contours touch or cross themselves"},

@@ -199,6 +199,14 @@ void checkItems(const Stack& stack, const StackSlice& slice, std::vector<std::st
     warnings.push_back("Slice \"" + slice.getName() + "\": " + std::to_string(numForeign) +
                        " items belong to no model of the stack and are not written.");
 }
+
+bool hasThickness(const Stack& stack)
+{
+  if (stack.getDefaultSliceThickness() != 0) return true;
+  for (int i = 0; i < stack.getNumSlices(); ++i)
+    if (stack.getSlice(i)->getThickness() != 0) return true;
+  return false;
+}
 } // namespace
 
 LengthLosses lengthLosses(const Stack& stack)
@@ -229,6 +237,7 @@ std::vector<std::string> stackWriterWarnings(const Stack& stack)
   std::vector<std::string>& warnings = losses.lines;
   checkLengths(stack, stack.getLengthUnit(), losses);
   checkAnnotation("Stack", stack.getAnnotation(), warnings);
+  if (hasThickness(stack)) warnings.emplace_back("The thickness of slices is not written: stack files do not hold it");
   NameCheck sliceNames("slices", warnings), modelNames("models", warnings);
   for (int i = 0; i < stack.getNumSlices(); ++i)
   {

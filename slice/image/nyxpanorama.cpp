@@ -173,6 +173,14 @@ void NYXPanorama::scrollContentsBy(int, int)
   viewport()->update();
 }
 
+/// Slices may have been chosen, and the size have changed, while it was hidden.
+void NYXPanorama::showEvent(QShowEvent* event)
+{
+  QAbstractScrollArea::showEvent(event);
+  layOut();
+  scrollTo(_current);
+}
+
 void NYXPanorama::hideEvent(QHideEvent* event)
 {
   QAbstractScrollArea::hideEvent(event);

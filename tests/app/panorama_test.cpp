@@ -176,6 +176,19 @@ TEST_F(Panorama, MouseAndKeysChooseSlices)
   EXPECT_EQ(opened.count(), 2);
 }
 
+TEST_F(Panorama, ShowsTheSliceThatWasChosenWhileItWasHidden)
+{
+  panorama.resize(100, 30); // as a page of a stack that is not shown yet
+  for (const int slice : {12, 59, 30})
+  {
+    panorama.setCurrentSlice(slice);
+    panorama.resize(600, 400);
+    panorama.show();
+    EXPECT_TRUE(panorama.viewport()->rect().contains(panorama.thumbnailRect(slice))) << slice;
+    panorama.hide();
+  }
+}
+
 TEST_F(Panorama, LabelsFollowThePreferences)
 {
   ASSERT_NO_FATAL_FAILURE(showAll());

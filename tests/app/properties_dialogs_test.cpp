@@ -10,6 +10,8 @@
 #include "app/nyxslicepropertieseditor.h"
 #include "app/nyxstackpropertiesdialog.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxdecimalbox.h"
+#include "slice/image/nyxintegerbox.h"
 #include "tests/support/tifffiles.h"
 
 #include <QCheckBox>
@@ -378,5 +380,33 @@ TEST(NumberBox, TakesPointAndCommaForDecimalSignsInEachLanguage)
     QTest::keyClicks(&box, c.typed);
     EXPECT_EQ(box.getNumber(), c.number) << c.locale.name().toStdString() << " " << c.typed;
   }
+}
+
+TEST(NumberBox, OfFixedDecimalsTakesPointAndCommaInEachLanguage)
+{
+  const struct
+  {
+    const char* typed;
+    double number;
+    int whole; // what a box of whole numbers makes of it
+  } cases[] = {{"4.5", 4.5, 45}, {"4,5", 4.5, 45}, {"-1200.5", -1200.5, -12005}, {"1.234,5", 1.23, 12345}, {"7", 7, 7}};
+  for (const QLocale& locale : {QLocale(QLocale::German), QLocale(QLocale::French), QLocale::c()})
+    for (const auto& c : cases)
+    {
+      NYXDecimalBox box;
+      NYXIntegerBox whole;
+      for (QAbstractSpinBox* field : {static_cast<QAbstractSpinBox*>(&box), static_cast<QAbstractSpinBox*>(&whole)})
+        field->setLocale(locale);
+      box.setRange(-1e5, 1e5);
+      box.setSuffix(" %");
+      whole.setRange(-100000, 100000);
+      box.selectAll();
+      whole.selectAll();
+      QTest::keyClicks(&box, c.typed);
+      QTest::keyClicks(&whole, c.typed);
+      EXPECT_EQ(box.value(), c.number) << locale.name().toStdString() << " " << c.typed;
+      EXPECT_EQ(whole.value(), c.whole) << locale.name().toStdString() << " " << c.typed;
+      EXPECT_EQ(whole.text(), QString::number(c.whole)); // seen while it is typed
+    }
 }
 } // namespace

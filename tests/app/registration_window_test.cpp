@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QMessageBox>
+#include <QPointer>
 
 #include <gtest/gtest.h>
 
@@ -48,5 +49,22 @@ TEST(RegistrationWindow, AsksForWhatIsNotAppliedBeforeTheStackCloses)
   ASSERT_EQ(texts.size(), 2);
   EXPECT_TRUE(texts[1].contains("has been modified"));
   EXPECT_EQ(NYXStackServer::server().getNumStacks(), 1);
+  EXPECT_TRUE(stack.getSlice(1)->getRegistration() == Registration(1, 2, 3));
+}
+
+TEST(RegistrationWindow, AsksForWhatIsNotAppliedBeforeItsRootWindowCloses)
+{
+  WindowTest test;
+  NYXStack& stack = addStack("stack", "", false);
+  for (int k = 0; k < 2; ++k) stack.addSlice(std::make_unique<StackSlice>());
+  auto* const second = new NYXRootWindow;
+  second->show();
+  second->findChild<NYXStackListWidget*>()->selectStack(stack);
+  second->findChild<QAction*>("Register")->trigger();
+  second->findChild<NYXRegistrationWindow*>()->mediator().setRegistration(Registration(1, 2, 3));
+  const QPointer<NYXRootWindow> window(second);
+  EXPECT_EQ(answering({QMessageBox::Cancel}, [&] { second->close(); }).size(), 1);
+  ASSERT_TRUE(window && window->isVisible());
+  EXPECT_EQ(answering({QMessageBox::Apply}, [&] { second->close(); }).size(), 1);
   EXPECT_TRUE(stack.getSlice(1)->getRegistration() == Registration(1, 2, 3));
 }

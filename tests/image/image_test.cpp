@@ -149,6 +149,7 @@ TEST(ImageWriter, LeavesAnExistingFileWhenItMustOrFails)
   const std::string old = folder.write("old.tif", "old");
   const Image image = imageOf(8, {1, 2});
   expectError<FileWriteError>("File already exists", [&] { image.writeFile(old, false); });
+  EXPECT_THROW(image.writeFile(std::string(300, 'n') + ".tif", false), FileWriteError); // longer than names can be
   expectError<FileWriteError>("without pixels", [&] { Image().writeFile(old, true); });
   expectError<FileWriteError>("Cannot open file for writing", [&] { image.writeFile(folder.file("no/a.tif"), true); });
   EXPECT_EQ(contentOf(old), "old");

@@ -349,4 +349,6 @@ TEST(StackWarnings, NameWhatTwoDecimalsLose)
   ModelItem::create(*stack.getModel(0), *stack.getSlice(0));
   const std::unique_ptr<Model> removed = stack.removeModel(stack.getModel(0));
   EXPECT_THAT(warnings(stack), testing::Contains(HasSubstr("1 items belong to no model of the stack")));
+  slice.setThickness(0.5f);
+  EXPECT_THAT(warnings(stack), testing::Contains(HasSubstr("thickness of slices is not written")));
 }

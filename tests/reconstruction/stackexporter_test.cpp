@@ -449,6 +449,26 @@ TEST_F(StackExporterTest, TellsOfContoursThatMayNotBeMeant)
                                             "Model \"cell\": contours touch or cross themselves"}));
 }
 
+TEST_F(StackExporterTest, TellsOfContoursThatTouchThemselvesHoweverTheyAreTurned)
+{
+  Model& model = addModel(_stack, "spike", MPrimitive::Polygon);
+  for (int i = 0; i < _stack.getNumSlices(); ++i)
+  {
+    _stack.getSlice(i)->setRegistration(Registration(1, 0, 7.3F * static_cast<float>(i + 1)));
+    // The last edge goes back along the one before.
+    addItem(model, *_stack.getSlice(i), {{0, 0}, {90, 30}, {90, 90}, {30, 70}, {60, 80}, {0, 60}});
+    addItem(model, *_stack.getSlice(i), {{100, 0}, {103, 1}, {106, 2}});
+  }
+  exportAll();
+  const std::vector<std::string>& warnings = _exporter.getWarnings();
+  const auto isOfTouching = [](const std::string& line)
+  { return line.find("\"spike\": contours touch or cross themselves") != std::string::npos; };
+  const auto found = std::ranges::find_if(warnings, isOfTouching);
+  ASSERT_NE(found, warnings.end());
+  for (int i = 0; i < _stack.getNumSlices(); ++i)
+    EXPECT_THAT(*found, testing::HasSubstr("\"" + _stack.getSlice(i)->getName() + "\"")) << i;
+}
+
 TEST_F(StackExporterTest, NamesTheContoursThatItLeavesOut)
 {
   Model& model = addColumn("cell");

@@ -2,10 +2,12 @@
 #include "rendering_window.h"
 
 #include "app/core/actions/nyxitemverticeschangeaction.h"
+#include "app/core/actions/nyxlengthunitaction.h"
 #include "app/core/actions/nyxmodeldeletionaction.h"
 #include "app/core/actions/nyxmodelpropertiesaction.h"
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/actions/nyxslicepropertiesaction.h"
+#include "app/core/actions/nyxstackpropertiesaction.h"
 #include "model/io/stackreader.h"
 #include "model/pose.h"
 #include "viewer/landmarksdelegate.h"
@@ -230,6 +232,38 @@ TEST_F(RenderingWindow, NamesTheModelUnderTheCursorAndMarksLandmarks)
               testing::StartsWith("Landmark\tX (nm)\tY (nm)\tZ (nm)\tDistance (nm)\n1\t"));
   auto* const table = window->findChild<QTableWidget*>("landmarks");
   EXPECT_EQ(table->horizontalHeaderItem(2)->text(), QString::fromUtf8("Z (µm)"));
+}
+
+TEST_F(RenderingWindow, UnitAndLandmarksFollowTheSceneWhenLengthsAreConverted)
+{
+  ViewerCanvasGL& canvas = window->canvas();
+  canvas.setRotation(0, 60, 0);
+  const auto wall = canvas.camera().project({40, 0, 20}, canvas.width(), canvas.height());
+  window->mediator().landmarksAction().trigger();
+  QTest::mouseClick(&canvas, Qt::LeftButton, {},
+                    QPoint(static_cast<int>(wall[0]), canvas.height() - 1 - static_cast<int>(wall[1])));
+  const LandmarksDelegate& landmarks = window->mediator().landmarks();
+  ASSERT_EQ(landmarks.getLandmarks().size(), 1u);
+  const ViewerCamera::Point marked = landmarks.getLandmarks()[0];
+  auto* const table = window->findChild<QTableWidget*>("landmarks");
+  const auto expectShown = [&](const char* unit, double factor)
+  {
+    EXPECT_EQ(table->horizontalHeaderItem(0)->text(), QString::fromUtf8("X (%1)").arg(QString::fromUtf8(unit)));
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      EXPECT_NEAR(landmarks.getLandmarks()[0][axis], marked[axis] * factor, 1e-3 * factor) << unit;
+  };
+  stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, -9));
+  expectShown("µm", 1); // as the scene is still
+  waitUntilBuilt();
+  expectShown("nm", 1000);
+  stack.history().undo();
+  waitUntilBuilt();
+  expectShown("µm", 1);
+  NYXStackProperties properties(stack);
+  properties.defaultPixelCalibration.setLengthUnit(LengthUnit(-3));
+  stack.history().pushStep(std::make_unique<NYXStackPropertiesAction>(stack, properties));
+  waitUntilBuilt();
+  expectShown("mm", 1); // the numbers stayed, and so do these
 }
 
 TEST_F(RenderingWindow, SavesAppliesAndDeletesPoses)

@@ -94,6 +94,30 @@ TEST_F(SpatialStack, DependsOnTheSeedAlone)
   EXPECT_NE(analysis.getResults()[1].functions[0].evaluation->average, curve);
 }
 
+TEST_F(SpatialStack, WhatLiesOnTheBoundaryCountsHoweverTheSliceIsTurned)
+{
+  const std::vector<std::vector<int>> corners = {{30, 30}, {132, 64}, {116, 166}, {24, 120}};
+  std::vector<std::vector<int>> onIt;
+  for (std::size_t i = 0; i < corners.size(); ++i)
+    onIt.push_back(
+        {(corners[i][0] + corners[(i + 1) % 4][0]) / 2, (corners[i][1] + corners[(i + 1) % 4][1]) / 2}); // exactly
+  Model& line = addModel(stack, "line", MPrimitive::Polygon);
+  for (int k = 0; k < 12; ++k)
+  {
+    StackSlice& slice = addSlice(stack, 200, 200, Registration(k, -2 * k, 3.7F * static_cast<float>(k)));
+    setPixelSize(slice, 0.0645F, 0.0645F);
+    addItem(cell, slice, corners);
+    addItem(spots, slice, onIt);
+    if (k == 7) addItem(line, slice, {{30, 30}, {132, 64}, {81, 47}});
+  }
+  config.hasFunctionB = config.hasFunctionF = config.hasFunctionH = false;
+  analysis.run(stack, config);
+  EXPECT_THAT(analysis.getMessages(), testing::IsEmpty());
+  for (const auto& result : analysis.getResults()) EXPECT_EQ(result.numObjects, 4);
+  config.boundary = &line;
+  expectError<UsageError>("slice 7: The boundary encloses no area", [&] { analysis.run(stack, config); });
+}
+
 TEST_F(SpatialStack, ObjectsLieAtReconstructedCentres)
 {
   StackSlice& slice = addSquareSlice();

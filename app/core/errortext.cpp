@@ -1,4 +1,4 @@
-#include "viewer/errortext.h"
+#include "app/core/errortext.h"
 
 #include "numeric/exception.h"
 
@@ -28,5 +28,9 @@ QString handledErrorText()
   catch (const std::bad_alloc&)
   {
     return QCoreApplication::translate("errorText", "There is not enough memory");
+  }
+  catch (const std::exception& error)
+  {
+    return QString::fromLocal8Bit(error.what());
   }
 }

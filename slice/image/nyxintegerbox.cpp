@@ -1,0 +1,7 @@
+#include "slice/image/nyxintegerbox.h"
+
+QValidator::State NYXIntegerBox::validate(QString& text, int& position) const
+{
+  if (text.contains('.') || text.contains(',')) return QValidator::Invalid;
+  return QSpinBox::validate(text, position);
+}
