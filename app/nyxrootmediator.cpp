@@ -101,6 +101,7 @@ void NYXRootMediator::initialize()
   navigation.addGroup(_sliceEditWidget->sliceWidget().mediator().zoomActions());
   _sliceEditWidget->sliceWidget().toolBar().setIconSize({side, side});
   connectSliceEditor();
+  createListMenus();
   _sliceEditWidget->setStartActions({_openStack, _newStack, _newStackFromFile});
   _sliceEditWidget->setInsertAction(*_insertSlice);
 
@@ -319,6 +320,13 @@ void NYXRootMediator::updateActions()
   showHistories();
 }
 
+/// Why there is no current slice; empty when there is one.
+QString NYXRootMediator::missingSliceText() const
+{
+  if (currentSlice() != nullptr) return {};
+  return currentStack() == nullptr ? tr("Open a stack first") : tr("No slice is shown");
+}
+
 QString NYXRootMediator::lockText(const StackSlice& slice)
 {
   return tr("Slice %1 is locked: a computation works on it").arg(nameOf(slice));
@@ -336,7 +344,7 @@ void NYXRootMediator::lockRequest(bool isLocked)
 {
   const StackSlice* const slice = currentSlice();
   for (QAction* action : std::as_const(_sliceActions))
-    enable(*action, slice != nullptr, isLocked ? lockText(*slice) : QString());
+    enable(*action, slice != nullptr, isLocked ? lockText(*slice) : missingSliceText());
 }
 
 /// The slice stays as long as a tool works on it.
@@ -352,21 +360,35 @@ void NYXRootMediator::lockSlice(bool isToolAtWork)
 /// What changes all slices, or the places of slices, waits until none is locked.
 void NYXRootMediator::enableActions(bool flag)
 {
-  for (QAction* action : std::as_const(_stackActions)) action->setEnabled(flag);
+  const QString stackReason = flag ? QString() : tr("Open a stack first");
+  for (QAction* action : std::as_const(_stackActions)) enable(*action, flag, stackReason);
   const NYXStack* const stack = currentStack();
   const QString toolReason = _isToolAtWork ? tr("Finish or cancel the tool at work first") : QString();
   for (QAction* action : {_selectFirstSlice, _selectLastSlice, _selectNextSlice, _selectPreviousSlice, _displayPanorama,
                           _displaySingleSlice})
-    enable(*action, flag, toolReason);
+    enable(*action, flag, flag ? toolReason : stackReason);
   for (QAction* action : {_newStack, _newStackFromFile, _openStack}) enable(*action, true, toolReason);
   const bool isAnyLocked = stack != nullptr && !stack->getLockedSlices().empty();
-  const QString reason = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : toolReason;
+  const QString obstacle = isAnyLocked ? lockText(*stack->getLockedSlices().front()) : toolReason;
+  const QString reason = flag ? obstacle : stackReason;
   for (QAction* action : _wholeStackActions + _pluginActions) enable(*action, flag, reason);
-  enable(*_runSpatialAnalysis, flag, flag ? reason : tr("Open a stack first"));
+  enable(*_runSpatialAnalysis, flag, reason);
+  enableSliceMoves(reason);
+}
+
+void NYXRootMediator::enableSliceMoves(const QString& obstacle)
+{
   const StackSlice* const slice = currentSlice();
-  enable(*_deleteSlice, slice != nullptr, reason);
-  enable(*_moveSliceUp, slice != nullptr && slice->getIndex() > 0, reason);
-  enable(*_moveSliceDown, slice != nullptr && slice->getIndex() + 1 < stack->getNumSlices(), reason);
+  const auto enableUnless = [&](QAction& action, const QString& reason)
+  {
+    const QString missing = missingSliceText();
+    enable(action, slice != nullptr, !obstacle.isEmpty() ? obstacle : !missing.isEmpty() ? missing : reason);
+  };
+  const bool isFirst = slice != nullptr && slice->getIndex() == 0;
+  const bool isLast = slice != nullptr && slice->getIndex() + 1 == slice->getStack()->getNumSlices();
+  enableUnless(*_deleteSlice, {});
+  enableUnless(*_moveSliceUp, isFirst ? tr("This is the first slice") : QString());
+  enableUnless(*_moveSliceDown, isLast ? tr("This is the last slice") : QString());
 }
 
 /// Makes a change that the user of this window asks for, and shows the slice that came or moved with it, if one did.

@@ -136,6 +136,7 @@ private:
   void openMeasures();
   void showItem(ModelItem& item);
   void revealSlice(int slice);
+  void createListMenus();
   void selectView(bool isPanorama);
   void openSlice();
   void showView();
@@ -144,6 +145,8 @@ private:
   void showStackState();
   void updateActions();
   void enableActions(bool flag);
+  void enableSliceMoves(const QString& obstacle);
+  QString missingSliceText() const;
   void updateRecentFilesMenu();
   void refreshPlugins();
   void updatePluginActions();
@@ -186,6 +189,10 @@ private:
   QAction* _deleteSlice;
   QAction* _moveSliceUp;
   QAction* _moveSliceDown;
+  QAction* _stackProperties;
+  QAction* _sliceProperties;
+  QAction* _annotateStack;
+  QAction* _annotateSlice;
   QList<QAction*> _editDialogs;
   QList<QAction*> _sliceActions; // that edit the shown slice
   QAction* _preferences;

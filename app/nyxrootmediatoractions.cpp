@@ -12,6 +12,7 @@
 #include "app/nyxslicepropertiesdialog.h"
 #include "app/nyxspatialanalysisplugin.h"
 #include "app/nyxstackio.h"
+#include "app/nyxstacklistwidget.h"
 #include "app/nyxstackpropertiesdialog.h"
 #include "app/nyxtransfermodelsdialog.h"
 #include "viewer/nyxrenderingwindow.h"
@@ -127,6 +128,17 @@ void NYXRootMediator::createEditActions()
     _sliceActions.append(action);
     return action;
   };
+  _stackProperties =
+      createWholeStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
+                             [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); });
+  _sliceProperties = sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
+                                 [this](NYXStack& stack, StackSlice& slice)
+                                 { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); });
+  _annotateStack = createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
+                                     [this] { openDialog<NYXAnnotationDialog>(*currentStack()); });
+  _annotateSlice =
+      sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
+                  [this](NYXStack& stack, StackSlice& slice) { openDialog<NYXAnnotationDialog>(stack, slice); });
   _editDialogs = {
       createWholeStackAction(tr("Edit models..."), tr("Create, change and delete models"), QKeySequence("Ctrl+M"),
                              [this] { openDialog<NYXModelsDialog>(*currentStack()); }),
@@ -134,18 +146,30 @@ void NYXRootMediator::createEditActions()
       _deleteSlice,
       _moveSliceUp,
       _moveSliceDown,
-      createWholeStackAction(tr("Stack properties..."), tr("Change the name, calibration and spacing of the stack"), {},
-                             [this] { openDialog<NYXStackPropertiesDialog>(*currentStack()); }),
-      sliceDialog(tr("Slice properties..."), tr("Change the name, calibration and depth of the slice"),
-                  [this](NYXStack& stack, StackSlice& slice)
-                  { openDialog<NYXSlicePropertiesDialog>(stack, std::vector<StackSlice*>{&slice}); }),
-      createStackAction(tr("Annotate stack..."), tr("Write notes on the stack"), {},
-                        [this] { openDialog<NYXAnnotationDialog>(*currentStack()); }),
-      sliceDialog(tr("Annotate slice..."), tr("Write notes on the slice"),
-                  [this](NYXStack& stack, StackSlice& slice) { openDialog<NYXAnnotationDialog>(stack, slice); }),
+      _stackProperties,
+      _sliceProperties,
+      _annotateStack,
+      _annotateSlice,
   };
   _preferences =
       createAction(tr("Preferences..."), tr("Change how the program works"), {}, [this] { editPreferences(); });
+}
+
+/// A right click on a list offers what can be done with the stack or slice, which the press makes the current one.
+void NYXRootMediator::createListMenus()
+{
+  const auto separator = [this](const char* name)
+  {
+    auto* const action = new QAction(this);
+    action->setObjectName(name);
+    action->setSeparator(true);
+    return action;
+  };
+  _stackList->setContextMenuPolicy(Qt::ActionsContextMenu);
+  _stackList->addActions(
+      {_saveStack, _saveStackAs, _closeStack, separator("stackMenuSeparator"), _stackProperties, _annotateStack});
+  _sliceList->setMenuActions({_insertSlice, _deleteSlice, _moveSliceUp, _moveSliceDown, separator("sliceMenuSeparator"),
+                              _sliceProperties, _annotateSlice});
 }
 
 /// What the right side of the window shows.

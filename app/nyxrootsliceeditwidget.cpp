@@ -1,6 +1,7 @@
 #include "app/nyxrootsliceeditwidget.h"
 
 #include "slice/image/nyxsliceimageserver.h"
+#include "slice/image/nyxstatusfield.h"
 #include "slice/nyxmodetoolbar.h"
 #include "slice/nyxnavigationtoolbar.h"
 #include "slice/nyxsliceeditwidget.h"
@@ -27,7 +28,7 @@ NYXRootSliceEditWidget::NYXRootSliceEditWidget(QWidget* parent)
     _sliceWidget(new NYXSliceEditWidget(this)),
     _modeToolBar(new NYXModeToolBar(_sliceWidget->editMediator(), _sliceWidget)),
     _navigationToolBar(new NYXNavigationToolBar(this)),
-    _hint(new QLabel(this))
+    _hint(new NYXStatusField("hint", tr("What the next click, drag or key does"), {}, this))
 {
   setObjectName("rootSliceEditWidget");
   _pages->addWidget(createStartPage());
@@ -55,12 +56,8 @@ QToolButton* NYXRootSliceEditWidget::createButton(QAction& action)
 QWidget* NYXRootSliceEditWidget::createSlicePage()
 {
   _sliceWidget->insertToolBar(*_modeToolBar);
-  _hint->setObjectName("hint");
-  _hint->setToolTip(tr("What the next click, drag or key does"));
-  _hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  _hint->fillLine();
   _hint->setFixedHeight(_hint->fontMetrics().height() * 5 / 4);
-  _hint->setIndent(_hint->fontMetrics().averageCharWidth());
-  _hint->setTextFormat(Qt::PlainText);
   _messageEnd.setSingleShot(true);
   connect(&_messageEnd, &QTimer::timeout, this,
           [this]

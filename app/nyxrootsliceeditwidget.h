@@ -9,6 +9,7 @@ class NYXSliceEditWidget;
 class Stack;
 class StackSlice;
 class QAction;
+class NYXStatusField;
 class QLabel;
 class QStackedLayout;
 class QToolButton;
@@ -57,7 +58,7 @@ private:
   NYXSliceEditWidget* _sliceWidget;
   NYXModeToolBar* _modeToolBar;
   NYXNavigationToolBar* _navigationToolBar;
-  QLabel* _hint; // behind the message, as long as there is one
+  NYXStatusField* _hint; // behind the message, as long as there is one
   QString _message;
   QTimer _messageEnd;
   QVBoxLayout* _startActions;

@@ -122,6 +122,12 @@ NYXSliceListWidget::NYXSliceListWidget(QWidget* parent)
       Qt::QueuedConnection); // once the view is done with the drop
 }
 
+void NYXSliceListWidget::setMenuActions(const QList<QAction*>& actions)
+{
+  _list->setContextMenuPolicy(Qt::ActionsContextMenu);
+  _list->addActions(actions);
+}
+
 void NYXSliceListWidget::setStack(const NYXStack* stack)
 {
   list(stack, 0);

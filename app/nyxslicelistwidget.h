@@ -32,6 +32,9 @@ public:
 
   int numSlices() const;
 
+  /// What a right click offers for the slice that it selects.
+  void setMenuActions(const QList<QAction*>& actions);
+
   /// Index of the selected slice in the stack, -1 when there is none.
   int currentSlice() const;
 

@@ -25,7 +25,6 @@ NYXStackErrorDialog::NYXStackErrorDialog(const QString& filename, const QStringL
   auto* lines = new QPlainTextEdit(log.join('\n'), this);
   lines->setObjectName("log");
   lines->setReadOnly(true);
-  lines->setLineWrapMode(QPlainTextEdit::NoWrap);
   auto* consequence =
       new QLabel(isOpened ? QCoreApplication::translate(
                                 "NYXStackErrorDialog",

@@ -355,6 +355,14 @@ NYXStack* NYXStackIO::openStack(const QString& filename)
     showMessage(tr("%1 is open already").arg(file), 5000);
     return open;
   }
+  if (QFileInfo::exists(filename) && !QFileInfo::exists(file)) // no name that the user gave is missing
+  {
+    warn(_parent,
+         {tr("Error"), tr("Error: %1 is not a stack file.").arg(filename),
+          tr("Stack files end in .sdf. \"New stack\" makes a stack of image files, \"New stack from file\" one of "
+             "the planes of a file.")});
+    return nullptr;
+  }
   try
   {
     return readStack(file);

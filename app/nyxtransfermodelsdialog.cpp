@@ -10,6 +10,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFormLayout>
 #include <QLabel>
 
@@ -18,6 +19,17 @@ namespace
 QString itemsText(int number)
 {
   return number == 1 ? NYXTransferModelsDialog::tr("1 item") : NYXTransferModelsDialog::tr("%1 items").arg(number);
+}
+
+/// The stack's name, with its file when another open stack is called the same.
+QString distinctName(const NYXStack& stack)
+{
+  const NYXStackServer& server = NYXStackServer::server();
+  bool isShared = false;
+  for (int i = 0; i < server.getNumStacks(); ++i)
+    isShared = isShared || (&server.getStack(i) != &stack && server.getStack(i).displayName() == stack.displayName());
+  const QString file = QDir::toNativeSeparators(stack.getFilename());
+  return isShared && !file.isEmpty() ? QString("%1 (%2)").arg(stack.displayName(), file) : stack.displayName();
 }
 } // namespace
 
@@ -67,6 +79,8 @@ QComboBox* NYXTransferModelsDialog::createStackChoice(const char* name, const QS
   auto* const choice = new QComboBox(this);
   choice->setObjectName(name);
   choice->setToolTip(toolTip);
+  choice->setSizeAdjustPolicy(
+      QComboBox::AdjustToMinimumContentsLengthWithIcon); // a long path does not widen the dialog
   return choice;
 }
 
@@ -77,7 +91,7 @@ void NYXTransferModelsDialog::listStacks(QComboBox& choice, const NYXStack* pref
   for (int i = 0; i < server.getNumStacks(); ++i)
   {
     NYXStack& listed = server.getStack(i);
-    choice.addItem(listed.displayName(), QVariant::fromValue(static_cast<void*>(&listed)));
+    choice.addItem(distinctName(listed), QVariant::fromValue(static_cast<void*>(&listed)));
     if (&listed == preferred) choice.setCurrentIndex(i);
   }
 }

@@ -12,7 +12,7 @@ NYXRegistrationStatusBar::NYXRegistrationStatusBar(QWidget* parent)
 {
   setObjectName("registrationStatusBar");
   setSizeGripEnabled(false); // it is not the lowest line of its window
-  _hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  _hint->fillLine();
   _count->setObjectName("progressCount");
   _progress->setObjectName("progress");
   _progress->setTextVisible(false);

@@ -2,6 +2,7 @@
 
 #include <QStatusBar>
 
+class NYXStatusField;
 class QLabel;
 class QProgressBar;
 
@@ -24,7 +25,7 @@ public slots:
   void subjectFinished();
 
 private:
-  QLabel* _hint;
+  NYXStatusField* _hint;
   QLabel* _count;
   QProgressBar* _progress;
 };

@@ -10,6 +10,7 @@
 #include "slice/image/nyximagewidgetcanvas.h"
 #include "slice/image/nyximagewidgetstatusbar.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -35,6 +36,13 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
   _mediator->setAutomaticPanel(*_automaticPanel);
   _mediator->setStatusBar(*_statusBar);
   connect(_mediator, &NYXRegistrationMediator::stateChanged, this, &NYXRegistrationWindow::showTitle);
+  auto* const close = new QAction(tr("Close"), this);
+  close->setObjectName("close");
+  close->setShortcut(QKeySequence("Ctrl+W"));
+  close->setToolTip(tr("Close this window (Ctrl+W)"));
+  close->setStatusTip(tr("Close this window"));
+  connect(close, &QAction::triggered, this, &QWidget::close);
+  addAction(close);
   layOut();
   _mediator->initialize();
   restoreGeometryFromSettings();

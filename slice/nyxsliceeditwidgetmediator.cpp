@@ -79,6 +79,7 @@ void NYXSliceEditWidgetMediator::initialize()
           {
             if (isActive) finishTool();
             showTools();
+            showIdleMode();
           });
   updateEditActions();
   showEditMode("READY", {});
@@ -117,7 +118,6 @@ void NYXSliceEditWidgetMediator::setSlice(StackSlice* slice)
   _previous->setSlice(slice);
   showPreviousItems();
   updateEditActions();
-  if (_activeTool == nullptr) _selection->showMode();
 }
 
 void NYXSliceEditWidgetMediator::draw(const QString& modelName)
@@ -169,6 +169,14 @@ void NYXSliceEditWidgetMediator::showTools()
   _select->setChecked(_activeTool == nullptr && !ruler().isActive());
 }
 
+/// What can be done while no tool of the editor is at work.
+void NYXSliceEditWidgetMediator::showIdleMode()
+{
+  if (_activeTool != nullptr) return;
+  if (!ruler().isActive()) return _selection->showMode();
+  showEditMode("RULER", tr("Drag to measure a length and an angle, Escape to end"));
+}
+
 void NYXSliceEditWidgetMediator::finishTool()
 {
   if (_activeTool != nullptr) _activeTool->finish();
@@ -181,7 +189,6 @@ void NYXSliceEditWidgetMediator::setActiveTool(NYXSliceEditWidgetMediatorDelegat
   if (before != nullptr && tool != nullptr) before->cancel();
   _activeTool == nullptr ? _selection->activate() : _selection->deactivate();
   if (_activeTool != nullptr) ruler().deactivate();
-  if (_activeTool == nullptr) _selection->showMode();
   requestLock(_activeTool != nullptr);
   updateEditActions();
 }
@@ -317,6 +324,21 @@ QStringList NYXSliceEditWidgetMediator::buildPolygonModelList() const
   return namesOf(stack(), [](const Model& model) { return model.getGeometry() == MPrimitive::Polygon; });
 }
 
+/// Only to models that something selected does not belong to yet.
+void NYXSliceEditWidgetMediator::enableConversions()
+{
+  if (!sliceCanvas().hasSlice()) return;
+  const Items items = slice().getSelectedItems();
+  for (QAction* conversion : _convertMenu->actions())
+  {
+    const Model* const model = modelNamed(conversion->objectName().toStdString());
+    const auto isOther = [model](const ModelItem* item) { return item->getModel() != model; };
+    if (model == nullptr || std::ranges::any_of(items, isOther)) continue;
+    conversion->setEnabled(false);
+    conversion->setToolTip(tr("What is selected belongs to this model already"));
+  }
+}
+
 bool NYXSliceEditWidgetMediator::isEditable() const
 {
   return sliceCanvas().hasSlice() && !stack().isLocked(sliceCanvas().getSlice());
@@ -340,6 +362,7 @@ void NYXSliceEditWidgetMediator::updateEditActions()
   _automaticMenu->setEnabled(isEditable());
   _selectMenu->setEnabled(isIdle);
   showTools();
+  showIdleMode();
   emit toolsChanged();
 }
 
@@ -385,6 +408,7 @@ void NYXSliceEditWidgetMediator::showContextMenu(const QPoint& globalPosition)
   refreshContextMenuActions();
   QMenu menu(&widget());
   menu.setObjectName("contextMenu");
+  menu.setToolTipsVisible(true);
   if (_selection->selectedItem() == nullptr)
   {
     menu.addMenu(_manualMenu);
@@ -422,7 +446,6 @@ void NYXSliceEditWidgetMediator::sliceLockEvent(const NYXSliceLockEvent& event)
 void NYXSliceEditWidgetMediator::sliceItemSelectionEvent(const NYXSliceItemSelectionEvent&)
 {
   updateEditActions();
-  if (_activeTool == nullptr) _selection->showMode();
 }
 
 /// Of one that another window shows.

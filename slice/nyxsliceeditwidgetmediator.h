@@ -147,6 +147,8 @@ private:
   void drawAutomatically(const QString& modelName);
   void updateToolActions();
   void showTools();
+  void showIdleMode();
+  void enableConversions();
   void showPreviousItems();
   bool isOfOtherStack(const NYXModelEvent& event) const;
   const Model* modelNamed(const std::string& name) const;

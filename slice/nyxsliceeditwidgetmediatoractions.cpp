@@ -164,6 +164,7 @@ QMenu* NYXSliceEditWidgetMediator::createModelMenu(const QString& title, const Q
 {
   auto* menu = new QMenu(title, &widget());
   menu->setObjectName(name);
+  menu->setToolTipsVisible(true);
   menu->menuAction()->setToolTip(toolTip);
   menu->menuAction()->setStatusTip(toolTip);
   connect(menu, &QMenu::aboutToShow, this,
@@ -213,9 +214,11 @@ void NYXSliceEditWidgetMediator::createMenus()
   _convertMenu = createModelMenu(tr("Convert"), tr("Move what is selected to another model"), "convertMenu",
                                  &Mediator::buildStackModelList,
                                  [this](const QString& model) { _selection->convertSelection(model); });
+  connect(_convertMenu, &QMenu::aboutToShow, this, &Mediator::enableConversions); // once it is filled
 
   _reconstructionMenu = new QMenu(tr("Reconstruction"), &widget());
   _reconstructionMenu->setObjectName("reconstructionMenu");
+  _reconstructionMenu->setToolTipsVisible(true);
   const QString toolTip = tr("How the surface goes on at the contour");
   _reconstructionMenu->menuAction()->setToolTip(toolTip);
   _reconstructionMenu->menuAction()->setStatusTip(toolTip);

@@ -403,15 +403,20 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::removeSelection()
 void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
 {
   std::vector<std::unique_ptr<NYXAction>> actions;
+  int numBefore = 0, numAfter = 0;
   for (ModelItem* item : slice().getSelectedItems())
   {
     if (!isCurve(*item)) continue;
     Curve<int> decimated;
     CurveDecimation<int>().apply(Curve<int>(item->getVertices(), !item->isClosed()), decimated);
-    if (decimated.getSize() >= minNumVertices(item->getModel()->getGeometry()))
-      actions.push_back(std::make_unique<NYXItemVerticesChangeAction>(*item, decimated));
+    numBefore += item->getSize();
+    const bool isPossible = decimated.getSize() >= minNumVertices(item->getModel()->getGeometry());
+    numAfter += isPossible ? decimated.getSize() : item->getSize();
+    if (isPossible) actions.push_back(std::make_unique<NYXItemVerticesChangeAction>(*item, decimated));
   }
   editMediator().pushStep(std::move(actions));
+  editMediator().showMessage(numAfter < numBefore ? tr("%1 of %2 vertices are left").arg(numAfter).arg(numBefore)
+                                                  : tr("All %1 vertices are needed").arg(numBefore));
   notifySelection();
 }
 

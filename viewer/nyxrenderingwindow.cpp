@@ -108,8 +108,7 @@ void NYXRenderingWindow::showProblems(const QString& error)
     _statusBar->showMessage(
         tr("%n models are not drawn as they should be; the list of models says why", nullptr, numProblems));
   else
-    _statusBar->showMessage(tr("Drag to turn, Shift: about the viewing axis, Ctrl: zoom, Alt: pan"),
-                            messageMilliseconds);
+    _statusBar->clearMessage(); // for the hint
   showEmptyNote();
 }
 

@@ -5,6 +5,7 @@
 #include "numeric/progresssubject.h"
 #include "slice/image/nyxintegerbox.h"
 #include "slice/image/nyxprogressrun.h"
+#include "slice/image/nyxstatusfield.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxposelist.h"
 #include "viewer/nyxrenderingvideo.h"
@@ -175,6 +176,13 @@ void NYXRenderingWindow::createToolBar()
   _toolBar->addAction(&_mediator->landmarksAction());
   QWidget::addActions(_mediator->poseActions());
   QWidget::addAction(&_mediator->centerAction());
+  auto* const close = new QAction(tr("Close"), this);
+  close->setObjectName("close");
+  close->setShortcut(QKeySequence("Ctrl+W"));
+  close->setToolTip(tr("Close this window (Ctrl+W)"));
+  close->setStatusTip(tr("Close this window"));
+  connect(close, &QAction::triggered, this, &QWidget::close);
+  QWidget::addAction(close);
   connect(_video, &NYXRenderingVideo::recordingChanged, _record, &QAction::setChecked);
   connect(_video, &NYXRenderingVideo::frameRecorded, this,
           [this](int numFrames)
@@ -192,7 +200,11 @@ void NYXRenderingWindow::createStatusBar()
   _cancel = new QPushButton(tr("Cancel"), this);
   _cancel->setObjectName("cancelReconstruction");
   _cancel->setToolTip(tr("Stop the reconstruction; the models stay as they are shown"));
+  auto* const hint = new NYXStatusField("hint", tr("What a drag does"), {}, this);
+  hint->setText(tr("Drag to turn, Shift: about the viewing axis, Ctrl or wheel: zoom, Alt: pan"));
+  hint->fillLine();
   _statusBar->setSizeGripEnabled(false);
+  _statusBar->addWidget(hint, 1);
   _statusBar->addPermanentWidget(_progress);
   _statusBar->addPermanentWidget(_cancel);
   _progress->hide();
@@ -330,8 +342,18 @@ QWidget* NYXRenderingWindow::createLandmarksPage()
             if (_landmarks->currentRow() >= 0) delegate.remove(_landmarks->currentRow());
           });
   connect(clear, &QPushButton::clicked, &delegate, &LandmarksDelegate::clear);
+  const auto enableButtons = [this, copy, remove, clear]
+  {
+    const bool hasLandmarks = _landmarks->rowCount() > 0;
+    copy->setEnabled(hasLandmarks);
+    clear->setEnabled(hasLandmarks);
+    remove->setEnabled(_landmarks->selectionModel()->hasSelection());
+  };
   connect(&delegate, &LandmarksDelegate::landmarksChanged, this, &NYXRenderingWindow::showLandmarks);
+  connect(&delegate, &LandmarksDelegate::landmarksChanged, page, enableButtons);
+  connect(_landmarks, &QTableWidget::itemSelectionChanged, page, enableButtons);
   showLandmarks();
+  enableButtons();
   return page;
 }
 

@@ -25,6 +25,12 @@ int NYXStatusField::widthOf(const QString& text) const
   return fontMetrics().horizontalAdvance(text) + fontMetrics().averageCharWidth();
 }
 
+void NYXStatusField::fillLine()
+{
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  setIndent(fontMetrics().averageCharWidth());
+}
+
 QSize NYXStatusField::sizeHint() const
 {
   return {widthOf(_sample), fontMetrics().height()};
@@ -35,17 +41,23 @@ QSize NYXStatusField::minimumSizeHint() const
   return {qMin(widthOf(_isTextKept ? text() : shortestText), widthOf(_sample)), fontMetrics().height()};
 }
 
+QRect NYXStatusField::placeOfText() const
+{
+  return rect().adjusted(qMax(0, indent()), 0, 0, 0);
+}
+
 void NYXStatusField::paintEvent(QPaintEvent*)
 {
   QPainter painter(this);
-  const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
-  style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
+  const QRect place = placeOfText();
+  const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, place.width());
+  style()->drawItemText(&painter, place, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
                         foregroundRole());
 }
 
 bool NYXStatusField::event(QEvent* event)
 {
-  if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= width())
+  if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= placeOfText().width())
     return QLabel::event(event);
   const QString whole = Qt::mightBeRichText(text()) ? text().toHtmlEscaped() : text();
   QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole + "\n" + toolTip(), this);

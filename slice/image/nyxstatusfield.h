@@ -14,6 +14,9 @@ public:
   /// Makes narrow windows take the place for the text from other fields.
   void keepText() { _isTextKept = true; }
 
+  /// Takes the width that there is, whatever the text, and sets the text off the edge of the window.
+  void fillLine();
+
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
@@ -23,6 +26,7 @@ protected:
 
 private:
   int widthOf(const QString& text) const;
+  QRect placeOfText() const;
 
   QString _sample;
   bool _isTextKept = false;

@@ -105,10 +105,14 @@ TEST(RootWindow, ActionsFollowTheCurrentStack)
 {
   WindowTest test;
   for (const char* text : {"Save stack", "Save stack as...", "Close stack", "Close all", "Select next slice"})
+  {
     EXPECT_FALSE(test.action(text)->isEnabled()) << text;
+    EXPECT_EQ(test.action(text)->toolTip(), "Open a stack first") << text;
+  }
   NYXStack& stack = addStack("cells", "/a.sdf", false);
   for (const char* text : {"Save stack", "Save stack as...", "Close stack", "Close all", "Select next slice"})
     EXPECT_TRUE(test.action(text)->isEnabled()) << text;
+  EXPECT_EQ(test.action("Save stack")->toolTip(), "Save the current stack to its file (Ctrl+S)");
   EXPECT_EQ(test.window().windowTitle(), "Mirelo - cells");
   stack.setModified(true);
   EXPECT_EQ(test.window().findChild<QListWidget*>("stackList")->item(0)->text(), "cells*");
@@ -260,6 +264,7 @@ TEST(RootWindow, BadFilesOpenNothingAndAreNamed)
       {"missing", folder.filePath("missing.sdf"), false, "missing.sdf"},
       {"empty", file("empty.sdf", ""), false, "not a stack file"},
       {"garbage", file("garbage.sdf", QByteArray(3000, '\xb7')), false, "not a stack file"},
+      {"an image", file("image.tif", "II"), false, "not a stack file"},
       {"a bad statement", file("bad.sdf", "STACK \"a\"; NONSENSE 1;"), true,
        "Error on NONSENSE: unknown keyword (ignored)."},
   };

@@ -212,6 +212,7 @@ TEST_F(ContourTools, SplitAlongALine)
     EXPECT_EQ(item(i).getTriangulationTag(), CurveStackTriangulationContourTag::Begin);
   }
   expectIdle();
+  EXPECT_TRUE(mediator().hint().startsWith("Click or drag a box to select")) << "the halves are not selected";
 }
 
 TEST_F(ContourTools, SayWhenTheLineDoesNotSplit)

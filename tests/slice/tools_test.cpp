@@ -44,7 +44,8 @@ TEST_F(Tools, TheOneAtWorkIsHighlighted)
   EXPECT_EQ(checked(), QStringList("moveContour"));
   action("ruler").trigger();
   EXPECT_TRUE(checked().isEmpty());
-  EXPECT_EQ(mode(), "READY");
+  EXPECT_EQ(mode(), "RULER");
+  EXPECT_EQ(mediator().hint(), "Drag to measure a length and an angle, Escape to end");
   action("splitContour").trigger();
   EXPECT_FALSE(action("ruler").isChecked());
   action("selectTool").trigger();
@@ -172,4 +173,16 @@ TEST_F(Tools, WhatAClickWouldSelectLightsUp)
   move(100, 52);
   key(Qt::Key_D);
   EXPECT_FALSE(isLit(150, 100)) << "a click draws now";
+}
+
+TEST_F(Tools, DecimateTellsWhatItLeaves)
+{
+  QStringList messages;
+  const QObject context;
+  QObject::connect(&mediator(), &NYXSliceEditWidgetMediator::messageShown, &context,
+                   [&](const QString& text) { messages << text; });
+  addSelected("fibres", {{10, 10}, {30, 10}, {60, 10}, {100, 10}, {160, 10}}); // on one line
+  expectStep([this] { action("decimate").trigger(); });
+  expectNoStep([this] { action("decimate").trigger(); });
+  EXPECT_EQ(messages, QStringList({"2 of 5 vertices are left", "All 2 vertices are needed"}));
 }
