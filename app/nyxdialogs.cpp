@@ -1,6 +1,6 @@
 #include "app/nyxdialogs.h"
 
-#include "app/nyxplaintext.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QCoreApplication>
 #include <QDialog>

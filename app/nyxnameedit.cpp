@@ -1,7 +1,7 @@
 #include "app/nyxnameedit.h"
 
-#include "app/nyxplaintext.h"
 #include "model/storabletext.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QAction>
 #include <QStyle>

@@ -3,8 +3,8 @@
 #include "app/nyxdialogs.h"
 #include "app/nyximagefiles.h"
 #include "app/nyxnames.h"
-#include "app/nyxplaintext.h"
 #include "slice/image/nyxdialogsize.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

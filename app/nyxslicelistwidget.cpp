@@ -1,10 +1,10 @@
 #include "app/nyxslicelistwidget.h"
 
 #include "app/core/nyxstack.h"
-#include "app/nyxplaintext.h"
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QIcon>
 #include <QLineEdit>

@@ -3,7 +3,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "app/core/nyxstackserver.h"
-#include "app/nyxplaintext.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QSignalBlocker>
 

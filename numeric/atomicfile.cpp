@@ -39,12 +39,6 @@ std::string temporaryName(int process, unsigned number)
   return ".mirelo-" + std::to_string(process) + "-" + std::to_string(number) + ".tmp";
 }
 
-std::string temporaryFor(const fs::path& target)
-{
-  static std::atomic<unsigned> counter = 0;
-  return (target.parent_path() / temporaryName(getpid(), ++counter)).string();
-}
-
 /// Whether a name is that of a temporary file whose process no longer exists.
 bool isLeftBehind(const std::string& name)
 {
@@ -87,6 +81,15 @@ bool fileExists(const std::string& filename)
   return std::filesystem::exists(filename, impossible);
 }
 
+std::string temporaryNameFor(const std::string& filename)
+{
+  static std::atomic<unsigned> counter = 0;
+  std::string name;
+  do name = (fs::path(filename).parent_path() / temporaryName(getpid(), ++counter)).string();
+  while (fileExists(name)); // left by a crashed process that had our number
+  return name;
+}
+
 AtomicFile::AtomicFile(const std::string& filename) : _filename(filename), _target(followLinks(filename).string())
 {
   checkTarget();
@@ -120,9 +123,9 @@ void AtomicFile::createTemporary()
 {
   do
   {
-    _temporary = temporaryFor(_target);
+    _temporary = temporaryNameFor(_target);
     _descriptor = open(_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  } while (_descriptor < 0 && errno == EEXIST); // left by a crashed process that had our number
+  } while (_descriptor < 0 && errno == EEXIST);
   if (_descriptor >= 0) return;
   const int error = errno;
   _temporary.clear();

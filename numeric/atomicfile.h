@@ -8,6 +8,10 @@
 /// Whether there is something of this name. There is nothing of a name that no file can have.
 bool fileExists(const std::string& filename);
 
+/// A name in the folder of a file that nothing has yet, for what is renamed once it is complete. What a killed process
+/// leaves under such a name is removed by a later save in that folder.
+std::string temporaryNameFor(const std::string& filename);
+
 /// A file written beside its target and renamed over it when complete: a crash, a full disk or an error leaves the old
 /// file as it was.
 ///

@@ -12,6 +12,7 @@
 #include "registration/nyxregistrationstatusbar.h"
 #include "registration/nyxregistrationtoolbar.h"
 #include "registration/nyxregistrationview.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/image/nyxslicewidgetmediator.h"
 
 #include <QAction>
@@ -181,8 +182,8 @@ bool NYXRegistrationMediator::confirmLeaving()
   if (!isEdited()) return true;
   const auto answer = QMessageBox::question(
       &_window, tr("Registration"),
-      tr("The registration of slice %1 was changed and not applied.\nApply it, or discard the change?")
-          .arg(nameOf(*_slice)),
+      plainText(tr("The registration of slice %1 was changed and not applied.\nApply it, or discard the change?")
+                    .arg(nameOf(*_slice))),
       QMessageBox::Apply | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Apply);
   if (answer == QMessageBox::Discard) reset();
   return answer == QMessageBox::Discard || (answer == QMessageBox::Apply && apply());

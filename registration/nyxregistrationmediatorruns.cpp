@@ -7,6 +7,7 @@
 #include "registration/nyxregistrationmediator.h"
 #include "registration/nyxregistrationrun.h"
 #include "registration/nyxregistrationstatusbar.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/image/nyxprogressrun.h"
 
 #include <QMessageBox>
@@ -122,7 +123,7 @@ bool NYXRegistrationMediator::run(NYXRegistrationRun& run)
   if (problem.isEmpty()) return isDone;
   const QString name = QString::fromStdString(run.slices()[run.results().size()]->getName());
   QMessageBox::warning(&_window, tr("Automatic registration"),
-                       tr("Slice %1 could not be registered.").arg(name) + "\n" + problem);
+                       plainText(tr("Slice %1 could not be registered.").arg(name) + "\n" + problem));
   return false;
 }
 

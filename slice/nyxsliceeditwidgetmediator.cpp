@@ -9,6 +9,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/image/nyxrulerdelegate.h"
 #include "slice/nyxcontourvertices.h"
 #include "slice/nyxpreviousslice.h"
@@ -242,7 +243,7 @@ bool NYXSliceEditWidgetMediator::pushStep(NYXActionHistory& history, std::vector
   }
   catch (const Exception& error)
   {
-    QMessageBox::warning(&window(), tr("Error"), QString::fromStdString(error.getWhat()));
+    QMessageBox::warning(&window(), tr("Error"), plainText(QString::fromStdString(error.getWhat())));
     return false;
   }
 }

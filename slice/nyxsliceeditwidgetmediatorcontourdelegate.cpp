@@ -4,6 +4,7 @@
 #include "app/core/nyxpreferences.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/nyxcontourtooldialog.h"
 #include "slice/nyxcontourvertices.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
@@ -106,7 +107,7 @@ void NYXSliceEditWidgetMediatorContourDelegate::applyTo(const std::vector<ModelI
   const QString title = this->title();
   editMediator().pushStep(std::move(actions));
   deactivate();
-  if (!reason.isEmpty()) QMessageBox::warning(&editMediator().window(), title, reason);
+  if (!reason.isEmpty()) QMessageBox::warning(&editMediator().window(), title, plainText(reason));
 }
 
 void NYXSliceEditWidgetMediatorContourDelegate::keyPressEvent(QKeyEvent& event)

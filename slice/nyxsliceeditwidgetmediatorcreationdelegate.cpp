@@ -9,6 +9,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "slice/image/nyxitempainter.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -181,7 +182,7 @@ void NYXSliceEditWidgetMediatorCreationDelegate::apply()
   if (!text.isEmpty())
   {
     cancel();
-    QMessageBox::warning(&editMediator().window(), "Usage error", text);
+    QMessageBox::warning(&editMediator().window(), "Usage error", plainText(text));
     return;
   }
   if (_item->getSize() == 0) return cancel();

@@ -10,6 +10,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/nyxcontourvertices.h"
 #include "slice/nyxregionbrush.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
@@ -217,7 +218,7 @@ void NYXSliceEditWidgetMediatorEditionDelegate::deleteNear(const Vector<int>& po
   if (refusal.isEmpty())
     return editMediator().history().push(std::make_unique<NYXRemoveVertexAction>(*_item, vertex), true);
   release();
-  QMessageBox::warning(&editMediator().window(), "Warning", refusal);
+  QMessageBox::warning(&editMediator().window(), "Warning", plainText(refusal));
 }
 
 QString NYXSliceEditWidgetMediatorEditionDelegate::deletionRefusal() const

@@ -14,6 +14,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/nyxcontourvertices.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -397,7 +398,8 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::removeSelection()
   if (!whole.empty()) actions.push_back(std::make_unique<NYXItemDeletionAction>(whole));
   editMediator().pushStep(std::move(actions));
   notifySelection();
-  for (const QString& refusal : refusals) QMessageBox::warning(&editMediator().window(), "Vertex suppresion", refusal);
+  for (const QString& refusal : refusals)
+    QMessageBox::warning(&editMediator().window(), "Vertex suppresion", plainText(refusal));
 }
 
 void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
@@ -447,7 +449,7 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::convertSelection(const QString
   }
   catch (const UsageError& error)
   {
-    QMessageBox::warning(&editMediator().window(), tr("Convert"), QString::fromStdString(error.getWhat()));
+    QMessageBox::warning(&editMediator().window(), tr("Convert"), plainText(QString::fromStdString(error.getWhat())));
   }
 }
 

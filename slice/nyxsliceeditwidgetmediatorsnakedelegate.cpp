@@ -8,6 +8,7 @@
 #include "model/modelitem.h"
 #include "model/stackslice.h"
 #include "slice/image/nyximageproxy.h"
+#include "slice/image/nyxplaintext.h"
 #include "slice/image/nyxprogressrun.h"
 #include "slice/nyxsliceeditwidgetcanvas.h"
 #include "slice/nyxsliceeditwidgetmediator.h"
@@ -127,7 +128,7 @@ bool NYXSliceEditWidgetMediatorSnakeDelegate::run(NYXSnakeRun& run)
   }
   catch (const Exception& error)
   {
-    QMessageBox::warning(&editMediator().window(), tr("Error"), QString::fromStdString(error.getWhat()));
+    QMessageBox::warning(&editMediator().window(), tr("Error"), plainText(QString::fromStdString(error.getWhat())));
   }
   _run = nullptr;
   return isDone;
@@ -175,5 +176,5 @@ void NYXSliceEditWidgetMediatorSnakeDelegate::tellResult(const NYXSnakeRun& run)
     const std::string& slice = run.slices()[run.results().size()]->getName();
     text += "\n\n" + tr("It ended on slice %1; the contours before it are kept.").arg(QString::fromStdString(slice));
   }
-  QMessageBox::warning(&editMediator().window(), tr("Run Snake"), text);
+  QMessageBox::warning(&editMediator().window(), tr("Run Snake"), plainText(text));
 }

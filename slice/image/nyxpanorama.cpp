@@ -6,6 +6,7 @@
 #include "app/core/nyxstack.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxplaintext.h"
 
 #include <QHelpEvent>
 #include <QIcon>
@@ -348,7 +349,7 @@ QString NYXPanorama::toolTipOf(int slice) const
   if (thumbnail != nullptr && !thumbnail->problem.isEmpty())
     lines << tr("The image of this slice cannot be shown.") << thumbnail->problem;
   const QString text = lines.join('\n');
-  return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+  return plainText(text);
 }
 
 void NYXPanorama::stackCloseEvent(const NYXStackCloseEvent& event)

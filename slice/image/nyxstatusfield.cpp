@@ -1,5 +1,7 @@
 #include "slice/image/nyxstatusfield.h"
 
+#include "slice/image/nyxplaintext.h"
+
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
@@ -59,7 +61,6 @@ bool NYXStatusField::event(QEvent* event)
 {
   if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= placeOfText().width())
     return QLabel::event(event);
-  const QString whole = Qt::mightBeRichText(text()) ? text().toHtmlEscaped() : text();
-  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole + "\n" + toolTip(), this);
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainText(text() + "\n" + toolTip()), this);
   return true;
 }
