@@ -39,6 +39,7 @@ void NYXAnalysisWindowMediator::initialize()
   connect(_measures, &NYXMeasures::outdated, this, &NYXAnalysisWindowMediator::showState);
   connect(_measures, &NYXMeasures::runningChanged, this, &NYXAnalysisWindowMediator::showState);
   connect(_measures, &NYXMeasures::progressChanged, &_window, &NYXAnalysisWindow::showProgress);
+  connect(_measures, &NYXMeasures::failed, &_window, &NYXAnalysisWindow::showMessage);
   connect(&_window.tabs(), &QTabWidget::currentChanged, this, &NYXAnalysisWindowMediator::showState);
   connect(&_window.models(), &NYXModelAnalysisWidget::opened, this,
           [this](int model)

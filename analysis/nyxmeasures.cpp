@@ -227,6 +227,7 @@ void NYXMeasures::takeResults(bool isDone)
     emit modelsChanged();
     if (areItemsOfModel) emit itemsChanged();
   }
+  if (!_run.error().isEmpty()) emit failed(_run.error());
   if (isWanted && (areModelsStale() || areItemsStale())) startDelay();
   showRunning();
 }

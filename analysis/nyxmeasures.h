@@ -64,6 +64,8 @@ signals:
   void itemsChanged();
   /// Measures are stale now.
   void outdated();
+  /// Nothing could be measured. \param reason  in one line
+  void failed(const QString& reason);
   void progressChanged(double share);
   void runningChanged(bool isRunning);
 

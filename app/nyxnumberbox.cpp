@@ -107,6 +107,7 @@ QString NYXNumberBox::textFromValue(double number) const
 std::optional<double> NYXNumberBox::parse(QString text) const
 {
   if (text.endsWith(suffix())) text.chop(suffix().size());
+  if (decimals() == 0 && (text.contains('.') || text.contains(','))) return {};
   bool isNumber = false;
   const double number = toNumber(text.trimmed(), locale(), isNumber);
   if (!isNumber || !(minimum() <= number && number <= maximum())) return {}; // also "nan"

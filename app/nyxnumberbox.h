@@ -36,6 +36,8 @@ public:
   QString textFromValue(double number) const override;
   double valueFromText(const QString& text) const override;
   QValidator::State validate(QString& text, int& position) const override;
+  /// Mends nothing: what is no number gives way to the one before.
+  void fixup(QString&) const override {}
   void stepBy(int steps) override;
 
 signals:

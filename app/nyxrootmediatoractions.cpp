@@ -15,6 +15,7 @@
 #include "app/nyxstacklistwidget.h"
 #include "app/nyxstackpropertiesdialog.h"
 #include "app/nyxtransfermodelsdialog.h"
+#include "slice/image/nyxlistmenu.h"
 #include "viewer/nyxrenderingwindow.h"
 
 #include <QAction>
@@ -165,9 +166,8 @@ void NYXRootMediator::createListMenus()
     action->setSeparator(true);
     return action;
   };
-  _stackList->setContextMenuPolicy(Qt::ActionsContextMenu);
-  _stackList->addActions(
-      {_saveStack, _saveStackAs, _closeStack, separator("stackMenuSeparator"), _stackProperties, _annotateStack});
+  setListMenu(*_stackList, {_saveStack, _saveStackAs, _closeStack, separator("stackMenuSeparator"), _stackProperties,
+                            _annotateStack});
   _sliceList->setMenuActions({_insertSlice, _deleteSlice, _moveSliceUp, _moveSliceDown, separator("sliceMenuSeparator"),
                               _sliceProperties, _annotateSlice});
 }

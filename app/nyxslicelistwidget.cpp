@@ -4,6 +4,7 @@
 #include "model/model.h"
 #include "model/modelitem.h"
 #include "model/stackslice.h"
+#include "slice/image/nyxlistmenu.h"
 #include "slice/image/nyxplaintext.h"
 
 #include <QIcon>
@@ -124,8 +125,7 @@ NYXSliceListWidget::NYXSliceListWidget(QWidget* parent)
 
 void NYXSliceListWidget::setMenuActions(const QList<QAction*>& actions)
 {
-  _list->setContextMenuPolicy(Qt::ActionsContextMenu);
-  _list->addActions(actions);
+  setListMenu(*_list, actions);
 }
 
 void NYXSliceListWidget::setStack(const NYXStack* stack)

@@ -3,9 +3,9 @@
 
     xvfb-run -a bench/loadgrowth.py build/release/bench/load_stack [--most GROWTH] [SLICES SLICES ...]
 
-
-Runs load_stack for each number of slices, 100 and 1000 unless given, and prints its figures side by side. "growth" is the ratio of the last figure to
-the first one over the ratio of the numbers of slices: 1 is linear, what does not depend on the number is far below. Fails when a growth is above the most that is allowed.
+Runs load_stack for each number of slices, 100 and 1000 unless given, and prints its figures side by side. "growth" is the
+ratio of the last figure to the first one over the ratio of the numbers of slices: 1 is linear, what does not depend on the
+number is far below. Fails when a growth is above the most that is allowed.
 """
 
 import argparse
@@ -17,12 +17,12 @@ import sys
 def figures(program, slices):
     """Of each step the milliseconds (the median of many) and the peak of the memory after it in megabytes."""
     output = subprocess.run([program, str(slices)], check=True, capture_output=True, text=True).stdout
-    found = {}
+    found = []
     for line in output.splitlines():
         match = re.match(r"([^:]+): (?:median )?([\d.e+]+) ms.* peak (\d+) MB", line)
         if match:
-            found[match[1] + " [ms]"] = float(match[2])
-            found["peak memory after it [MB]" + " " * len(found)] = float(match[3])
+            found.append((match[1] + " [ms]", float(match[2])))
+            found.append(("peak memory after it [MB]", float(match[3])))
     return found
 
 
@@ -36,10 +36,11 @@ def main():
     columns = [figures(arguments.program, number) for number in numbers]
     greatest = 0
     print(f"{'':36}" + "".join(f"{number:>10}" for number in numbers) + "    growth")
-    for step in columns[0]:
-        growth = columns[-1][step] / columns[0][step] / (numbers[-1] / numbers[0])
+    for steps in zip(*columns):
+        values = [value for _, value in steps]
+        growth = values[-1] / values[0] / (numbers[-1] / numbers[0])
         greatest = max(greatest, growth)
-        print(f"{step.strip():36}" + "".join(f"{column[step]:10.4g}" for column in columns) + f"{growth:10.2f}")
+        print(f"{steps[0][0]:36}" + "".join(f"{value:10.4g}" for value in values) + f"{growth:10.2f}")
     if greatest > arguments.most:
         sys.exit(f"a growth of {greatest:.2f} is more than {arguments.most}")
 

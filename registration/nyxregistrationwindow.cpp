@@ -7,6 +7,7 @@
 #include "registration/nyxregistrationstatusbar.h"
 #include "registration/nyxregistrationtoolbar.h"
 #include "registration/nyxregistrationview.h"
+#include "slice/image/nyxcloseaction.h"
 #include "slice/image/nyximagewidgetcanvas.h"
 #include "slice/image/nyximagewidgetstatusbar.h"
 
@@ -36,13 +37,7 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
   _mediator->setAutomaticPanel(*_automaticPanel);
   _mediator->setStatusBar(*_statusBar);
   connect(_mediator, &NYXRegistrationMediator::stateChanged, this, &NYXRegistrationWindow::showTitle);
-  auto* const close = new QAction(tr("Close"), this);
-  close->setObjectName("close");
-  close->setShortcut(QKeySequence("Ctrl+W"));
-  close->setToolTip(tr("Close this window (Ctrl+W)"));
-  close->setStatusTip(tr("Close this window"));
-  connect(close, &QAction::triggered, this, &QWidget::close);
-  addAction(close);
+  addCloseAction(*this);
   layOut();
   _mediator->initialize();
   restoreGeometryFromSettings();

@@ -416,9 +416,11 @@ void NYXSliceEditWidgetMediatorSelectionDelegate::decimateSelection()
     numAfter += isPossible ? decimated.getSize() : item->getSize();
     if (isPossible) actions.push_back(std::make_unique<NYXItemVerticesChangeAction>(*item, decimated));
   }
-  editMediator().pushStep(std::move(actions));
-  editMediator().showMessage(numAfter < numBefore ? tr("%1 of %2 vertices are left").arg(numAfter).arg(numBefore)
-                                                  : tr("All %1 vertices are needed").arg(numBefore));
+  const bool isStep = editMediator().pushStep(std::move(actions));
+  if (numAfter == numBefore)
+    editMediator().showMessage(tr("All %1 vertices are needed").arg(numBefore));
+  else if (isStep)
+    editMediator().showMessage(tr("%1 of %2 vertices are left").arg(numAfter).arg(numBefore));
   notifySelection();
 }
 

@@ -92,6 +92,7 @@ void NYXRenderingWindow::followModels()
   connect(_models, &NYXSceneModels::updated, _images, &NYXSceneImages::addPainters);
   connect(_models, &NYXSceneModels::modelsChanged, this, &NYXRenderingWindow::showEmptyNote);
   connect(_models, &NYXSceneModels::unitChanged, &_mediator->landmarks(), &LandmarksDelegate::scale);
+  connect(_models, &NYXSceneModels::unitChanged, this, [this] { refreshImages(&_stack); });
   connect(_images, &NYXSceneImages::imagesChanged, this, &NYXRenderingWindow::showEmptyNote);
   connect(_cancel, &QPushButton::clicked, _models, &NYXSceneModels::cancel);
 }
@@ -248,7 +249,8 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
 
 void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  refreshImages(&event.getStack());
+  const bool isUnitShown = _models->unit() == QString::fromStdString(_stack.getLengthUnit().symbol());
+  if (isUnitShown) refreshImages(&event.getStack()); // else they follow with the models
 }
 
 void NYXRenderingWindow::sliceSpacingEvent(const NYXSliceSpacingEvent& event)

@@ -3,6 +3,7 @@
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxstack.h"
 #include "numeric/progresssubject.h"
+#include "slice/image/nyxcloseaction.h"
 #include "slice/image/nyxintegerbox.h"
 #include "slice/image/nyxprogressrun.h"
 #include "slice/image/nyxstatusfield.h"
@@ -176,13 +177,7 @@ void NYXRenderingWindow::createToolBar()
   _toolBar->addAction(&_mediator->landmarksAction());
   QWidget::addActions(_mediator->poseActions());
   QWidget::addAction(&_mediator->centerAction());
-  auto* const close = new QAction(tr("Close"), this);
-  close->setObjectName("close");
-  close->setShortcut(QKeySequence("Ctrl+W"));
-  close->setToolTip(tr("Close this window (Ctrl+W)"));
-  close->setStatusTip(tr("Close this window"));
-  connect(close, &QAction::triggered, this, &QWidget::close);
-  QWidget::addAction(close);
+  addCloseAction(*this);
   connect(_video, &NYXRenderingVideo::recordingChanged, _record, &QAction::setChecked);
   connect(_video, &NYXRenderingVideo::frameRecorded, this,
           [this](int numFrames)

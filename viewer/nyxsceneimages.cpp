@@ -38,13 +38,9 @@ template <class Painter> struct Reading
     catch (const Cancelled&)
     {
     }
-    catch (const Exception& error)
+    catch (...)
     {
-      problem = errorText(error);
-    }
-    catch (const std::bad_alloc&)
-    {
-      problem = NYXSceneImages::tr("There is not enough memory for the image");
+      problem = handledErrorText();
     }
   }
 };

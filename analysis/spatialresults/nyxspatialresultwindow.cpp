@@ -4,6 +4,7 @@
 #include "app/core/nyxproposedfilename.h"
 #include "numeric/atomicfile.h"
 #include "numeric/exception.h"
+#include "slice/image/nyxcloseaction.h"
 #include "slice/image/nyxfiledialog.h"
 
 #include <QAction>
@@ -148,13 +149,7 @@ void NYXSpatialResultWindow::createActions()
                 &Window::copyPlot);
   addToolAction(tr("Save curves..."), tr("Save the curves of this function on all slices to a text file"), {}, "save",
                 &Window::saveCurves);
-  auto* const close = new QAction(tr("Close"), this);
-  close->setObjectName("Close");
-  close->setShortcut(QKeySequence("Ctrl+W"));
-  close->setToolTip(tr("Close this window (Ctrl+W)"));
-  close->setStatusTip(tr("Close this window"));
-  connect(close, &QAction::triggered, this, &QWidget::close);
-  addAction(close);
+  addCloseAction(*this);
 }
 
 void NYXSpatialResultWindow::createTable()

@@ -237,7 +237,7 @@ std::vector<std::string> stackWriterWarnings(const Stack& stack)
   std::vector<std::string>& warnings = losses.lines;
   checkLengths(stack, stack.getLengthUnit(), losses);
   checkAnnotation("Stack", stack.getAnnotation(), warnings);
-  if (hasThickness(stack)) warnings.emplace_back("The thickness of slices is not written: stack files do not hold it");
+  if (hasThickness(stack)) warnings.emplace_back("The thickness of slices is not written: stack files do not hold it.");
   NameCheck sliceNames("slices", warnings), modelNames("models", warnings);
   for (int i = 0; i < stack.getNumSlices(); ++i)
   {

@@ -13,6 +13,8 @@ public:
 
   double valueFromText(const QString& text) const override;
   QValidator::State validate(QString& text, int& position) const override;
+  /// Mends nothing: what is no number gives way to the one before.
+  void fixup(QString&) const override {}
 
 private:
   QString withLocalSign(QString text) const;

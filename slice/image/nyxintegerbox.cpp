@@ -2,6 +2,6 @@
 
 QValidator::State NYXIntegerBox::validate(QString& text, int& position) const
 {
-  if (text.contains('.') || text.contains(',')) return QValidator::Invalid;
+  if (text.contains('.') || text.contains(',')) return QValidator::Intermediate;
   return QSpinBox::validate(text, position);
 }

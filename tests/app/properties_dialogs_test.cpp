@@ -382,31 +382,44 @@ TEST(NumberBox, TakesPointAndCommaForDecimalSignsInEachLanguage)
   }
 }
 
-TEST(NumberBox, OfFixedDecimalsTakesPointAndCommaInEachLanguage)
+TEST(NumberBox, TakesNoSignBetweenGroupsOfDigits)
 {
   const struct
   {
     const char* typed;
-    double number;
-    int whole; // what a box of whole numbers makes of it
-  } cases[] = {{"4.5", 4.5, 45}, {"4,5", 4.5, 45}, {"-1200.5", -1200.5, -12005}, {"1.234,5", 1.23, 12345}, {"7", 7, 7}};
-  for (const QLocale& locale : {QLocale(QLocale::German), QLocale(QLocale::French), QLocale::c()})
+    double number; // of a box with two decimals, which held 7
+    int whole;     // of a box of whole numbers, which held 7
+  } cases[] = {{"4.5", 4.5, 4},      {"4,5", 4.5, 4}, {"-1200.5", -1200.5, -1200},
+               {"1.234,5", 1.23, 1}, {"1.000", 1, 1}, {"9,99", 9.99, 9},
+               {"12", 12, 12},       {"", 7, 7}};
+  for (const QLocale& locale : {QLocale(QLocale::German), QLocale(QLocale::French), QLocale(QLocale::English)})
     for (const auto& c : cases)
     {
-      NYXDecimalBox box;
+      SCOPED_TRACE(locale.name().toStdString() + " " + c.typed);
+      NYXDecimalBox fixed;
       NYXIntegerBox whole;
-      for (QAbstractSpinBox* field : {static_cast<QAbstractSpinBox*>(&box), static_cast<QAbstractSpinBox*>(&whole)})
-        field->setLocale(locale);
-      box.setRange(-1e5, 1e5);
-      box.setSuffix(" %");
-      whole.setRange(-100000, 100000);
-      box.selectAll();
-      whole.selectAll();
-      QTest::keyClicks(&box, c.typed);
-      QTest::keyClicks(&whole, c.typed);
-      EXPECT_EQ(box.value(), c.number) << locale.name().toStdString() << " " << c.typed;
-      EXPECT_EQ(whole.value(), c.whole) << locale.name().toStdString() << " " << c.typed;
-      EXPECT_EQ(whole.text(), QString::number(c.whole)); // seen while it is typed
+      NYXNumberBox number;
+      number.setDecimals(0);
+      fixed.setSuffix(" %");
+      const auto type = [&](auto& box)
+      {
+        box.setLocale(locale);
+        box.setRange(-100000, 100000);
+        box.setValue(7);
+        box.selectAll();
+        QTest::keyClick(&box, Qt::Key_Delete);
+        QTest::keyClicks(&box, c.typed);
+        QTest::keyClick(&box, Qt::Key_Return);
+        return box.cleanText();
+      };
+      number.setRange(-100000, 100000);
+      number.setNumber(7);
+      EXPECT_EQ(locale.toDouble(type(fixed)), c.number);
+      EXPECT_EQ(fixed.value(), c.number);
+      EXPECT_EQ(type(whole), QString::number(c.whole));
+      EXPECT_EQ(whole.value(), c.whole);
+      const QString shown = type(number);
+      EXPECT_EQ(shown, QString::number(number.getNumber())) << "what is shown is what counts";
     }
 }
 } // namespace

@@ -162,7 +162,7 @@ TEST_F(SpatialResultWindow, ClosesAndRemembersItsPlace)
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
   window->resize(951, 653);
   QCoreApplication::processEvents();
-  window->findChild<QAction*>("Close")->trigger();
+  window->findChild<QAction*>("close")->trigger();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_TRUE(window.isNull());
   const NYXSpatialResultWindow again(NYXSpatialResult(analysis, "cells", "µm"));
