@@ -2,8 +2,7 @@
 
 #include "analysis/nyxanalysiswindow.h"
 #include "analysis/nyxanalysiswindowmediator.h"
-#include "app/core/actions/nyxsliceinsertiondeletionaction.h"
-#include "app/core/actions/nyxsliceorderaction.h"
+#include "app/core/actions/nyxsliceaction.h"
 #include "app/core/nyxeventserver.h"
 #include "app/core/nyxsettings.h"
 #include "app/core/nyxstack.h"
@@ -68,11 +67,6 @@ void enableQuietly(QWidget& list, bool isEnabled)
       mixture(palette.color(QPalette::Active, QPalette::Text), palette.color(QPalette::Active, QPalette::Base)));
   list.setPalette(isEnabled ? QPalette() : palette);
   list.setEnabled(isEnabled);
-}
-
-QString nameOf(const StackSlice& slice)
-{
-  return QString::fromStdString(slice.getName());
 }
 } // namespace
 
@@ -329,14 +323,16 @@ QString NYXRootMediator::missingSliceText() const
 
 QString NYXRootMediator::lockText(const StackSlice& slice)
 {
-  return tr("Slice %1 is locked: a computation works on it").arg(nameOf(slice));
+  return tr("Slice %1 is locked: a computation works on it").arg(QString::fromStdString(slice.getName()));
 }
 
 /// Why a step cannot be undone or made again now; empty when it can.
 QString NYXRootMediator::obstacleText(const StackSlice* obstacle, const StackSlice* locked)
 {
   if (locked != nullptr) return lockText(*locked);
-  return obstacle == nullptr ? QString() : tr("A step on slice %1 comes first: go there").arg(nameOf(*obstacle));
+  return obstacle == nullptr
+             ? QString()
+             : tr("A step on slice %1 comes first: go there").arg(QString::fromStdString(obstacle->getName()));
 }
 
 /// Nothing is edited on a slice while a computation works on it.
@@ -389,90 +385,6 @@ void NYXRootMediator::enableSliceMoves(const QString& obstacle)
   enableUnless(*_deleteSlice, {});
   enableUnless(*_moveSliceUp, isFirst ? tr("This is the first slice") : QString());
   enableUnless(*_moveSliceDown, isLast ? tr("This is the last slice") : QString());
-}
-
-/// Makes a change that the user of this window asks for, and shows the slice that came or moved with it, if one did.
-void NYXRootMediator::change(const std::function<void(NYXStack&)>& make)
-{
-  NYXStack* const stack = currentStack();
-  if (stack == nullptr) return;
-  _concernedSlice = nullptr;
-  try
-  {
-    make(*stack);
-  }
-  catch (const Exception& error)
-  {
-    _statusBar->showMessage(QString::fromStdString(error.getWhat()), messageMilliseconds);
-    refreshSlices();
-  }
-  if (_concernedSlice != nullptr) _sliceList->selectSlice(*_concernedSlice);
-}
-
-void NYXRootMediator::undo()
-{
-  change([this](NYXStack& stack) { stack.histories().undo(currentSlice()); });
-}
-
-void NYXRootMediator::redo()
-{
-  change([this](NYXStack& stack) { stack.histories().redo(currentSlice()); });
-}
-
-void NYXRootMediator::insertSlices()
-{
-  change([this](NYXStack& stack) { stackIO().insertSlices(stack, qMax(_sliceList->currentSlice(), 0)); });
-}
-
-QString NYXRootMediator::deletionText(const StackSlice& slice)
-{
-  const auto numItems = static_cast<int>(slice.getItems().size());
-  if (numItems == 0) return tr("Deleted slice %1; Undo restores it").arg(nameOf(slice));
-  if (numItems == 1) return tr("Deleted slice %1 with 1 item; Undo restores both").arg(nameOf(slice));
-  return tr("Deleted slice %1 with %2 items; Undo restores them").arg(nameOf(slice)).arg(numItems);
-}
-
-/// Registration and distance are relative to the slice before, which becomes another one.
-QString NYXRootMediator::neighbourText(const NYXStack& stack, const StackSlice& deleted)
-{
-  const int place = deleted.getIndex();
-  if (place < 1 || place + 1 >= stack.getNumSlices()) return {};
-  const StackSlice& next = *stack.getSlice(place + 1);
-  return tr(". Slice %1 now lies on slice %2: check its alignment and distance")
-      .arg(nameOf(next), nameOf(*stack.getSlice(place - 1)));
-}
-
-void NYXRootMediator::deleteSlice()
-{
-  change(
-      [this](NYXStack& stack)
-      {
-        StackSlice& slice = *currentSlice();
-        const QString text = deletionText(slice) + neighbourText(stack, slice);
-        stack.history().pushStep(std::make_unique<NYXSliceInsertionDeletionAction>(slice));
-        _statusBar->showMessage(text, messageMilliseconds);
-      });
-}
-
-void NYXRootMediator::moveCurrentSlice(int distance)
-{
-  const int slice = _sliceList->currentSlice();
-  moveSlice(slice, slice + distance);
-}
-
-void NYXRootMediator::moveSlice(int slice, int place)
-{
-  change(
-      [&](NYXStack& stack)
-      {
-        if (slice < 0 || slice >= stack.getNumSlices()) return;
-        StackSlice& moved = *stack.getSlice(slice);
-        stack.history().pushStep(std::make_unique<NYXSliceOrderAction>(moved, place));
-        const QString text = moved.useRelativePosition()
-                                 ? tr("Moved slice %1 to place %2")
-                                 : tr("Moved slice %1 to place %2; it keeps its absolute depth");
-        _statusBar->showMessage(text.arg(QString::fromStdString(moved.getName())).arg(place + 1), messageMilliseconds);
-      });
 }
 
 void NYXRootMediator::followHistories()
