@@ -44,6 +44,11 @@ NYXRegistrationWindow::NYXRegistrationWindow(QWidget* parent)
   _view->canvas().setFocus();
 }
 
+NYXRegistrationWindow::~NYXRegistrationWindow()
+{
+  hide(); // while it is whole: a field in which a number was typed tells of it when it is hidden
+}
+
 void NYXRegistrationWindow::layOut()
 {
   _view->toolBar().hide();

@@ -18,6 +18,7 @@ class NYXRegistrationWindow : public QWidget
 
 public:
   explicit NYXRegistrationWindow(QWidget* parent = nullptr);
+  ~NYXRegistrationWindow() override;
 
   /// Follows another stack, unless the user would rather keep what is edited; nullptr for none.
   void setStack(NYXStack* stack);

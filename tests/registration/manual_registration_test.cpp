@@ -156,6 +156,23 @@ TEST_F(ManualRegistration, FieldsEditWhatTheyShowAndKeepTheRest)
   EXPECT_EQ(stack->getSlice(1)->getRegistration().getVerticalShift(), 44);
 }
 
+TEST_F(ManualRegistration, ANumberThatWasTypedIsToldOfBeforeTheWindowIsDestroyed)
+{
+  open(2);
+  auto& field = part<QSpinBox>("verticalShift");
+  field.selectAll();
+  QTest::keyClicks(&field, "44");
+  int numTold = 0;
+  QObject::connect(&mediator(), &NYXRegistrationMediator::stateChanged,
+                   [&]
+                   {
+                     ++numTold;
+                     EXPECT_NE(dynamic_cast<NYXRegistrationWindow*>(field.window()), nullptr);
+                   });
+  window.reset();
+  EXPECT_EQ(numTold, 1);
+}
+
 TEST_F(ManualRegistration, UndoInAFieldIsThatOfTheWindowUnlessANumberIsBeingTyped)
 {
   open(2);

@@ -32,6 +32,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QProcess>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
@@ -43,7 +44,7 @@
 
 namespace
 {
-/// Acts once on each modal dialog that appears meanwhile.
+/// Acts once on each modal dialog that appears meanwhile, but for those that a slow machine shows of progress.
 void inDialogs(const std::function<void(QDialog&)>& act, const std::function<void()>& work)
 {
   QTimer timer;
@@ -52,7 +53,7 @@ void inDialogs(const std::function<void(QDialog&)>& act, const std::function<voi
                    [&]
                    {
                      auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-                     if (dialog == nullptr || dialog == last) return;
+                     if (dialog == nullptr || dialog == last || qobject_cast<QProgressDialog*>(dialog)) return;
                      last = dialog;
                      act(*dialog);
                    });
