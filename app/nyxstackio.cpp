@@ -398,11 +398,13 @@ NYXStack* NYXStackIO::readStack(const QString& file)
   return &NYXStackServer::server().addStack(std::move(stack));
 }
 
-/// Losses of lengths that were told before are not told again.
-void NYXStackIO::showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const
+/// Losses that were accepted, or told at the last save, are not told again.
+void NYXStackIO::showWarnings(NYXStack& stack, const QString& filename, const StackWriter& writer) const
 {
   QStringList lines = toQStrings(writer.getWarnings());
-  for (const QString& told : stack.getAcceptedLosses()) lines.removeOne(told);
+  const QStringList known = stack.getAcceptedLosses() + stack.getToldWarnings();
+  stack.setToldWarnings(lines);
+  for (const QString& told : known) lines.removeOne(told);
   if (lines.isEmpty()) return;
   warn(_parent, {tr("Saved with losses"), tr("%1 does not say all that the stack does.").arg(filename),
                  lines.mid(0, maxNumWarnings).join('\n')});

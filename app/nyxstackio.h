@@ -66,7 +66,7 @@ private:
   void insertSlices(NYXStack& stack, NewSlices made, int place) const;
   void openNewStack(std::unique_ptr<NYXStack> stack, const QString& name);
   void showFormatError() const;
-  void showWarnings(const NYXStack& stack, const QString& filename, const StackWriter& writer) const;
+  void showWarnings(NYXStack& stack, const QString& filename, const StackWriter& writer) const;
   Result write(NYXStack& stack, const QString& filename, QString& reason);
   bool settleLosses(NYXStack& stack) const;
   bool mayOverwrite(const NYXStack& stack, const QString& filename) const;

@@ -234,7 +234,8 @@ void NYXRenderingWindow::refreshImages(const Stack* stack)
 {
   if (stack != &_stack) return;
   _slice->setRange(1, qMax(1, _stack.getNumSlices()));
-  _images->refresh();
+  const bool isUnitShown = _models->unit() == QString::fromStdString(_stack.getLengthUnit().symbol());
+  if (isUnitShown) _images->refresh(); // else they follow with the models
 }
 
 void NYXRenderingWindow::stackRegistrationEvent(const NYXStackRegistrationEvent& event)
@@ -249,8 +250,7 @@ void NYXRenderingWindow::stackSliceSpacingEvent(const NYXStackSliceSpacingEvent&
 
 void NYXRenderingWindow::stackImageCalibrationEvent(const NYXStackImageCalibrationEvent& event)
 {
-  const bool isUnitShown = _models->unit() == QString::fromStdString(_stack.getLengthUnit().symbol());
-  if (isUnitShown) refreshImages(&event.getStack()); // else they follow with the models
+  refreshImages(&event.getStack());
 }
 
 void NYXRenderingWindow::sliceSpacingEvent(const NYXSliceSpacingEvent& event)

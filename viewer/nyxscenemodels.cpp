@@ -236,6 +236,7 @@ void NYXSceneModels::modelDeleteEvent(const NYXModelDeleteEvent& event)
   _hiddenModels.erase(&event.getModel());
   forgetDeletedItems();
   drop(&event.getModel());
+  if (_stack.getNumModels() == 0 && !_run.isRunning()) showScale(lengthScale());
   emit modelsChanged();
 }
 

@@ -15,7 +15,7 @@
 namespace
 {
 constexpr int largestMotionAngle = 90;
-constexpr int longestTimeout = 10000;
+constexpr int longestTimeout = 999; // of three digits, between which no sign can stand
 } // namespace
 
 ViewerMediator::ViewerMediator(ViewerCanvasGL& canvas, ViewerPosePanel& panel, QObject* parent)

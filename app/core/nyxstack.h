@@ -44,6 +44,9 @@ public:
   /// The losses of digits that the user was told of and accepts when the stack is saved.
   const QStringList& getAcceptedLosses() const { return _acceptedLosses; }
   void setAcceptedLosses(const QStringList& lines) { _acceptedLosses = lines; }
+  /// What the last save told that the file does not say.
+  const QStringList& getToldWarnings() const { return _toldWarnings; }
+  void setToldWarnings(const QStringList& lines) { _toldWarnings = lines; }
 
   bool isModified() const;
   /// Posts NYXStackModifyEvent. Not modified: the stack is saved as it is now. Modified: it stays so until saved.
@@ -118,6 +121,7 @@ private:
   QString _filename;
   FileState _fileState;
   QStringList _acceptedLosses;
+  QStringList _toldWarnings;
   bool _isChangedByOthers = false; // since it was saved, by what no history knows
   int _numLooseChanges = 0;
   bool _wasModified = false; // as told last
