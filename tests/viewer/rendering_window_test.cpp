@@ -8,8 +8,11 @@
 #include "app/core/actions/nyxsliceinsertiondeletionaction.h"
 #include "app/core/actions/nyxslicepropertiesaction.h"
 #include "app/core/actions/nyxstackpropertiesaction.h"
+#include "image/image.h"
+#include "image/imagesourcefile.h"
 #include "model/io/stackreader.h"
 #include "model/pose.h"
+#include "tests/support/temporaryfolder.h"
 #include "viewer/landmarksdelegate.h"
 #include "viewer/nyxcreatevideodialog.h"
 #include "viewer/nyxposelist.h"
@@ -265,6 +268,28 @@ TEST_F(RenderingWindow, UnitAndLandmarksFollowTheSceneWhenLengthsAreConverted)
   stack.history().pushStep(std::make_unique<NYXStackPropertiesAction>(stack, properties));
   waitUntilBuilt();
   expectShown("mm", 1); // the numbers stayed, and so do these
+}
+
+TEST_F(RenderingWindow, ImagesKeepTheUnitOfTheModelsUntilTheseAreMadeAnew)
+{
+  const TemporaryFolder folder;
+  Image(100, 100, 8).writeFile(folder.file("a.tif"), false);
+  stack.getSlice(0)->setImageSource(ImageSourceFile(folder.file("a.tif")));
+  window->findChild<QCheckBox*>("showSliceImage")->click();
+  const std::string name = stack.getSlice(0)->getName();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return painterOf(name.c_str()) != nullptr; }));
+  const auto width = [&]
+  {
+    const auto box = painterOf(name.c_str())->boundingBox();
+    return box.getMaximum()[0] - box.getMinimum()[0];
+  };
+  const float before = width();
+  stack.history().pushStep(std::make_unique<NYXLengthUnitAction>(stack, -9));
+  window->models().cancel();
+  QTest::qWait(100);
+  EXPECT_EQ(width(), before);
+  window->models().rebuild();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return painterOf(name.c_str()) != nullptr && width() > 999 * before; }));
 }
 
 TEST_F(RenderingWindow, SavesAppliesAndDeletesPoses)
