@@ -210,6 +210,8 @@ void NYXMeasures::advanceCopy()
 void NYXMeasures::takeResults(bool isDone)
 {
   const bool isTaken = isDone && !_isRunObsolete;
+  const bool hasFailed = !_isRunObsolete && !_run.error().isEmpty();
+  if (hasFailed) _hasChangedSinceCancel = false; // not again before a change or refresh()
   const bool isWanted = isTaken || _isRunObsolete || _hasChangedSinceCancel;
   _isRunObsolete = false;
   if (isTaken)
@@ -227,7 +229,7 @@ void NYXMeasures::takeResults(bool isDone)
     emit modelsChanged();
     if (areItemsOfModel) emit itemsChanged();
   }
-  if (!_run.error().isEmpty()) emit failed(_run.error());
+  if (hasFailed) emit failed(_run.error());
   if (isWanted && (areModelsStale() || areItemsStale())) startDelay();
   showRunning();
 }

@@ -402,9 +402,10 @@ NYXStack* NYXStackIO::readStack(const QString& file)
 void NYXStackIO::showWarnings(NYXStack& stack, const QString& filename, const StackWriter& writer) const
 {
   QStringList lines = toQStrings(writer.getWarnings());
-  const QStringList known = stack.getAcceptedLosses() + stack.getToldWarnings();
-  stack.setToldWarnings(lines);
-  for (const QString& told : known) lines.removeOne(told);
+  QStringList told = lines;
+  for (const QString& known : stack.getAcceptedLosses() + stack.getToldWarnings()) lines.removeOne(known);
+  for (const QString& later : lines.mid(maxNumWarnings)) told.removeOne(later); // at the next save
+  stack.setToldWarnings(told);
   if (lines.isEmpty()) return;
   warn(_parent, {tr("Saved with losses"), tr("%1 does not say all that the stack does.").arg(filename),
                  lines.mid(0, maxNumWarnings).join('\n')});

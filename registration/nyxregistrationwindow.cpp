@@ -11,7 +11,6 @@
 #include "slice/image/nyximagewidgetcanvas.h"
 #include "slice/image/nyximagewidgetstatusbar.h"
 
-#include <QAction>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>

@@ -149,7 +149,10 @@ void NYXSceneModels::start()
 void NYXSceneModels::takeResults(bool isDone)
 {
   const std::vector<const Model*>& models = _run.shown().models;
-  if (isDone) showScale(_runScale);
+  if (_stack.getNumModels() == 0)
+    showScale(lengthScale());
+  else if (isDone)
+    showScale(_runScale);
   _canvas.makeCurrent();
   for (std::size_t i = 0; isDone && i < models.size(); ++i)
     if (_stack.findModel(models[i]) >= 0) _painted[models[i]] = std::move(_run.painted()[i]);
